@@ -1,0 +1,41 @@
+# Settings that every target shares. Targets take them by linking to project_options.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
+
+option(ROTOR_TRIM_SANITIZE "Build with the address and undefined-behaviour sanitizers" OFF)
+option(ROTOR_TRIM_LIBFUZZER "Build the fuzz targets with libFuzzer (needs clang) instead of the replay main" OFF)
+option(ROTOR_TRIM_PCH "Use precompiled headers" ON)
+
+find_program(CCACHE_PROGRAM ccache)
+if(CCACHE_PROGRAM)
+    # base_dir and no hash of the working directory: clones in other folders share the cache.
+    set(CMAKE_CXX_COMPILER_LAUNCHER
+        ${CMAKE_COMMAND} -E env CCACHE_BASEDIR=${CMAKE_SOURCE_DIR} CCACHE_NOHASHDIR=1
+        CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime ${CCACHE_PROGRAM})
+endif()
+
+add_library(project_options INTERFACE)
+target_include_directories(project_options INTERFACE ${CMAKE_SOURCE_DIR})
+target_compile_options(project_options INTERFACE
+    -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Werror
+    # Figures are the same bits on every machine: no fused multiply-add behind our back.
+    -ffp-contract=off)
+if(CCACHE_PROGRAM AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    target_compile_options(project_options INTERFACE -fpch-preprocess)
+endif()
+if(ROTOR_TRIM_SANITIZE)
+    target_compile_options(project_options INTERFACE
+        -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(project_options INTERFACE -fsanitize=address,undefined)
+endif()
+
+find_program(LLD_PROGRAM ld.lld)
+if(LLD_PROGRAM)
+    target_link_options(project_options INTERFACE -fuse-ld=lld)
+endif()

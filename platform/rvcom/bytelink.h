@@ -1,0 +1,42 @@
+#pragma once
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <span>
+#include <string>
+
+/// A line that carries bytes both ways: serial port, TCP connection, or a pair in one process. Callbacks come on
+/// the window thread, never from inside a call of the same link.
+class IFByteLink {
+public:
+    virtual ~IFByteLink() = default;
+
+    /// Begins to open; OnOpened or OnClosed tells how it went.
+    virtual void Open() = 0;
+    virtual void Close() = 0;
+    virtual bool IsOpen() const = 0;
+    /// Queues bytes for sending. False if the link isn't open.
+    virtual bool Write(std::span<const std::uint8_t> Bytes) = 0;
+    /// What it is connected to, for messages: "serial:/dev/ttyS0:115200".
+    virtual std::string GetName() const = 0;
+
+    std::function<void(std::span<const std::uint8_t>)> OnBytes;
+    std::function<void()> OnOpened;
+    /// The link was lost or could not be opened; the text says why.
+    std::function<void(const std::string&)> OnClosed;
+};
+
+/// Two ends in one process: what one end writes arrives at the other through the event loop, unchanged.
+struct CLinkPair {
+    std::unique_ptr<IFByteLink> m_pFirst;
+    std::unique_ptr<IFByteLink> m_pSecond;
+};
+CLinkPair MakeLinkPair();
+
+/// A link by its description: "serial:PATH[:BAUD]" (8N1, 115200 by default), "tcp:HOST:PORT". Nothing is opened yet.
+/// Null with rError telling what was wrong and what would be right.
+std::unique_ptr<IFByteLink> MakeByteLink(const std::string& rDescription, std::string& rError);
+
+/// The listening side, for simulators: "tcp:HOST:PORT" (one client at a time, port 0 takes a free one) or
+/// "pty:PATH" (a pseudo terminal, linked at PATH). Open() listens.
+std::unique_ptr<IFByteLink> MakeListeningLink(const std::string& rDescription, std::string& rError);

@@ -1,0 +1,82 @@
+#pragma once
+#include <cstdarg>
+#include <cstdint>
+#include <functional>
+#include <initializer_list>
+#include <memory>
+#include <string>
+#include <vector>
+
+/// A topic of a publisher, with its level bit.
+struct CLogTopic {
+    const char* m_pName;
+    std::uint32_t m_Mask;
+};
+
+/// What a listener gets of a log call.
+struct CLogRecord {
+    std::string m_Publisher;
+    std::string m_File;
+    int m_Line = 0;
+    std::string m_Function;
+    std::uint32_t m_Mask = 0;
+    std::string m_LevelName;  ///< "Error", "Warning", "Information", "Debug", or a topic
+    std::string m_Text;
+    std::string m_Expression;  ///< of an assertion
+    bool m_bAssertion = false;
+};
+
+/// A publisher of the log: one per library, made by Register and held in a static pointer. A call's level
+/// mask is tested against the publisher's level; errors and warnings are on from the start, topics off.
+/// Written to a rotating file and, if asked, to the console; listeners see every call that passes the level,
+/// and every assertion whatever the level.
+class CLogComponent {
+public:
+    static constexpr std::uint32_t eError = 1;
+    static constexpr std::uint32_t eWarning = 2;
+    static constexpr std::uint32_t eInformation = 4;
+    static constexpr std::uint32_t eDebug = 0x8000;
+
+    /// The publisher of that name, made with these topics when new. Lives as long as the process.
+    static CLogComponent* Register(const char* pPublisher, std::initializer_list<CLogTopic> Topics);
+    /// The publisher of that name, or null.
+    static CLogComponent* Find(const std::string& rPublisher);
+    static std::vector<CLogComponent*> GetPublishers();
+
+    const std::string& GetName() const { return m_Name; }
+    const std::vector<CLogTopic>& GetTopics() const { return m_Topics; }
+    std::uint32_t GetLevel() const { return m_Level; }
+    void SetLevel(std::uint32_t Level) { m_Level = Level; }
+
+    /// printf-style. pLevelName is the level's or the topic's name.
+    void Log(const char* pFile, int Line, const char* pFunction, std::uint32_t Mask, const char* pLevelName,
+             const char* pFormat, ...) __attribute__((format(printf, 7, 8)));
+    /// Brackets a group of lines under a heading.
+    void LogStartBlock(const char* pFile, int Line, const char* pFunction, std::uint32_t Mask,
+                       const char* pLevelName, const char* pHeading);
+    void LogEndBlock(std::uint32_t Mask);
+    /// A failed assertion. Logs and, with bShow, shows a message box titled "Error"; never changes the flow,
+    /// but stops in the debugger if SetStopOnAssert says so.
+    void LogAssert(const char* pFile, int Line, const char* pFunction, const char* pExpression,
+                   const char* pText, bool bShow);
+
+    static void SetStopOnAssert(bool bStop);
+
+    /// A listener is called for each record until the returned guard goes.
+    using Listener = std::function<void(const CLogRecord&)>;
+    [[nodiscard]] static std::shared_ptr<void> AddListener(Listener Callback);
+
+    /// Starts writing to rDirectory/rotor_trim.log (5 files of 2 MB); false if it can't be opened.
+    static bool OpenFile(const std::string& rDirectory);
+    /// Lines also to stderr, from this level mask on.
+    static void SetConsoleMask(std::uint32_t Mask);
+
+private:
+    CLogComponent(std::string Name, std::initializer_list<CLogTopic> Topics);
+    void Publish(CLogRecord Record);
+
+    std::string m_Name;
+    std::vector<CLogTopic> m_Topics;
+    std::uint32_t m_Level = eError | eWarning;
+    int m_Indent = 0;
+};

@@ -1,0 +1,7 @@
+#include "rvlib/rvgui/log.h"
+
+namespace Gui {
+
+CLogComponent* g_pLog = CLogComponent::Register("GUI_toolkit", {{"Envelope", eEnvelopeTopic}});
+
+}  // namespace Gui

@@ -1,0 +1,15 @@
+#pragma once
+
+/// Why a callback of the communication comes.
+namespace Comm {
+
+enum Reason : int {
+    eSuccess = 0,     ///< an answer to a request of ours
+    eIndication = 1,  ///< the module sent this by itself
+    eTimeout = 2,     ///< all transmissions went unanswered
+    eError = 3        ///< an answer came but could not be used
+};
+
+}  // namespace Comm
+
+using Comm::Reason;

@@ -1,0 +1,18 @@
+// Entry point of every test program: Qt on its offscreen platform, so that pictures are what an operator would see,
+// and English texts, whatever the machine's language.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QApplication>
+
+#include "platform/rvldb/gettext.h"
+
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("XDG_RUNTIME_DIR", qgetenv("XDG_RUNTIME_DIR").isEmpty() ? "/tmp" : qgetenv("XDG_RUNTIME_DIR"));
+    QApplication App(argc, argv);
+    QApplication::setStyle("fusion");
+    SetLanguage("en");
+    testing::InitGoogleMock(&argc, argv);
+    return RUN_ALL_TESTS();
+}
