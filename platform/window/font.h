@@ -9,8 +9,8 @@ public:
     static constexpr int eBold = 700;
 
     CFont() = default;
-    /// Height is the cell height in pixels (ascent plus descent); Weight 100 to 900. Escapement is the angle of
-    /// the base line in tenths of a degree, counter-clockwise.
+    /// Height is the cell height in pixels (ascent plus descent); Weight 100 to 900. Escapement is the angle
+    /// of the base line in tenths of a degree, counter-clockwise.
     CFont(std::string FaceName, int Height, int Weight = eNormal, int Escapement = 0)
         : m_FaceName(std::move(FaceName)), m_Height(Height), m_Weight(Weight), m_Escapement(Escapement) {}
 

@@ -12,11 +12,12 @@ constexpr UINT WM_TIMER = 275;
 // Host to module.
 constexpr UINT WM_RV_RAWDATA_FIRST = 1035;  ///< 1035 to 1040: a received frame; all treated alike
 constexpr UINT WM_RV_RAWDATA_LAST = 1040;
-constexpr UINT WM_RV_INITWINDOW = 1045;       ///< wParam module address, lParam bit field
-constexpr UINT WM_RV_MODULEACTION = 1058;     ///< wParam action, lParam flag
-constexpr UINT WM_RV_DESTROYPENDING = 1088;   ///< the host is about to destroy the window
+constexpr UINT WM_RV_INITWINDOW = 1045;         ///< wParam module address, lParam bit field
+constexpr UINT WM_RV_MODULEACTION = 1058;       ///< wParam action, lParam flag
+constexpr UINT WM_RV_DESTROYPENDING = 1088;     ///< the host is about to destroy the window
 constexpr UINT WM_RV_PREBALANCINGSTATE = 1123;  ///< wParam wanted state
-constexpr UINT WM_RV_DBINITDONE = 9216;       ///< the module to itself
+constexpr UINT WM_RV_QUERYPROGRESS = 1150;      ///< lParam a CPreBalProgress to fill (prebalprogress.h)
+constexpr UINT WM_RV_DBINITDONE = 9216;         ///< the module to itself
 
 // Module to host.
 constexpr UINT WM_RV_HELPORMENU = 1065;         ///< wParam 111 or 127, lParam 0 or 1
@@ -29,8 +30,8 @@ constexpr UINT WM_RV_MESSAGEWND = 1066;           ///< foreign thread to window 
 constexpr UINT WM_RV_UPDATECONFIGURATION = 1224;  ///< load the named configuration
 constexpr UINT WM_RV_PROCESSNAMECHANGED = 1225;
 constexpr UINT WM_RV_SAVECONFIGURATION = 1226;
-constexpr UINT WM_RV_UPDATETABS = 1227;           ///< wParam 1 with screws
-constexpr UINT WM_RV_CALIBRATEDCHANGED = 1228;    ///< wParam calibrated
+constexpr UINT WM_RV_UPDATETABS = 1227;         ///< wParam 1 with screws
+constexpr UINT WM_RV_CALIBRATEDCHANGED = 1228;  ///< wParam calibrated
 constexpr UINT WM_RV_UPDATESCREWTABLE = 1244;
 constexpr UINT WM_RV_SCREWTABLENAMECHANGED = 1245;
 constexpr UINT WM_RV_SAVESCREWTABLE = 1246;

@@ -14,6 +14,12 @@ using COLORREF = std::uint32_t;
 constexpr COLORREF RGB(unsigned Red, unsigned Green, unsigned Blue) {
     return Red | (Green << 8U) | (Blue << 16U);
 }
-constexpr int GetRValue(COLORREF Color) { return static_cast<int>(Color & 0xFFU); }
-constexpr int GetGValue(COLORREF Color) { return static_cast<int>((Color >> 8U) & 0xFFU); }
-constexpr int GetBValue(COLORREF Color) { return static_cast<int>((Color >> 16U) & 0xFFU); }
+constexpr int GetRValue(COLORREF Color) {
+    return static_cast<int>(Color & 0xFFU);
+}
+constexpr int GetGValue(COLORREF Color) {
+    return static_cast<int>((Color >> 8U) & 0xFFU);
+}
+constexpr int GetBValue(COLORREF Color) {
+    return static_cast<int>((Color >> 16U) & 0xFFU);
+}

@@ -28,8 +28,8 @@ public:
     CWnd(const CWnd&) = delete;
     CWnd& operator=(const CWnd&) = delete;
 
-    /// Creates the window as child of pParent (null: a top-level window) at rRect in the parent's client area;
-    /// sends message 1, then 5. False, and no window, if it exists already or message 1 answers -1.
+    /// Creates the window as child of pParent (null: a top-level window) at rRect in the parent's client
+    /// area; sends message 1, then 5. False, and no window, if it exists already or message 1 answers -1.
     bool Create(CWnd* pParent, const CRect& rRect, UINT Id, bool bVisible = true);
     /// Creates a window that is never shown, has no size and receives posted messages only.
     bool CreateMessageOnly();
@@ -59,7 +59,8 @@ public:
     LRESULT SendMessage(UINT Message, WPARAM wParam = 0, LPARAM lParam = 0);
     /// Queues a message through the event loop. False if the window doesn't exist.
     bool PostMessage(UINT Message, WPARAM wParam = 0, LPARAM lParam = 0);
-    /// Window timer: message 275 with Id in wParam every Period ms, until killed. Renews a timer of the same id.
+    /// Window timer: message 275 with Id in wParam every Period ms, until killed. Renews a timer of the same
+    /// id.
     bool SetTimer(UINT Id, UINT Period);
     bool KillTimer(UINT Id);
 

@@ -1,0 +1,28 @@
+#pragma once
+#include <array>
+#include <cstdint>
+#include <string>
+
+/// Where a running procedure stands, for the host: its report, its progress line, a reader for people who
+/// can't see the page. Filled by the module's window on message WM_RV_QUERYPROGRESS with a pointer to this in
+/// lParam; the message answers 1 when a procedure runs, else 0 with the record unchanged.
+struct CPreBalProgress {
+    std::string m_State;  ///< name of the sequence's state, as in the log
+    std::uint32_t m_Step = 0;
+    std::uint32_t m_NumberOfSteps = 0;
+    std::uint32_t m_InstructionMode = 0;
+    std::string m_Instruction;  ///< the text on the page
+    std::uint32_t m_WarningMode = 0;
+    std::string m_Warning;  ///< the text on the page, empty without a warning
+    std::int32_t m_Menu = -1;
+    std::uint32_t m_CalibratedRPM = 0;
+    std::uint32_t m_TargetUnbalance = 0;
+    /// The smoothed reading per plane, in counts and degrees (0 up to but excluding 360).
+    struct CReading {
+        bool m_bShown = false;  ///< this plane is part of the procedure
+        bool m_bComplete = false;
+        double m_Amplitude = 0.0;
+        double m_AngleDeg = 0.0;
+    };
+    std::array<CReading, 2> m_Readings;
+};
