@@ -3,33 +3,12 @@
 #include <cstdint>
 #include <vector>
 
-/// What the NC is told of a procedure: 14 numbers, step and action first, then weights and angles of two planes.
-/// Unused weights and angles are -1 in a running procedure.
-class CPreBalNotification {
-public:
-    enum Step : std::int32_t {
-        eInactive = 0,
-        eParameter = 1,
-        eParameterWithReBal = 2,
-        eSetup = 3,
-        eReBalActive = 4,
-        eFailure = 5,
-        eSetupAborted = 6,  ///< defined for the NC; nothing sends it
-        eSetupSuccess = 7,
-        eRebalSuccess = 8,
-        eSetupOverTarget = 9,
-        eRebalOverTarget = 10
-    };
-    enum Action : std::int32_t {
-        eNone = 0,
-        eSetSpindleSpeed = 1,
-        eSpindleStart = 2,
-        eSpindleStop = 3,
-        eSetWeights = 4,
-        eMeasure = 5,
-        eMeasurementValuesOK = 6
-    };
+#include "platform/window/prebalcodes.h"
 
+/// What the NC is told of a procedure: 14 numbers, step and action first, then weights and angles of two
+/// planes. Unused weights and angles are -1 in a running procedure.
+class CPreBalNotification : public CPreBalCodes {
+public:
     /// Empties rData and appends step, action, then per plane angle 1, weight 1, angle 2, weight 2, angle 3,
     /// weight 3: not the order in memory. Logs. Result 1.
     int Encode(std::vector<std::int32_t>& rData) const;

@@ -1,0 +1,59 @@
+#include "console/operatorrules.h"
+
+#include <algorithm>
+#include <array>
+
+#include "console/softkeys.h"
+
+namespace {
+
+struct CRule {
+    std::int32_t m_Action;
+    Deed m_Deed;
+};
+
+/// While a procedure runs (steps eSetup and eReBalActive), by the action asked for.
+constexpr std::array RULES = {
+    // No action yet: the procedure waits for a speed of the operator's choice.
+    CRule{CNotification::eNone, Deed::eStartSpindle},
+    CRule{CNotification::eSetSpindleSpeed, Deed::eConfirm},
+    CRule{CNotification::eSpindleStart, Deed::eStartSpindle},
+    CRule{CNotification::eSpindleStop, Deed::eStopSpindle},
+    CRule{CNotification::eSetWeights, Deed::eFitAndConfirm},
+    CRule{CNotification::eMeasure, Deed::eWait},
+    CRule{CNotification::eMeasurementValuesOK, Deed::eConfirm},
+};
+
+bool AreReadingsComplete(const CSituation& rSituation) {
+    return std::ranges::all_of(
+        rSituation.m_Progress.m_Readings,
+        [](const CPreBalProgress::CReading& rReading) { return !rReading.m_bShown || rReading.m_bComplete; });
+}
+
+}  // namespace
+
+Deed ChooseDeed(const CSituation& rSituation) {
+    if (!rSituation.m_bRunning) {
+        return Deed::eWait;
+    }
+    switch (rSituation.m_Notification.GetStep()) {
+        case CNotification::eFailure:
+            return Deed::eGiveUp;
+        case CNotification::eSetupSuccess:
+        case CNotification::eRebalSuccess:
+        case CNotification::eSetupOverTarget:
+        case CNotification::eRebalOverTarget:
+            return AreReadingsComplete(rSituation) ? Deed::eJudge : Deed::eWait;
+        case CNotification::eSetup:
+        case CNotification::eReBalActive:
+            break;
+        default:
+            return Deed::eWait;
+    }
+    const auto* pRule = std::ranges::find(RULES, rSituation.m_Notification.GetAction(), &CRule::m_Action);
+    if (pRule == RULES.end()) {
+        return Deed::eWait;
+    }
+    const bool bCanConfirm = Softkeys::FindKey(rSituation.m_Menu, Softkeys::eActionNext) != nullptr;
+    return pRule->m_Deed == Deed::eConfirm && !bCanConfirm ? Deed::eWait : pRule->m_Deed;
+}

@@ -1,0 +1,44 @@
+#pragma once
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/rvmdb/prebaldatabase.h"
+
+/// What the command line asks for.
+struct COptions {
+    enum class Procedure { ePrebalance, eRebalance, ePrebalanceAndRebalance };
+
+    bool m_bHeadless = false;
+    std::string m_RotorFile;  ///< empty: the built-in rotor
+    std::string m_Link = "sim";
+    std::string m_Machine;                  ///< control link of an external machine; empty: none
+    std::string m_Modules;                  ///< empty: as the rotor file says
+    std::vector<std::uint8_t> m_Addresses;  ///< empty: the family's defaults
+    std::string m_Mode;                     ///< empty: plane1
+    std::vector<std::string> m_Methods;     ///< per plane; empty: weights
+    Procedure m_Procedure = Procedure::ePrebalance;
+    std::string m_ConfigDirectory;  ///< empty: the user's own; a temporary one when headless
+    std::string m_ReportFile;
+    std::string m_ScreenshotDirectory;
+    bool m_bRealTime = false;
+
+    /// Whether the spindle already turns when a procedure starts. For whole runs in tests, not on the command
+    /// line.
+    bool m_bStartTurning = false;
+
+    bool IsSimulated() const { return m_Link == "sim"; }
+    /// Virtual time is the default of a headless run on the simulator in this process.
+    bool IsVirtualTime() const { return m_bHeadless && IsSimulated() && !m_bRealTime; }
+};
+
+/// Why the program ends before it begins.
+struct CCommandLineEnd {
+    int m_ExitCode = 0;  ///< 0 after --help, else 3
+    std::string m_Text;  ///< one line for stderr, or the help
+};
+
+/// Reads the command line. Nothing, with rEnd filled, if the program is not to run: bad arguments give one
+/// line that says what is wrong and what would be right.
+std::optional<COptions> ParseCommandLine(int argc, const char* const* argv, CCommandLineEnd& rEnd);

@@ -1,0 +1,39 @@
+#pragma once
+#include <array>
+#include <cstdint>
+#include <vector>
+
+#include "platform/window/prebalcodes.h"
+#include "platform/window/prebalprogress.h"
+
+/// A notification as the NC gets it: step, action, then per plane angle and weight of three corrections.
+struct CNotification : CPreBalCodes {
+    static constexpr std::size_t eSize = 14;
+    static constexpr std::size_t eCorrections = 3;
+
+    std::int32_t GetStep() const { return m_Values[0]; }
+    std::int32_t GetAction() const { return m_Values[1]; }
+    /// Angles of a plane's corrections in degrees, those in use only. Plane counts from 0.
+    std::vector<int> GetAngles(std::size_t Plane) const {
+        std::vector<int> Angles;
+        for (std::size_t i = 0; i < eCorrections; ++i) {
+            const std::int32_t Angle = m_Values[2 + 2 * (Plane * eCorrections + i)];
+            if (Angle >= 0) {
+                Angles.push_back(Angle);
+            }
+        }
+        return Angles;
+    }
+    friend bool operator==(const CNotification&, const CNotification&) = default;
+
+    std::array<std::int32_t, eSize> m_Values{};
+};
+
+/// Everything that somebody at the panel can see of a run.
+struct CSituation {
+    bool m_bRunning = false;  ///< a procedure is on the page
+    std::int32_t m_Menu = -1;
+    CPreBalProgress m_Progress;
+    CNotification m_Notification;
+    std::uint32_t m_Warning = 0;  ///< as the NC gets it
+};
