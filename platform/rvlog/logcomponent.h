@@ -1,4 +1,5 @@
 #pragma once
+#include <atomic>
 #include <cstdarg>
 #include <cstdint>
 #include <functional>
@@ -29,7 +30,7 @@ struct CLogRecord {
 /// A publisher of the log: one per library, made by Register and held in a static pointer. A call's level
 /// mask is tested against the publisher's level; errors and warnings are on from the start, topics off.
 /// Written to a rotating file and, if asked, to the console; listeners see every call that passes the level,
-/// and every assertion whatever the level.
+/// and every assertion whatever the level. Any thread may log.
 class CLogComponent {
 public:
     static constexpr std::uint32_t eError = 1;
@@ -56,19 +57,20 @@ public:
                        const char* pLevelName, const char* pHeading);
     void LogEndBlock(std::uint32_t Mask);
     /// A failed assertion. Logs and, with bShow, shows a message box titled "Error"; never changes the flow,
-    /// but stops in the debugger if SetStopOnAssert says so.
+    /// but stops in a debugger that is attached if SetStopOnAssert says so.
     void LogAssert(const char* pFile, int Line, const char* pFunction, const char* pExpression,
                    const char* pText, bool bShow);
 
     static void SetStopOnAssert(bool bStop);
 
-    /// A listener is called for each record until the returned guard goes.
+    /// A listener is called for each record, in the thread that logs, until the returned guard goes; after
+    /// that it isn't running in any thread. It may log itself.
     using Listener = std::function<void(const CLogRecord&)>;
     [[nodiscard]] static std::shared_ptr<void> AddListener(Listener Callback);
 
     /// Starts writing to rDirectory/rotor_trim.log (5 files of 2 MB); false if it can't be opened.
     static bool OpenFile(const std::string& rDirectory);
-    /// Lines also to stderr, from this level mask on.
+    /// Lines whose mask has a bit in common with Mask go to stderr too; 0 (the default) none.
     static void SetConsoleMask(std::uint32_t Mask);
 
 private:
@@ -77,6 +79,12 @@ private:
 
     std::string m_Name;
     std::vector<CLogTopic> m_Topics;
-    std::uint32_t m_Level = eError | eWarning;
-    int m_Indent = 0;
+    /// Read by every logging macro of every thread.
+    std::atomic<std::uint32_t> m_Level = eError | eWarning;
+    /// The open blocks. One whose heading the level kept out doesn't indent.
+    struct CBlock {
+        std::uint32_t m_Mask;
+        bool m_bVisible;
+    };
+    std::vector<CBlock> m_Blocks;
 };

@@ -19,7 +19,8 @@ Key OpenKey(Root RootKey, Key Parent, const std::string& rName, Access Wanted);
 void CloseKey(Key Handle);
 /// A value as text; an empty name reads the key's default value. Nothing if it is absent.
 std::optional<std::string> GetText(Key Handle, const std::string& rName);
-/// A value that fits 4 bytes as a number ("dword:" or a decimal number); nothing if absent or of another form.
+/// A value that fits 4 bytes as a number ("dword:" or a decimal number); nothing if absent or of another
+/// form.
 std::optional<std::uint32_t> GetNumber(Key Handle, const std::string& rName);
 
 }  // namespace Registry

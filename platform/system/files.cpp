@@ -1,0 +1,167 @@
+#include "platform/system/files.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <utility>
+
+namespace Files {
+
+namespace {
+
+constexpr std::size_t c_nMaxPath = 260;
+/// New files and directories belong to the owner and the group, as all users of the machine share them.
+constexpr mode_t c_DirectoryMode = 0770;
+constexpr mode_t c_FileMode = 0664;
+
+/// A file descriptor that closes itself.
+class CDescriptor {
+public:
+    explicit CDescriptor(int Handle) : m_Handle(Handle) {}
+    ~CDescriptor() { Close(); }
+    CDescriptor(const CDescriptor&) = delete;
+    CDescriptor& operator=(const CDescriptor&) = delete;
+
+    bool IsOpen() const { return m_Handle >= 0; }
+    int Get() const { return m_Handle; }
+    bool Close() {
+        const int Handle = std::exchange(m_Handle, -1);
+        return (Handle < 0) || (::close(Handle) == 0);
+    }
+
+private:
+    int m_Handle;
+};
+
+std::string ToModuleForm(std::string Path) {
+    std::replace(Path.begin(), Path.end(), '/', '\\');
+    return Path;
+}
+
+bool WriteBytes(int Handle, const std::vector<std::uint8_t>& rBytes) {
+    std::size_t nDone = 0;
+    while (nDone < rBytes.size()) {
+        const ssize_t nWritten = ::write(Handle, rBytes.data() + nDone, rBytes.size() - nDone);
+        if (nWritten < 0) {
+            if (errno == EINTR) {
+                continue;
+            }
+            return false;
+        }
+        nDone += static_cast<std::size_t>(nWritten);
+    }
+    return true;
+}
+
+/// The file itself if the path is a link to it, so that replacing the contents leaves the link.
+std::string ResolveLink(const std::string& rPath) {
+    std::error_code Error;
+    const std::filesystem::path Target = std::filesystem::canonical(rPath, Error);
+    return Error ? rPath : Target.string();
+}
+
+}  // namespace
+
+std::string ToNative(const std::string& rPath) {
+    std::string Path = rPath;
+    std::replace(Path.begin(), Path.end(), '\\', '/');
+    return Path;
+}
+
+std::string GetFullPath(const std::string& rPath) {
+    if (rPath.empty()) {
+        return {};
+    }
+    std::error_code Error;
+    const std::filesystem::path Full = std::filesystem::absolute(ToNative(rPath), Error);
+    const std::string Path = Full.lexically_normal().string();
+    return (Error || (Path.size() > c_nMaxPath)) ? std::string() : ToModuleForm(Path);
+}
+
+bool IsDirectory(const std::string& rPath) {
+    struct stat Status;
+    return (::stat(ToNative(rPath).c_str(), &Status) == 0) && S_ISDIR(Status.st_mode);
+}
+
+bool IsFile(const std::string& rPath) {
+    // Pipes and sockets count as devices.
+    struct stat Status;
+    return (::stat(ToNative(rPath).c_str(), &Status) == 0) && S_ISREG(Status.st_mode);
+}
+
+bool CreateDirectory(const std::string& rPath, const char* pAccess) {
+    const std::string Path = ToNative(rPath);
+    if (pAccess == nullptr) {
+        return ::mkdir(Path.c_str(), 0777) == 0;
+    }
+    // The mode is set again, since the process's mask would take the group's right to write.
+    return (::mkdir(Path.c_str(), c_DirectoryMode) == 0) && (::chmod(Path.c_str(), c_DirectoryMode) == 0);
+}
+
+std::optional<std::vector<std::uint8_t>> ReadAll(const std::string& rPath) {
+    // Not blocking: opening a pipe would wait for its other end.
+    const CDescriptor File(::open(ToNative(rPath).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    struct stat Status;
+    if (!File.IsOpen() || (::fstat(File.Get(), &Status) != 0) || !S_ISREG(Status.st_mode)) {
+        return std::nullopt;
+    }
+    std::vector<std::uint8_t> Bytes;
+    Bytes.reserve(static_cast<std::size_t>(Status.st_size));
+    std::array<std::uint8_t, 4096> Block;
+    while (true) {
+        const ssize_t nRead = ::read(File.Get(), Block.data(), Block.size());
+        if (nRead == 0) {
+            return Bytes;
+        }
+        if (nRead > 0) {
+            Bytes.insert(Bytes.end(), Block.begin(), Block.begin() + nRead);
+        } else if (errno != EINTR) {
+            return std::nullopt;
+        }
+    }
+}
+
+bool WriteAll(const std::string& rPath, const std::vector<std::uint8_t>& rBytes) {
+    const std::string Path = ResolveLink(ToNative(rPath));
+    struct stat Status;
+    const bool bExists = ::stat(Path.c_str(), &Status) == 0;
+    if (bExists && !S_ISREG(Status.st_mode)) {
+        return false;
+    }
+    // Written beside the old file, forced to the disk, then put in its place in one step: whenever the power
+    // fails, either the old contents or the new ones are there.
+    std::string Temporary = Path + ".XXXXXX";
+    CDescriptor File(::mkostemp(Temporary.data(), O_CLOEXEC));
+    if (!File.IsOpen()) {
+        return false;
+    }
+    const bool bWritten = WriteBytes(File.Get(), rBytes) &&
+                          (::fchmod(File.Get(), bExists ? (Status.st_mode & 07777) : c_FileMode) == 0) &&
+                          (::fsync(File.Get()) == 0);
+    if (!File.Close() || !bWritten || (std::rename(Temporary.c_str(), Path.c_str()) != 0)) {
+        ::unlink(Temporary.c_str());
+        return false;
+    }
+    const std::string Parent = std::filesystem::path(Path).parent_path().string();
+    const CDescriptor Directory(
+        ::open(Parent.empty() ? "." : Parent.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (Directory.IsOpen()) {
+        ::fsync(Directory.Get());
+    }
+    return true;
+}
+
+std::string GetProgramDirectory() {
+    std::error_code Error;
+    const std::filesystem::path Program = std::filesystem::read_symlink("/proc/self/exe", Error);
+    return ToModuleForm(Program.parent_path().string());
+}
+
+}  // namespace Files

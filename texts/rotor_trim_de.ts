@@ -1,0 +1,240 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="de" sourcelanguage="en">
+<context>
+    <name></name>
+    <message id="SETTINGS">
+        <source>Settings</source>
+        <extracomment>Tab of the configuration page</extracomment>
+        <translation>Einstellungen</translation>
+    </message>
+    <message id="MASS_TABLE">
+        <source>Screw table</source>
+        <extracomment>Tab and title of the screw page; also a label in the settings</extracomment>
+        <translation>Schraubentabelle</translation>
+    </message>
+    <message id="NAME">
+        <source>Name</source>
+        <extracomment>Screw table: what stands in the name of a new row</extracomment>
+        <translation>Name</translation>
+    </message>
+    <message id="ERROR">
+        <source>Error</source>
+        <extracomment>Shown where a choice has nothing to choose from</extracomment>
+        <translation>Fehler</translation>
+    </message>
+    <message id="PREBAL_CONFIG">
+        <source>Pre-balancing</source>
+        <extracomment>Heading; the set follows: Pre-balancing Set 2 / Name: Configuration</extracomment>
+        <translation>Vorauswuchten</translation>
+    </message>
+    <message id="SET">
+        <source>Set</source>
+        <extracomment>Parameter set of the module; a number follows</extracomment>
+        <translation>Satz</translation>
+    </message>
+    <message id="STEP">
+        <source>Step</source>
+        <extracomment>A count follows: Step 3/11</extracomment>
+        <translation>Schritt</translation>
+    </message>
+    <message id="RPM">
+        <source>rpm</source>
+        <extracomment>Unit of speed, behind a number</extracomment>
+        <translation>1/min</translation>
+    </message>
+    <message id="CW_TEXT">
+        <source>Clockwise</source>
+        <translation>Im Uhrzeigersinn</translation>
+    </message>
+    <message id="CCW_TEXT">
+        <source>Counter-clockwise</source>
+        <translation>Gegen den Uhrzeigersinn</translation>
+    </message>
+    <message id="PB_PLANE_TEXT">
+        <source>Plane</source>
+        <extracomment>A number follows: Plane 1</extracomment>
+        <translation>Ebene</translation>
+    </message>
+    <message id="ONLINE_HELP_PREFIX">
+        <source>en</source>
+        <extracomment>Beginning of the help file's name. Not shown; the file of that name must exist</extracomment>
+        <translation>de</translation>
+    </message>
+    <message id="PREBALANCING_HEADER">
+        <source>Pre-balancing, one plane</source>
+        <extracomment>Heading of the settings</extracomment>
+        <translation>Vorauswuchten in einer Ebene</translation>
+    </message>
+    <message id="PREBALANCING_HEADER_2LEVEL">
+        <source>Pre-balancing, two planes</source>
+        <extracomment>Heading of the settings</extracomment>
+        <translation>Vorauswuchten in zwei Ebenen</translation>
+    </message>
+    <message id="PB_SET_CALIB_DATE">
+        <source>Calibrated on</source>
+        <extracomment>Label; a date follows</extracomment>
+        <translation>Kalibriert am</translation>
+    </message>
+    <message id="PB_SET_CALIB_TIME">
+        <source>Calibrated at</source>
+        <extracomment>Label; a time of day follows</extracomment>
+        <translation>Kalibriert um</translation>
+    </message>
+    <message id="PB_CALIBRATED_RPM_TEXT">
+        <source>Calibrated speed</source>
+        <extracomment>Label; half a line of the page</extracomment>
+        <translation>Kalibrierte Drehzahl</translation>
+    </message>
+    <message id="PB_CURRENT_RPM_TEXT">
+        <source>Current speed</source>
+        <extracomment>Label; half a line of the page</extracomment>
+        <translation>Aktuelle Drehzahl</translation>
+    </message>
+    <message id="PB_RPM_TOLERANCE_TEXT">
+        <source>Speed tolerance</source>
+        <extracomment>Label of a setting</extracomment>
+        <translation>Drehzahltoleranz</translation>
+    </message>
+    <message id="PB_UNBAL_TOLERANCE_TEXT">
+        <source>Unbalance target</source>
+        <extracomment>Label of a setting</extracomment>
+        <translation>Unwuchtziel</translation>
+    </message>
+    <message id="MEASUREMENT_TIME">
+        <source>Measuring time [s]</source>
+        <extracomment>Label of a setting</extracomment>
+        <translation>Messzeit [s]</translation>
+    </message>
+    <message id="PB_ROTATION_DIRECTION_TEXT">
+        <source>Direction of rotation</source>
+        <extracomment>Label of a setting; 'Plane 1' may follow</extracomment>
+        <translation>Drehrichtung</translation>
+    </message>
+    <message id="PB_SENSOR_ADAPTATION_TEXT">
+        <source>Sensor</source>
+        <extracomment>Label; 'Plane 1' or 'Plane 2' may follow</extracomment>
+        <translation>Sensor</translation>
+    </message>
+    <message id="RPM_INPUT">
+        <source>Speed input</source>
+        <extracomment>Label; the input by which the speed is measured</extracomment>
+        <translation>Drehzahleingang</translation>
+    </message>
+    <message id="BALANCING_METHOD">
+        <source>Balancing method</source>
+        <extracomment>Label of a setting; 'Plane 1' or 'Plane 2' may follow</extracomment>
+        <translation>Auswuchtmethode</translation>
+    </message>
+    <message id="ANGULAR_METHOD">
+        <source>Two movable weights</source>
+        <extracomment>Choice of the balancing method</extracomment>
+        <translation>Zwei Spreizgewichte</translation>
+    </message>
+    <message id="FIXED_POSITION">
+        <source>Screws in fixed holes</source>
+        <extracomment>Choice of the balancing method</extracomment>
+        <translation>Schrauben in festen Bohrungen</translation>
+    </message>
+    <message id="PB_SCALINGDIRECTION_TEXT">
+        <source>Direction of the scale</source>
+        <extracomment>Label of a setting: the sense in which the angles on the rotor count</extracomment>
+        <translation>Zählrichtung der Skala</translation>
+    </message>
+    <message id="NUMBER_OF_FIXED_POSITIONS">
+        <source>Number of holes</source>
+        <extracomment>Label of a setting</extracomment>
+        <translation>Anzahl der Bohrungen</translation>
+    </message>
+    <message id="NUMBER_OF_CORRECTION_MASSES">
+        <source>Number of screws</source>
+        <extracomment>Label of a setting: how many screws may be fitted in a plane</extracomment>
+        <translation>Anzahl der Schrauben</translation>
+    </message>
+    <message id="REFERENCE_WEIGHT">
+        <source>Reference weight</source>
+        <extracomment>Label; a weight in grams follows</extracomment>
+        <translation>Referenzgewicht</translation>
+    </message>
+    <message id="PB_TERMINATE_TEXT4">
+        <source>Balancing cannot go on. Press End to leave.</source>
+        <extracomment>Instruction after a failure</extracomment>
+        <translation>Auswuchten nicht fortsetzbar. Mit Ende verlassen.</translation>
+    </message>
+    <message id="PB_STOP_SPINDLE_OR_CONFIRM_TEXT">
+        <source>Stop the spindle, or confirm that the weights are in neutral position.</source>
+        <extracomment>Instruction; the spindle still turns</extracomment>
+        <translation>Spindel stoppen oder bestätigen, dass die Gewichte neutral stehen.</translation>
+    </message>
+    <message id="PB_STOP_SPINDLE_TEXT">
+        <source>Stop the spindle.</source>
+        <extracomment>Instruction; also a warning</extracomment>
+        <translation>Spindel stoppen.</translation>
+    </message>
+    <message id="PB_MOVE_TO_NEUTRAL_TEXTNEUTRAL">
+        <source>Bring the weights to neutral position or remove the screws, then confirm.</source>
+        <extracomment>Instruction</extracomment>
+        <translation>Gewichte in Neutralstellung bringen oder Schrauben entfernen, dann bestätigen.</translation>
+    </message>
+    <message id="PB_RUN_AT_SELECTED_RPM_TEXT">
+        <source>Run the spindle at the calibrated speed.</source>
+        <extracomment>Instruction; also a warning when the speed is off</extracomment>
+        <translation>Spindel mit der kalibrierten Drehzahl laufen lassen.</translation>
+    </message>
+    <message id="PB_RUN_AT_DESIRED_RPM_TEXT_NEXT">
+        <source>Run the spindle at the working speed, then confirm.</source>
+        <extracomment>Instruction; the speed becomes the calibrated one</extracomment>
+        <translation>Spindel mit Arbeitsdrehzahl laufen lassen, dann bestätigen.</translation>
+    </message>
+    <message id="PB_UNBAL_MSRMNT_TEXT">
+        <source>Measuring the unbalance ...</source>
+        <extracomment>Instruction; nothing to be done</extracomment>
+        <translation>Unwucht wird gemessen ...</translation>
+    </message>
+    <message id="PB_MOVE_TO_GIVEN_POSITION_TEXT_PBA">
+        <source>Set the weights or screws as shown, then confirm.</source>
+        <extracomment>Instruction</extracomment>
+        <translation>Gewichte oder Schrauben wie angezeigt setzen, dann bestätigen.</translation>
+    </message>
+    <message id="PB_MAP_WEIGHTS_TO_DISPLAY">
+        <source>Make the display agree with the weights on the rotor, then confirm.</source>
+        <extracomment>Instruction; the operator moves the drawn weights, not the real ones</extracomment>
+        <translation>Anzeige an die Gewichte am Rotor angleichen, dann bestätigen.</translation>
+    </message>
+    <message id="SET_SWITCH">
+        <source>The parameter set was changed.</source>
+        <extracomment>Warning</extracomment>
+        <translation>Der Parametersatz wurde gewechselt.</translation>
+    </message>
+    <message id="PB_CANNOT_BALANCE1">
+        <source>Unbalance too large for these weights or screws</source>
+        <extracomment>Warning; a percentage in brackets may follow</extracomment>
+        <translation>Unwucht zu groß für diese Gewichte oder Schrauben</translation>
+    </message>
+    <message id="PB_CANNOT_BALANCE3">
+        <source>The test unbalance had no measurable effect.</source>
+        <extracomment>Warning</extracomment>
+        <translation>Die Testunwucht hatte keine messbare Wirkung.</translation>
+    </message>
+    <message id="PB_REBAL_NOT_POSSIBLE">
+        <source>Re-balancing impossible.</source>
+        <extracomment>Warning; PB_CANNOT_BALANCE1 follows in the same line</extracomment>
+        <translation>Nachwuchten nicht möglich.</translation>
+    </message>
+    <message id="PB_UNBAL_OVER_LIMIT_TEXT">
+        <source>The unbalance is over the target.</source>
+        <extracomment>Warning after the final measurement</extracomment>
+        <translation>Die Unwucht liegt über dem Ziel.</translation>
+    </message>
+    <message id="PB_TERMINATE_TEXT">
+        <source>Speed factor is not 1: balancing is not possible with this set.</source>
+        <extracomment>Warning</extracomment>
+        <translation>Drehzahlfaktor ist nicht 1: Auswuchten mit diesem Satz nicht möglich.</translation>
+    </message>
+    <message id="MODULE_STATE_CHANGED">
+        <source>The state of the balancing module has changed.</source>
+        <extracomment>Warning</extracomment>
+        <translation>Der Zustand des Auswuchtmoduls hat sich geändert.</translation>
+    </message>
+</context>
+</TS>
