@@ -26,9 +26,6 @@ target_compile_options(project_options INTERFACE
     -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Werror
     # Figures are the same bits on every machine: no fused multiply-add behind our back.
     -ffp-contract=off)
-if(CCACHE_PROGRAM AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-    target_compile_options(project_options INTERFACE -fpch-preprocess)
-endif()
 if(ROTOR_TRIM_SANITIZE)
     target_compile_options(project_options INTERFACE
         -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)

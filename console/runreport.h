@@ -1,0 +1,63 @@
+#pragma once
+#include <cstdint>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "console/situation.h"
+#include "rvlib/math/matrix.h"
+
+/// How a run ends, as the exit status of the program.
+enum ExitCode : int {
+    eExitWithinTarget = 0,
+    eExitOverTarget = 1,
+    eExitFailed = 2,
+    eExitBadArguments = 3,
+};
+
+/// Gathers what a run shows and writes it as JSON. Nothing in it depends on the machine or on the clock, so
+/// the same seed under virtual time gives the same bytes.
+class CRunReport {
+public:
+    void SetProcedure(std::string Procedure) { m_Procedure = std::move(Procedure); }
+    /// A step record, if the situation differs from the one recorded last in what it asks of the operator.
+    /// True if it was recorded.
+    bool AddSituation(std::uint64_t TimeMs, const CSituation& rSituation);
+    void AddAssertion(const std::string& rText) { m_Assertions.push_back(rText); }
+    /// Smoothed reading of the first measurement of the run, and of the last.
+    void SetInitial(const CSituation& rSituation);
+    void SetFinal(const CSituation& rSituation);
+    /// Angles of the weights fitted last, per plane from 0.
+    void SetWeights(std::size_t Plane, const std::vector<int>& rAngles);
+    /// What the run left in the machine database.
+    void SetCalibration(const std::string& rConfiguration, std::uint32_t CalibratedRPM, std::uint32_t Target,
+                        const math::matrix<double>& rInvA, const std::vector<math::matrix<double>>& rUA);
+
+    /// The last step by its name, over target included; "Inactive" before anything came.
+    std::string GetResult() const;
+    ExitCode GetExitCode() const;
+    nlohmann::ordered_json ToJson() const;
+    /// False if the file can't be written.
+    bool Write(const std::string& rPath) const;
+
+    /// Name of a step for the report.
+    static const char* StepToString(std::int32_t Step);
+
+private:
+    static nlohmann::ordered_json ReadingsToJson(const CSituation& rSituation);
+
+    std::string m_Procedure = "prebalance";
+    std::optional<CSituation> m_Last;
+    std::int32_t m_LastStep = CPreBalCodes::eInactive;
+    nlohmann::ordered_json m_Initial = nlohmann::ordered_json::array();
+    nlohmann::ordered_json m_Final = nlohmann::ordered_json::array();
+    nlohmann::ordered_json m_InvA = nlohmann::ordered_json::array();
+    nlohmann::ordered_json m_UA = nlohmann::ordered_json::array();
+    nlohmann::ordered_json m_Positions = nlohmann::ordered_json::array();
+    nlohmann::ordered_json m_Steps = nlohmann::ordered_json::array();
+    std::string m_Configuration;
+    std::uint32_t m_CalibratedRPM = 0;
+    std::uint32_t m_Target = 0;
+    std::vector<std::string> m_Assertions;
+};

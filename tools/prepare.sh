@@ -1,0 +1,42 @@
+# Sourced by run, test and .ci/run: installs what is missing and builds. Everything it says goes to stderr.
+
+say() { printf '%s\n' "$*" >&2; }
+
+# install_packages FILE...: the Debian packages listed there, if any is missing.
+install_packages() {
+    local missing=() package
+    for package in $(cat "$@" | grep -v '^#'); do
+        dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null | grep -q '^installed$' || missing+=("$package")
+    done
+    [ ${#missing[@]} -eq 0 ] && return 0
+    say "Installing ${#missing[@]} packages: ${missing[*]}"
+    local sudo=()
+    if [ "$(id -u)" -ne 0 ]; then
+        command -v sudo >/dev/null || { say "Run this as root, or install sudo: packages are missing."; return 1; }
+        sudo=(sudo)
+    fi
+    local log
+    log=$(mktemp)
+    if ! { "${sudo[@]}" apt-get update -qq &&
+           DEBIAN_FRONTEND=noninteractive "${sudo[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}"; } \
+           >"$log" 2>&1; then
+        cat "$log" >&2
+        say "Installing the packages failed; they are listed in tools/packages.txt."
+        return 1
+    fi
+    rm -f "$log"
+}
+
+# build PRESET TARGET...: configures build/PRESET when new and builds; the compiler's words are shown when it fails.
+build() {
+    local preset=$1 log
+    shift
+    log=build/$preset.log
+    mkdir -p build
+    if [ ! -e "build/$preset/build.ninja" ]; then
+        say "Configuring build/$preset"
+        cmake --preset "$preset" >"$log" 2>&1 || { cat "$log" >&2; return 1; }
+        say "Building; the first time takes some minutes"
+    fi
+    cmake --build "build/$preset" --target "$@" >"$log" 2>&1 || { cat "$log" >&2; return 1; }
+}
