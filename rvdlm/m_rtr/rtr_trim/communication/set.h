@@ -5,7 +5,13 @@
 /// The active set of the module as the main window sees it. 0xFF means not known.
 class CSet {
 public:
-    enum SetMode : std::uint8_t { eNothing = 0, ePlane1 = 1, ePlane2 = 2, eBothIndependent = 3, eTwoPlane = 4 };
+    enum SetMode : std::uint8_t {
+        eNothing = 0,
+        ePlane1 = 1,
+        ePlane2 = 2,
+        eBothIndependent = 3,
+        eTwoPlane = 4
+    };
 
     std::uint8_t GetRPMFactorPlane1() const { return RPMFactorPlane1; }
     std::uint8_t GetRPMInputPlane1() const { return RPMInputPlane1; }
