@@ -25,8 +25,9 @@ public:
     /// Queues work, which runs in the order of posting.
     virtual void Post(std::function<void()> Task) = 0;
 
-    /// Starts a repeating timer with a period in ms (0 counts as 1). Returns its id, never 0; 0 if the platform
-    /// refuses. Ids are not given out twice while a timer runs. Killing a timer drops ticks still queued.
+    /// Starts a repeating timer with a period in ms (0 counts as 1). Returns its id, never 0; 0 if the
+    /// platform refuses. Ids are not given out twice while a timer runs. Killing a timer drops ticks still
+    /// queued.
     virtual std::uint32_t SetTimer(std::uint32_t Period, TimerProc Proc) = 0;
     /// False if no such timer runs. May be called from the timer's own callback.
     virtual bool KillTimer(std::uint32_t Id) = 0;
@@ -51,7 +52,8 @@ public:
     /// Runs queued work and due timers until Done() is true or Timeout ms have passed; the result is Done().
     virtual bool RunUntil(const std::function<bool()>& rDone, std::uint32_t Timeout) = 0;
 
-    /// The loop in use. There must be one before any window or timer is made.
+    /// The loop in use. There must be one before any window or timer is made; without one this throws
+    /// std::logic_error. Current and HasCurrent may be called from any thread.
     static IFEventLoop& Current();
     static bool HasCurrent();
     /// Returns the loop that was in use before, or null.

@@ -7,7 +7,9 @@
 
 /// Event loop under virtual time: when no work is queued, time jumps to the next due timer. Same inputs, same
 /// order, on every machine: work runs in order of posting, timers in order of due time and, at the same
-/// instant, in order of starting. Multimedia timers are called from this loop too, in the same order.
+/// instant, in order of starting. Queued work goes before timers. A timer that is late (after Sleep) ticks
+/// once and goes on in its old rhythm; what it missed isn't made up for. Multimedia timers are called from
+/// this loop too, in the same order.
 class CVirtualEventLoop : public IFEventLoop {
 public:
     /// Makes itself the current loop, and puts the former one back at the end.
@@ -28,6 +30,7 @@ public:
     std::uint32_t StartMultimediaTimer(std::uint32_t Period, std::uint32_t Resolution,
                                        MultimediaProc Proc) override;
     bool KillMultimediaTimer(std::uint32_t Handle) override;
+    /// Ends also when nothing is left to do. With a timer running there always is something: use Quit.
     void Run() override;
     void Quit() override { m_bQuit = true; }
     bool RunUntil(const std::function<bool()>& rDone, std::uint32_t Timeout) override;
@@ -48,9 +51,11 @@ private:
         std::uint64_t m_Due = 0;
         std::uint64_t m_Order = 0;
         std::uint32_t m_Period = 0;
+        bool m_bMultimedia = false;
         std::function<void(std::uint32_t)> m_Proc;
     };
-    std::uint32_t AddTimer(std::uint32_t Period, std::function<void(std::uint32_t)> Proc);
+    std::uint32_t AddTimer(std::uint32_t Period, bool bMultimedia, std::function<void(std::uint32_t)> Proc);
+    bool RemoveTimer(std::uint32_t Id, bool bMultimedia);
     bool RunOneTask();
     /// Runs the timer that is due first if that is not after Limit.
     bool RunOneTimer(std::uint64_t Limit);

@@ -1,4 +1,5 @@
 #pragma once
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -16,24 +17,29 @@ public:
     virtual ~IFWindowPeer() = default;
     /// Surface, place or visibility of rWnd, a window of the tree, has changed.
     virtual void OnWindowChanged(CWnd& rWnd) = 0;
+    /// The top-level window rWnd is no more. Its object may be about to go, too.
+    virtual void OnWindowDestroyed(CWnd& rWnd) { (void)rWnd; }
 };
 
 /// A window: numbered messages with two parameters, a place in its parent, and a backing bitmap. All on the
 /// window thread; PostMessage alone may be called from any thread.
 class CWnd {
 public:
-    CWnd() = default;
+    CWnd();
     /// Destroys the window if it still exists, without messages to the derived class.
     virtual ~CWnd();
     CWnd(const CWnd&) = delete;
     CWnd& operator=(const CWnd&) = delete;
 
     /// Creates the window as child of pParent (null: a top-level window) at rRect in the parent's client
-    /// area; sends message 1, then 5. False, and no window, if it exists already or message 1 answers -1.
+    /// area; sends message 1, then 5 (lParam: width, and height shifted by 16 bits). False, and no window, if
+    /// it exists already or message 1 answers -1.
     bool Create(CWnd* pParent, const CRect& rRect, UINT Id, bool bVisible = true);
-    /// Creates a window that is never shown, has no size and receives posted messages only.
+    /// Creates a window that is never shown, has no size and receives posted messages and timers only:
+    /// neither message 1 nor 2.
     bool CreateMessageOnly();
-    /// Sends message 2, destroys the children and the window. Messages still posted to it are dropped.
+    /// Sends message 2, destroys the children and the window. Messages still posted to it are dropped. May be
+    /// called, and the object deleted, from any of its own handlers.
     void DestroyWindow();
     bool IsWindow() const { return m_bExists; }
 
@@ -60,7 +66,7 @@ public:
     /// Queues a message through the event loop. False if the window doesn't exist.
     bool PostMessage(UINT Message, WPARAM wParam = 0, LPARAM lParam = 0);
     /// Window timer: message 275 with Id in wParam every Period ms, until killed. Renews a timer of the same
-    /// id.
+    /// id. False if the window doesn't exist or the platform refuses.
     bool SetTimer(UINT Id, UINT Period);
     bool KillTimer(UINT Id);
 
@@ -89,10 +95,19 @@ protected:
 
 private:
     struct Anchor;
+    struct CRegistry;
+    static CRegistry& GetRegistry();
+    /// Life is the number of the window's life that the caller knows; see Anchor.
+    bool IsAlive(std::uint64_t Life) const;
+    void Begin(CWnd* pParent, const CRect& rRect, UINT Id, bool bVisible);
+    LRESULT SendSize();
     void NotifyPeer();
+    void DestroyChildren();
+    /// Ends the window without messages.
     void Forget();
 
     bool m_bExists = false;
+    bool m_bDestroying = false;
     bool m_bVisible = false;
     bool m_bMessageOnly = false;
     bool m_bPaintPending = false;

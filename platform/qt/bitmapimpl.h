@@ -1,0 +1,9 @@
+#pragma once
+// The toolkit's side of CBitmap, for the drawing code of platform/window/ and for this folder.
+#include <QImage>
+
+#include "platform/window/bitmap.h"
+
+struct CBitmap::Impl {
+    QImage m_Image;
+};
