@@ -5,8 +5,8 @@
 #include <span>
 #include <string>
 
-/// A line that carries bytes both ways: serial port, TCP connection, or a pair in one process. Callbacks come on
-/// the window thread, never from inside a call of the same link.
+/// A line that carries bytes both ways: serial port, TCP connection, or a pair in one process. Callbacks come
+/// on the window thread, never from inside a call of the same link.
 class IFByteLink {
 public:
     virtual ~IFByteLink() = default;
@@ -26,17 +26,20 @@ public:
     std::function<void(const std::string&)> OnClosed;
 };
 
-/// Two ends in one process: what one end writes arrives at the other through the event loop, unchanged.
+/// Two ends in one process: what one end writes arrives at the other through the event loop, unchanged. Each
+/// end is opened for itself; as on a cable, what is sent while the other end is closed is lost.
 struct CLinkPair {
     std::unique_ptr<IFByteLink> m_pFirst;
     std::unique_ptr<IFByteLink> m_pSecond;
 };
 CLinkPair MakeLinkPair();
 
-/// A link by its description: "serial:PATH[:BAUD]" (8N1, 115200 by default), "tcp:HOST:PORT". Nothing is opened yet.
-/// Null with rError telling what was wrong and what would be right.
+/// A link by its description: "serial:PATH[:BAUD]" (8N1, 115200 by default), "tcp:HOST:PORT". Nothing is
+/// opened yet. Null with rError telling what was wrong and what would be right.
 std::unique_ptr<IFByteLink> MakeByteLink(const std::string& rDescription, std::string& rError);
 
 /// The listening side, for simulators: "tcp:HOST:PORT" (one client at a time, port 0 takes a free one) or
-/// "pty:PATH" (a pseudo terminal, linked at PATH). Open() listens.
+/// "pty:PATH" (a pseudo terminal, linked at PATH). Open() listens before it returns: from then on GetName()
+/// tells the port taken. OnOpened comes with every TCP client and OnClosed with its going, while the link
+/// goes on listening; a pseudo terminal is open at once and its clients come and go unnoticed.
 std::unique_ptr<IFByteLink> MakeListeningLink(const std::string& rDescription, std::string& rError);

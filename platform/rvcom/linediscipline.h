@@ -1,13 +1,16 @@
 #pragma once
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <span>
+#include <utility>
 #include <vector>
 
-/// Line discipline of the serial link: SLIP (RFC 1055) around the frame's bytes and a CRC-16/IBM-3740 over them
-/// (polynomial 0x1021, initial value 0xFFFF, no reflection, no final xor), low byte first.
+/// Line discipline of the serial link: SLIP (RFC 1055) around the frame's bytes and a CRC-16/IBM-3740 over
+/// them (polynomial 0x1021, initial value 0xFFFF, no reflection, no final xor), low byte first.
 namespace LineDiscipline {
 
+/// Lengths that a frame may have, without its CRC.
 constexpr std::size_t eMinFrame = 3;
 constexpr std::size_t eMaxFrame = 2048;
 
@@ -16,8 +19,8 @@ std::uint16_t Crc16(std::span<const std::uint8_t> Bytes);
 /// The frame as bytes for the line: END, escaped frame and CRC, END.
 std::vector<std::uint8_t> Encode(std::span<const std::uint8_t> Frame);
 
-/// Takes bytes from the line in any portions and hands out whole frames. Bad ones are dropped and counted; the
-/// next END begins afresh, so that no damage outlasts a frame.
+/// Takes bytes from the line in any portions and hands out whole frames. Bad ones are dropped and counted;
+/// the next END begins afresh, so that no damage outlasts a frame.
 class CDecoder {
 public:
     using FrameHandler = std::function<void(std::span<const std::uint8_t>)>;
@@ -27,6 +30,7 @@ public:
     /// Forgets a frame that has begun; after a lost link.
     void Reset();
 
+    /// Frames whose CRC doesn't fit or that hold an escape of no meaning.
     std::uint64_t GetBadCrc() const { return m_nBadCrc; }
     std::uint64_t GetTooShort() const { return m_nTooShort; }
     std::uint64_t GetTooLong() const { return m_nTooLong; }

@@ -1,0 +1,122 @@
+#include "platform/rvcom/bytelink.h"
+
+#include <charconv>
+#include <optional>
+#include <string_view>
+
+#include "platform/rvcom/linkkinds.h"
+
+namespace {
+
+constexpr std::uint32_t eDefaultBaud = 115200;
+constexpr std::uint32_t eMaxBaud = 4000000;
+
+constexpr std::string_view SerialPrefix = "serial:";
+constexpr std::string_view TcpPrefix = "tcp:";
+constexpr std::string_view PtyPrefix = "pty:";
+
+/// A number of decimal digits and nothing else.
+std::optional<std::uint32_t> ToNumber(std::string_view Text) {
+    std::uint32_t Number = 0;
+    const auto [pEnd, Error] = std::from_chars(Text.data(), Text.data() + Text.size(), Number);
+    if (Text.empty() || Error != std::errc() || pEnd != Text.data() + Text.size()) {
+        return std::nullopt;
+    }
+    return Number;
+}
+
+struct CEndpoint {
+    std::string m_Host;
+    std::uint16_t m_Port = 0;
+};
+
+/// HOST:PORT, an IPv6 address in brackets.
+std::optional<CEndpoint> ToEndpoint(std::string_view Text, std::uint32_t MinPort) {
+    const std::size_t Colon = Text.rfind(':');
+    if (Colon == std::string_view::npos) {
+        return std::nullopt;
+    }
+    std::string_view Host = Text.substr(0, Colon);
+    if (Host.size() > 2 && Host.front() == '[' && Host.back() == ']') {
+        Host = Host.substr(1, Host.size() - 2);
+    } else if (Host.find(':') != std::string_view::npos) {
+        return std::nullopt;
+    }
+    const auto Port = ToNumber(Text.substr(Colon + 1));
+    if (Host.empty() || !Port || *Port < MinPort || *Port > 65535) {
+        return std::nullopt;
+    }
+    return CEndpoint{std::string(Host), static_cast<std::uint16_t>(*Port)};
+}
+
+std::unique_ptr<IFByteLink> FromSerial(std::string_view Text, std::string& rError) {
+    // Device paths may hold colons themselves (/dev/serial/by-path/...): only digits behind the last are a
+    // rate.
+    std::string_view Path = Text;
+    std::uint32_t Baud = eDefaultBaud;
+    if (const std::size_t Colon = Text.rfind(':'); Colon != std::string_view::npos) {
+        const std::string_view Tail = Text.substr(Colon + 1);
+        if (Tail.find_first_not_of("0123456789") == std::string_view::npos) {
+            Path = Text.substr(0, Colon);
+            const auto Given = ToNumber(Tail);
+            if (!Given || *Given == 0 || *Given > eMaxBaud) {
+                rError = "\"" + std::string(Tail) +
+                         "\" is no baud rate; give 1 to 4000000, or leave it out for 115200";
+                return nullptr;
+            }
+            Baud = *Given;
+        }
+    }
+    if (Path.empty()) {
+        rError = "the path of the serial port is missing; give for example serial:/dev/ttyUSB0:115200";
+        return nullptr;
+    }
+    return MakeSerialLink(std::string(Path), Baud);
+}
+
+}  // namespace
+
+std::unique_ptr<IFByteLink> MakeByteLink(const std::string& rDescription, std::string& rError) {
+    rError.clear();
+    const std::string_view Text = rDescription;
+    if (Text.starts_with(SerialPrefix)) {
+        return FromSerial(Text.substr(SerialPrefix.size()), rError);
+    }
+    if (Text.starts_with(TcpPrefix)) {
+        const auto Endpoint = ToEndpoint(Text.substr(TcpPrefix.size()), 1);
+        if (!Endpoint) {
+            rError = "\"" + rDescription +
+                     "\" names no host and port; give for example tcp:192.168.0.10:4001, " +
+                     "a port from 1 to 65535";
+            return nullptr;
+        }
+        return MakeTcpLink(Endpoint->m_Host, Endpoint->m_Port);
+    }
+    rError = "\"" + rDescription + "\" is no link; give serial:PATH[:BAUD] or tcp:HOST:PORT";
+    return nullptr;
+}
+
+std::unique_ptr<IFByteLink> MakeListeningLink(const std::string& rDescription, std::string& rError) {
+    rError.clear();
+    const std::string_view Text = rDescription;
+    if (Text.starts_with(TcpPrefix)) {
+        const auto Endpoint = ToEndpoint(Text.substr(TcpPrefix.size()), 0);
+        if (!Endpoint) {
+            rError = "\"" + rDescription +
+                     "\" names no host and port; give for example tcp:127.0.0.1:4001, " +
+                     "a port from 0 (takes a free one) to 65535";
+            return nullptr;
+        }
+        return MakeTcpListener(Endpoint->m_Host, Endpoint->m_Port);
+    }
+    if (Text.starts_with(PtyPrefix)) {
+        const std::string Path(Text.substr(PtyPrefix.size()));
+        if (Path.empty()) {
+            rError = "the path of the pseudo terminal is missing; give for example pty:/tmp/spindle";
+            return nullptr;
+        }
+        return MakePseudoTerminal(Path);
+    }
+    rError = "\"" + rDescription + "\" is no link to listen on; give tcp:HOST:PORT or pty:PATH";
+    return nullptr;
+}

@@ -1,0 +1,174 @@
+#include <QHostAddress>
+#include <QHostInfo>
+#include <QString>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <memory>
+#include <utility>
+
+#include "platform/rvcom/linkkinds.h"
+#include "platform/rvcom/queuedlink.h"
+
+namespace {
+
+std::string ToName(const std::string& rHost, std::uint16_t Port) {
+    const bool bBrackets = rHost.find(':') != std::string::npos;
+    return "tcp:" + (bBrackets ? "[" + rHost + "]" : rHost) + ":" + std::to_string(Port);
+}
+
+/// What both sides of a connection share: bytes in and out, and the end of it.
+class CSocketLink : public CQueuedLink {
+public:
+    ~CSocketLink() override { DropSocket(); }
+
+    bool Write(std::span<const std::uint8_t> Bytes) override {
+        const auto nSize = static_cast<qint64>(Bytes.size());
+        return IsOpen() && m_pSocket != nullptr &&
+               m_pSocket->write(reinterpret_cast<const char*>(Bytes.data()), nSize) == nSize;
+    }
+
+protected:
+    void TakeSocket(std::unique_ptr<QTcpSocket> pSocket) {
+        m_pSocket = std::move(pSocket);
+        QTcpSocket* pTaken = m_pSocket.get();
+        QObject::connect(pTaken, &QTcpSocket::readyRead, [this] { ReadAll(); });
+        QObject::connect(pTaken, &QTcpSocket::errorOccurred, [this](QAbstractSocket::SocketError) {
+            Lose(m_pSocket->errorString().toStdString());
+        });
+    }
+    void Connected() {
+        // Frames are short and wait for answers; a peer that has vanished is noticed some day.
+        m_bConnected = true;
+        m_pSocket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
+        m_pSocket->setSocketOption(QAbstractSocket::KeepAliveOption, 1);
+        PostOpened();
+        ReadAll();
+    }
+    void DropSocket() {
+        m_bConnected = false;
+        if (m_pSocket != nullptr) {
+            m_pSocket->disconnect();
+            m_pSocket.reset();
+        }
+    }
+    bool HasSocket() const { return m_pSocket != nullptr; }
+    QTcpSocket& GetSocket() { return *m_pSocket; }
+
+private:
+    void ReadAll() {
+        const QByteArray Bytes = m_pSocket->readAll();
+        PostBytes({Bytes.begin(), Bytes.end()});
+    }
+    void Lose() {
+        std::string Reason = m_pSocket->errorString().toStdString();
+        if (m_bConnected) {
+            ReadAll();
+        } else {
+            Reason += "; is the device on, and are host and port its own?";
+        }
+        // The socket may not go within its own signal.
+        m_pSocket->disconnect();
+        m_pSocket.release()->deleteLater();
+        m_bConnected = false;
+        PostClosed(std::move(Reason));
+    }
+
+    std::unique_ptr<QTcpSocket> m_pSocket;
+    bool m_bConnected = false;
+};
+
+/// The calling side.
+class CTcpLink : public CSocketLink {
+public:
+    CTcpLink(std::string Host, std::uint16_t Port) : m_Host(std::move(Host)), m_Port(Port) {}
+
+    void Open() override {
+        Close();
+        TakeSocket(std::make_unique<QTcpSocket>());
+        QObject::connect(&GetSocket(), &QTcpSocket::connected, [this] { Connected(); });
+        GetSocket().connectToHost(QString::fromStdString(m_Host), m_Port);
+    }
+    void Close() override {
+        DropSocket();
+        Restart();
+    }
+    std::string GetName() const override { return ToName(m_Host, m_Port); }
+
+private:
+    std::string m_Host;
+    std::uint16_t m_Port;
+};
+
+/// The answering side: one client at a time, further ones are turned away at once. Goes on listening when its
+/// client has gone.
+class CTcpListener : public CSocketLink {
+public:
+    CTcpListener(std::string Host, std::uint16_t Port) : m_Host(std::move(Host)), m_Port(Port) {
+        QObject::connect(&m_Server, &QTcpServer::newConnection, [this] { OnConnection(); });
+    }
+    ~CTcpListener() override { m_Server.disconnect(); }
+
+    void Open() override {
+        Close();
+        QHostAddress Address;
+        std::string Reason = FindAddress(Address);
+        if (Reason.empty() && !m_Server.listen(Address, m_Port)) {
+            Reason =
+                m_Server.errorString().toStdString() + "; give an address of this machine and a free port";
+        }
+        if (!Reason.empty()) {
+            PostClosed(std::move(Reason));
+        }
+    }
+    void Close() override {
+        DropSocket();
+        m_Server.close();
+        Restart();
+    }
+    /// With the port that was taken, once it listens.
+    std::string GetName() const override {
+        return ToName(m_Host, m_Server.isListening() ? m_Server.serverPort() : m_Port);
+    }
+
+private:
+    /// Empty, or what is wrong.
+    std::string FindAddress(QHostAddress& rAddress) const {
+        if (rAddress.setAddress(QString::fromStdString(m_Host))) {
+            return {};
+        }
+        const QHostInfo Info = QHostInfo::fromName(QString::fromStdString(m_Host));
+        if (Info.addresses().isEmpty()) {
+            return "\"" + m_Host + "\" isn't known: " + Info.errorString().toStdString() +
+                   "; give an address of this machine, for example 127.0.0.1";
+        }
+        rAddress = Info.addresses().first();
+        return {};
+    }
+    void OnConnection() {
+        while (QTcpSocket* pPending = m_Server.nextPendingConnection()) {
+            // The server would delete it with itself; here the link owns it.
+            pPending->setParent(nullptr);
+            std::unique_ptr<QTcpSocket> pSocket(pPending);
+            if (HasSocket()) {
+                pSocket->abort();
+                continue;
+            }
+            TakeSocket(std::move(pSocket));
+            Connected();
+        }
+    }
+
+    std::string m_Host;
+    std::uint16_t m_Port;
+    QTcpServer m_Server;
+};
+
+}  // namespace
+
+std::unique_ptr<IFByteLink> MakeTcpLink(const std::string& rHost, std::uint16_t Port) {
+    return std::make_unique<CTcpLink>(rHost, Port);
+}
+
+std::unique_ptr<IFByteLink> MakeTcpListener(const std::string& rHost, std::uint16_t Port) {
+    return std::make_unique<CTcpListener>(rHost, Port);
+}
