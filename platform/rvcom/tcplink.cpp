@@ -32,9 +32,8 @@ protected:
         m_pSocket = std::move(pSocket);
         QTcpSocket* pTaken = m_pSocket.get();
         QObject::connect(pTaken, &QTcpSocket::readyRead, [this] { ReadAll(); });
-        QObject::connect(pTaken, &QTcpSocket::errorOccurred, [this](QAbstractSocket::SocketError) {
-            Lose(m_pSocket->errorString().toStdString());
-        });
+        QObject::connect(pTaken, &QTcpSocket::errorOccurred,
+                         [this](QAbstractSocket::SocketError) { Lose(); });
     }
     void Connected() {
         // Frames are short and wait for answers; a peer that has vanished is noticed some day.
