@@ -1,0 +1,22 @@
+#include "platform/rvopc/opcitem.h"
+
+#include <utility>
+
+#include "platform/rvopc/opcdatabase.h"
+
+COpcItem::COpcItem(std::shared_ptr<COPCGroup> pGroup, std::string Name, const char* pKey)
+    : m_pGroup(std::move(pGroup)),
+      m_Name(std::move(Name)),
+      m_Item(COpcDatabaseRef(pKey)->GetOpcLinkItem(pKey)) {}
+
+int COpcItem::Write(const COpcValue& rValue) {
+    return m_pGroup->GetServer().Write(m_Item, rValue) ? 1 : 0;
+}
+
+std::optional<COpcValue> COpcItem::Read() const {
+    return m_pGroup->GetServer().Read(m_Item);
+}
+
+void COpcItem::Subscribe(IFOpcServer::ChangeHandler Handler) {
+    m_pSubscription = m_pGroup->GetServer().Subscribe(m_Item, m_pGroup->GetUpdateRate(), std::move(Handler));
+}

@@ -1,0 +1,44 @@
+#include "platform/rvopc/prebalinterfacefromnc.h"
+
+#include <cmath>
+#include <limits>
+#include <utility>
+
+namespace {
+
+std::int32_t ToRequest(const COpcValue& rValue) {
+    constexpr std::int32_t eUnknownRequest = std::numeric_limits<std::int32_t>::max();
+    const double Number = OpcValueToNumber(rValue).value_or(eUnknownRequest);
+    if (Number != std::trunc(Number) || std::abs(Number) > eUnknownRequest) {
+        return eUnknownRequest;
+    }
+    return static_cast<std::int32_t>(Number);
+}
+
+}  // namespace
+
+CPreBalInterfaceFromNC::CPreBalInterfaceFromNC(std::shared_ptr<COPCGroup> pGroup, std::string Name,
+                                               CPreBalFromNCInterface* pTarget)
+    : COpcItem(std::move(pGroup), std::move(Name), ms_pKey), m_pTarget(pTarget) {
+    Subscribe([this](const COpcValue* pValue) { OnChange(pValue); });
+}
+
+int CPreBalInterfaceFromNC::SetValueFromNC(std::int32_t Value) {
+    const int Result = Write(Value);
+    if (Result != 0) {
+        m_Echo = Value;
+    }
+    return Result;
+}
+
+void CPreBalInterfaceFromNC::OnChange(const COpcValue* pValue) {
+    if (pValue == nullptr) {
+        return;
+    }
+    const std::int32_t Request = ToRequest(*pValue);
+    if (m_Echo == Request) {
+        m_Echo.reset();
+        return;
+    }
+    m_pTarget->OnValueFromNCChanged(Request);
+}

@@ -1,0 +1,29 @@
+#pragma once
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "platform/rvopc/opcitem.h"
+#include "platform/rvopc/prebalfromncinterface.h"
+
+/// The request item: the NC writes a request, the module answers in the same item.
+class CPreBalInterfaceFromNC : public COpcItem {
+public:
+    static constexpr const char* ms_pKey = "PreBalInterfaceFromNC";
+
+    /// Subscribes; pTarget gets every value that somebody else wrote, and a value that isn't a whole number
+    /// as the unknown request 0x7FFFFFFF.
+    CPreBalInterfaceFromNC(std::shared_ptr<COPCGroup> pGroup, std::string Name,
+                           CPreBalFromNCInterface* pTarget);
+
+    /// Writes an answer. Nonzero for success.
+    int SetValueFromNC(std::int32_t Value);
+
+private:
+    void OnChange(const COpcValue* pValue);
+
+    CPreBalFromNCInterface* m_pTarget;
+    /// Our own answer, which the server reports back like any change: it must not count as a request.
+    std::optional<std::int32_t> m_Echo;
+};

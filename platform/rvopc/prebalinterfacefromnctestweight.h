@@ -1,0 +1,11 @@
+#pragma once
+#include "platform/rvopc/opcnumberitem.h"
+
+/// The test weight in grams that the NC asks for; read once when it is needed.
+class CPreBalInterfaceFromNcTestWeight : public COpcNumberItem {
+public:
+    static constexpr const char* ms_pKey = "PreBalInterfaceFromNcTestWeight";
+
+    CPreBalInterfaceFromNcTestWeight(std::shared_ptr<COPCGroup> pGroup, std::string Name)
+        : COpcNumberItem(std::move(pGroup), std::move(Name), ms_pKey) {}
+};

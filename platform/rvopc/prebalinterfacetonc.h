@@ -1,0 +1,19 @@
+#pragma once
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/rvopc/opcitem.h"
+
+/// The notification item: 14 numbers to the NC.
+class CPreBalInterfaceToNC : public COpcItem {
+public:
+    static constexpr const char* ms_pKey = "PreBalInterfaceToNC";
+    static constexpr std::size_t eNumberOfValues = 14;
+
+    CPreBalInterfaceToNC(std::shared_ptr<COPCGroup> pGroup, std::string Name);
+
+    /// Writes all 14 values. Nonzero for success; another number of values isn't written.
+    int SetNCData(const std::vector<std::int32_t>& rData);
+};

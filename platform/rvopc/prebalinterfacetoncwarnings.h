@@ -1,0 +1,17 @@
+#pragma once
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "platform/rvopc/opcitem.h"
+
+/// The warning item: the number of the warning shown, 0 for none.
+class CPreBalInterfaceToNCWarnings : public COpcItem {
+public:
+    static constexpr const char* ms_pKey = "PreBalInterfaceToNCWarnings";
+
+    CPreBalInterfaceToNCWarnings(std::shared_ptr<COPCGroup> pGroup, std::string Name);
+
+    /// Nonzero for success.
+    int SetWarningMode(std::uint32_t Mode);
+};
