@@ -54,15 +54,17 @@ public:
     void SetSize(std::uint32_t Rows, std::uint32_t Columns) {
         const std::uint32_t OldRows = m_pRep->RowCount;
         const std::uint32_t OldColumns = m_pRep->ColumnCount;
-        if (Rows != m_pRep->AllocatedRows || Columns != m_pRep->AllocatedColumns) {
+        const bool bSameSize = Rows == OldRows && Columns == OldColumns;
+        const bool bFits = Rows == m_pRep->AllocatedRows && Columns == m_pRep->AllocatedColumns;
+        // Unit leaves more allocated than it uses. Growing back into that needs no new arrays, but only when
+        // nobody shares them: a clone has no more than what is in use.
+        if (!bFits || (!bSameSize && m_pRep->ReferenceCount > 1)) {
             CRep* pNew = new CRep(Rows, Columns, *m_pRep);
             Release();
             m_pRep = pNew;
-        } else if (OldRows != Rows || OldColumns != Columns) {
-            MakeExclusive();
-            m_pRep->RowCount = Rows;
-            m_pRep->ColumnCount = Columns;
         }
+        m_pRep->RowCount = Rows;
+        m_pRep->ColumnCount = Columns;
         for (std::uint32_t i = 0; i < Rows; ++i) {
             for (std::uint32_t j = i < OldRows ? OldColumns : 0; j < Columns; ++j) {
                 m_pRep->Rows[i][j] = T(0);

@@ -10,8 +10,8 @@
 class CDC;
 class CPreBalNotification;
 
-/// The means by which one plane is compensated: converts between the vector UA and the physical means, shows them,
-/// names the menus of each step and handles the keys that move the means.
+/// The means by which one plane is compensated: converts between the vector UA and the physical means, shows
+/// them, names the menus of each step and handles the keys that move the means.
 class CPlaneBalancingMethod {
 public:
     enum DisplayMode : int {
@@ -44,8 +44,8 @@ public:
     /// The means' positions in whole degrees, 2 by 1; null for means that have no such positions.
     virtual const math::matrix<double>* GetTestUnbalanceVectorInDeg() = 0;
     virtual void SetTestUnbalanceVectorInDeg(const math::matrix<double>& rPositions) = 0;
-    /// Sets the means to produce rUA (2 by 1, units of one weight). False if they can't reach it; the percentage
-    /// (may be null) says by how much, and the nearest position is set all the same.
+    /// Sets the means to produce rUA (2 by 1, units of one weight). False if they can't reach it; the
+    /// percentage (may be null) says by how much, and the nearest position is set all the same.
     virtual bool SetUA(const math::matrix<double>& rUA, double* pPerCentCompensationDifference,
                        bool bAllowEqualAngles) = 0;
     /// The vector that the means now produce, 2 by 1.

@@ -1,0 +1,252 @@
+#include "rvdlm/m_rtr/rtr_trim/prebalancing/singleplanebalancingmath.h"
+
+#include <cmath>
+
+#include "rvdlm/m_rtr/rtr_trim/log.h"
+#include "rvlib/math/matrixlog.h"
+#include "rvlib/math/vector.h"
+
+#define DUMP_MATRIX(pName, rMatrix) LOG_MATRIX(RtrTrim::g_pLog, pName, rMatrix)
+
+using PreBalDB::CTypeBase;
+
+namespace {
+
+/// The test weights must change the reading by more than this in length ...
+constexpr double eMinLengthRatio = 1.05;
+/// ... or by more than 30 degrees in phase.
+constexpr double eMinPhaseChange = 0.5235987755982988;
+/// Components of the weight change below this have no direction.
+constexpr double eNoDirection = 1e-08;
+/// Floor of the squared influence, counts squared per weight squared.
+constexpr double eMinDeterminant = 0.001;
+
+math::matrix<double> MakeVector(double x, double y) {
+    math::matrix<double> Vector(2, 1);
+    Vector(0, 0) = x;
+    Vector(1, 0) = y;
+    return Vector;
+}
+
+/// The factor x + iy.
+math::matrix<double> MakeFactor(double x, double y) {
+    math::matrix<double> Factor(2, 2);
+    Factor(0, 0) = x;
+    Factor(0, 1) = -y;
+    Factor(1, 0) = y;
+    Factor(1, 1) = x;
+    return Factor;
+}
+
+/// Two weights by the line halfway between them and their distance from it, degrees.
+struct CWeightPair {
+    explicit CWeightPair(const math::matrix<double>& rPositions)
+        : m_Phi((rPositions(0, 0) + rPositions(1, 0)) * 0.5),
+          m_Alpha(std::abs(rPositions(0, 0) - rPositions(1, 0)) * 0.5) {}
+
+    /// Their sum, each weight of length 1.
+    math::matrix<double> GetSum() const {
+        const double Phi = m_Phi * math::ePi / 180.0;
+        const double Length = 2.0 * std::cos(m_Alpha * math::ePi / 180.0);
+        return MakeVector(Length * std::cos(Phi), Length * std::sin(Phi));
+    }
+
+    double m_Phi;
+    double m_Alpha;
+};
+
+/// Angles of a clockwise scale turn into the counter-clockwise ones of the mathematics. 0 becomes 360, and
+/// stays so.
+math::matrix<double> FromScale(double Angle1, double Angle2, CTypeBase::Direction Scaling) {
+    return Scaling == CTypeBase::eClockwise ? MakeVector(360.0 - Angle1, 360.0 - Angle2)
+                                            : MakeVector(Angle1, Angle2);
+}
+
+double WholeDegrees(double Angle) {
+    return std::trunc(Angle < 0.0 ? Angle + 360.0 : Angle);
+}
+
+void MakeNull(math::matrix<double>& rMatrix, std::uint32_t nRows, std::uint32_t nColumns) {
+    rMatrix.SetSize(nRows, nColumns);
+    rMatrix.Null();
+}
+
+}  // namespace
+
+CSinglePlaneBalancingMath::CSinglePlaneBalancingMath(std::uint32_t nSamples) : m_MovingAverage(nSamples) {
+    MakeNull(m_Alpha, 2, 2);
+    MakeNull(m_InvA, 2, 2);
+    MakeNull(m_UA, 2, 1);
+    MakeNull(m_FirstMeasurementValues, 2, 1);
+    MakeNull(m_SecondMeasurementValues, 2, 1);
+    MakeNull(m_RawValues, 2, 1);
+    MakeNull(m_FirstWeightsAsNormalizedVector, 2, 1);
+    m_FirstWeightPositions = MakeVector(0.0, 180.0);  // opposed: their sum is nil
+    MakeNull(m_SecondWeightPositions, 2, 1);
+    m_TransformationMatrix.SetSize(2, 2);
+    m_TransformationMatrix.Unit();
+    MakeNull(m_NullVector, 2, 1);
+}
+
+void CSinglePlaneBalancingMath::RestartMeasurement() {
+    PB_FLOW("CSinglePlaneBalancingMath::RestartMeasurement() called");
+    m_MovingAverage.Reset();
+}
+
+void CSinglePlaneBalancingMath::SetRotationDirection(CTypeBase::Direction Value) {
+    PB_FLOW("CSinglePlaneBalancingMath::SetRotationDirection(RotationDirection=%s) called",
+            CTypeBase::DirectionToString(Value));
+    m_RotationDirection = Value;
+}
+
+void CSinglePlaneBalancingMath::SetScalingDirection(CTypeBase::Direction Value) {
+    // The line names the rotation direction here too: deliberate, readers of the log search for it.
+    PB_FLOW("CSinglePlaneBalancingMath::SetScalingDirection(RotationDirection=%s) called",
+            CTypeBase::DirectionToString(Value));
+    m_ScalingDirection = Value;
+}
+
+int CSinglePlaneBalancingMath::AddXYValue(std::int16_t x, std::int16_t y) {
+    PB_FLOW("CSinglePlaneBalancingMath::AddXYValue(%d, %d) called", x, y);
+    // Negated in 16 bits: -32768 stays as it is.
+    const auto MirroredX = static_cast<std::int16_t>(-x);
+    return m_MovingAverage.AddValue(m_RotationDirection == CTypeBase::eClockwise ? MirroredX : x, y);
+}
+
+math::matrix<double> CSinglePlaneBalancingMath::CalculateSmoothedValue() const {
+    RV_ASSERT(RtrTrim::g_pLog, m_MovingAverage.GetValuesComplete(), "must be complete!");
+    double x = 0.0;
+    double y = 0.0;
+    m_MovingAverage.GetValues(nullptr, nullptr, nullptr, &x, &y);
+    return MakeVector(x, y);
+}
+
+void CSinglePlaneBalancingMath::SetRawUnbalanceVector(const math::matrix<double>& rAngles,
+                                                      CTypeBase::Direction Value) {
+    PB_FLOW("CSinglePlaneBalancingMath::SetRawUnbalanceVector(%.4f, %.4f, %s) called", rAngles(0, 0),
+            rAngles(1, 0), CTypeBase::DirectionToString(Value));
+    m_ScalingDirection = Value;
+    m_FirstWeightPositions = FromScale(WholeDegrees(rAngles(0, 0)), WholeDegrees(rAngles(1, 0)), Value);
+}
+
+math::matrix<double> CSinglePlaneBalancingMath::GetRawUnbalanceVector() {
+    PB_FLOW("CSinglePlaneBalancingMath::GetRawUnbalanceVector() called");
+    return m_FirstWeightPositions;
+}
+
+int CSinglePlaneBalancingMath::ApplyNeutralPositionXYValues() {
+    PB_FLOW("CSinglePlaneBalancingMath::ApplyNeutralPositionXYValues() called");
+    m_FirstMeasurementValues = CalculateSmoothedValue();
+    m_MovingAverage.Reset();  // the next measurement starts empty
+    DUMP_MATRIX("FirstMeasurementValues", m_FirstMeasurementValues);
+    return 1;
+}
+
+void CSinglePlaneBalancingMath::SetTestUnbalanceVector(const math::matrix<double>* pTest,
+                                                       CTypeBase::Direction Value) {
+    PB_FLOW("CSinglePlaneBalancingMath::SetTestUnbalanceVector(0x%08X, %s) called",
+            static_cast<unsigned>(reinterpret_cast<std::uintptr_t>(pTest)),
+            CTypeBase::DirectionToString(Value));
+    m_TransformationMatrix.SetSize(2, 2);
+    if (pTest == nullptr) {
+        m_TransformationMatrix.Unit();
+        DUMP_MATRIX("TransformationMatrix", m_TransformationMatrix);
+        return;
+    }
+    DUMP_MATRIX("pTest", *pTest);
+    m_SecondWeightPositions = FromScale((*pTest)(0, 0), (*pTest)(1, 0), Value);
+    DUMP_MATRIX("Test Weights", *pTest);  // as given, not the mirrored copy
+
+    const CWeightPair First(m_FirstWeightPositions);
+    const CWeightPair Second(m_SecondWeightPositions);
+    PB_MATH("Phi1: %3.4f  -- Alpha1: %3.4f -- Phi2: %3.4f  -- Alpha2: %3.4f", First.m_Phi, First.m_Alpha,
+            Second.m_Phi, Second.m_Alpha);
+    m_FirstWeightsAsNormalizedVector = First.GetSum();
+    const math::matrix<double> Change = Second.GetSum() - m_FirstWeightsAsNormalizedVector;
+    const bool bNoDirection = std::abs(Change(0, 0)) < eNoDirection && std::abs(Change(1, 0)) < eNoDirection;
+    const double Theta = bNoDirection ? 0.0 : math::VectorAngle(Change);
+    // 1 / conj(Change) has the angle of Change itself. No guard: weights that don't move give an infinite
+    // scale.
+    const double Scale = 1.0 / math::VectorLength(Change);
+    m_TransformationMatrix = MakeFactor(std::cos(Theta) * Scale, std::sin(Theta) * Scale);
+    DUMP_MATRIX("TransformationMatrix", m_TransformationMatrix);
+}
+
+int CSinglePlaneBalancingMath::CheckTestWeightEffect() const {
+    if (m_FirstMeasurementValues == m_NullVector && m_SecondMeasurementValues == m_NullVector) {
+        return 0;
+    }
+    const double First = math::VectorLength(m_FirstMeasurementValues);
+    const double Second = math::VectorLength(m_SecondMeasurementValues);
+    const double Ratio = First > Second ? First / Second : Second / First;
+    if (Ratio > eMinLengthRatio) {
+        return 1;
+    }
+    // The plain difference, deliberately not wrapped: readings at +179 and -179 degrees pass.
+    const double PhaseChange =
+        math::VectorAngle(m_FirstMeasurementValues) - math::VectorAngle(m_SecondMeasurementValues);
+    return std::abs(PhaseChange) > eMinPhaseChange ? 1 : 0;
+}
+
+int CSinglePlaneBalancingMath::CalculateAlphaMatrix() {
+    const math::matrix<double> Alpha =
+        m_TransformationMatrix * (m_SecondMeasurementValues - m_FirstMeasurementValues);
+    m_Alpha = MakeFactor(Alpha(0, 0), Alpha(1, 0));
+    DUMP_MATRIX("m_Alpha", m_Alpha);
+    return 1;
+}
+
+int CSinglePlaneBalancingMath::CalculateUAValues() {
+    DUMP_MATRIX("FirstMeasurementValues", m_FirstMeasurementValues);
+    DUMP_MATRIX("FirstWeightsAsNormalizedVector", m_FirstWeightsAsNormalizedVector);
+    math::matrix<double> Conjugate = m_FirstWeightsAsNormalizedVector;
+    Conjugate(1, 0) = -m_FirstWeightsAsNormalizedVector(1, 0);
+    const math::matrix<double> WeightInfluence = m_Alpha * Conjugate;
+    DUMP_MATRIX("transformed weight influence", WeightInfluence);
+    m_RawValues = m_FirstMeasurementValues - WeightInfluence;
+    DUMP_MATRIX("RawValues", m_RawValues);
+    m_UA = -(m_InvA * m_RawValues);
+    return m_Alpha.Det() < eMinDeterminant ? 0 : 1;  // this way round a NaN passes
+}
+
+void CSinglePlaneBalancingMath::GetPrebalanceResult(math::matrix<double>& rInvA, math::matrix<double>& rUA,
+                                                    std::uint32_t& rTestWeightStatus) {
+    PB_FLOW("CSinglePlaneBalancingMath::GetPrebalanceResult(rInvA, rUA, rTestWeightStatus) called");
+    DUMP_MATRIX("FirstWeightPositions", m_FirstWeightPositions);
+    DUMP_MATRIX("FirstWeightsAsNormalizedVector", m_FirstWeightsAsNormalizedVector);
+    DUMP_MATRIX("SecondWeightPositions", m_SecondWeightPositions);
+    m_SecondMeasurementValues = CalculateSmoothedValue();
+    DUMP_MATRIX("SecondMeasurementValues", m_SecondMeasurementValues);
+    rTestWeightStatus = 1;
+    if (CheckTestWeightEffect() != 0) {
+        CalculateAlphaMatrix();
+        math::matrix<double> Consumed = m_Alpha;  // inversion uses up what it is applied to
+        m_InvA = !Consumed;
+        if (CalculateUAValues() != 0) {
+            rTestWeightStatus = 0;
+        }
+    }
+    rUA = m_UA;
+    rInvA = m_InvA;
+    DUMP_MATRIX("rUA", rUA);
+    DUMP_MATRIX("rInvA", rInvA);
+}
+
+void CSinglePlaneBalancingMath::SetMathMatrices(math::matrix<double> InvA, math::matrix<double> UA) {
+    PB_FLOW("CSinglePlaneBalancingMath::SetMathMatrices(InvA, UA) called");
+    m_InvA = InvA;
+    m_UA = UA;
+    DUMP_MATRIX("InvA", InvA);
+    DUMP_MATRIX("UA", UA);
+    DUMP_MATRIX("m_InvA", m_InvA);
+    DUMP_MATRIX("m_UA", m_UA);
+}
+
+void CSinglePlaneBalancingMath::GetRebalanceResult(math::matrix<double>& rUA) {
+    PB_FLOW("CSinglePlaneBalancingMath::GetRebalanceResult(rUA) called");
+    m_FirstMeasurementValues = CalculateSmoothedValue();
+    m_FirstMeasurementValues =
+        m_InvA * m_FirstMeasurementValues;  // from here on the correction, not the reading
+    rUA = m_UA - m_FirstMeasurementValues;
+    DUMP_MATRIX("UA", rUA);
+}

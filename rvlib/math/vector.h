@@ -1,0 +1,37 @@
+#pragma once
+// Helpers of the balancing mathematics on matrices that stand for vectors.
+#include <cmath>
+#include <cstdint>
+
+#include "rvlib/math/matrix.h"
+
+namespace math {
+
+constexpr double ePi = 3.141592653589793;
+/// Stands in a vector for "no measured value".
+constexpr double eInvalidValue = -100000000.0;
+
+/// Euclidean length of a 2-by-1 vector.
+inline double VectorLength(const matrix<double>& rVector) {
+    return rVector.Norm();
+}
+
+/// Angle of a 2-by-1 vector in radians, -pi to pi. 0 if the vector hasn't exactly 2 rows or holds the invalid
+/// marker.
+inline double VectorAngle(const matrix<double> Vector) {
+    if (Vector.RowNo() != 2 || Vector(0, 0) == eInvalidValue || Vector(1, 0) == eInvalidValue) {
+        return 0.0;
+    }
+    return std::atan2(Vector(1, 0), Vector(0, 0));
+}
+
+/// Turns column 0 of rSource from degrees into radians. Throws matrix_error when rTarget has fewer rows.
+/// Result 1.
+inline int DegreesToRadians(matrix<double>& rTarget, const matrix<double>& rSource) {
+    for (std::uint32_t i = 0; i < rSource.RowNo(); ++i) {
+        rTarget(i, 0) = rSource(i, 0) * ePi / 180.0;
+    }
+    return 1;
+}
+
+}  // namespace math
