@@ -4,6 +4,7 @@
 #include <atomic>
 #include <map>
 
+#include "platform/rvcom/rvcom.h"
 #include "platform/system/eventloop.h"
 #include "platform/window/dc.h"
 
@@ -153,6 +154,7 @@ void CWnd::Forget() {
         m_pAnchor->Kill(rTimer);
     }
     m_pAnchor->m_Timers.clear();
+    rvCOM::Forget(this);
     m_bExists = false;
     m_bDestroying = false;
     m_bPaintPending = false;
