@@ -1,0 +1,33 @@
+#pragma once
+#include <cstdint>
+
+#include "simulator/balancingmodule.h"
+#include "simulator/noise.h"
+
+/// A balancing module of the Kestrel family at byte level: one sensor, one plane. It answers the five queries
+/// to whoever asked, in the byte order and layout of the family, and reports by itself to any address.
+class CKestrelModule : public CBalancingModule {
+public:
+    /// The state in which a module works for pre-balancing.
+    static constexpr std::uint8_t ePrebalancingStart = 7;
+
+    /// Sensors count from 0.
+    CKestrelModule(const CWiring& rWiring, std::uint8_t Address, std::size_t nSensor, CNoise Noise);
+
+protected:
+    void AnswerRequest(std::span<const std::uint8_t> Request) override;
+    Bytes MakeState(std::uint8_t Destination) const override;
+    Bytes MakeSet(std::uint8_t Destination) const override;
+    void IndicateRpm() override;
+    void IndicateXY() override;
+
+private:
+    Bytes MakeHeader(std::uint8_t Command, std::uint8_t Destination) const;
+    Bytes MakeIdentification(std::uint8_t Destination) const;
+    Bytes MakeRpm(std::uint8_t Destination) const;
+    /// Not const: each frame draws new noise.
+    Bytes MakeXY(std::uint8_t Destination);
+
+    std::size_t m_nSensor;
+    CNoise m_Noise;
+};

@@ -1,0 +1,161 @@
+#include "simulator/rotorfile.h"
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <nlohmann/json.hpp>
+#include <string_view>
+
+#include "simulator/jsonfields.h"
+
+using nlohmann::json;
+
+namespace {
+
+constexpr std::size_t eMaxPlanes = 2;
+constexpr double eMaxAngleDeg = 3600.0;
+constexpr double eMaxAmount = 1.0e6;
+constexpr int eMaxHoles = 360;
+constexpr std::string_view ms_Families[] = {"kestrel", "kestrel-pair", "lanner"};
+constexpr std::string_view ms_Senses[] = {"cw", "ccw"};
+
+/// Planes that the modules measure: the number of planes of a rotor that doesn't say.
+std::size_t GetMeasuredPlanes(CRotorFile::Modules Family) {
+    return (Family == CRotorFile::eKestrel) ? 1 : 2;
+}
+
+CRotorFile::Sense ToSense(std::size_t nChoice) {
+    return (nChoice == 0) ? CRotorFile::eClockwise : CRotorFile::eCounterClockwise;
+}
+
+void ReadUnbalance(const json& rValue, const std::string& rPath, CRotorFile::CUnbalance& rUnbalance) {
+    const CJsonFields Fields(rValue, rPath, {"amount", "angle_deg"});
+    rUnbalance.m_Amount = Fields.GetNumber("amount", rUnbalance.m_Amount, 0.0, eMaxAmount);
+    rUnbalance.m_AngleDeg = Fields.GetNumber("angle_deg", rUnbalance.m_AngleDeg, -eMaxAngleDeg, eMaxAngleDeg);
+}
+
+/// Makes the defaults for a number of planes.
+void Resize(CRotorFile& rFile, std::size_t nPlanes) {
+    rFile.m_Planes.assign(nPlanes, {});
+    rFile.m_Influence.assign(nPlanes, std::vector<CRotorFile::CInfluence>(nPlanes, {0.0, 0.0}));
+    for (std::size_t nPlane = 0; nPlane < nPlanes; ++nPlane) {
+        rFile.m_Influence[nPlane][nPlane] = {};
+    }
+}
+
+std::size_t FindNumberOfPlanes(const CJsonFields& rFields, CRotorFile::Modules Family) {
+    for (std::string_view Name : {"planes", "influence", "scale", "holes"}) {
+        if (const json* pList = rFields.GetArray(Name, 1, eMaxPlanes)) {
+            return pList->size();
+        }
+    }
+    return GetMeasuredPlanes(Family);
+}
+
+void ReadInfluence(const json& rRows, std::vector<std::vector<CRotorFile::CInfluence>>& rInfluence) {
+    for (std::size_t nSensor = 0; nSensor < rInfluence.size(); ++nSensor) {
+        const std::string RowPath = CJsonFields::ElementPath("influence", nSensor);
+        const json& rRow = CJsonFields::ToArray(rRows[nSensor], RowPath, rInfluence[nSensor].size(),
+                                                rInfluence[nSensor].size());
+        for (std::size_t nPlane = 0; nPlane < rRow.size(); ++nPlane) {
+            const CJsonFields Fields(rRow[nPlane], CJsonFields::ElementPath(RowPath, nPlane),
+                                     {"amplitude", "phase_deg"});
+            // An entry that is there starts from the built-in one, on the diagonal or off it.
+            CRotorFile::CInfluence Influence;
+            Influence.m_Amplitude = Fields.GetNumber("amplitude", Influence.m_Amplitude, 0.0, eMaxAmount);
+            Influence.m_PhaseDeg =
+                Fields.GetNumber("phase_deg", Influence.m_PhaseDeg, -eMaxAngleDeg, eMaxAngleDeg);
+            rInfluence[nSensor][nPlane] = Influence;
+        }
+    }
+}
+
+CRotorFile FromJson(const json& rValue, std::optional<CRotorFile::Modules> Family) {
+    const CJsonFields Fields(rValue, "",
+                             {"modules", "rotation", "speed_rpm", "ramp_rpm_per_s", "planes", "influence",
+                              "noise_counts", "scale", "holes", "seed"});
+    CRotorFile File;
+    // The file's own family is checked even when another one is asked for.
+    const auto OwnFamily = static_cast<CRotorFile::Modules>(Fields.GetChoice("modules", 0, ms_Families));
+    File.m_Modules = Family.value_or(OwnFamily);
+    File.m_Rotation = ToSense(Fields.GetChoice("rotation", 0, ms_Senses));
+    // Below 60 rpm the electronics call the speed invalid, above 65535 it doesn't fit their frames.
+    File.m_SpeedRpm = Fields.GetNumber("speed_rpm", File.m_SpeedRpm, 60.0, 65535.0);
+    File.m_RampRpmPerS = Fields.GetNumber("ramp_rpm_per_s", File.m_RampRpmPerS, 1.0, 1.0e6);
+    File.m_NoiseCounts = Fields.GetNumber("noise_counts", File.m_NoiseCounts, 0.0, 32767.0);
+    File.m_Seed = Fields.GetUnsigned("seed", File.m_Seed);
+
+    const std::size_t nPlanes = FindNumberOfPlanes(Fields, File.m_Modules);
+    if (File.m_Modules == CRotorFile::eKestrelPair && nPlanes != eMaxPlanes) {
+        throw CJsonError("planes must be an array of 2: the modules kestrel-pair measure two planes");
+    }
+    Resize(File, nPlanes);
+    if (const json* pPlanes = Fields.GetArray("planes", nPlanes, nPlanes)) {
+        for (std::size_t nPlane = 0; nPlane < nPlanes; ++nPlane) {
+            const CJsonFields Plane((*pPlanes)[nPlane], CJsonFields::ElementPath("planes", nPlane),
+                                    {"unbalance"});
+            if (const json* pUnbalance = Plane.Get("unbalance")) {
+                ReadUnbalance(*pUnbalance, Plane.GetPath("unbalance"), File.m_Planes[nPlane].m_Unbalance);
+            }
+        }
+    }
+    if (const json* pRows = Fields.GetArray("influence", nPlanes, nPlanes)) {
+        ReadInfluence(*pRows, File.m_Influence);
+    }
+    if (const json* pScale = Fields.GetArray("scale", nPlanes, nPlanes)) {
+        for (std::size_t nPlane = 0; nPlane < nPlanes; ++nPlane) {
+            File.m_Planes[nPlane].m_Scale = ToSense(CJsonFields::ToChoice(
+                (*pScale)[nPlane], CJsonFields::ElementPath("scale", nPlane), ms_Senses));
+        }
+    }
+    if (const json* pHoles = Fields.GetArray("holes", nPlanes, nPlanes)) {
+        for (std::size_t nPlane = 0; nPlane < nPlanes; ++nPlane) {
+            File.m_Planes[nPlane].m_Holes = static_cast<int>(CJsonFields::ToInteger(
+                (*pHoles)[nPlane], CJsonFields::ElementPath("holes", nPlane), 1, eMaxHoles));
+        }
+    }
+    return File;
+}
+
+}  // namespace
+
+CRotorFile CRotorFile::GetBuiltIn(Modules Family) {
+    return FromJson(json::object(), Family);
+}
+
+std::optional<CRotorFile> CRotorFile::Read(const std::string& rPath, std::string& rError,
+                                           std::optional<Modules> Family) {
+    std::ifstream Stream(rPath, std::ios::binary);
+    const std::string Text{std::istreambuf_iterator<char>(Stream), {}};
+    if (!Stream) {
+        rError = rPath + ": can't be read; give the path of a rotor file";
+        return std::nullopt;
+    }
+    auto File = Parse(Text, rError, Family);
+    if (!File) {
+        rError = rPath + ": " + rError;
+    }
+    return File;
+}
+
+std::optional<CRotorFile> CRotorFile::Parse(const std::string& rText, std::string& rError,
+                                            std::optional<Modules> Family) {
+    constexpr bool bAllowExceptions = true;
+    constexpr bool bIgnoreComments = true;
+    try {
+        return FromJson(json::parse(rText, nullptr, bAllowExceptions, bIgnoreComments), Family);
+    } catch (const json::exception& rException) {
+        rError = std::string("not valid JSON: ") + rException.what();
+    } catch (const CJsonError& rException) {
+        rError = rException.what();
+    }
+    return std::nullopt;
+}
+
+std::optional<CRotorFile::Modules> CRotorFile::ModulesFromString(const std::string& rText) {
+    const auto Found = std::find(std::begin(ms_Families), std::end(ms_Families), rText);
+    if (Found == std::end(ms_Families)) {
+        return std::nullopt;
+    }
+    return static_cast<Modules>(Found - std::begin(ms_Families));
+}

@@ -1,0 +1,86 @@
+#pragma once
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/rvcom/bytelink.h"
+#include "platform/rvcom/linediscipline.h"
+#include "simulator/balancingmodule.h"
+#include "simulator/machine.h"
+#include "simulator/rotor.h"
+#include "simulator/rotorfile.h"
+#include "simulator/spindle.h"
+#include "simulator/transmitter.h"
+
+class CJsonFields;
+
+/// A rotor on a spindle with its balancing modules at a line: frames on the byte link, requests of the
+/// machine link in process. All its time is the event loop's, and its noise is seeded, so under virtual time
+/// the same requests give the same frames at the same instants.
+///
+/// Requests, beyond those that machine.h names:
+///   {"unbalance": {"plane": 1, "amount": 0.9, "angle_deg": 120}}   the rotor's own unbalance becomes this
+///   {"set": {"number": 2, "rpm_factor": 1, "sensor_adaption": 1}}
+///   {"module_state": {"state": 7, "parameter": 0, "ui_locked": false}}
+/// What set and module_state leave out stays as it is; both strike all modules, or one with "module": 1 or 2.
+/// {"fault": ...} takes what faults.h tells. A request that can't be carried out changes nothing.
+///
+/// {"state": {}} answers
+///   {"ok": true, "speed": 2990.0, "commanded": 3000, "lock": false, "invalid": true, "nominal_rpm": 3000,
+///    "residual": [{"amount": 0.8, "angle_deg": 123.0}],
+///    "fitted": [{"weights": [30, 180], "screws": [{"hole": 1, "grams": 2.5}]}],
+///    "modules": [{"address": 5, "set": 1, "rpm_factor": 1, "state": 7}]}
+/// with residual and fitted per plane. Residual angles count counter-clockwise, seen from plane 1's end.
+class CSimulator : public IFMachine {
+public:
+    /// Null, with rError telling what would be right, if the modules of the rotor file can't be simulated at
+    /// these addresses. No addresses: 5, and 6 for the second module.
+    static std::unique_ptr<CSimulator> Create(const CRotorFile& rFile, std::unique_ptr<IFByteLink> pLink,
+                                              std::vector<std::uint8_t> Addresses, std::string& rError);
+    ~CSimulator() override;
+
+    /// Opens the line. What OnOpened and OnClosed of the link are set to before is called too.
+    void Open();
+    void Request(const nlohmann::json& rRequest, Done OnAnswer) override;
+    /// The same at once: carries the request out and returns the answer.
+    nlohmann::json Carry(const nlohmann::json& rRequest);
+
+    const CRotor& GetRotor() const { return m_Rotor; }
+    const CSpindle& GetSpindle() const { return m_Spindle; }
+    IFByteLink& GetLink() { return *m_pLink; }
+    const LineDiscipline::CDecoder& GetDecoder() const { return m_Decoder; }
+
+private:
+    CSimulator(const CRotorFile& rFile, std::unique_ptr<IFByteLink> pLink,
+               const std::vector<std::uint8_t>& rAddresses);
+
+    /// One per kind of request: carries it out, and may add to the answer.
+    using Handler = void (CSimulator::*)(const nlohmann::json& rValue, nlohmann::json& rAnswer);
+    struct CRequestKind {
+        const char* m_pName;
+        Handler m_Handler;
+    };
+    static const CRequestKind ms_Requests[];
+
+    void OnSpeed(const nlohmann::json& rValue, nlohmann::json& rAnswer);
+    void OnWeights(const nlohmann::json& rValue, nlohmann::json& rAnswer);
+    void OnScrews(const nlohmann::json& rValue, nlohmann::json& rAnswer);
+    void OnUnbalance(const nlohmann::json& rValue, nlohmann::json& rAnswer);
+    void OnSet(const nlohmann::json& rValue, nlohmann::json& rAnswer);
+    void OnModuleState(const nlohmann::json& rValue, nlohmann::json& rAnswer);
+    void OnFault(const nlohmann::json& rValue, nlohmann::json& rAnswer);
+    void OnState(const nlohmann::json& rValue, nlohmann::json& rAnswer);
+
+    std::size_t ReadPlane(const CJsonFields& rFields) const;
+    /// The modules that a request means.
+    std::vector<CBalancingModule*> ReadModules(const CJsonFields& rFields) const;
+
+    double m_NominalRpm;
+    std::unique_ptr<IFByteLink> m_pLink;
+    CRotor m_Rotor;
+    CSpindle m_Spindle;
+    CTransmitter m_Transmitter;
+    LineDiscipline::CDecoder m_Decoder;
+    std::vector<std::unique_ptr<CBalancingModule>> m_Modules;
+};

@@ -1,0 +1,69 @@
+#include "simulator/transmitter.h"
+
+#include <algorithm>
+
+#include "platform/rvcom/bytelink.h"
+#include "platform/rvcom/linediscipline.h"
+
+namespace {
+
+constexpr std::uint8_t eSlipEnd = 0xC0;
+constexpr std::uint8_t eSlipEsc = 0xDB;
+
+bool IsFraming(std::uint8_t Byte) {
+    return Byte == eSlipEnd || Byte == eSlipEsc;
+}
+
+}  // namespace
+
+void CTransmitter::Send(std::span<const std::uint8_t> Frame, CFaults::Frame Kind) {
+    const CFaults::CVerdict Verdict = m_Faults.Judge(Kind);
+    if (Verdict.m_bDrop) {
+        return;
+    }
+    CPending Pending;
+    Pending.m_LineBytes = LineDiscipline::Encode(Frame);
+    if (Verdict.m_bCorrupt) {
+        Corrupt(Pending.m_LineBytes);
+    }
+    Pending.m_Due = IFEventLoop::Current().Now() + Verdict.m_DelayMs;
+    if (Kind == CFaults::eAnswer) {
+        Pending.m_Due += eAnswerDelayMs;
+    }
+    if (!m_Pending.empty()) {
+        Pending.m_Due = std::max(Pending.m_Due, m_Pending.back().m_Due);
+    }
+    m_Pending.push_back(std::move(Pending));
+    if (m_Pending.size() == 1) {
+        SendDue();
+    }
+}
+
+void CTransmitter::SendDue() {
+    const std::uint64_t Now = IFEventLoop::Current().Now();
+    while (!m_Pending.empty() && m_Pending.front().m_Due <= Now) {
+        if (m_rLink.Write(m_Pending.front().m_LineBytes)) {
+            ++m_nSent;
+        }
+        m_Pending.pop_front();
+    }
+    if (!m_Pending.empty()) {
+        m_Timer.StartOnce(static_cast<std::uint32_t>(m_Pending.front().m_Due - Now), [this] { SendDue(); });
+    }
+}
+
+void CTransmitter::Corrupt(std::vector<std::uint8_t>& rLineBytes) {
+    // From the middle on, the first byte that is plain data and stays so: the frame keeps its bounds and
+    // length, and a CRC finds every single flipped bit.
+    for (std::size_t nIndex = rLineBytes.size() / 2; nIndex < rLineBytes.size(); ++nIndex) {
+        std::uint8_t& rByte = rLineBytes[nIndex];
+        const auto Flipped = static_cast<std::uint8_t>(rByte ^ 0x04U);
+        const bool bEscaped = nIndex > 0 && rLineBytes[nIndex - 1] == eSlipEsc;
+        if (!bEscaped && !IsFraming(rByte) && !IsFraming(Flipped)) {
+            rByte = Flipped;
+            return;
+        }
+    }
+    // All framing from the middle on: losing the end mark damages the frame as well.
+    rLineBytes.back() = static_cast<std::uint8_t>(eSlipEnd ^ 0x04U);
+}
