@@ -27,18 +27,15 @@ bool EqualNoCase(std::string_view First, std::string_view Second) {
                       [](char A, char B) { return ToLower(A) == ToLower(B); });
 }
 
-std::vector<std::string> Split(std::string_view Value, std::string_view Separator) {
+std::vector<std::string> Split(std::string_view Value, std::string_view Separators) {
     std::vector<std::string> Parts;
     while (!Value.empty()) {
-        const std::size_t End = Separator.empty() ? std::string_view::npos : Value.find(Separator);
+        const std::size_t End = std::min(Value.find_first_of(Separators), Value.size());
         std::string Part = Trim(Value.substr(0, End), " ");
         if (!Part.empty()) {
             Parts.push_back(std::move(Part));
         }
-        if (End == std::string_view::npos) {
-            break;
-        }
-        Value.remove_prefix(End + Separator.size());
+        Value.remove_prefix(std::min(End + 1, Value.size()));
     }
     return Parts;
 }

@@ -14,9 +14,9 @@ constexpr std::string_view c_WhiteSpace = " \t\r\n\f\v";
 std::string Trim(std::string_view Value, std::string_view Characters = c_WhiteSpace);
 /// Equal without regard to the case of the letters A to Z.
 bool EqualNoCase(std::string_view First, std::string_view Second);
-/// The parts between the separators (each a string that stands as a whole), trimmed of blanks, without the
-/// empty ones; an empty separator doesn't split.
-std::vector<std::string> Split(std::string_view Value, std::string_view Separator);
+/// The parts between the separators, trimmed of blanks, without the empty ones. Any character of Separators
+/// separates; without any the value is one part.
+std::vector<std::string> Split(std::string_view Value, std::string_view Separators);
 /// The standard text-to-integer rule: white space, a sign, then leading digits count; 0 if there are none.
 /// Beyond the range of int it stays at the nearest end of the range.
 int ToInt(std::string_view Value);
