@@ -8,6 +8,8 @@
 ///   [{"hole": 1, "grams": 2.5}]}}, {"set": {"number": 2}}, {"fault": {"kind": "drop", "next": 3}}, {"state":
 ///   {}}
 /// answered by {"ok": true, ...} or {"error": "what was wrong and what would be right"}.
+/// Planes count from 1. Weights and screws take the place of those fitted before in the plane. Holes count
+/// from 1 as they are numbered on the rotor, in the sense of its angle scale.
 class IFMachine {
 public:
     using Done = std::function<void(const nlohmann::json& rAnswer)>;

@@ -1,6 +1,8 @@
 #include "simulator/simulator.h"
 
 #include <algorithm>
+#include <array>
+#include <string_view>
 #include <utility>
 
 #include "simulator/jsonfields.h"
@@ -101,14 +103,14 @@ void CSimulator::Request(const json& rRequest, Done OnAnswer) {
 json CSimulator::Carry(const json& rRequest) {
     json Answer = {{"ok", true}};
     try {
-        const CJsonFields Fields(
-            rRequest, "",
-            {"speed", "weights", "screws", "set", "fault", "state", "unbalance", "module_state"});
+        std::array<std::string_view, std::size(ms_Requests)> Names;
+        std::ranges::transform(ms_Requests, Names.begin(), &CRequestKind::m_Name);
+        const CJsonFields Fields(rRequest, "", CJsonFields::Names(Names));
         if (rRequest.size() != 1) {
             throw CJsonError("give one request at a time, for example {\"speed\": 3000}");
         }
         for (const CRequestKind& rKind : ms_Requests) {
-            if (const json* pValue = Fields.Get(rKind.m_pName)) {
+            if (const json* pValue = Fields.Get(rKind.m_Name)) {
                 (this->*rKind.m_Handler)(*pValue, Answer);
             }
         }

@@ -2,6 +2,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/rvcom/bytelink.h"
@@ -58,7 +59,7 @@ private:
     /// One per kind of request: carries it out, and may add to the answer.
     using Handler = void (CSimulator::*)(const nlohmann::json& rValue, nlohmann::json& rAnswer);
     struct CRequestKind {
-        const char* m_pName;
+        std::string_view m_Name;
         Handler m_Handler;
     };
     static const CRequestKind ms_Requests[];
