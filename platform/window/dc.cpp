@@ -32,10 +32,12 @@ QPen ToQt(const CPen& rPen) {
         return {Qt::NoPen};
     }
     QPen Pen(ToQt(rPen.m_Color), std::max(rPen.m_Width, 1));
-    Pen.setCapStyle(Qt::FlatCap);
-    Pen.setJoinStyle(Qt::MiterJoin);
+    Pen.setJoinStyle(Qt::RoundJoin);
     if (rPen.m_Style == CPen::eDot) {
         Pen.setDashPattern({3.0, 3.0});
+        Pen.setCapStyle(Qt::FlatCap);  // others would fill the gaps
+    } else {
+        Pen.setCapStyle(rPen.m_Width > 1 ? Qt::RoundCap : Qt::SquareCap);  // both ends belong to a line
     }
     return Pen;
 }
@@ -170,12 +172,7 @@ void CDC::LineTo(CPoint Point) {
     if (!m_pImpl->m_Painter.isActive()) {
         return;
     }
-    QPen Pen = ToQt(m_pImpl->m_State.m_Pen);
-    Pen.setCapStyle(Qt::SquareCap);  // both ends included
-    if (m_pImpl->m_State.m_Pen.m_Style == CPen::eDot) {
-        Pen.setCapStyle(Qt::FlatCap);  // square ends would fill the gaps
-    }
-    m_pImpl->m_Painter.setPen(Pen);
+    m_pImpl->m_Painter.setPen(ToQt(m_pImpl->m_State.m_Pen));
     if (IsOnGrid(Point - From)) {
         m_pImpl->SetSmooth(false);
         m_pImpl->m_Painter.drawLine(From.x, From.y, Point.x, Point.y);

@@ -45,7 +45,6 @@ private:
     int m_Weight = 700;
     COLORREF m_TextColor = RGB(0, 0, 0);
     COLORREF m_BackgroundColor = RGB(236, 233, 216);
-    int m_Alignment = eLeft;
     unsigned m_Format = DT_SINGLELINE | DT_VCENTER | DT_LEFT;
     bool m_bShadow = false;
 };

@@ -35,9 +35,18 @@ public:
 protected:
     ~CBalancingView() = default;
 
-    /// The places of a drawing in its rectangle, in pixels.
+    static constexpr COLORREF c_Ring = RGB(0xC0, 0xC0, 0xC0);
+    static constexpr COLORREF c_Ink = RGB(0x00, 0x38, 0x68);   ///< weights, screws, numbers, arrow, gauge
+    static constexpr COLORREF c_Mark = RGB(0x80, 0x80, 0x80);  ///< angle lines, numbers of empty holes
+    static constexpr COLORREF c_Outline = RGB(0x00, 0x00, 0x00);
+    static constexpr COLORREF c_OnInk = RGB(0xFF, 0xFF, 0xFF);  ///< text on weights and screws
+
+    /// The places of a drawing, in pixels.
     struct CGeometry {
-        explicit CGeometry(const CRect& rRect);
+        /// The drawing that fits rRect, with a margin of 10 at the top and at the narrower sides.
+        static CGeometry InRect(const CRect& rRect);
+        /// The drawing that fills a square.
+        static CGeometry OfSquare(const CRect& rSquare);
 
         int m_Side = 0;  ///< of the square
         CRect m_Square;
@@ -48,6 +57,11 @@ protected:
 
     /// Background, the ring and its two circles.
     static void DrawBase(CDC* pDC, const CGeometry& rGeometry);
+    /// One line of text in Arial around rRect's middle; it may stick out of rRect.
+    static void DrawCentred(CDC* pDC, const CRect& rRect, const std::string& rText, int nHeight, int Weight,
+                            COLORREF Color);
+    /// Height in pixels of a font of so many points on this display.
+    static int PointsToPixels(const CDC& rDC, int nPoints);
 
     Direction m_RotationDirection = PreBalDB::CTypeBase::eClockwise;
 

@@ -25,4 +25,12 @@ protected:
     int m_Angle2 = 0;
     bool m_ShowRotationArrow = true;
     Direction m_ScalingDirection = PreBalDB::CTypeBase::eClockwise;
+
+private:
+    /// From an angle on the rotor's scale to one of PolarPoint.
+    int ToDisplay(int Angle) const;
+    void DrawScaleLabels(CDC* pDC, const CGeometry& rGeometry) const;
+    void DrawWeights(CDC* pDC, const CGeometry& rGeometry, bool bMeasurement) const;
+    /// The dotted line that points at a weight.
+    static void DrawAngleMark(CDC* pDC, const CGeometry& rGeometry, int nDisplay);
 };

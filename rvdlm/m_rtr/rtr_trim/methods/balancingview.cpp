@@ -1,0 +1,253 @@
+#include "rvdlm/m_rtr/rtr_trim/methods/balancingview.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+#include "platform/rvldb/gettext.h"
+#include "rvdlm/m_rtr/rtr_trim/log.h"
+#include "rvdlm/m_rtr/rtr_trim/methods/planebalancingmethod.h"
+#include "rvdlm/m_rtr/rtr_trim/pagestyle.h"
+#include "rvlib/settings/featureflags.h"
+
+namespace {
+
+constexpr const char* c_pFace = "Arial";
+constexpr COLORREF c_FinalGood = RGB(0x00, 0x68, 0x38);
+constexpr COLORREF c_FinalBad = RGB(0xCE, 0x00, 0x00);
+constexpr COLORREF c_Stale = RGB(0xA0, 0xA0, 0xA0);
+
+int Round(double Value) {
+    return static_cast<int>(Value + 0.5);
+}
+
+/// Decimal digits of a number; 0 has none.
+int CountDigits(int Number) {
+    int nDigits = 0;
+    for (; Number != 0; Number /= 10) {
+        ++nDigits;
+    }
+    return nDigits;
+}
+
+/// By how much the number grows to the left, at the cost of the unit, in a drawing of size D.
+int GetValueShift(int nDigits, int D) {
+    switch (nDigits) {
+        case 0:
+        case 1:
+            return 0;
+        case 2:
+            return D / 40;
+        case 3:
+            return D / 30;
+        case 4:
+            return D / 10;
+        default:
+            RV_ASSERT_FAIL(RtrTrim::g_pLog, "impossible");
+            return D / 10;
+    }
+}
+
+void DrawLine(CDC& rDC, CPoint From, CPoint To) {
+    rDC.MoveTo(From);
+    rDC.LineTo(To);
+}
+
+}  // namespace
+
+CPoint PolarPoint(CPoint Center, int Radius, int Degrees) {
+    const double a = (Degrees + 90) * 2 * std::numbers::pi / 360;
+    return {Center.x + static_cast<int>(std::sin(a) * Radius),
+            Center.y + static_cast<int>(std::cos(a) * Radius)};
+}
+
+void PaintPlaneTitleText(CDC& rDC, const CRect& rRect, int Plane) {
+    const int nSide = std::min(rRect.Width(), rRect.Height()) - 20;
+    const int d = rRect.Height() - nSide;
+    CRect Rect = rRect;
+    Rect.OffsetRect((rRect.Width() - nSide) / 2, d > 10 ? 10 - d : d - 10);
+    const int Saved = rDC.SaveDC();
+    PageStyle::PaintLine(rDC, Rect, GetText("PB_PLANE_TEXT") + " " + std::to_string(Plane), nSide / 24,
+                         DT_LEFT | DT_BOTTOM);
+    rDC.RestoreDC(Saved);
+}
+
+CBalancingView::CBalancingView()
+    : m_ColorizeFinalUnbalance(IsFeatureEnabled("PreBalancingColorizeFinalUnbalance", false)) {
+    for (CTextRect* pText : {&m_ValueText, &m_UnitText, &m_AngleText}) {
+        pText->SetFaceName(c_pFace);
+        pText->SetWeight(CFont::eBold);
+        pText->SetBackgroundColor(PageStyle::c_Panel);
+    }
+    m_ValueText.SetTextColor(c_Ink);
+    m_ValueText.SetAlignment(CTextRect::eRight);
+    m_UnitText.SetTextColor(c_Ink);
+    m_UnitText.SetAlignment(CTextRect::eLeft);
+    m_UnitText.SetText("µm/s");
+    m_AngleText.SetTextColor(c_Stale);
+    m_AngleText.SetAlignment(CTextRect::eCenter);
+}
+
+CBalancingView::CGeometry CBalancingView::CGeometry::InRect(const CRect& rRect) {
+    const int nSide = std::min(rRect.Width(), rRect.Height()) - 20;
+    return OfSquare(
+        CRect(CPoint(rRect.left + (rRect.Width() - nSide) / 2, rRect.top + 10), CSize(nSide, nSide)));
+}
+
+CBalancingView::CGeometry CBalancingView::CGeometry::OfSquare(const CRect& rSquare) {
+    CGeometry Result;
+    Result.m_Side = rSquare.Width();
+    Result.m_Square = rSquare;
+    Result.m_Center = {(rSquare.left + 1 + rSquare.right) / 2, (rSquare.top + rSquare.bottom) / 2};
+    Result.m_Outer = Result.m_Side / 2;
+    Result.m_Inner = Result.m_Side * 3 / 8;
+    return Result;
+}
+
+void CBalancingView::DrawBase(CDC* pDC, const CGeometry& rGeometry) {
+    const CPoint Center = rGeometry.m_Center;
+    pDC->FillSolidRect(rGeometry.m_Square, PageStyle::GetPanelColor(*pDC));
+    // The ring first, so that both circles keep their full line.
+    pDC->FillRing(Center, rGeometry.m_Inner, rGeometry.m_Outer - 1, 0.0, 360.0, c_Ring);
+    pDC->SelectPen(CPen(CPen::eSolid, 2, c_Outline));
+    pDC->SelectBrush(CBrush());
+    for (const int nRadius : {rGeometry.m_Inner, rGeometry.m_Outer - 1}) {
+        pDC->Ellipse(
+            CRect(Center.x - nRadius, Center.y - nRadius, Center.x + nRadius + 1, Center.y + nRadius + 1));
+    }
+}
+
+void CBalancingView::DrawCentred(CDC* pDC, const CRect& rRect, const std::string& rText, int nHeight,
+                                 int Weight, COLORREF Color) {
+    pDC->SelectFont(CFont(c_pFace, nHeight, Weight));
+    pDC->SetBkMode(CDC::eTransparent);
+    pDC->SetTextColor(Color);
+    CRect Rect = rRect;
+    pDC->DrawText(rText, Rect, DT_SINGLELINE | DT_CENTER | DT_VCENTER);
+}
+
+int CBalancingView::PointsToPixels(const CDC& rDC, int nPoints) {
+    constexpr int c_nPointsPerInch = 72;
+    return (nPoints * rDC.GetDotsPerInch() + c_nPointsPerInch / 2) / c_nPointsPerInch;
+}
+
+void CBalancingView::DrawMeasurementValue(CDC* pDC, CPoint Center, int Size, int State, double Magnitude,
+                                          double Angle, double LastMagnitude) {
+    const int D = Size;
+    const int H = D / 2;
+    const int Q = D / 4;
+    const int E = D / 8;
+    const int T = D / 3;
+    const int C = D / 50;
+    const COLORREF Panel = PageStyle::GetPanelColor(*pDC);
+    pDC->FillSolidRect(CRect(Center.x - H, Center.y - H, Center.x + H, Center.y + H), Panel);
+
+    const bool bStale = State == CPlaneBalancingMethod::eNotValid;
+    COLORREF Color = c_Ink;
+    if (bStale) {
+        Color = c_Stale;
+    } else if (m_ColorizeFinalUnbalance && State == CPlaneBalancingMethod::eOverTarget) {
+        Color = c_FinalBad;
+    } else if (m_ColorizeFinalUnbalance && State == CPlaneBalancingMethod::eWithinTarget) {
+        Color = c_FinalGood;
+    }
+    for (CTextRect* pText : {&m_ValueText, &m_UnitText}) {
+        pText->SetTextColor(Color);
+        pText->SetShadow(bStale);
+    }
+    for (CTextRect* pText : {&m_ValueText, &m_UnitText, &m_AngleText}) {
+        pText->SetBackgroundColor(Panel);
+    }
+
+    const int S = GetValueShift(CountDigits(Round(Magnitude)), D);
+    const int nLeft = Center.x - H;
+    const int nTop = Center.y + D / 10 - (Q + 2 * T) / 2;
+    m_ValueText.SetText(std::to_string(Round(bStale ? LastMagnitude : Magnitude)));
+    m_ValueText.Paint(pDC, CRect(CPoint(nLeft, nTop), CSize(H + S, Q)));
+    m_UnitText.Paint(pDC,
+                     CRect(CPoint(nLeft + H + S + C, nTop + Q - Round(D / 36.0) - E), CSize(H - C - S, E)));
+    DrawGauge(*pDC, CRect(CPoint(nLeft, nTop + Q), CSize(D, T)), LastMagnitude);
+    m_AngleText.SetText(std::to_string(Round(Angle)) + "°");
+    m_AngleText.Paint(pDC, CRect(CPoint(nLeft, nTop + Q + T), CSize(D, E)));
+}
+
+void CBalancingView::DrawGauge(CDC& rDC, const CRect& rRect, double Value) {
+    const int nMargin = rRect.Width() / 6;
+    const int X0 = rRect.left + nMargin;
+    const int X1 = rRect.right - nMargin;
+    const int nSpan = X1 - X0;
+    const int h = rRect.Height();
+    const int nAxis = rRect.top + h / 2;
+    const int nTickEnd = rRect.top + (h / 3) * 2;
+
+    const bool bCoarse = Value > 200.0;
+    const double Full = bCoarse ? 1000.0 : 200.0;
+    const int nLength = Round(std::min(nSpan / Full * Value, static_cast<double>(nSpan))) + 1;
+    // The coarser scale also shows as a thicker bar.
+    const int nBar = h / 4 + (bCoarse ? h / 8 : 0);
+    rDC.FillSolidRect(CRect(X0, nAxis - nBar, X0 + nLength, nAxis), c_Ink);
+
+    rDC.SelectPen(CPen(CPen::eSolid, 1, c_Ink));
+    DrawLine(rDC, {X0, nAxis}, {X1, nAxis});
+    for (const int x : {X0, X0 + nSpan / 2, X1}) {
+        DrawLine(rDC, {x, nAxis}, {x, nTickEnd});
+    }
+    for (const int x : {X0 + nSpan / 4, X0 + 3 * (nSpan / 4)}) {
+        DrawLine(rDC, {x, nAxis}, {x, nTickEnd - 3});
+    }
+
+    rDC.SelectFont(CFont(c_pFace, 12, CFont::eNormal));
+    rDC.SetBkMode(CDC::eTransparent);
+    rDC.SetTextColor(c_Ink);
+    const auto Label = [&](int x, const char* pText) {
+        CRect Place(CPoint(x, nTickEnd + 1), CSize());
+        rDC.DrawText(pText, Place, DT_SINGLELINE | DT_LEFT | DT_TOP);
+    };
+    Label(X0 - 2, "0");
+    if (bCoarse) {
+        Label(X1 - 12, "1000");
+    } else {
+        Label(X1 - 8, "200");
+    }
+}
+
+void CBalancingView::DrawRotationArrow(CDC* pDC, CPoint Center, Direction Sense) {
+    constexpr int c_nRadius = 24;
+    constexpr int c_nStart = 310;
+    constexpr int c_nSweep = 280;  // the gap lies at the bottom right
+    constexpr int c_nHead = 23;    // degrees that the head reaches back
+    constexpr int c_nHalfHead = 3;
+
+    pDC->SelectPen(CPen(CPen::eSolid, 3, c_Ink));
+    pDC->Arc(Center, c_nRadius, c_nStart, c_nSweep);
+    int nTip = 0;
+    int nBack = 0;
+    switch (Sense) {
+        case PreBalDB::CTypeBase::eClockwise:
+            nTip = c_nStart;
+            nBack = nTip + c_nHead;
+            break;
+        case PreBalDB::CTypeBase::eCounterClockwise:
+            nTip = c_nStart + c_nSweep;
+            nBack = nTip - c_nHead;
+            break;
+        default:
+            return;
+    }
+    for (const int nOffset : {-c_nHalfHead, c_nHalfHead}) {
+        DrawLine(*pDC, PolarPoint(Center, c_nRadius, nTip), PolarPoint(Center, c_nRadius + nOffset, nBack));
+    }
+}
+
+void CBalancingView::DrawInactive(CDC* pDC, const CRect& rRect) {
+    const int Saved = pDC->SaveDC();
+    pDC->IntersectClipRect(rRect);
+    pDC->SelectPen(CPen(CPen::eSolid, 1, PageStyle::GetPanelColor(*pDC)));
+    const int nHeight = rRect.Height();
+    for (int i = -nHeight; i < rRect.Width() + nHeight; i += 2) {
+        const CPoint Top(rRect.left + i, rRect.top);
+        DrawLine(*pDC, Top, Top + CPoint(nHeight, nHeight));
+        DrawLine(*pDC, Top, Top + CPoint(-nHeight, nHeight));
+    }
+    pDC->RestoreDC(Saved);
+}
