@@ -1,0 +1,31 @@
+#pragma once
+#include "rvdlm/m_rtr/rtr_trim/communication/iftokestrelsaker.h"
+#include "rvlib/rvprt/kestrel/statemachine/kestrelprotocol.h"
+
+class CPlaneHandler;
+
+/// Translates between one Kestrel module and the plane handler, which tells its modules apart by their
+/// addresses.
+class CKestrelMapper : public IFToKestrelSaker, private Kestrel::CKestrelProtocol {
+public:
+    /// rPlaneHandler must outlive the mapper.
+    CKestrelMapper(CPlaneHandler& rPlaneHandler, std::uint8_t ModuleAddress);
+
+    int PutReceivedModuleData(const std::uint8_t* pData, std::uint32_t nSize) override;
+    int QueryModuleIdentification() override;
+    int QueryActiveSet() override;
+    int QueryModuleState() override;
+    int QueryRPMData() override;
+    int QueryUnbalanceXYValues() override;
+
+private:
+    void SendRawData(const std::uint8_t* pData, std::uint32_t nSize) override;
+    void OnQueryModuleIdentification(Reason Why, const Kestrel::CModuleIdentification* pModule) override;
+    void OnSetRequest(Reason Why, const Kestrel::CSet* pSet) override;
+    void OnModuleState(Reason Why, const Kestrel::CModuleStateResponse* pResponse) override;
+    void OnRPMData(Reason Why, const std::uint32_t* pRPM) override;
+    void OnUnbalanceXYValues(Reason Why, const std::uint32_t* pX, const std::uint32_t* pY) override;
+
+    CPlaneHandler* m_pPlaneHandler;
+    std::uint8_t m_Address;
+};

@@ -1,0 +1,46 @@
+#include "rvlib/rvprt/kestrel/modulestaterequest.h"
+
+#include <array>
+#include <span>
+
+#include "rvlib/rvprt/log.h"
+
+namespace Kestrel {
+
+namespace {
+
+constexpr std::array StateNames{"Idle",
+                                "AutomaticModeStop",
+                                "AutomaticModeStart",
+                                "AutomaticNeutralPositionStart",
+                                "ManualModeStop",
+                                "ManualModeStart",
+                                "ManualModeNeutralPositionStart",
+                                "PrebalancingStart",
+                                "SpectrumStart",
+                                "TwoPlaneBalancingStop",
+                                "TwoPlaneBalancingStart"};
+constexpr std::array ParamNames{"NoSBA", "SBA1", "SBA2", "SBA3", "SBA4", "SBA5"};
+
+const char* ToString(std::span<const char* const> Names, const char* pNotKnown, std::uint32_t Value) {
+    if (Value < Names.size()) {
+        return Names[Value];
+    }
+    if (Value == 255) {
+        return pNotKnown;
+    }
+    RV_ASSERT_FAIL(Protocols::g_pLog, "impossible");
+    return "invalid";
+}
+
+}  // namespace
+
+const char* CModuleStateRequest::ModuleStateToString(std::uint32_t State) {
+    return ToString(StateNames, "InvalidState", State);
+}
+
+const char* CModuleStateRequest::StateParamsToString(std::uint32_t Param) {
+    return ToString(ParamNames, "InvalidParam", Param);
+}
+
+}  // namespace Kestrel

@@ -1,0 +1,50 @@
+#include "rvlib/rvprt/kestrel/set.h"
+
+#include <array>
+
+#include "rvlib/rvprt/logblock.h"
+
+namespace Kestrel {
+
+namespace {
+
+constexpr std::array AdaptionNames{"Div6", "Div3", "Div2", "Div1", "5Div6", "5Div3", "5Div2", "5Div1"};
+/// From the last of the names up to here the number stands in the text.
+constexpr std::uint32_t eLastAdaption = 31;
+
+}  // namespace
+
+int CSet::Decode(const std::uint8_t* pData, std::uint32_t nSize, std::uint32_t* pUsed) {
+    *pUsed = 0;
+    if (pData == nullptr || nSize < eSize) {
+        return 0;
+    }
+    m_Set = pData[0];
+    m_RPMFactor = pData[1];
+    m_SensorAdaption = pData[4];
+    *pUsed = eSize;
+    return 1;
+}
+
+void CSet::Log() const {
+    const Protocols::CLogBlock Block("Kestrel::CSet");
+    RV_PROTOCOL_DETAIL("Set: %d", m_Set);
+    RV_PROTOCOL_DETAIL("RPMFactor: %d", m_RPMFactor);
+    RV_PROTOCOL_DETAIL("SensorAdaption: %s", SensorAdaptionToString(m_SensorAdaption).c_str());
+}
+
+std::string CSet::SensorAdaptionToString(std::uint32_t Adaption) {
+    if (Adaption < AdaptionNames.size()) {
+        return AdaptionNames[Adaption];
+    }
+    if (Adaption <= eLastAdaption) {
+        return "Value" + std::to_string(Adaption);
+    }
+    if (Adaption == eUnknownAdaption) {
+        return "UnknownAdaption";
+    }
+    RV_ASSERT_FAIL(Protocols::g_pLog, "impossible");
+    return "invalid";
+}
+
+}  // namespace Kestrel

@@ -1,0 +1,59 @@
+#include "rvlib/rvprt/kestrel/statemachine/commonstates.h"
+
+namespace Kestrel {
+
+namespace {
+
+constexpr const char* StateNames[] = {"eIdle", "eQueryModuleIdentification", "eQueryRPMData",
+                                      "eQueryUnbalanceCoordinates"};
+constexpr Comm::CStateTexts Texts{StateNames, "invalid state", "New CommonState: %s (OldState: %s)"};
+
+}  // namespace
+
+CCommonStates::CCommonStates() : CCommonStatesT(Texts) {}
+
+std::span<const CCommonStates::Row> CCommonStates::GetRows() {
+    static constexpr Row Rows[] = {
+        {0x11, &CCommonStates::ModuleIdentificationResponse, false,
+         "calling OnQueryModuleIdentification(%s, NULL)",
+         [](CCommonStates& r, Reason Why) { r.OnQueryModuleIdentification(Why, nullptr); }},
+        {0x1C, &CCommonStates::RPMDataReceiveHandler, true, "calling OnRPMData(%s, NULL, NULL)",
+         [](CCommonStates& r, Reason Why) { r.OnRPMData(Why, nullptr); }},
+        {0x1E, &CCommonStates::UnbalanceCoordinatesReceiveHandler, true,
+         "calling OnUnbalanceXYValues(%s, NULL, NULL, NULL)",
+         [](CCommonStates& r, Reason Why) { r.OnUnbalanceXYValues(Why, nullptr, nullptr); }},
+    };
+    return Rows;
+}
+
+int CCommonStates::ModuleIdentificationResponse(std::span<const std::uint8_t> Payload, bool /*bIndication*/) {
+    return SubCodeResponse(Comm::IdentificationRow, Payload, &CCommonStates::OnQueryModuleIdentification);
+}
+
+int CCommonStates::RPMDataReceiveHandler(std::span<const std::uint8_t> Payload, bool bIndication) {
+    if (Payload.size() < 2) {
+        return 0;
+    }
+    const std::uint32_t RPM = Comm::ReadU16(Payload.data());
+    if (!bIndication) {
+        RV_PROTOCOL("--> RPMDataResponse received(0x1C)...");
+    }
+    OnRPMData(bIndication ? eIndication : eSuccess, &RPM);
+    return 1;
+}
+
+int CCommonStates::UnbalanceCoordinatesReceiveHandler(std::span<const std::uint8_t> Payload,
+                                                      bool bIndication) {
+    if (Payload.size() < 4) {
+        return 0;
+    }
+    const std::uint32_t X = Comm::ReadU16(Payload.data());
+    const std::uint32_t Y = Comm::ReadU16(Payload.data() + 2);
+    if (!bIndication) {
+        RV_PROTOCOL("--> UnbalanceCoordonatesResponse received(0x1E)...");
+    }
+    OnUnbalanceXYValues(bIndication ? eIndication : eSuccess, &X, &Y);
+    return 1;
+}
+
+}  // namespace Kestrel

@@ -1,0 +1,25 @@
+#include "rvlib/rvprt/logblock.h"
+
+#include <string>
+
+namespace Protocols {
+
+void LogFrame(const char* pHeading, std::span<const std::uint8_t> Frame) {
+    const CLogBlock Block(eProtocolDataTopic, "ProtocolData", pHeading);
+    if (!Block) {
+        return;
+    }
+    constexpr const char* pDigits = "0123456789ABCDEF";
+    std::string Bytes;
+    Bytes.reserve(3 * Frame.size());
+    for (const std::uint8_t Byte : Frame) {
+        if (!Bytes.empty()) {
+            Bytes += ' ';
+        }
+        Bytes += pDigits[Byte >> 4U];
+        Bytes += pDigits[Byte & 0x0FU];
+    }
+    RV_LOG(g_pLog, eProtocolDataTopic, "ProtocolData", "%s", Bytes.c_str());
+}
+
+}  // namespace Protocols
