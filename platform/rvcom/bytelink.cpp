@@ -1,9 +1,8 @@
 #include "platform/rvcom/bytelink.h"
 
-#include <charconv>
-#include <optional>
 #include <string_view>
 
+#include "platform/rvcom/endpoint.h"
 #include "platform/rvcom/linkkinds.h"
 
 namespace {
@@ -14,40 +13,6 @@ constexpr std::uint32_t eMaxBaud = 4000000;
 constexpr std::string_view SerialPrefix = "serial:";
 constexpr std::string_view TcpPrefix = "tcp:";
 constexpr std::string_view PtyPrefix = "pty:";
-
-/// A number of decimal digits and nothing else.
-std::optional<std::uint32_t> ToNumber(std::string_view Text) {
-    std::uint32_t Number = 0;
-    const auto [pEnd, Error] = std::from_chars(Text.data(), Text.data() + Text.size(), Number);
-    if (Text.empty() || Error != std::errc() || pEnd != Text.data() + Text.size()) {
-        return std::nullopt;
-    }
-    return Number;
-}
-
-struct CEndpoint {
-    std::string m_Host;
-    std::uint16_t m_Port = 0;
-};
-
-/// HOST:PORT, an IPv6 address in brackets.
-std::optional<CEndpoint> ToEndpoint(std::string_view Text, std::uint32_t MinPort) {
-    const std::size_t Colon = Text.rfind(':');
-    if (Colon == std::string_view::npos) {
-        return std::nullopt;
-    }
-    std::string_view Host = Text.substr(0, Colon);
-    if (Host.size() > 2 && Host.front() == '[' && Host.back() == ']') {
-        Host = Host.substr(1, Host.size() - 2);
-    } else if (Host.find(':') != std::string_view::npos) {
-        return std::nullopt;
-    }
-    const auto Port = ToNumber(Text.substr(Colon + 1));
-    if (Host.empty() || !Port || *Port < MinPort || *Port > 65535) {
-        return std::nullopt;
-    }
-    return CEndpoint{std::string(Host), static_cast<std::uint16_t>(*Port)};
-}
 
 std::unique_ptr<IFByteLink> FromSerial(std::string_view Text, std::string& rError) {
     // Device paths may hold colons themselves (/dev/serial/by-path/...): only digits behind the last are a

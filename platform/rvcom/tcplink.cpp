@@ -1,20 +1,15 @@
-#include <QHostAddress>
-#include <QHostInfo>
 #include <QString>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <memory>
 #include <utility>
 
+#include "platform/qt/listen.h"
+#include "platform/rvcom/endpoint.h"
 #include "platform/rvcom/linkkinds.h"
 #include "platform/rvcom/queuedlink.h"
 
 namespace {
-
-std::string ToName(const std::string& rHost, std::uint16_t Port) {
-    const bool bBrackets = rHost.find(':') != std::string::npos;
-    return "tcp:" + (bBrackets ? "[" + rHost + "]" : rHost) + ":" + std::to_string(Port);
-}
 
 /// What both sides of a connection share: bytes in and out, and the end of it.
 class CSocketLink : public CQueuedLink {
@@ -91,7 +86,7 @@ public:
         DropSocket();
         Restart();
     }
-    std::string GetName() const override { return ToName(m_Host, m_Port); }
+    std::string GetName() const override { return ToLinkName({m_Host, m_Port}); }
 
 private:
     std::string m_Host;
@@ -109,12 +104,7 @@ public:
 
     void Open() override {
         Close();
-        QHostAddress Address;
-        std::string Reason = FindAddress(Address);
-        if (Reason.empty() && !m_Server.listen(Address, m_Port)) {
-            Reason =
-                m_Server.errorString().toStdString() + "; give an address of this machine and a free port";
-        }
+        std::string Reason = ListenAt(m_Server, {m_Host, m_Port});
         if (!Reason.empty()) {
             PostClosed(std::move(Reason));
         }
@@ -126,23 +116,10 @@ public:
     }
     /// With the port that was taken, once it listens.
     std::string GetName() const override {
-        return ToName(m_Host, m_Server.isListening() ? m_Server.serverPort() : m_Port);
+        return ToLinkName({m_Host, m_Server.isListening() ? m_Server.serverPort() : m_Port});
     }
 
 private:
-    /// Empty, or what is wrong.
-    std::string FindAddress(QHostAddress& rAddress) const {
-        if (rAddress.setAddress(QString::fromStdString(m_Host))) {
-            return {};
-        }
-        const QHostInfo Info = QHostInfo::fromName(QString::fromStdString(m_Host));
-        if (Info.addresses().isEmpty()) {
-            return "\"" + m_Host + "\" isn't known: " + Info.errorString().toStdString() +
-                   "; give an address of this machine, for example 127.0.0.1";
-        }
-        rAddress = Info.addresses().first();
-        return {};
-    }
     void OnConnection() {
         while (QTcpSocket* pPending = m_Server.nextPendingConnection()) {
             // The server would delete it with itself; here the link owns it.
