@@ -16,7 +16,8 @@ constexpr const char* MARKER = "mcon.exe";
 fs::path MakeTemporaryRoot() {
     std::string Name = (fs::temp_directory_path() / "rotor-trim-XXXXXX").string();
     if (mkdtemp(Name.data()) == nullptr) {
-        throw std::runtime_error("no temporary directory can be made in " + fs::temp_directory_path().string());
+        throw std::runtime_error("no temporary directory can be made in " +
+                                 fs::temp_directory_path().string());
     }
     return Name;
 }

@@ -2,12 +2,12 @@
 #include <filesystem>
 #include <string>
 
-/// The installation root that a run works in: the configuration directory with database, settings and weight positions.
-/// Made when missing. A temporary one is removed at the end.
+/// The installation root that a run works in: the configuration directory with database, settings and weight
+/// positions. Made when missing. A temporary one is removed at the end.
 class CConsoleInstallation {
 public:
-    /// rDirectory empty: a temporary root if bTemporary, else the user's own. Throws std::runtime_error if the root
-    /// can't be made or written to.
+    /// rDirectory empty: a temporary root if bTemporary, else the user's own. Throws std::runtime_error if
+    /// the root can't be made or written to.
     CConsoleInstallation(const std::string& rDirectory, bool bTemporary);
     ~CConsoleInstallation();
     CConsoleInstallation(const CConsoleInstallation&) = delete;

@@ -1,0 +1,120 @@
+#include "console/options.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace {
+
+std::optional<COptions> Parse(std::vector<const char*> Arguments, CCommandLineEnd& rEnd) {
+    Arguments.insert(Arguments.begin(), "console");
+    return ParseCommandLine(static_cast<int>(Arguments.size()), Arguments.data(), rEnd);
+}
+
+COptions ParseGood(const std::vector<const char*>& rArguments) {
+    CCommandLineEnd End;
+    const std::optional<COptions> Options = Parse(rArguments, End);
+    EXPECT_TRUE(Options.has_value()) << End.m_Text;
+    return Options.value_or(COptions{});
+}
+
+/// The one line that a refused command line gives.
+std::string ParseBad(const std::vector<const char*>& rArguments) {
+    CCommandLineEnd End;
+    EXPECT_FALSE(Parse(rArguments, End).has_value());
+    EXPECT_EQ(End.m_ExitCode, 3);
+    EXPECT_EQ(End.m_Text.find('\n'), std::string::npos) << End.m_Text;
+    return End.m_Text;
+}
+
+}  // namespace
+
+TEST(OptionsTest, DefaultsAreTheSimulatorInThisProcess) {
+    const COptions Options = ParseGood({});
+    EXPECT_FALSE(Options.m_bHeadless);
+    EXPECT_TRUE(Options.IsSimulated());
+    EXPECT_FALSE(Options.IsVirtualTime());
+    EXPECT_EQ(Options.m_Procedure, COptions::Procedure::ePrebalance);
+}
+
+TEST(OptionsTest, HeadlessOnTheSimulatorRunsInVirtualTimeUnlessRealTimeIsAskedFor) {
+    EXPECT_TRUE(ParseGood({"--headless"}).IsVirtualTime());
+    EXPECT_FALSE(ParseGood({"--headless", "--real-time"}).IsVirtualTime());
+    EXPECT_FALSE(ParseGood({"--headless", "--link", "tcp:127.0.0.1:4000"}).IsVirtualTime());
+}
+
+TEST(OptionsTest, EveryOptionIsTaken) {
+    const COptions Options = ParseGood({"--headless",
+                                        "--rotor",
+                                        "a.json",
+                                        "--link",
+                                        "serial:/dev/ttyS1:9600",
+                                        "--machine",
+                                        "tcp:localhost:99",
+                                        "--modules",
+                                        "kestrel-pair",
+                                        "--addresses",
+                                        "7,8",
+                                        "--mode",
+                                        "two-plane",
+                                        "--method",
+                                        "weights,screws",
+                                        "--procedure",
+                                        "prebalance+rebalance",
+                                        "--config-dir",
+                                        "c",
+                                        "--report",
+                                        "r.json",
+                                        "--screenshots",
+                                        "s",
+                                        "--real-time"});
+    EXPECT_EQ(Options.m_RotorFile, "a.json");
+    EXPECT_EQ(Options.m_Link, "serial:/dev/ttyS1:9600");
+    EXPECT_EQ(Options.m_Machine, "tcp:localhost:99");
+    EXPECT_EQ(Options.m_Modules, "kestrel-pair");
+    EXPECT_EQ(Options.m_Addresses, (std::vector<std::uint8_t>{7, 8}));
+    EXPECT_EQ(Options.m_Mode, "two-plane");
+    EXPECT_EQ(Options.m_Methods, (std::vector<std::string>{"weights", "screws"}));
+    EXPECT_EQ(Options.m_Procedure, COptions::Procedure::ePrebalanceAndRebalance);
+    EXPECT_EQ(Options.m_ConfigDirectory, "c");
+    EXPECT_EQ(Options.m_ReportFile, "r.json");
+    EXPECT_EQ(Options.m_ScreenshotDirectory, "s");
+    EXPECT_TRUE(Options.m_bRealTime);
+}
+
+TEST(OptionsTest, UnknownOptionIsNamed) {
+    EXPECT_NE(ParseBad({"--rotr", "a.json"}).find("--rotr"), std::string::npos);
+}
+
+TEST(OptionsTest, WrongLinkSaysWhatWouldBeRight) {
+    EXPECT_NE(ParseBad({"--link", "usb:1"}).find("serial:PATH[:BAUD]"), std::string::npos);
+}
+
+TEST(OptionsTest, WrongChoicesAreRefused) {
+    EXPECT_NE(ParseBad({"--modules", "falcon"}).find("falcon"), std::string::npos);
+    EXPECT_NE(ParseBad({"--mode", "plane3"}).find("plane3"), std::string::npos);
+    EXPECT_NE(ParseBad({"--method", "glue"}).find("glue"), std::string::npos);
+    EXPECT_NE(ParseBad({"--procedure", "balance"}).find("balance"), std::string::npos);
+}
+
+TEST(OptionsTest, AddressesMustFitTheModules) {
+    EXPECT_NE(ParseBad({"--addresses", "5,6"}).find("kestrel-pair"), std::string::npos);
+    EXPECT_NE(ParseBad({"--addresses", "0"}).find("1 to 254"), std::string::npos);
+    EXPECT_NE(ParseBad({"--addresses", "5,5", "--modules", "kestrel-pair"}).find("differ"),
+              std::string::npos);
+    ParseBad({"--addresses", "300"});
+    ParseBad({"--addresses", "five"});
+}
+
+TEST(OptionsTest, ControlLinkOfAnExternalMachineNeedsAnExternalLink) {
+    EXPECT_NE(ParseBad({"--machine", "tcp:localhost:1"}).find("--link sim"), std::string::npos);
+    EXPECT_NE(ParseBad({"--machine", "usb", "--link", "tcp:localhost:1"}).find("tcp:HOST:PORT"),
+              std::string::npos);
+}
+
+TEST(OptionsTest, HelpEndsWithoutAnError) {
+    CCommandLineEnd End;
+    EXPECT_FALSE(Parse({"--help"}, End).has_value());
+    EXPECT_EQ(End.m_ExitCode, 0);
+    EXPECT_NE(End.m_Text.find("--headless"), std::string::npos);
+}
