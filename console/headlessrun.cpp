@@ -1,0 +1,243 @@
+#include "console/headlessrun.h"
+
+#include <cmath>
+#include <cstdio>
+#include <optional>
+
+#include "platform/rvlog/logcomponent.h"
+#include "platform/rvmdb/prebaldatabase.h"
+#include "platform/system/eventloop.h"
+
+namespace {
+
+/// Between two progress lines while nothing else happens, ms.
+constexpr std::uint32_t PROGRESS_PERIOD = 1000;
+
+std::string Format(const char* pFormat, auto... Values) {
+    char Buffer[512];
+    std::snprintf(Buffer, sizeof Buffer, pFormat, Values...);
+    return Buffer;
+}
+
+std::string DescribeReadings(const CSituation& rSituation) {
+    std::string Text;
+    for (const CPreBalProgress::CReading& rReading : rSituation.m_Progress.m_Readings) {
+        if (rReading.m_bShown) {
+            Text += Format("  %.1f @ %.0f°%s", rReading.m_Amplitude, rReading.m_AngleDeg,
+                           rReading.m_bComplete ? "" : " (averaging)");
+        }
+    }
+    return Text;
+}
+
+const char* ProcedureToString(COptions::Procedure Procedure) {
+    switch (Procedure) {
+        case COptions::Procedure::ePrebalance:
+            return "prebalance";
+        case COptions::Procedure::eRebalance:
+            return "rebalance";
+        case COptions::Procedure::ePrebalanceAndRebalance:
+            break;
+    }
+    return "prebalance+rebalance";
+}
+
+}  // namespace
+
+CHeadlessRun::CHeadlessRun(CConsoleSession& rSession, const COptions& rOptions)
+    : m_rSession(rSession), m_rOptions(rOptions) {
+    m_Report.SetProcedure(ProcedureToString(rOptions.m_Procedure));
+    m_pLogGuard = CLogComponent::AddListener([this](const CLogRecord& rRecord) {
+        if (rRecord.m_bAssertion) {
+            m_Report.AddAssertion(rRecord.m_Text);
+        }
+    });
+    m_rSession.OnChanged = [this] { RecordLater(); };
+    m_rSession.OnSay = [this](const std::string& rText) { Print(rText); };
+}
+
+CHeadlessRun::~CHeadlessRun() {
+    *m_pAlive = false;
+    m_rSession.OnChanged = nullptr;
+    m_rSession.OnSay = nullptr;
+    if (m_ProgressTimerID != 0) {
+        IFEventLoop::Current().KillTimer(m_ProgressTimerID);
+    }
+}
+
+void CHeadlessRun::Print(const std::string& rText) {
+    std::printf("%8.1f s  %s\n", static_cast<double>(IFEventLoop::Current().Now()) / 1000.0, rText.c_str());
+    std::fflush(stdout);
+}
+
+void CHeadlessRun::RecordLater() {
+    // Menu, notification and warning of one transition come one after the other; look when all have come.
+    if (m_bRecordPending) {
+        return;
+    }
+    m_bRecordPending = true;
+    IFEventLoop::Current().Post([this, pAlive = m_pAlive] {
+        if (*pAlive) {
+            m_bRecordPending = false;
+            Record();
+        }
+    });
+}
+
+void CHeadlessRun::Record() {
+    const CSituation Situation = m_rSession.Look();
+    if (!m_Report.AddSituation(IFEventLoop::Current().Now(), Situation)) {
+        return;
+    }
+    const CPreBalProgress& rProgress = Situation.m_Progress;
+    Print(Format("step %u/%u  %s%s%s", rProgress.m_Step, rProgress.m_NumberOfSteps,
+                 rProgress.m_Instruction.c_str(), rProgress.m_Warning.empty() ? "" : "  ! ",
+                 rProgress.m_Warning.c_str()));
+    TakeScreenshot();
+    if (OnSituation) {
+        OnSituation(Situation);
+    }
+}
+
+void CHeadlessRun::TakeScreenshot() {
+    if (m_rOptions.m_ScreenshotDirectory.empty()) {
+        return;
+    }
+    const CSituation Situation = m_rSession.Look();
+    const std::filesystem::path File =
+        std::filesystem::path(m_rOptions.m_ScreenshotDirectory) /
+        Format("%02u-step-%u-of-%u.png", ++m_nPictures, Situation.m_Progress.m_Step,
+               Situation.m_Progress.m_NumberOfSteps);
+    if (!m_rSession.GetHost().Compose().SavePng(File.string())) {
+        Print("The picture " + File.string() + " can't be written.");
+    }
+}
+
+nlohmann::json CHeadlessRun::RequestAndWait(const nlohmann::json& rRequest) {
+    std::optional<nlohmann::json> Answer;
+    m_rSession.GetMachine()->Request(rRequest,
+                                     [&Answer](const nlohmann::json& rAnswer) { Answer = rAnswer; });
+    constexpr std::uint32_t eAnswerTimeout = 10000;
+    IFEventLoop::Current().RunUntil([&Answer] { return Answer.has_value(); }, eAnswerTimeout);
+    return Answer.value_or(nlohmann::json{{"error", "no answer"}});
+}
+
+void CHeadlessRun::BringSpindleToStart() {
+    if (m_rSession.GetMachine() == nullptr) {
+        return;
+    }
+    const std::uint32_t Speed = m_rOptions.m_bStartTurning ? m_rSession.GetWorkingSpeed() : 0;
+    RequestAndWait({{"speed", Speed}});
+    std::uint64_t Deadline = IFEventLoop::Current().Now() + eSpinUpTimeout;
+    while (IFEventLoop::Current().Now() < Deadline) {
+        const nlohmann::json State = RequestAndWait({{"state", nlohmann::json::object()}});
+        const bool bAtSpeed = std::abs(State.value("speed", -1.0) - Speed) < 0.5;
+        if (bAtSpeed && (Speed == 0 || State.value("lock", false))) {
+            break;
+        }
+        IFEventLoop::Current().RunUntil([] { return false; }, 100);
+    }
+    // The module has to hear of it.
+    IFEventLoop::Current().RunUntil([] { return false; }, 1500);
+}
+
+void CHeadlessRun::DisturbRotor() {
+    if (m_rSession.GetMachine() == nullptr) {
+        return;
+    }
+    // A tenth of a weight to the side of where the unbalance was: enough to be measured, well within
+    // capacity.
+    constexpr double eFraction = 0.1;
+    const nlohmann::json State = RequestAndWait({{"state", nlohmann::json::object()}});
+    if (!State.contains("planes")) {
+        return;
+    }
+    std::size_t Plane = 0;
+    for (const nlohmann::json& rPlane : State["planes"]) {
+        const double Angle = rPlane["unbalance"]["angle_deg"].get<double>();
+        const double Amount = rPlane["unbalance"]["amount"].get<double>();
+        RequestAndWait(
+            {{"unbalance",
+              {{"plane", ++Plane},
+               {"amount", std::hypot(Amount, eFraction)},
+               {"angle_deg",
+                std::fmod(Angle + std::atan2(eFraction, Amount) * 180.0 / 3.141592653589793, 360.0)}}}});
+    }
+}
+
+bool CHeadlessRun::RunProcedure(Softkeys::Action Start) {
+    BringSpindleToStart();
+    m_rSession.SendAction(Start, Softkeys::eFlagNone);
+    if (!m_rSession.Look().m_bRunning) {
+        Print(Start == Softkeys::eActionRebalance ? "The re-balancing was refused: the configuration isn't "
+                                                    "calibrated. Run --procedure prebalance with the "
+                                                    "same --config-dir first."
+                                                  : "The procedure did not start; the log says why.");
+        return false;
+    }
+    COperator Operator(m_rSession, m_rSession.GetMachine(), m_rSession.GetWorkingSpeed());
+    Operator.OnMeasurementAccepted = [this](const CSituation& rSituation) {
+        m_Report.SetInitial(rSituation);
+        Print("measured" + DescribeReadings(rSituation));
+    };
+    Operator.OnVerdictAccepted = [this](const CSituation& rSituation) {
+        m_Report.SetFinal(rSituation);
+        Print("final" + DescribeReadings(rSituation) +
+              Format(", target %u", rSituation.m_Progress.m_TargetUnbalance));
+    };
+    Operator.OnWeightsFitted = [this](std::size_t Plane, const std::vector<int>& rAngles) {
+        m_Report.SetWeights(Plane, rAngles);
+        std::string Text;
+        for (const int Angle : rAngles) {
+            Text += Format("%s%d°", Text.empty() ? "" : ", ", Angle);
+        }
+        Print(Format("weights of plane %zu to ", Plane + 1) + Text);
+    };
+    m_ProgressTimerID = IFEventLoop::Current().SetTimer(PROGRESS_PERIOD, [this](std::uint32_t) {
+        const CSituation Situation = m_rSession.Look();
+        if (Situation.m_bRunning && Situation.m_Notification.GetAction() == CPreBalCodes::eMeasure) {
+            Print("reading" + DescribeReadings(Situation));
+        }
+    });
+    Operator.Start();
+    IFEventLoop::Current().RunUntil(
+        [&Operator] { return Operator.GetOutcome() != COperator::Outcome::eRunning; }, eRunTimeout);
+    IFEventLoop::Current().KillTimer(std::exchange(m_ProgressTimerID, 0));
+    Record();
+    const bool bFinished = Operator.GetOutcome() == COperator::Outcome::eFinished;
+    if (!bFinished) {
+        Print("The run has ended: " + Operator.GetReason());
+    }
+    // Ends the procedure; a result that may be kept is kept.
+    m_rSession.SendAction(Softkeys::eActionEnd, Softkeys::eFlagCommit);
+    IFEventLoop::Current().RunUntil([this] { return m_rSession.GetHost().GetActivity() == 0; }, 1000);
+    return bFinished;
+}
+
+void CHeadlessRun::RecordCalibration() {
+    PreBalDB::CPreBalDatabase Database(m_rSession.GetMachineName());
+    constexpr const char* CONFIGURATION = "Default";
+    PreBalDB::CPreBalBaseTableEntry& rEntry = Database.ReadConfiguration(CONFIGURATION);
+    if (const PreBalDB::CSinglePlaneBalancingTableEntry* pPlane = rEntry.GetSinglePlane()) {
+        m_Report.SetCalibration(CONFIGURATION, rEntry.GetCalibratedRPM(), rEntry.GetTargetUnbalance(),
+                                pPlane->GetInvA(), {pPlane->GetUA()});
+    }
+}
+
+ExitCode CHeadlessRun::Run() {
+    bool bFinished = true;
+    if (m_rOptions.m_Procedure != COptions::Procedure::eRebalance) {
+        bFinished = RunProcedure(Softkeys::eActionStart);
+    }
+    if (bFinished && m_rOptions.m_Procedure != COptions::Procedure::ePrebalance) {
+        if (m_rOptions.m_Procedure == COptions::Procedure::ePrebalanceAndRebalance) {
+            DisturbRotor();
+        }
+        bFinished = RunProcedure(Softkeys::eActionRebalance);
+    }
+    if (bFinished) {
+        RecordCalibration();
+    }
+    Print("result: " + m_Report.GetResult());
+    return bFinished ? m_Report.GetExitCode() : eExitFailed;
+}

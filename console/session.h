@@ -1,0 +1,87 @@
+#pragma once
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+#include "console/hostwindow.h"
+#include "console/modulelibrary.h"
+#include "console/ncpanel.h"
+#include "console/operator.h"
+#include "console/options.h"
+#include "console/situation.h"
+#include "simulator/machine.h"
+#include "simulator/rotorfile.h"
+
+class CMachineClient;
+class CSimulator;
+
+/// The console can't begin: bad arguments, or a link that can't be opened. The text is one line for a person.
+class CSessionError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// Everything between the command line and the module's window: link or simulator, host window, module
+/// library, the module's initialisation and its configuration for the machine. Used by the automatic run and
+/// by the console with a screen alike.
+class CConsoleSession : public IFOperatorPanel {
+public:
+    /// Opens the link and loads the module. The installation root must stand already, and an event loop must
+    /// be current. pRotor: the rotor to simulate, or of which the machine is known to carry one; null:
+    /// unknown. Throws CSessionError.
+    CConsoleSession(const COptions& rOptions, const CRotorFile* pRotor, const std::string& rDatabaseFile);
+    ~CConsoleSession() override;
+    CConsoleSession(const CConsoleSession&) = delete;
+    CConsoleSession& operator=(const CConsoleSession&) = delete;
+
+    /// Initialises the module's window and runs the loop until the module has found its configuration. False
+    /// if the module doesn't answer in time.
+    bool Initialise();
+    /// Brings the stored configuration in line with the rotor: rotation and scale sense. What differs makes a
+    /// calibration void.
+    void Commission();
+    /// Ends what runs, lets the module save, and closes the window.
+    void Close();
+
+    CSituation Look() override;
+    void PressKey(const Softkeys::CKey& rKey) override;
+    void Say(const std::string& rText) override;
+    /// Sends an action whether or not a menu shows it.
+    LRESULT SendAction(Softkeys::Action Wanted, std::int32_t Flag);
+
+    CHostWindow& GetHost() { return m_Host; }
+    CWnd& GetModule() { return *m_pModule; }
+    /// The machine to command, null if somebody else runs it.
+    IFMachine* GetMachine() { return m_pMachine; }
+    CSimulator* GetSimulator() { return m_pSimulator.get(); }
+    /// Speed in rpm at which the machine balances.
+    std::uint32_t GetWorkingSpeed() const;
+    /// Key of the module's database, empty before the module has found it.
+    std::string GetMachineName() const;
+
+    /// Called when menu, activity, notification or warning have changed.
+    std::function<void()> OnChanged;
+    /// Takes what Say says; stdout unless set.
+    std::function<void(const std::string&)> OnSay;
+
+private:
+    /// Waiting for an external link to open, and for the module's first answers, ms.
+    static constexpr std::uint32_t eLinkTimeout = 5000;
+    static constexpr std::uint32_t eInitTimeout = 30000;
+    static constexpr std::uint32_t eInitRepeat = 5000;
+
+    void OpenLink(const CRotorFile* pRotor);
+    void SendInit();
+
+    COptions m_Options;
+    const CRotorFile* m_pRotor;
+    CNcPanel m_NcPanel;
+    std::unique_ptr<CSimulator> m_pSimulator;
+    std::unique_ptr<CMachineClient> m_pClient;
+    IFMachine* m_pMachine = nullptr;
+    CHostWindow m_Host;
+    std::unique_ptr<CModuleLibrary> m_pLibrary;
+    CWnd* m_pModule = nullptr;
+};
