@@ -101,7 +101,7 @@ void CConsoleSession::OpenLink(const CRotorFile* pRotor) {
     }
     rvCOM::SetLink(std::move(pLink));
     if (!IFEventLoop::Current().RunUntil([] { return rvCOM::IsLinkOpen(); }, eLinkTimeout)) {
-        throw CSessionError("--link " + m_Options.m_Link + " can't be opened: " + rvCOM::GetLastLinkError());
+        throw CSessionError("--link " + m_Options.m_Link + " can't be opened: " + rvCOM::GetOutageReason());
     }
     if (!m_Options.m_Machine.empty()) {
         m_pClient = CMachineClient::Make(m_Options.m_Machine, Error);

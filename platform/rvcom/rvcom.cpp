@@ -57,6 +57,7 @@ public:
 
     void SetLink(std::unique_ptr<IFByteLink> pLink);
     bool IsLinkOpen() const { return m_pLink != nullptr && m_pLink->IsOpen(); }
+    const std::string& GetOutageReason() const { return m_LastReason; }
     int Send(std::span<const std::uint8_t> Frame);
     int Register(CWnd* pWnd, std::uint8_t Address);
     void Forget(const CWnd* pWnd);
@@ -350,6 +351,10 @@ std::size_t GetBuffersOut() {
 
 bool IsLinkOpen() {
     return CTransport::Instance().IsLinkOpen();
+}
+
+std::string GetOutageReason() {
+    return CTransport::Instance().GetOutageReason();
 }
 
 }  // namespace rvCOM

@@ -56,5 +56,7 @@ void SetLink(std::unique_ptr<IFByteLink> pLink);
 std::size_t GetBuffersOut();
 /// Whether the link is open now.
 bool IsLinkOpen();
+/// Why the link could not be opened the last time it was tried; empty while it is open.
+std::string GetOutageReason();
 
 }  // namespace rvCOM
