@@ -50,8 +50,8 @@ void CheckOutputs(const COptions& rOptions) {
         std::error_code Error;
         std::filesystem::create_directories(rOptions.m_ScreenshotDirectory, Error);
         if (Error) {
-            throw CSessionError("--screenshots " + rOptions.m_ScreenshotDirectory + ": the directory can't be made (" +
-                                Error.message() + ")");
+            throw CSessionError("--screenshots " + rOptions.m_ScreenshotDirectory +
+                                ": the directory can't be made (" + Error.message() + ")");
         }
     }
     if (!rOptions.m_ReportFile.empty() && !CRunReport().Write(rOptions.m_ReportFile)) {
@@ -68,7 +68,8 @@ int RunHeadless(const COptions& rOptions, CConsoleSession& rSession) {
         Result = Run.Run();
     } else {
         std::fprintf(stderr,
-                     "No module answers on %s: check the cable and the module's address (--addresses), and that nothing "
+                     "No module answers on %s: check the cable and the module's address (--addresses), and "
+                     "that nothing "
                      "else uses the line.\n",
                      rOptions.m_Link.c_str());
     }
@@ -97,7 +98,8 @@ int main(int argc, char** argv) {
     if (Options->m_bHeadless) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
     } else if (!HasDisplay()) {
-        return Refuse("There is no display: set DISPLAY, or run the procedure automatically with --headless.");
+        return Refuse(
+            "There is no display: set DISPLAY, or run the procedure automatically with --headless.");
     }
     if (qEnvironmentVariableIsEmpty("XDG_RUNTIME_DIR")) {
         qputenv("XDG_RUNTIME_DIR", "/tmp");

@@ -39,6 +39,8 @@ public:
     /// Initialises the module's window and runs the loop until the module has found its configuration. False
     /// if the module doesn't answer in time.
     bool Initialise();
+    /// Asks the module's window once to find its module; harmless when it has.
+    void SendInit();
     /// Brings the stored configuration in line with the rotor: rotation and scale sense. What differs makes a
     /// calibration void.
     void Commission();
@@ -73,7 +75,6 @@ private:
     static constexpr std::uint32_t eInitRepeat = 5000;
 
     void OpenLink(const CRotorFile* pRotor);
-    void SendInit();
 
     COptions m_Options;
     const CRotorFile* m_pRotor;

@@ -236,5 +236,150 @@
         <extracomment>Warning</extracomment>
         <translation>Der Zustand des Auswuchtmoduls hat sich geändert.</translation>
     </message>
+    <message id="SK_NEXT">
+        <source>Next</source>
+        <extracomment>Softkey: confirm the step</extracomment>
+        <translation>Weiter</translation>
+    </message>
+    <message id="SK_END">
+        <source>End</source>
+        <extracomment>Softkey: end the procedure</extracomment>
+        <translation>Ende</translation>
+    </message>
+    <message id="SK_FINISH">
+        <source>Finish</source>
+        <extracomment>Softkey: end the procedure and keep its result</extracomment>
+        <translation>Fertig</translation>
+    </message>
+    <message id="SK_CHANGE_POSITIONS">
+        <source>Change positions</source>
+        <extracomment>Softkey</extracomment>
+        <translation>Positionen ändern</translation>
+    </message>
+    <message id="SK_WEIGHTS_IN_PLACE">
+        <source>Weights are in place</source>
+        <extracomment>Softkey: the neutral position is set already</extracomment>
+        <translation>Gewichte stehen richtig</translation>
+    </message>
+    <message id="SK_ADOPT_POSITIONS">
+        <source>Take stored positions</source>
+        <extracomment>Softkey: take the stored weight positions</extracomment>
+        <translation>Gespeicherte übernehmen</translation>
+    </message>
+    <message id="SK_CHECK_WEIGHTS">
+        <source>Check weights</source>
+        <extracomment>Softkey</extracomment>
+        <translation>Gewichte prüfen</translation>
+    </message>
+    <message id="SK_REBALANCE">
+        <source>Re-balance</source>
+        <extracomment>Softkey</extracomment>
+        <translation>Nachwuchten</translation>
+    </message>
+    <message id="SK_PREBALANCE">
+        <source>Pre-balance</source>
+        <extracomment>Softkey</extracomment>
+        <translation>Vorwuchten</translation>
+    </message>
+    <message id="SK_NEXT_TAB">
+        <source>Next page</source>
+        <extracomment>Softkey: next page of the configuration</extracomment>
+        <translation>Nächste Seite</translation>
+    </message>
+    <message id="SK_PLUS">
+        <source>+</source>
+        <extracomment>Softkey: turn the weight forwards</extracomment>
+        <translation>+</translation>
+    </message>
+    <message id="SK_MINUS">
+        <source>−</source>
+        <extracomment>Softkey: turn the weight backwards</extracomment>
+        <translation>−</translation>
+    </message>
+    <message id="SK_SELECT_WEIGHT">
+        <source>Weight 1/2</source>
+        <extracomment>Softkey: choose the weight to move</extracomment>
+        <translation>Gewicht 1/2</translation>
+    </message>
+    <message id="SK_SELECT_STEP">
+        <source>Step 1°/10°</source>
+        <extracomment>Softkey: choose how far a weight moves</extracomment>
+        <translation>Schritt 1°/10°</translation>
+    </message>
+    <message id="SK_WEIGHT1_PLUS">
+        <source>Weight 1 +</source>
+        <extracomment>Softkey</extracomment>
+        <translation>Gewicht 1 +</translation>
+    </message>
+    <message id="SK_WEIGHT1_MINUS">
+        <source>Weight 1 −</source>
+        <extracomment>Softkey</extracomment>
+        <translation>Gewicht 1 −</translation>
+    </message>
+    <message id="SK_WEIGHT2_PLUS">
+        <source>Weight 2 +</source>
+        <extracomment>Softkey</extracomment>
+        <translation>Gewicht 2 +</translation>
+    </message>
+    <message id="SK_WEIGHT2_MINUS">
+        <source>Weight 2 −</source>
+        <extracomment>Softkey</extracomment>
+        <translation>Gewicht 2 −</translation>
+    </message>
+    <message id="CONSOLE_MACHINE">
+        <source>Simulated machine</source>
+        <extracomment>Console: heading of the panel that stands for the machine</extracomment>
+        <translation>Simulierte Maschine</translation>
+    </message>
+    <message id="CONSOLE_SPEED">
+        <source>Speed</source>
+        <extracomment>Console</extracomment>
+        <translation>Drehzahl</translation>
+    </message>
+    <message id="CONSOLE_START">
+        <source>Start spindle</source>
+        <extracomment>Console: button</extracomment>
+        <translation>Spindel starten</translation>
+    </message>
+    <message id="CONSOLE_STOP">
+        <source>Stop spindle</source>
+        <extracomment>Console: button</extracomment>
+        <translation>Spindel anhalten</translation>
+    </message>
+    <message id="CONSOLE_LOCKED">
+        <source>locked</source>
+        <extracomment>Console: the electronics follows the speed</extracomment>
+        <translation>eingerastet</translation>
+    </message>
+    <message id="CONSOLE_NOT_LOCKED">
+        <source>not locked</source>
+        <extracomment>Console</extracomment>
+        <translation>nicht eingerastet</translation>
+    </message>
+    <message id="CONSOLE_WEIGHTS">
+        <source>Weights at</source>
+        <extracomment>Console: angles of the fitted weights follow</extracomment>
+        <translation>Gewichte bei</translation>
+    </message>
+    <message id="CONSOLE_FIT">
+        <source>Fit as shown</source>
+        <extracomment>Console: button that puts the weights where the page shows them</extracomment>
+        <translation>Setzen wie angezeigt</translation>
+    </message>
+    <message id="CONSOLE_RESIDUAL">
+        <source>True unbalance</source>
+        <extracomment>Console: what the simulated rotor really has left</extracomment>
+        <translation>Wahre Unwucht</translation>
+    </message>
+    <message id="CONSOLE_WAITING">
+        <source>Waiting for the balancing module…</source>
+        <extracomment>Console: status line until the module answers</extracomment>
+        <translation>Warten auf das Wuchtmodul…</translation>
+    </message>
+    <message id="CONSOLE_NO_LINK">
+        <source>No connection: %s</source>
+        <extracomment>Console: status line; the reason follows</extracomment>
+        <translation>Keine Verbindung: %s</translation>
+    </message>
 </context>
 </TS>

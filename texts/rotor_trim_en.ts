@@ -236,5 +236,150 @@
         <extracomment>Warning</extracomment>
         <translation>The state of the balancing module has changed.</translation>
     </message>
+    <message id="SK_NEXT">
+        <source>Next</source>
+        <extracomment>Softkey: confirm the step</extracomment>
+        <translation>Next</translation>
+    </message>
+    <message id="SK_END">
+        <source>End</source>
+        <extracomment>Softkey: end the procedure</extracomment>
+        <translation>End</translation>
+    </message>
+    <message id="SK_FINISH">
+        <source>Finish</source>
+        <extracomment>Softkey: end the procedure and keep its result</extracomment>
+        <translation>Finish</translation>
+    </message>
+    <message id="SK_CHANGE_POSITIONS">
+        <source>Change positions</source>
+        <extracomment>Softkey</extracomment>
+        <translation>Change positions</translation>
+    </message>
+    <message id="SK_WEIGHTS_IN_PLACE">
+        <source>Weights are in place</source>
+        <extracomment>Softkey: the neutral position is set already</extracomment>
+        <translation>Weights are in place</translation>
+    </message>
+    <message id="SK_ADOPT_POSITIONS">
+        <source>Take stored positions</source>
+        <extracomment>Softkey: take the stored weight positions</extracomment>
+        <translation>Take stored positions</translation>
+    </message>
+    <message id="SK_CHECK_WEIGHTS">
+        <source>Check weights</source>
+        <extracomment>Softkey</extracomment>
+        <translation>Check weights</translation>
+    </message>
+    <message id="SK_REBALANCE">
+        <source>Re-balance</source>
+        <extracomment>Softkey</extracomment>
+        <translation>Re-balance</translation>
+    </message>
+    <message id="SK_PREBALANCE">
+        <source>Pre-balance</source>
+        <extracomment>Softkey</extracomment>
+        <translation>Pre-balance</translation>
+    </message>
+    <message id="SK_NEXT_TAB">
+        <source>Next page</source>
+        <extracomment>Softkey: next page of the configuration</extracomment>
+        <translation>Next page</translation>
+    </message>
+    <message id="SK_PLUS">
+        <source>+</source>
+        <extracomment>Softkey: turn the weight forwards</extracomment>
+        <translation>+</translation>
+    </message>
+    <message id="SK_MINUS">
+        <source>−</source>
+        <extracomment>Softkey: turn the weight backwards</extracomment>
+        <translation>−</translation>
+    </message>
+    <message id="SK_SELECT_WEIGHT">
+        <source>Weight 1/2</source>
+        <extracomment>Softkey: choose the weight to move</extracomment>
+        <translation>Weight 1/2</translation>
+    </message>
+    <message id="SK_SELECT_STEP">
+        <source>Step 1°/10°</source>
+        <extracomment>Softkey: choose how far a weight moves</extracomment>
+        <translation>Step 1°/10°</translation>
+    </message>
+    <message id="SK_WEIGHT1_PLUS">
+        <source>Weight 1 +</source>
+        <extracomment>Softkey</extracomment>
+        <translation>Weight 1 +</translation>
+    </message>
+    <message id="SK_WEIGHT1_MINUS">
+        <source>Weight 1 −</source>
+        <extracomment>Softkey</extracomment>
+        <translation>Weight 1 −</translation>
+    </message>
+    <message id="SK_WEIGHT2_PLUS">
+        <source>Weight 2 +</source>
+        <extracomment>Softkey</extracomment>
+        <translation>Weight 2 +</translation>
+    </message>
+    <message id="SK_WEIGHT2_MINUS">
+        <source>Weight 2 −</source>
+        <extracomment>Softkey</extracomment>
+        <translation>Weight 2 −</translation>
+    </message>
+    <message id="CONSOLE_MACHINE">
+        <source>Simulated machine</source>
+        <extracomment>Console: heading of the panel that stands for the machine</extracomment>
+        <translation>Simulated machine</translation>
+    </message>
+    <message id="CONSOLE_SPEED">
+        <source>Speed</source>
+        <extracomment>Console</extracomment>
+        <translation>Speed</translation>
+    </message>
+    <message id="CONSOLE_START">
+        <source>Start spindle</source>
+        <extracomment>Console: button</extracomment>
+        <translation>Start spindle</translation>
+    </message>
+    <message id="CONSOLE_STOP">
+        <source>Stop spindle</source>
+        <extracomment>Console: button</extracomment>
+        <translation>Stop spindle</translation>
+    </message>
+    <message id="CONSOLE_LOCKED">
+        <source>locked</source>
+        <extracomment>Console: the electronics follows the speed</extracomment>
+        <translation>locked</translation>
+    </message>
+    <message id="CONSOLE_NOT_LOCKED">
+        <source>not locked</source>
+        <extracomment>Console</extracomment>
+        <translation>not locked</translation>
+    </message>
+    <message id="CONSOLE_WEIGHTS">
+        <source>Weights at</source>
+        <extracomment>Console: angles of the fitted weights follow</extracomment>
+        <translation>Weights at</translation>
+    </message>
+    <message id="CONSOLE_FIT">
+        <source>Fit as shown</source>
+        <extracomment>Console: button that puts the weights where the page shows them</extracomment>
+        <translation>Fit as shown</translation>
+    </message>
+    <message id="CONSOLE_RESIDUAL">
+        <source>True unbalance</source>
+        <extracomment>Console: what the simulated rotor really has left</extracomment>
+        <translation>True unbalance</translation>
+    </message>
+    <message id="CONSOLE_WAITING">
+        <source>Waiting for the balancing module…</source>
+        <extracomment>Console: status line until the module answers</extracomment>
+        <translation>Waiting for the balancing module…</translation>
+    </message>
+    <message id="CONSOLE_NO_LINK">
+        <source>No connection: %s</source>
+        <extracomment>Console: status line; the reason follows</extracomment>
+        <translation>No connection: %s</translation>
+    </message>
 </context>
 </TS>

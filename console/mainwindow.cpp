@@ -1,0 +1,201 @@
+#include "console/mainwindow.h"
+
+#include <QFormLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QSpinBox>
+#include <QStatusBar>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <utility>
+
+#include "platform/qt/windowview.h"
+#include "platform/rvcom/rvcom.h"
+#include "platform/rvldb/gettext.h"
+#include "platform/system/eventloop.h"
+
+namespace {
+
+constexpr int MAX_SPEED = 60000;
+constexpr std::uint32_t INIT_PERIOD = 5000;
+
+QString Text(const char* pKey) {
+    return QString::fromStdString(GetText(pKey));
+}
+
+}  // namespace
+
+CMainWindow::CMainWindow(CConsoleSession& rSession, const COptions& rOptions) : m_rSession(rSession) {
+    setWindowTitle(QString::fromUtf8(CHostWindow::TITLE));
+    auto* pCentral = new QWidget(this);
+    auto* pColumns = new QHBoxLayout(pCentral);
+    auto* pLeft = new QVBoxLayout();
+    m_pPage = new CWindowView(rSession.GetHost(), pCentral);
+    pLeft->addWidget(m_pPage, 1);
+    pLeft->addWidget(MakeSoftkeyBar());
+    pColumns->addLayout(pLeft, 1);
+    if (rSession.GetMachine() != nullptr) {
+        pColumns->addWidget(MakeMachinePanel());
+    }
+    setCentralWidget(pCentral);
+    resize(1000, 640);
+
+    m_rSession.OnChanged = [this] { ShowMenu(); };
+    m_rSession.OnSay = [this](const std::string& rText) {
+        statusBar()->showMessage(QString::fromStdString(rText));
+    };
+    m_RefreshTimerID =
+        IFEventLoop::Current().SetTimer(eRefreshPeriod, [this](std::uint32_t) { RefreshMachine(); });
+    ShowMenu();
+    statusBar()->showMessage(Text("CONSOLE_WAITING"));
+    StartWhenModuleAnswers();
+    static_cast<void>(rOptions);
+}
+
+CMainWindow::~CMainWindow() {
+    *m_pAlive = false;
+    m_rSession.OnChanged = nullptr;
+    m_rSession.OnSay = nullptr;
+    IFEventLoop::Current().KillTimer(m_RefreshTimerID);
+    if (m_InitTimerID != 0) {
+        IFEventLoop::Current().KillTimer(m_InitTimerID);
+    }
+    m_rSession.Close();
+}
+
+void CMainWindow::StartWhenModuleAnswers() {
+    m_rSession.SendInit();
+    // A module that is switched on later answers a later question.
+    m_InitTimerID = IFEventLoop::Current().SetTimer(INIT_PERIOD, [this](std::uint32_t Id) {
+        if (m_rSession.GetHost().IsConfigured()) {
+            IFEventLoop::Current().KillTimer(Id);
+            m_InitTimerID = 0;
+        } else {
+            m_rSession.SendInit();
+        }
+    });
+}
+
+QWidget* CMainWindow::MakeSoftkeyBar() {
+    auto* pBar = new QWidget(this);
+    auto* pRow = new QHBoxLayout(pBar);
+    pRow->setContentsMargins(0, 0, 0, 0);
+    for (std::size_t i = 0; i < eNumberOfKeys; ++i) {
+        m_Keys[i] = new QPushButton(pBar);
+        m_Keys[i]->setMinimumHeight(48);
+        m_Keys[i]->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+        connect(m_Keys[i], &QPushButton::pressed, this, [this, i] { OnKeyDown(i); });
+        connect(m_Keys[i], &QPushButton::released, this, [this, i] { OnKeyUp(i); });
+        pRow->addWidget(m_Keys[i], 1);
+    }
+    return pBar;
+}
+
+QWidget* CMainWindow::MakeMachinePanel() {
+    auto* pBox = new QGroupBox(Text("CONSOLE_MACHINE"), this);
+    auto* pColumn = new QVBoxLayout(pBox);
+    auto* pForm = new QFormLayout();
+    m_pSpeed = new QSpinBox(pBox);
+    m_pSpeed->setRange(0, MAX_SPEED);
+    m_pSpeed->setSingleStep(100);
+    m_pSpeed->setSuffix(" " + Text("RPM"));
+    m_pSpeed->setValue(static_cast<int>(m_rSession.GetWorkingSpeed()));
+    pForm->addRow(Text("CONSOLE_SPEED"), m_pSpeed);
+    pColumn->addLayout(pForm);
+    const auto AddButton = [&](const char* pKey, auto OnClick) {
+        auto* pButton = new QPushButton(Text(pKey), pBox);
+        pButton->setMinimumHeight(40);
+        connect(pButton, &QPushButton::clicked, this, OnClick);
+        pColumn->addWidget(pButton);
+    };
+    AddButton("CONSOLE_START", [this] { Command({{"speed", m_pSpeed->value()}}); });
+    AddButton("CONSOLE_STOP", [this] { Command({{"speed", 0}}); });
+    m_pMachineState = new QLabel(pBox);
+    pColumn->addWidget(m_pMachineState);
+    AddButton("CONSOLE_FIT", [this] { FitAsShown(); });
+    m_pWeights = new QLabel(pBox);
+    pColumn->addWidget(m_pWeights);
+    m_pResidual = new QLabel(pBox);
+    pColumn->addWidget(m_pResidual);
+    pColumn->addStretch(1);
+    return pBox;
+}
+
+void CMainWindow::ShowMenu() {
+    const bool bReady = m_rSession.GetHost().IsConfigured();
+    const std::span<const Softkeys::CKey> Keys = Softkeys::GetKeys(m_rSession.GetHost().GetMenu());
+    m_Shown.assign(Keys.begin(), Keys.end());
+    for (std::size_t i = 0; i < eNumberOfKeys; ++i) {
+        const bool bUsed = bReady && i < m_Shown.size();
+        const bool bNeedsCalibration = bUsed && m_rSession.GetHost().GetActivity() == 0 &&
+                                       m_Shown[i].m_Action == Softkeys::eActionRebalance;
+        m_Keys[i]->setText(bUsed ? Text(m_Shown[i].m_pTextKey) : QString());
+        m_Keys[i]->setEnabled(bUsed && (!bNeedsCalibration || m_rSession.GetHost().IsCalibrated()));
+    }
+    if (bReady) {
+        statusBar()->clearMessage();
+    }
+}
+
+void CMainWindow::OnKeyDown(std::size_t Index) {
+    if (Index < m_Shown.size()) {
+        const Softkeys::CKey Key = m_Shown[Index];
+        m_rSession.SendAction(Key.m_Action, Key.m_Flag);
+    }
+}
+
+void CMainWindow::OnKeyUp(std::size_t Index) {
+    // The menu may have changed while the key was down; only a repeating key has to be let go.
+    if (Index < m_Shown.size() && m_Shown[Index].m_bRepeats) {
+        m_rSession.SendAction(m_Shown[Index].m_Action, Softkeys::eFlagNone);
+    }
+}
+
+void CMainWindow::Command(const nlohmann::json& rRequest) {
+    m_rSession.GetMachine()->Request(rRequest, [this, pAlive = m_pAlive](const nlohmann::json& rAnswer) {
+        if (*pAlive && rAnswer.contains("error")) {
+            m_rSession.Say(rAnswer["error"].get<std::string>());
+        }
+    });
+}
+
+void CMainWindow::FitAsShown() {
+    const CSituation Situation = m_rSession.Look();
+    for (std::size_t Plane = 0; Plane < Situation.m_Progress.m_Readings.size(); ++Plane) {
+        const std::vector<int> Angles = Situation.m_Notification.GetAngles(Plane);
+        if (Situation.m_bRunning && Situation.m_Progress.m_Readings[Plane].m_bShown && !Angles.empty()) {
+            Command({{"weights", {{"plane", Plane + 1}, {"angles", Angles}}}});
+        }
+    }
+}
+
+void CMainWindow::RefreshMachine() {
+    if (const std::string Reason = rvCOM::GetOutageReason(); !rvCOM::IsLinkOpen() && !Reason.empty()) {
+        statusBar()->showMessage(Text("CONSOLE_NO_LINK").replace("%s", QString::fromStdString(Reason)));
+    }
+    if (m_rSession.GetMachine() == nullptr) {
+        return;
+    }
+    m_rSession.GetMachine()->Request(
+        {{"state", nlohmann::json::object()}}, [this, pAlive = m_pAlive](const nlohmann::json& rState) {
+            if (!*pAlive || !rState.contains("planes")) {
+                return;
+            }
+            m_pMachineState->setText(
+                QString("%1 %2, %3")
+                    .arg(rState.value("speed", 0.0), 0, 'f', 0)
+                    .arg(Text("RPM"),
+                         Text(rState.value("lock", false) ? "CONSOLE_LOCKED" : "CONSOLE_NOT_LOCKED")));
+            const nlohmann::json& rPlane = rState["planes"].front();
+            QStringList Angles;
+            for (const nlohmann::json& rAngle : rPlane["weights"]) {
+                Angles << QString("%1°").arg(rAngle.get<int>());
+            }
+            m_pWeights->setText(Text("CONSOLE_WEIGHTS") + " " + (Angles.isEmpty() ? "–" : Angles.join(", ")));
+            m_pResidual->setText(QString("%1: %2")
+                                     .arg(Text("CONSOLE_RESIDUAL"))
+                                     .arg(rPlane["residual"]["amount"].get<double>(), 0, 'f', 4));
+        });
+}

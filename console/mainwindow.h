@@ -1,0 +1,49 @@
+#pragma once
+#include <QMainWindow>
+#include <array>
+#include <cstdint>
+#include <vector>
+
+#include "console/options.h"
+#include "console/session.h"
+#include "console/softkeys.h"
+
+class CWindowView;
+class QLabel;
+class QPushButton;
+class QSpinBox;
+
+/// The console with a screen: the module's page, a bar of softkeys below it, and, with a machine to command,
+/// a panel that stands for the machine: spindle, fitted weights and the rotor's true unbalance.
+class CMainWindow : public QMainWindow {
+public:
+    CMainWindow(CConsoleSession& rSession, const COptions& rOptions);
+    ~CMainWindow() override;
+
+private:
+    static constexpr std::size_t eNumberOfKeys = 8;
+    static constexpr int eRefreshPeriod = 250;  ///< ms, of the machine panel
+
+    QWidget* MakeSoftkeyBar();
+    QWidget* MakeMachinePanel();
+    void StartWhenModuleAnswers();
+    void OnKeyDown(std::size_t Index);
+    void OnKeyUp(std::size_t Index);
+    /// Puts the labels of the present menu on the softkeys.
+    void ShowMenu();
+    void RefreshMachine();
+    void FitAsShown();
+    void Command(const nlohmann::json& rRequest);
+
+    CConsoleSession& m_rSession;
+    CWindowView* m_pPage = nullptr;
+    std::array<QPushButton*, eNumberOfKeys> m_Keys{};
+    std::vector<Softkeys::CKey> m_Shown;
+    QSpinBox* m_pSpeed = nullptr;
+    QLabel* m_pMachineState = nullptr;
+    QLabel* m_pWeights = nullptr;
+    QLabel* m_pResidual = nullptr;
+    std::uint32_t m_RefreshTimerID = 0;
+    std::uint32_t m_InitTimerID = 0;
+    std::shared_ptr<bool> m_pAlive = std::make_shared<bool>(true);
+};
