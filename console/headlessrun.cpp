@@ -149,13 +149,14 @@ void CHeadlessRun::DisturbRotor() {
     // capacity.
     constexpr double eFraction = 0.1;
     const nlohmann::json State = RequestAndWait({{"state", nlohmann::json::object()}});
-    if (!State.contains("planes")) {
+    if (!State.contains("unbalance")) {
+        Print("The machine doesn't tell its rotor's unbalance, so it stays as it is.");
         return;
     }
     std::size_t Plane = 0;
-    for (const nlohmann::json& rPlane : State["planes"]) {
-        const double Angle = rPlane["unbalance"]["angle_deg"].get<double>();
-        const double Amount = rPlane["unbalance"]["amount"].get<double>();
+    for (const nlohmann::json& rUnbalance : State["unbalance"]) {
+        const double Angle = rUnbalance["angle_deg"].get<double>();
+        const double Amount = rUnbalance["amount"].get<double>();
         RequestAndWait(
             {{"unbalance",
               {{"plane", ++Plane},

@@ -180,7 +180,7 @@ void CMainWindow::RefreshMachine() {
     }
     m_rSession.GetMachine()->Request(
         {{"state", nlohmann::json::object()}}, [this, pAlive = m_pAlive](const nlohmann::json& rState) {
-            if (!*pAlive || !rState.contains("planes")) {
+            if (!*pAlive || !rState.contains("fitted")) {
                 return;
             }
             m_pMachineState->setText(
@@ -188,14 +188,13 @@ void CMainWindow::RefreshMachine() {
                     .arg(rState.value("speed", 0.0), 0, 'f', 0)
                     .arg(Text("RPM"),
                          Text(rState.value("lock", false) ? "CONSOLE_LOCKED" : "CONSOLE_NOT_LOCKED")));
-            const nlohmann::json& rPlane = rState["planes"].front();
             QStringList Angles;
-            for (const nlohmann::json& rAngle : rPlane["weights"]) {
+            for (const nlohmann::json& rAngle : rState["fitted"].front()["weights"]) {
                 Angles << QString("%1°").arg(rAngle.get<int>());
             }
             m_pWeights->setText(Text("CONSOLE_WEIGHTS") + " " + (Angles.isEmpty() ? "–" : Angles.join(", ")));
             m_pResidual->setText(QString("%1: %2")
                                      .arg(Text("CONSOLE_RESIDUAL"))
-                                     .arg(rPlane["residual"]["amount"].get<double>(), 0, 'f', 4));
+                                     .arg(rState["residual"].front()["amount"].get<double>(), 0, 'f', 4));
         });
 }

@@ -86,6 +86,7 @@ CConsoleSession::~CConsoleSession() {
 }
 
 void CConsoleSession::OpenLink(const CRotorFile* pRotor) {
+    std::string Error;
     if (m_Options.IsSimulated()) {
         CLinkPair Pair = MakeLinkPair();
         m_pSimulator =

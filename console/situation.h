@@ -24,7 +24,9 @@ struct CNotification : CPreBalCodes {
         }
         return Angles;
     }
-    friend bool operator==(const CNotification&, const CNotification&) = default;
+    friend bool operator==(const CNotification& rLeft, const CNotification& rRight) {
+        return rLeft.m_Values == rRight.m_Values;
+    }
 
     std::array<std::int32_t, eSize> m_Values{};
 };

@@ -27,6 +27,9 @@ public:
 
     /// The rotor's own unbalance changes, as with a wheel that wears.
     void SetUnbalance(std::size_t nPlane, double Amount, double AngleDeg);
+    const CRotorFile::CUnbalance& GetUnbalance(std::size_t nPlane) const {
+        return m_Planes[nPlane].m_Unbalance;
+    }
     /// Each takes the place of what was fitted of its kind in the plane; an empty list removes all. Weights
     /// are given by their angles on the plane's scale, in degrees; each has the amount 1.
     void FitWeights(std::size_t nPlane, std::vector<int> AnglesDeg);

@@ -201,9 +201,13 @@ void CSimulator::OnState(const json& rValue, json& rAnswer) {
     rAnswer["nominal_rpm"] = m_NominalRpm;
     rAnswer["lock"] = m_Spindle.IsInLock();
     rAnswer["invalid"] = m_Spindle.IsInvalid();
+    rAnswer["unbalance"] = json::array();
     rAnswer["residual"] = json::array();
     rAnswer["fitted"] = json::array();
     for (std::size_t nPlane = 0; nPlane < m_Rotor.GetNumberOfPlanes(); ++nPlane) {
+        const CRotorFile::CUnbalance& rUnbalance = m_Rotor.GetUnbalance(nPlane);
+        rAnswer["unbalance"].push_back(
+            {{"amount", rUnbalance.m_Amount}, {"angle_deg", rUnbalance.m_AngleDeg}});
         const CRotor::Vector Residual = m_Rotor.GetResidual(nPlane);
         rAnswer["residual"].push_back(
             {{"amount", std::abs(Residual)}, {"angle_deg", CRotor::AngleDeg(Residual)}});

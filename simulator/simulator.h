@@ -29,10 +29,11 @@ class CJsonFields;
 ///
 /// {"state": {}} answers
 ///   {"ok": true, "speed": 2990.0, "commanded": 3000, "lock": false, "invalid": true, "nominal_rpm": 3000,
-///    "residual": [{"amount": 0.8, "angle_deg": 123.0}],
+///    "unbalance": [{"amount": 0.8, "angle_deg": 123.0}], "residual": [{"amount": 0.8, "angle_deg": 123.0}],
 ///    "fitted": [{"weights": [30, 180], "screws": [{"hole": 1, "grams": 2.5}]}],
 ///    "modules": [{"address": 5, "set": 1, "rpm_factor": 1, "state": 7}]}
-/// with residual and fitted per plane. Residual angles count counter-clockwise, seen from plane 1's end.
+/// with the rotor's own unbalance, residual and fitted per plane. Their angles count counter-clockwise, seen
+/// from plane 1's end.
 class CSimulator : public IFMachine {
 public:
     /// Null, with rError telling what would be right, if the modules of the rotor file can't be simulated at
