@@ -31,6 +31,12 @@ public:
     void UpdateRPM(std::uint16_t wRPM);
     void UpdateOutOfLock(int NotLocked);
 
+    /// Whether a speed lies in the window, both ends included. Unsigned on purpose: a tolerance above the
+    /// target wraps around, and the window is empty.
+    static bool IsSpeedInWindow(std::uint32_t RPM, std::uint32_t TargetRPM, std::uint32_t Tolerance) {
+        return TargetRPM - Tolerance <= RPM && RPM <= TargetRPM + Tolerance;
+    }
+
 protected:
     void OnIDTimeout(std::int32_t TimerID) override;
     /// The samples taken so far don't count any more.
@@ -55,11 +61,11 @@ private:
 
         /// Starts, or starts anew, with a period in ms; one outside of the system's bounds is clamped after
         /// an assertion. The result is the timer's id, 1, or 0 if the system refuses.
-        int Start(std::uint32_t Period);
+        std::int32_t Start(std::uint32_t Period);
         /// Only id 1 exists.
-        void Stop(int TimerID);
+        void Stop(std::int32_t TimerID);
         /// Id 0, no timer, is never active.
-        bool IsActive(int TimerID) const;
+        bool IsActive(std::int32_t TimerID) const;
 
     private:
         void OnMessageWndMessage(WPARAM wParam, LPARAM lParam) override;
@@ -69,18 +75,19 @@ private:
         std::uint32_t m_Handle = 0;  ///< of the running multimedia timer, 0 when none
     };
 
-    static constexpr int eHiResTimerID = 1;
+    static constexpr std::int32_t eHiResTimerID = 1;
 
     /// Looks at speed and lock again, by the rule that the test switch chooses.
     void RunHandler();
     void MeasurementSubStateHandler();
     /// Looks only at the speed for the decision.
     void MeasurementSubStateHandlerIgnoreOutOfLock();
-    bool IsInWindow() const;
+    bool IsInWindow() const { return IsSpeedInWindow(m_CurrentRPM, m_TargetRPM, m_RPMTolerance); }
     void ShowReason();
     void StartSettling();
     void LeaveMeasuring();
     void KeepWaiting();
+    void StopHiResTimer();
 
     CHiResTimer m_HiResTimer;
     int m_IgnoreOutOfLock = 0;
@@ -90,9 +97,9 @@ private:
     int m_CanMeasure = 0;
     std::uint16_t m_CurrentRPM = 0;
     int m_OutOfLock = 1;
-    int m_OutOfLockTimerID = 0;
-    int m_PaintXYTimerID = 0;
-    int m_HiResTimerID = 0;
+    std::int32_t m_OutOfLockTimerID = 0;
+    std::int32_t m_PaintXYTimerID = 0;
+    std::int32_t m_HiResTimerID = 0;
     std::uint32_t m_PaintXYPeriod = 250;
     std::uint32_t m_OutOfLockPeriod = 3000;
     std::uint32_t m_HiResPeriod = 50;

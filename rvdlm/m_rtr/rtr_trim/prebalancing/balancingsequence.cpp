@@ -1,0 +1,424 @@
+#include "rvdlm/m_rtr/rtr_trim/prebalancing/balancingsequence.h"
+
+#include "platform/system/eventloop.h"
+#include "platform/window/prebalprogress.h"
+#include "rvdlm/m_rtr/rtr_trim/log.h"
+
+namespace {
+
+constexpr std::int32_t ePreBalancingActivity = 1;
+constexpr std::int32_t eReBalancingActivity = 2;
+
+// Warnings of the instruction view.
+constexpr std::uint32_t eCannotBalance = 5;
+constexpr std::uint32_t eRebalanceNotPossible = 7;
+
+}  // namespace
+
+// In the order of the roles.
+const std::array<CBalancingSequence::Handler, Sequence::eRoleCount> CBalancingSequence::ms_Handlers = {
+    &CBalancingSequence::IdleHandler,
+    &CBalancingSequence::FailureWithNoReturnHandler,
+    &CBalancingSequence::FailureWithResetHandler,
+    &CBalancingSequence::NeutralPosSpindleStopHandler,
+    &CBalancingSequence::NeutralPosRemoveWeightsHandler,
+    &CBalancingSequence::NeutralPosRPMStartHandler,
+    &CBalancingSequence::NeutralPosMeasurementHandler,
+    &CBalancingSequence::TestUnbalanceSpindleStopHandler,
+    &CBalancingSequence::TestUnbalanceSetWeightsHandler,
+    &CBalancingSequence::TestUnbalanceRPMStartHandler,
+    &CBalancingSequence::TestUnbalanceMeasurementHandler,
+    &CBalancingSequence::PreBalanceSpindleStopHandler,
+    &CBalancingSequence::PreBalanceSetWeightsHandler,
+    &CBalancingSequence::PreBalanceRPMStartHandler,
+    &CBalancingSequence::PreBalanceMeasurementHandler,
+    &CBalancingSequence::ReBalanceCommitWeightsHandler,
+    &CBalancingSequence::ReBalanceRPMStart1Handler,
+    &CBalancingSequence::ReBalanceMeasurement1Handler,
+    &CBalancingSequence::ReBalanceSpindleStopHandler,
+    &CBalancingSequence::ReBalanceSpindleStopCheckWeightsHandler,
+    &CBalancingSequence::ReBalanceSetWeightsHandler,
+    &CBalancingSequence::ReBalanceCheckWeightsHandler,
+    &CBalancingSequence::ReBalanceRPMStart2Handler,
+    &CBalancingSequence::ReBalanceMeasurement2Handler,
+};
+
+CBalancingSequence::CBalancingSequence(CPreBalMainWndInterface* pMainWnd,
+                                       PreBalDB::CPreBalBaseTableEntry& rEntry,
+                                       const std::string& rSecondTitle, const Sequence::CTables& rTables)
+    : CPreBalancing(pMainWnd, rEntry, rSecondTitle), m_rTables(rTables) {
+    const std::string& rMachineName = rEntry.GetMachineName();
+    const std::size_t Dash = rMachineName.rfind('-');
+    if (Dash == std::string::npos || Dash == 0 || Dash + 1 == rMachineName.size()) {
+        RV_ASSERT_FAIL(RtrTrim::g_pLog, "impossible");
+    } else {
+        SetSetText(rMachineName.substr(Dash + 1));
+    }
+    SetProcessName(rEntry.GetProcessName());
+}
+
+CBalancingSequence::~CBalancingSequence() {
+    CloseLogBlock();
+}
+
+void CBalancingSequence::RemovePlanes() {
+    m_Planes.clear();
+}
+
+int CBalancingSequence::StartPreBalancing(std::uint16_t wRPM, int NotLocked, int InvalidRPM) {
+    return Start(eStartPreBal, wRPM, NotLocked, InvalidRPM);
+}
+
+int CBalancingSequence::StartReBalancing(std::uint16_t wRPM, int NotLocked, int InvalidRPM) {
+    return Start(eStartReBal, wRPM, NotLocked, InvalidRPM);
+}
+
+int CBalancingSequence::Start(EVENTS Event, std::uint16_t wRPM, int NotLocked, int InvalidRPM) {
+    m_RPM = wRPM;
+    m_NotLocked = NotLocked;
+    m_InvalidRPM = InvalidRPM;
+    m_CompensationDifference = 0.0;
+    CPreBalancing::CurrentRPM(wRPM);
+    return SetEvent(Event);
+}
+
+void CBalancingSequence::AbortBalancing(std::uint32_t WarningMode) {
+    m_Event.reset();
+    FailWithNoReturn(WarningMode);
+}
+
+int CBalancingSequence::KeyPressed(KeyAction Action) {
+    m_KeyAction = Action;
+    return SetEvent(eKeyPressed);
+}
+
+bool CBalancingSequence::CommitChanges() {
+    if (SetEvent(eCommitChanges) == 0) {
+        return false;
+    }
+    m_pEntry->SetIsCalibrated(1);
+    m_pEntry->SetCalibrationDateTime(IFEventLoop::Current().WallClock());
+    if (HasWeightsOnly()) {
+        StoreWeightPositions();
+    }
+    return true;
+}
+
+bool CBalancingSequence::IsFailureWithNoReturn() const {
+    const Sequence::CState* pState = m_rTables.FindState(m_State);
+    return pState != nullptr && pState->m_Role == Sequence::eFailureWithNoReturn;
+}
+
+void CBalancingSequence::Paint(CDC* pDC, const CRect& rRect, unsigned Mask) {
+    const CPaneLayout Layout = CutPane(rRect);
+    if ((Mask & (ePaintMethod | ePaintMeasurement)) != 0) {
+        PaintMethods(pDC, Layout.m_Method, Mask != ePaintMeasurement);
+    }
+    PaintViews(pDC, Layout, Mask);
+}
+
+void CBalancingSequence::CurrentRPM(std::uint16_t wRPM) {
+    CPreBalancing::CurrentRPM(wRPM);
+    m_RPM = wRPM;
+    SetEvent(eRPMChanged);
+}
+
+void CBalancingSequence::InvalidRPM(int bInvalid) {
+    m_InvalidRPM = bInvalid;
+    SetEvent(eInvalidRPMChanged);
+}
+
+void CBalancingSequence::OutOfLock(int bNotLocked) {
+    m_NotLocked = bNotLocked;
+    SetEvent(eOutOfLockChanged);
+}
+
+void CBalancingSequence::GetProgress(CPreBalProgress& rProgress) const {
+    CPreBalancing::GetProgress(rProgress);
+    rProgress.m_State = m_rTables.GetStateText(m_State);
+    for (const CPlane& rPlane : m_Planes) {
+        const CXYMovingAverage& rAverage = rPlane.m_pMethod->m_MovingAverage;
+        CPreBalProgress::CReading& rReading = rProgress.m_Readings.at(rPlane.m_Sensor);
+        rReading.m_bShown = true;
+        rReading.m_bComplete = rAverage.GetValuesComplete() != 0;
+        rAverage.GetValues(&rReading.m_Amplitude, &rReading.m_AngleDeg, nullptr, nullptr, nullptr);
+    }
+}
+
+int CBalancingSequence::SetEvent(EVENTS Event) {
+    m_Event = Event;
+    int Result = 0;
+    try {
+        Result = DispatchEvent(Event);
+    } catch (const math::matrix_error& rError) {
+        // A stored calibration that can't be calculated with, for example. The run ends, the host goes on.
+        RV_ERROR(RtrTrim::g_pLog, "Calculation failed in state %s: %s", m_rTables.GetStateText(m_State),
+                 rError.what());
+        StopMeasurement();
+        FailWithReset(m_Activity == eReBalancingActivity ? eRebalanceNotPossible : eCannotBalance);
+    }
+    if (Result == 0 && Event != eCommitChanges) {
+        RV_WARNING(RtrTrim::g_pLog, "Invalid Event %s in state %s received", GetEventText(Event),
+                   m_rTables.GetStateText(m_State));
+    }
+    return Result;
+}
+
+int CBalancingSequence::DispatchEvent(EVENTS Event) {
+    const Sequence::CState* pState = m_rTables.FindState(m_State);
+    if (pState == nullptr) {
+        RV_ASSERT_FAIL(RtrTrim::g_pLog, ("invalid state: " + std::to_string(m_State)).c_str());
+        return 0;
+    }
+    return (this->*ms_Handlers[pState->m_Role])(Event);
+}
+
+int CBalancingSequence::Enter(Sequence::Role Role, std::size_t Leg) {
+    const Sequence::CState* pState = m_rTables.FindState(Role, Leg);
+    if (pState == nullptr) {
+        RV_ASSERT_FAIL(RtrTrim::g_pLog, "impossible");
+        return 0;
+    }
+    CountStep(pState->m_Steps);
+    const int bChanged = ChangeState(pState->m_State);
+    SetMode(pState->m_InstructionMode);
+    const int bEntered = (this->*ms_Handlers[Role])(eNewState);
+    return bChanged != 0 && bEntered != 0 ? 1 : 0;
+}
+
+int CBalancingSequence::ChangeState(int NewState) {
+    OpenLogBlock(NewState);
+    const Sequence::CState* pNew = m_rTables.FindState(NewState);
+    const Sequence::CState* pOld = m_rTables.FindState(m_State);
+    const auto IsFailure = [](const Sequence::CState* pState) {
+        return pState != nullptr && (pState->m_Role == Sequence::eFailureWithNoReturn ||
+                                     pState->m_Role == Sequence::eFailureWithReset);
+    };
+    int Result = 1;
+    std::int32_t Activity =
+        NewState >= m_rTables.m_FirstReBalanceState ? eReBalancingActivity : ePreBalancingActivity;
+    if (IsFailure(pNew)) {
+        Activity = 0;  // and every state may fail
+    } else if (IsFailure(pOld)) {
+        RV_ASSERT_FAIL(RtrTrim::g_pLog, "impossible");
+        Result = 0;
+    } else if (pOld != nullptr && !m_rTables.IsTransitionAllowed(m_State, NewState)) {
+        RV_ASSERT_FAIL(RtrTrim::g_pLog, "State transition not defined");
+        Result = 0;
+    }
+    if (Activity != m_Activity) {
+        m_Activity = Activity;
+        m_pMainWnd->SetBalancingActivity(Activity);
+    }
+    AddToHistory(NewState);
+    m_State = NewState;
+    if (IsFailure(pNew)) {
+        RV_WARNING(RtrTrim::g_pLog, "The run failed after these transitions:\n%s",
+                   m_History.ToString().c_str());
+    }
+    return Result;
+}
+
+void CBalancingSequence::AddToHistory(int NewState) {
+    m_History.Add({IFEventLoop::Current().Now(), m_rTables.GetStateText(m_State),
+                   m_rTables.GetStateText(NewState), GetCause(), GetCurrentStep(), GetNumberOfSteps()});
+}
+
+std::string CBalancingSequence::GetCause() const {
+    if (!m_Event) {
+        return "AbortBalancing(" + std::to_string(m_AbortWarning) + ")";
+    }
+    std::string Cause = GetEventText(*m_Event);
+    switch (*m_Event) {
+        case eKeyPressed:
+            return Cause + " " + KeyActionToString(m_KeyAction);
+        case eRPMChanged:
+        case eStartPreBal:
+        case eStartReBal:
+            return Cause + " " + std::to_string(m_RPM) + " rpm";
+        case eInvalidRPMChanged:
+            return Cause + " " + std::to_string(m_InvalidRPM);
+        case eOutOfLockChanged:
+            return Cause + " " + std::to_string(m_NotLocked);
+        default:
+            return Cause;
+    }
+}
+
+void CBalancingSequence::CountStep(const Sequence::CStepRule& rRule) {
+    using Sequence::CStepRule;
+    const std::uint32_t Step = GetCurrentStep();
+    switch (rRule.m_Kind) {
+        case CStepRule::eKeep:
+            return;
+        case CStepRule::eNext:
+            SetCurrentStep(Step + 1);
+            return;
+        case CStepRule::eNone:
+            SetNumberOfSteps(0);
+            SetCurrentStep(0);
+            return;
+        case CStepRule::eFirst:
+            break;
+        case CStepRule::eFirstUnless:
+            if (Step == 1) {
+                SetCurrentStep(2);
+                return;
+            }
+            break;
+        case CStepRule::eFirstOrNext:
+            if (Step == 1) {
+                RV_ASSERT_FAIL(RtrTrim::g_pLog, m_rTables.m_pStepOneAlreadyAssertion);
+                SetCurrentStep(2);
+                return;
+            }
+            break;
+        case CStepRule::eNextOfFew:
+            if (Step == 0) {
+                SetNumberOfSteps(rRule.m_nSteps);
+            }
+            SetCurrentStep(Step + 1);
+            return;
+    }
+    SetNumberOfSteps(rRule.m_nSteps);
+    SetCurrentStep(1);
+}
+
+void CBalancingSequence::ShowState() {
+    ShowDisplay();
+    ShowMenu();
+    NotifyState();
+}
+
+void CBalancingSequence::ShowDisplay() {
+    const Sequence::CState& rState = GetStateRow();
+    for (std::size_t i = 0; i < m_Planes.size(); ++i) {
+        for (const Sequence::CShow& rShow : rState.m_Display.at(i)) {
+            ShowOnPlane(*m_Planes[i].m_pMethod, rShow);
+        }
+    }
+}
+
+void CBalancingSequence::ShowOnPlane(CPlaneBalancingMethod& rMethod, const Sequence::CShow& rShow) {
+    using Sequence::CShow;
+    switch (rShow.m_Kind) {
+        case CShow::eNothing:
+            return;
+        case CShow::eFull:
+            break;
+        case CShow::ePlain:
+            rMethod.SetPlainDisplayMode(rShow.m_Mode);
+            return;
+        case CShow::ePlainAfterStop:
+            // Step 2 only after the spindle was stopped; the weights may have been moved there already.
+            if (HasWeightsOnly() && GetCurrentStep() == 2) {
+                rMethod.SetPlainDisplayMode(rShow.m_Mode);
+                return;
+            }
+            break;
+    }
+    rMethod.SetDisplayMode(rShow.m_Mode);
+}
+
+void CBalancingSequence::ShowForChange(Sequence::CShow Show) {
+    for (std::size_t i = 0; i < m_Planes.size(); ++i) {
+        ShowOnPlane(
+            *m_Planes[i].m_pMethod,
+            i == 0 ? Show : Sequence::CShow{Sequence::CShow::eFull, CPlaneBalancingMethod::eInactive});
+    }
+}
+
+void CBalancingSequence::SetDisplayModes(CPlaneBalancingMethod::DisplayMode Mode) {
+    for (CPlane& rPlane : m_Planes) {
+        rPlane.m_pMethod->SetDisplayMode(Mode);
+    }
+}
+
+void CBalancingSequence::ShowMenu() {
+    using Sequence::CMenuRule;
+    const CMenuRule& rMenu = GetStateRow().m_Menu;
+    switch (rMenu.m_Kind) {
+        case CMenuRule::eNone:
+            return;
+        case CMenuRule::eFixed:
+            m_pMainWnd->SetMenu(rMenu.m_Weights);
+            return;
+        case CMenuRule::eByMeans:
+            m_pMainWnd->SetMenu(HasWeightsOnly() ? rMenu.m_Weights : rMenu.m_Screws);
+            return;
+        case CMenuRule::eByStore:
+            m_pMainWnd->SetMenu(!HasWeightsOnly()              ? rMenu.m_Screws
+                                : CheckStoredWeightPositions() ? rMenu.m_Stored
+                                                               : rMenu.m_Weights);
+            return;
+        case CMenuRule::eTestUnbalance:
+            m_pMainWnd->SetMenu(GetActiveMethod().GetTestUnbalanceMenu());
+            return;
+        case CMenuRule::eCheckWeights:
+            m_pMainWnd->SetMenu(m_Planes.front().m_pMethod->GetCheckWeightsMenu(GetMenuPlanes()));
+            return;
+    }
+}
+
+void CBalancingSequence::NotifyState() {
+    using Sequence::CNotifyRule;
+    const CNotifyRule& rNotify = GetStateRow().m_Notify;
+    if (rNotify.m_Kind == CNotifyRule::eSend) {
+        Notify(rNotify.m_Step, rNotify.m_Action);
+    } else if (rNotify.m_Kind == CNotifyRule::eStoreAction) {
+        m_Notification.m_Action = rNotify.m_Action;
+    }
+}
+
+void CBalancingSequence::Notify(CPreBalNotification::Step Step, CPreBalNotification::Action Action) {
+    FillNotification();
+    m_Notification.m_Step = Step;
+    m_Notification.m_Action = Action;
+    m_pMainWnd->PreBalNotification(m_Notification);
+}
+
+void CBalancingSequence::FillNotification() {
+    for (CPlane& rPlane : m_Planes) {
+        rPlane.m_pMethod->FillNotification(m_Notification);
+    }
+}
+
+bool CBalancingSequence::HasWeightsOnly() const {
+    for (const CPlane& rPlane : m_Planes) {
+        if (rPlane.m_CompensationMethod != PreBalDB::CCompensationTableEntry::eWeights) {
+            return false;
+        }
+    }
+    return true;
+}
+
+int CBalancingSequence::FailWithNoReturn(std::uint32_t WarningMode) {
+    StopMeasurement();
+    m_AbortWarning = WarningMode;
+    return Enter(Sequence::eFailureWithNoReturn);
+}
+
+int CBalancingSequence::FailWithReset(std::uint32_t WarningMode) {
+    const int Result = Enter(Sequence::eFailureWithReset);
+    SetWarningMode(WarningMode);
+    return Result;
+}
+
+void CBalancingSequence::OpenLogBlock(int NewState) {
+    CloseLogBlock();
+    if (RtrTrim::g_pLog == nullptr || (RtrTrim::g_pLog->GetLevel() & RtrTrim::ePbFlow) == 0) {
+        return;
+    }
+    const char* pName = m_rTables.GetStateText(NewState);
+    RtrTrim::g_pLog->LogStartBlock(__FILE__, __LINE__, __func__, RtrTrim::ePbFlow, "PbFlow", pName);
+    m_bBlockOpen = true;
+    PB_FLOW("%s Step(%d/%d)", pName, static_cast<int>(GetCurrentStep()),
+            static_cast<int>(GetNumberOfSteps()));
+}
+
+void CBalancingSequence::CloseLogBlock() {
+    if (m_bBlockOpen) {
+        RtrTrim::g_pLog->LogEndBlock(RtrTrim::ePbFlow);
+        m_bBlockOpen = false;
+    }
+}

@@ -1,0 +1,224 @@
+#pragma once
+#include <array>
+#include <cstdint>
+#include <span>
+
+#include "rvdlm/m_rtr/rtr_trim/methods/planebalancingmethod.h"
+#include "rvdlm/m_rtr/rtr_trim/prebalnotification.h"
+
+/// What the tables of a guided procedure are made of. The procedures for one and for two planes are made of
+/// the same kinds of states and differ in their numbers, texts and displays: those stand in tables, the
+/// conduct in CBalancingSequence.
+namespace Sequence {
+
+/// What a state is for. The states of the test run are gone through once for each plane: a leg each.
+enum Role : int {
+    eIdle,
+    eFailureWithNoReturn,
+    eFailureWithReset,
+    eNeutralPosSpindleStop,
+    eNeutralPosRemoveWeights,
+    eNeutralPosRPMStart,
+    eNeutralPosMeasurement,
+    eTestUnbalanceSpindleStop,
+    eTestUnbalanceSetWeights,
+    eTestUnbalanceRPMStart,
+    eTestUnbalanceMeasurement,
+    ePreBalanceSpindleStop,
+    ePreBalanceSetWeights,
+    ePreBalanceRPMStart,
+    ePreBalanceMeasurement,
+    eReBalanceCommitWeights,
+    eReBalanceRPMStart1,
+    eReBalanceMeasurement1,
+    eReBalanceSpindleStop,
+    eReBalanceSpindleStopCheckWeights,
+    eReBalanceSetWeights,
+    eReBalanceCheckWeights,
+    eReBalanceRPMStart2,
+    eReBalanceMeasurement2,
+    eRoleCount
+};
+
+/// What happens to the step counter when a state is entered.
+struct CStepRule {
+    enum Kind : int {
+        eKeep,         ///< unchanged; the caller counts
+        eNext,         ///< one on
+        eNone,         ///< no steps, step 0
+        eFirst,        ///< m_nSteps steps, step 1
+        eFirstUnless,  ///< step 2 if the step was 1, else as eFirst
+        eFirstOrNext,  ///< one on if the step was 1 (which is odd, and asserted), else as eFirst
+        eNextOfFew     ///< m_nSteps steps if the step was 0, then one on
+    };
+    Kind m_Kind = eKeep;
+    std::uint32_t m_nSteps = 0;
+};
+
+/// A call of SetDisplayMode or SetPlainDisplayMode.
+struct CShow {
+    enum Kind : int {
+        eNothing,
+        eFull,
+        ePlain,
+        ePlainAfterStop  ///< plain with weights, after the state that stops the spindle; else full
+    };
+    Kind m_Kind = eNothing;
+    CPlaneBalancingMethod::DisplayMode m_Mode = CPlaneBalancingMethod::eEmpty;
+};
+
+/// What one plane shows: up to two calls in this order.
+using CDisplay = std::array<CShow, 2>;
+
+/// Which menu comes up.
+struct CMenuRule {
+    enum Kind : int {
+        eNone,
+        eFixed,          ///< m_Weights, whatever the means
+        eByMeans,        ///< m_Weights if all planes have weights, else m_Screws
+        eByStore,        ///< as eByMeans, but m_Stored for weights whose positions are stored
+        eTestUnbalance,  ///< the method's menu of that name
+        eCheckWeights    ///< the method's menu of that name
+    };
+    Kind m_Kind = eNone;
+    std::int32_t m_Weights = 0;
+    std::int32_t m_Screws = 0;
+    std::int32_t m_Stored = 0;
+};
+
+/// What the NC is told.
+struct CNotifyRule {
+    enum Kind : int {
+        eNone,
+        eSend,
+        eStoreAction  ///< only kept, for the notifications that follow
+    };
+    Kind m_Kind = eNone;
+    CPreBalNotification::Step m_Step = CPreBalNotification::eInactive;
+    CPreBalNotification::Action m_Action = CPreBalNotification::eNone;
+};
+
+/// A state and what is done on entering it.
+struct CState {
+    int m_State;
+    const char* m_pName;
+    Role m_Role;
+    std::size_t m_Leg;
+    CStepRule m_Steps;
+    std::uint32_t m_InstructionMode;
+    std::array<CDisplay, 2> m_Display;  ///< per plane
+    CMenuRule m_Menu;
+    CNotifyRule m_Notify;
+};
+
+/// Where a state may lead to. 0, the idle state, is no target and fills the rest.
+struct CTransition {
+    int m_From;
+    std::array<int, 5> m_To;
+};
+
+/// All tables of one procedure.
+struct CTables {
+    std::span<const CState> m_States;  ///< in the order of their numbers, from 0
+    std::span<const CTransition> m_Transitions;
+    int m_FirstReBalanceState;               ///< from here on the activity is re-balancing
+    const char* m_pInvalidStateText;         ///< name of a number that is no state
+    const char* m_pStepOneAlreadyAssertion;  ///< text for CStepRule::eFirstOrNext
+
+    /// Null for a number that is no state.
+    constexpr const CState* FindState(int State) const {
+        return State >= 0 && static_cast<std::size_t>(State) < m_States.size()
+                   ? &m_States[static_cast<std::size_t>(State)]
+                   : nullptr;
+    }
+    /// The state of that role and leg; null if the procedure has none.
+    constexpr const CState* FindState(Role StateRole, std::size_t Leg) const {
+        for (const CState& rState : m_States) {
+            if (rState.m_Role == StateRole && rState.m_Leg == Leg) {
+                return &rState;
+            }
+        }
+        return nullptr;
+    }
+    constexpr const char* GetStateText(int State) const {
+        const CState* pState = FindState(State);
+        return pState != nullptr ? pState->m_pName : m_pInvalidStateText;
+    }
+    constexpr bool IsTransitionAllowed(int From, int To) const {
+        for (const CTransition& rTransition : m_Transitions) {
+            if (rTransition.m_From == From) {
+                for (const int Target : rTransition.m_To) {
+                    if (Target != 0 && Target == To) {
+                        return true;
+                    }
+                }
+            }
+        }
+        return false;
+    }
+};
+
+// Words for the tables.
+constexpr CStepRule Keep() {
+    return {};
+}
+constexpr CStepRule Next() {
+    return {CStepRule::eNext, 0};
+}
+constexpr CStepRule NoSteps() {
+    return {CStepRule::eNone, 0};
+}
+constexpr CStepRule FirstOf(std::uint32_t nSteps) {
+    return {CStepRule::eFirst, nSteps};
+}
+constexpr CStepRule SecondOrFirstOf(std::uint32_t nSteps) {
+    return {CStepRule::eFirstUnless, nSteps};
+}
+constexpr CStepRule FirstOfOrNext(std::uint32_t nSteps) {
+    return {CStepRule::eFirstOrNext, nSteps};
+}
+constexpr CStepRule NextOf(std::uint32_t nSteps) {
+    return {CStepRule::eNextOfFew, nSteps};
+}
+constexpr CDisplay Show(CPlaneBalancingMethod::DisplayMode Mode) {
+    return {CShow{CShow::eFull, Mode}, CShow{}};
+}
+constexpr CDisplay ShowPlain(CPlaneBalancingMethod::DisplayMode Mode) {
+    return {CShow{CShow::ePlain, Mode}, CShow{}};
+}
+constexpr CDisplay ShowPlainAfterStop(CPlaneBalancingMethod::DisplayMode Mode) {
+    return {CShow{CShow::ePlainAfterStop, Mode}, CShow{}};
+}
+constexpr CDisplay ShowThen(CPlaneBalancingMethod::DisplayMode First,
+                            CPlaneBalancingMethod::DisplayMode Second) {
+    return {CShow{CShow::eFull, First}, CShow{CShow::eFull, Second}};
+}
+constexpr CMenuRule Menu(std::int32_t Value) {
+    return {CMenuRule::eFixed, Value, 0, 0};
+}
+constexpr CMenuRule MenuByMeans(std::int32_t Screws, std::int32_t Weights) {
+    return {CMenuRule::eByMeans, Weights, Screws, 0};
+}
+constexpr CMenuRule MenuByStore(std::int32_t Screws, std::int32_t Stored, std::int32_t NotStored) {
+    return {CMenuRule::eByStore, NotStored, Screws, Stored};
+}
+constexpr CMenuRule TestUnbalanceMenu() {
+    return {CMenuRule::eTestUnbalance, 0, 0, 0};
+}
+constexpr CMenuRule CheckWeightsMenu() {
+    return {CMenuRule::eCheckWeights, 0, 0, 0};
+}
+constexpr CMenuRule NoMenu() {
+    return {};
+}
+constexpr CNotifyRule Notify(CPreBalNotification::Step Step, CPreBalNotification::Action Action) {
+    return {CNotifyRule::eSend, Step, Action};
+}
+constexpr CNotifyRule StoreAction(CPreBalNotification::Action Action) {
+    return {CNotifyRule::eStoreAction, CPreBalNotification::eInactive, Action};
+}
+constexpr CNotifyRule NoNotification() {
+    return {};
+}
+
+}  // namespace Sequence
