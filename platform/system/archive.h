@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-/// Thrown when an archive is cut short or holds an impossible length.
+/// Thrown when an archive is cut short, holds an impossible length, or is used in the wrong direction.
 class CArchiveException : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
