@@ -8,9 +8,16 @@ using nlohmann::json;
 
 namespace {
 
-/// A value as it is quoted in a message: short, and valid text whatever it holds.
+/// A value as it is quoted in a message: short, and valid text whatever it holds. Lists and objects aren't
+/// written out: writing recurses, and they may be nested as deeply as a peer likes.
 std::string Quote(const json& rValue) {
     constexpr std::size_t eMaxQuoted = 60;
+    if (rValue.is_array()) {
+        return "an array of " + std::to_string(rValue.size());
+    }
+    if (rValue.is_object()) {
+        return "an object";
+    }
     std::string Text = rValue.dump(-1, ' ', true, json::error_handler_t::replace);
     if (Text.size() > eMaxQuoted) {
         Text.resize(eMaxQuoted);

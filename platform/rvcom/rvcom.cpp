@@ -29,10 +29,7 @@ constexpr std::uint64_t eSoundAfter = 10000;
 /// Bad frames are told in the log at most this often, in ms: a bad cable must not fill it.
 constexpr std::uint64_t eReportPeriod = 60000;
 
-CLogComponent* Publisher() {
-    static CLogComponent* ms_pPublisher = CLogComponent::Register("rvCOM", {});
-    return ms_pPublisher;
-}
+CLogComponent* g_pLog = CLogComponent::Register("rvCOM", {});
 
 std::uint8_t TransmitAddress = 1;
 
@@ -131,9 +128,9 @@ void CTransport::OnOpened() {
     const char* pAgain = m_Statistics.m_LinkLost != 0 ? " again" : "";
     if (m_nPause != 0) {
         // As visible as the outage that it ends.
-        RV_WARNING(Publisher(), "%s is open%s", m_pLink->GetName().c_str(), pAgain);
+        RV_WARNING(g_pLog, "%s is open%s", m_pLink->GetName().c_str(), pAgain);
     } else {
-        RV_INFORMATION(Publisher(), "%s is open%s", m_pLink->GetName().c_str(), pAgain);
+        RV_INFORMATION(g_pLog, "%s is open%s", m_pLink->GetName().c_str(), pAgain);
     }
 }
 
@@ -146,9 +143,9 @@ void CTransport::OnClosed(const std::string& rReason) {
             m_nPause = 0;
         }
         ReportBadFrames(true);
-        RV_WARNING(Publisher(), "%s is lost: %s", m_pLink->GetName().c_str(), rReason.c_str());
+        RV_WARNING(g_pLog, "%s is lost: %s", m_pLink->GetName().c_str(), rReason.c_str());
     } else if (rReason != m_LastReason) {
-        RV_WARNING(Publisher(), "%s can't be opened and is tried again: %s", m_pLink->GetName().c_str(),
+        RV_WARNING(g_pLog, "%s can't be opened and is tried again: %s", m_pLink->GetName().c_str(),
                    rReason.c_str());
         m_LastReason = rReason;
     }
@@ -161,7 +158,7 @@ void CTransport::ReopenAfterPause() {
     ++m_nPause;
     m_TimerID = IFEventLoop::Current().SetTimer(Pause, [this](std::uint32_t) { Reopen(); });
     if (m_TimerID == 0) {
-        RV_ERROR(Publisher(), "%s stays closed: no timer to open it again", m_pLink->GetName().c_str());
+        RV_ERROR(g_pLog, "%s stays closed: no timer to open it again", m_pLink->GetName().c_str());
     }
 }
 
@@ -180,7 +177,7 @@ void CTransport::StopTimer() {
 
 int CTransport::Send(std::span<const std::uint8_t> Frame) {
     if (Frame.size() < LineDiscipline::eMinFrame || Frame.size() > LineDiscipline::eMaxFrame) {
-        RV_ERROR(Publisher(), "a frame of %zu bytes isn't sent: 3 to 2048 bytes are possible", Frame.size());
+        RV_ERROR(g_pLog, "a frame of %zu bytes isn't sent: 3 to 2048 bytes are possible", Frame.size());
         return 0;
     }
     if (!IsLinkOpen() || !m_pLink->Write(LineDiscipline::Encode(Frame))) {
@@ -243,7 +240,7 @@ void CTransport::Deliver(CWnd& rWnd, std::span<const std::uint8_t> Frame) {
     const std::uint16_t Handle = TakeHandle();
     if (Handle == 0) {
         if (m_Statistics.m_NoBuffer++ == 0) {
-            RV_ERROR(Publisher(), "frames are dropped: %zu buffers are out, a window doesn't free them",
+            RV_ERROR(g_pLog, "frames are dropped: %zu buffers are out, a window doesn't free them",
                      m_Buffers.size());
         }
         return;
@@ -295,7 +292,7 @@ void CTransport::ReportBadFrames(bool bNow) {
     if (!bNow && m_nReported != 0 && Now - m_ReportedAt < eReportPeriod) {
         return;
     }
-    RV_WARNING(Publisher(),
+    RV_WARNING(g_pLog,
                "bad frames on %s: %" PRIu64 " since the last line (in all %" PRIu64
                " with a bad CRC, %" PRIu64 " too short, %" PRIu64 " too long; %" PRIu64 " good)",
                m_pLink->GetName().c_str(), nBad - m_nReported, m_Decoder.GetBadCrc(), m_Decoder.GetTooShort(),
@@ -320,7 +317,7 @@ int SendRawData(const std::uint8_t* pData, std::uint32_t nSize) {
 
 int Notify(CWnd* pWnd, UINT Code, std::uint8_t Address) {
     if (pWnd == nullptr || Code != RV_NOTIFY_RAWDATA) {
-        RV_ERROR(Publisher(), "Notify refused: window %p, code %u (%u is the one that is known)",
+        RV_ERROR(g_pLog, "Notify refused: window %p, code %u (%u is the one that is known)",
                  static_cast<void*>(pWnd), Code, RV_NOTIFY_RAWDATA);
         return 0;
     }

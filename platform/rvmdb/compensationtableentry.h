@@ -3,6 +3,7 @@
 #include <string>
 #include <utility>
 
+#include "platform/rvmdb/newentrydefaults.h"
 #include "platform/rvmdb/screw.h"
 #include "platform/rvmdb/typebase.h"
 #include "rvlib/rvbas/array.h"
@@ -32,7 +33,7 @@ protected:
 private:
     friend class CPreBalDatabase;
     AffectedPlane m_Plane = eUnknownPlane;
-    Direction m_ScalingDirection = eClockwise;
+    Direction m_ScalingDirection = CNewEntryDefaults::eScalingDirection;
 };
 
 /// Two movable weights.
@@ -51,16 +52,18 @@ public:
     double GetReferenceWeight() const { return m_ReferenceWeight; }
     void SetReferenceWeight(double Grams) { m_ReferenceWeight = Grams; }
     double GetRadius() const { return m_Radius; }
-    /// A copy of the table of that name as it stood when the configuration was read or the name was set.
+    /// A copy of the table of that name as it is stored now, so that a table that was edited meanwhile
+    /// counts. Empty without such a table.
     Base::CWDArray<CScrew> GetScrewTable() const;
 
 private:
     friend class CPreBalDatabase;
-    std::string m_ScrewTableName;
-    std::uint32_t m_NumberOfHoles = 0;
-    std::uint8_t m_NumberOfScrews = 0;
-    double m_ReferenceWeight = 0.0;
-    double m_Radius = 0.0;
+    friend class CPlaneCompensation;
+    std::string m_ScrewTableName = CNewEntryDefaults::eScrewTableName;
+    std::uint32_t m_NumberOfHoles = CNewEntryDefaults::eNumberOfHoles;
+    std::uint8_t m_NumberOfScrews = CNewEntryDefaults::eNumberOfScrews;
+    double m_ReferenceWeight = CNewEntryDefaults::eReferenceWeight;
+    double m_Radius = CNewEntryDefaults::eRadius;
     /// The database that the table is read from; null for an entry of its own.
     class CPreBalDatabase* m_pDatabase = nullptr;
 };

@@ -30,7 +30,8 @@ private:
     AffectedPlane m_ProximitySwitchInput = eUnknownPlane;
 };
 
-/// The compensation of one plane: the kind follows from the entry that exists; creating one kind drops the other.
+/// The compensation of one plane: the kind follows from the entry that exists; creating one kind drops the
+/// other.
 class CPlaneCompensation {
 public:
     CCompensationTableEntry::CompensationMethod GetUsedMethod() const;
@@ -41,8 +42,10 @@ public:
 
 private:
     friend class CPreBalDatabase;
+    friend class CPreBalBaseTableEntry;
     std::unique_ptr<CWeightCompensationTableEntry> m_pWeight;
     std::unique_ptr<CScrewCompensationTableEntry> m_pScrew;
+    /// The database that screw tables are read from; null for an entry of its own.
     class CPreBalDatabase* m_pDatabase = nullptr;
 };
 
@@ -59,7 +62,9 @@ public:
     const CWeightCompensationTableEntry* GetWeightCompensationTableEntry() const {
         return m_Compensation.GetWeight();
     }
-    CWeightCompensationTableEntry& CreateWeightCompensationTableEntry() { return m_Compensation.CreateWeight(); }
+    CWeightCompensationTableEntry& CreateWeightCompensationTableEntry() {
+        return m_Compensation.CreateWeight();
+    }
     const CScrewCompensationTableEntry* GetScrewCompensationTableEntry() const {
         return m_Compensation.GetScrew();
     }
@@ -71,6 +76,7 @@ public:
 
 private:
     friend class CPreBalDatabase;
+    friend class CPreBalBaseTableEntry;
     std::uint8_t m_SensorAdaption = 255;
     CPlaneCompensation m_Compensation;
     math::matrix<double> m_InvA;
@@ -81,7 +87,8 @@ private:
 class CTwoPlaneBalancingTableEntry : public CPlaneBalancingTableEntry {
 public:
     CTwoPlaneBalancingTableEntry();
-    /// A temporary entry of a configuration's name, not bound to a stored one.
+    /// A temporary entry, bound to no stored one: neither the connection nor the name is used further. Its
+    /// screw entries know the names of their tables only.
     CTwoPlaneBalancingTableEntry(CDirectSQL& rConnection, const std::string& rName);
 
     std::uint8_t GetPlane1SensorAdaption() const { return m_Plane1SensorAdaption; }
@@ -127,6 +134,7 @@ public:
 
 private:
     friend class CPreBalDatabase;
+    friend class CPreBalBaseTableEntry;
     std::uint8_t m_Plane1SensorAdaption = 255;
     std::uint8_t m_Plane2SensorAdaption = 255;
     CPlaneCompensation m_Plane1Compensation;

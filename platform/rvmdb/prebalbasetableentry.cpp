@@ -1,0 +1,33 @@
+#include "platform/rvmdb/prebalbasetableentry.h"
+
+#include "platform/rvmdb/newentrydefaults.h"
+
+namespace PreBalDB {
+
+CPreBalBaseTableEntry::CPreBalBaseTableEntry(std::string MachineName, std::string ProcessName)
+    : m_MachineName(std::move(MachineName)),
+      m_ProcessName(std::move(ProcessName)),
+      m_RPMTolerance(CNewEntryDefaults::eRPMTolerance),
+      m_TargetUnbalance(CNewEntryDefaults::eTargetUnbalance),
+      m_NumberOfSamples(CNewEntryDefaults::eNumberOfSamples) {}
+
+CPreBalBaseTableEntry::~CPreBalBaseTableEntry() = default;
+
+CSinglePlaneBalancingTableEntry& CPreBalBaseTableEntry::CreateSinglePlane() {
+    if (m_pSinglePlane == nullptr) {
+        m_pSinglePlane = std::make_unique<CSinglePlaneBalancingTableEntry>();
+        m_pSinglePlane->m_Compensation.m_pDatabase = m_pDatabase;
+    }
+    return *m_pSinglePlane;
+}
+
+CTwoPlaneBalancingTableEntry& CPreBalBaseTableEntry::CreateTwoPlane() {
+    if (m_pTwoPlane == nullptr) {
+        m_pTwoPlane = std::make_unique<CTwoPlaneBalancingTableEntry>();
+        m_pTwoPlane->m_Plane1Compensation.m_pDatabase = m_pDatabase;
+        m_pTwoPlane->m_Plane2Compensation.m_pDatabase = m_pDatabase;
+    }
+    return *m_pTwoPlane;
+}
+
+}  // namespace PreBalDB
