@@ -18,11 +18,11 @@ inline double VectorLength(const matrix<double>& rVector) {
 
 /// Angle of a 2-by-1 vector in radians, -pi to pi. 0 if the vector hasn't exactly 2 rows or holds the invalid
 /// marker.
-inline double VectorAngle(const matrix<double> Vector) {
-    if (Vector.RowNo() != 2 || Vector(0, 0) == eInvalidValue || Vector(1, 0) == eInvalidValue) {
+inline double VectorAngle(const matrix<double>& rVector) {
+    if (rVector.RowNo() != 2 || rVector(0, 0) == eInvalidValue || rVector(1, 0) == eInvalidValue) {
         return 0.0;
     }
-    return std::atan2(Vector(1, 0), Vector(0, 0));
+    return std::atan2(rVector(1, 0), rVector(0, 0));
 }
 
 /// Turns column 0 of rSource from degrees into radians. Throws matrix_error when rTarget has fewer rows.

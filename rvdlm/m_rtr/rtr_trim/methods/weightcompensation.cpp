@@ -61,9 +61,8 @@ bool CWeightCompensation::IsFlipped() const {
            (m_Plane == 1 && m_ScalingDirection == CTypeBase::eClockwise);
 }
 
-bool CWeightCompensation::UA2Angles(math::matrix<double> UA, int& rAngleWeight1, int& rAngleWeight2,
+bool CWeightCompensation::UA2Angles(const math::matrix<double>& rUA, int& rAngleWeight1, int& rAngleWeight2,
                                     double* pPerCentCompensationDifference) const {
-    const math::matrix<double>& rUA = UA;  // read only, so that the shared elements aren't cloned
     PB_FLOW("CWeightCompensation::UA2Angles() called with (%.4f %.4f)", rUA(0, 0), rUA(1, 0));
     LOG_MATRIX(RtrTrim::g_pLog, "UA", rUA);
 

@@ -12,13 +12,13 @@ public:
     CWeightCompensation(PreBalDB::CTypeBase::Direction Scaling, unsigned Plane)
         : m_ScalingDirection(Scaling), m_Plane(Plane) {}
 
-    /// Positions that produce UA, within whole degrees. False if the vector is longer than the pair is
+    /// Positions that produce rUA, within whole degrees. False if the vector is longer than the pair is
     /// trusted with (1.95): both weights then stand in its direction, and the percentage (may be null) says
-    /// by how much it is too long. Throws math::matrix_error if UA has fewer than 2 rows.
+    /// by how much it is too long. Throws math::matrix_error if rUA has fewer than 2 rows.
     ///
     /// On a counter-clockwise scale the positions may come out mirrored (see the ordering in the .cpp), and
     /// in the second plane a position of 0 may come out as 360.
-    bool UA2Angles(math::matrix<double> UA, int& rAngleWeight1, int& rAngleWeight2,
+    bool UA2Angles(const math::matrix<double>& rUA, int& rAngleWeight1, int& rAngleWeight2,
                    double* pPerCentCompensationDifference) const;
     /// The vector that the positions produce, into rUA, which must be 2 by 1. Asserts angles within -359 to
     /// 359, and computes on. Result true.
