@@ -1,0 +1,17 @@
+#pragma once
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "rvdlm/m_rtr/rtr_trim/communication/mapperchoice.h"
+#include "rvdlm/m_rtr/rtr_trim/prebalancing/procedurechoice.h"
+
+/// What the main window makes its two collaborators with.
+struct CMainWndMakers {
+    std::function<std::unique_ptr<IFToCommunication>(IFFromCommunication&, std::uint32_t, const CInitFlags&)>
+        m_MakeMapper = ::MakeMapper;
+    std::function<std::unique_ptr<CPreBalancing>(PreBalDB::CPreBalDatabase::BalancingMode,
+                                                 CPreBalMainWndInterface*, PreBalDB::CPreBalBaseTableEntry&,
+                                                 const std::string&)>
+        m_MakeProcedure = ::MakeProcedure;
+};

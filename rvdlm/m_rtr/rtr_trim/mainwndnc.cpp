@@ -1,0 +1,173 @@
+// The NC: its requests, and what it is told.
+#include <algorithm>
+#include <array>
+#include <vector>
+
+#include "platform/rvopc/opcconnection.h"
+#include "platform/rvopc/opcdatabase.h"
+#include "platform/rvopc/prebalinterfacefromnctargetunbalance.h"
+#include "rvdlm/m_rtr/rtr_trim/log.h"
+#include "rvdlm/m_rtr/rtr_trim/prebalancingmainwnd.h"
+
+using RtrTrim::g_pLog;
+
+namespace {
+
+constexpr std::uint32_t eUpdateRate = 100;  ///< ms
+
+/// Items by which the module may be linked to an NC. The last one is deliberately written with "NC", although
+/// the item's own key has "Nc": a link configured for the one doesn't serve for the other.
+constexpr std::array<const char*, 5> linkKeys{
+    CPreBalInterfaceFromNC::ms_pKey,
+    CPreBalInterfaceToNC::ms_pKey,
+    CPreBalInterfaceFromNcTargetUnbalance::ms_pKey,
+    CPreBalInterfaceToNCWarnings::ms_pKey,
+    "PreBalInterfaceFromNCRotationDirection",
+};
+/// With a connection on hand these first ones aren't looked at.
+constexpr std::size_t eLookedAtWithoutConnection = 2;
+
+/// The item of class T, null if none is linked.
+template <typename T, typename... Arguments>
+std::unique_ptr<T> MakeLinkedItem(const char* pName, Arguments... MoreArguments) {
+    if (COpcDatabaseRef(T::ms_pKey)->GetOpcLinkItem(T::ms_pKey).empty()) {
+        return nullptr;
+    }
+    return std::make_unique<T>(COPCConnection::CreateInstance()->CreateGroup(eUpdateRate, 0), pName,
+                               MoreArguments...);
+}
+
+}  // namespace
+
+const CPreBalancingMainWnd::CRequest CPreBalancingMainWnd::ms_Requests[] = {
+    {1, &CPreBalancingMainWnd::OnNCStartPreBalancing},
+    {2, &CPreBalancingMainWnd::OnNCStartReBalancing},
+    {3, &CPreBalancingMainWnd::OnNCNextStep},
+    {4, &CPreBalancingMainWnd::OnNCAbort},
+};
+
+void CPreBalancingMainWnd::ConnectOpc() {
+    const COpcDatabaseRef pDatabase("CPreBalancingMainWnd");
+    COPCConnection* const pConnection = COPCConnection::CreateInstance();
+    const auto* const pFirst =
+        linkKeys.begin() + (pConnection->IsConnected() ? eLookedAtWithoutConnection : 0);
+    const bool bLinked = std::any_of(pFirst, linkKeys.end(), [&pDatabase](const char* pKey) {
+        return !pDatabase->GetOpcLinkItem(pKey).empty();
+    });
+    if (bLinked && !pConnection->Connect(pDatabase->GetSelectedOpcServer(), 0)) {
+        RV_ERROR(g_pLog, "no connection to the OPC server %s", pDatabase->GetSelectedOpcServer().c_str());
+    }
+    if (!pConnection->IsConnected()) {
+        return;
+    }
+    CPreBalFromNCInterface* const pTarget = this;
+    m_pInterfaceFromNC =
+        MakeLinkedItem<CPreBalInterfaceFromNC>("CPreBalancingMainWnd::CPreBalInterfaceFromNC", pTarget);
+    m_pInterfaceToNC = MakeLinkedItem<CPreBalInterfaceToNC>("CPreBalancingMainWnd::CPreBalInterfaceToNC");
+    m_pInterfaceToNCWarnings =
+        MakeLinkedItem<CPreBalInterfaceToNCWarnings>("CPreBalancingMainWnd::CPreBalInterfaceToNCWarnings");
+}
+
+void CPreBalancingMainWnd::PreBalNotification(const CPreBalNotification& rNotification) {
+    if (m_pInterfaceToNC == nullptr) {
+        return;
+    }
+    std::vector<std::int32_t> Data;
+    const int Encoded = rNotification.Encode(Data);
+    RV_ASSERT(g_pLog, Encoded != 0, "CPreBalNotification::Encode() failed!");
+    if (Encoded != 0) {
+        const int Sent = m_pInterfaceToNC->SetNCData(Data);
+        RV_ASSERT(g_pLog, Sent != 0, "SetNCData failed!");
+    }
+}
+
+/// A step alone: unlike in a running procedure the unused values are 0 here.
+void CPreBalancingMainWnd::SendStep(CPreBalNotification::Step Step) {
+    if (m_pInterfaceToNC == nullptr) {
+        return;
+    }
+    std::vector<std::int32_t> Data(CPreBalInterfaceToNC::eNumberOfValues, 0);
+    Data.front() = Step;
+    const int Sent = m_pInterfaceToNC->SetNCData(Data);
+    RV_ASSERT(g_pLog, Sent != 0, "SetNCData failed!");
+}
+
+void CPreBalancingMainWnd::NotifyConfigurationShown(bool bCalibrated) {
+    SendStep(bCalibrated ? CPreBalNotification::eParameterWithReBal : CPreBalNotification::eParameter);
+}
+
+void CPreBalancingMainWnd::WarningModeChanged(std::uint32_t Mode) {
+    if (m_pInterfaceToNCWarnings == nullptr) {
+        return;
+    }
+    PB_FLOW("WarningModeChanged: %d", static_cast<int>(Mode));
+    const int Sent = m_pInterfaceToNCWarnings->SetWarningMode(Mode);
+    RV_ASSERT(g_pLog, Sent != 0, "SetWarningMode failed!");
+}
+
+void CPreBalancingMainWnd::ResetNotificationFromNC(std::int32_t nErrorCode) {
+    if (m_pInterfaceFromNC != nullptr) {
+        const int Sent = m_pInterfaceFromNC->SetValueFromNC(nErrorCode);
+        RV_ASSERT(g_pLog, Sent != 0, "SetValueFromNC failed!");
+    }
+}
+
+void CPreBalancingMainWnd::OnValueFromNCChanged(std::int32_t Value) {
+    if (Value == 0) {
+        return;  // the item is idle
+    }
+    const auto* const pRequest = std::ranges::find(ms_Requests, Value, &CRequest::m_Value);
+    if (pRequest == std::end(ms_Requests)) {
+        RV_WARNING(g_pLog, "Unknown Request received: %d (0x%X)!", Value, static_cast<unsigned>(Value));
+        ResetNotificationFromNC(eRefused);
+        return;
+    }
+    std::int32_t Answer = eRefused;
+    GuardedByWindow("OnValueFromNCChanged", [&] { Answer = (this->*pRequest->m_pHandler)(); });
+    ResetNotificationFromNC(Answer);
+}
+
+std::int32_t CPreBalancingMainWnd::OnNCStartPreBalancing() {
+    if (m_pPrebalancingSequence != nullptr || !m_tabCtrl.HasDatabase()) {
+        return eRefused;
+    }
+    m_tabCtrl.SaveCurrentConfiguration();
+    RV_INFORMATION(g_pLog, "NC Notification: Calling StartPreBalancing()...");
+    const int Started = StartRun(&CPreBalancing::StartPreBalancing);
+    RV_ASSERT(g_pLog, Started != 0, "StartPreBalancingSequence failed!");
+    return eDone;
+}
+
+std::int32_t CPreBalancingMainWnd::OnNCStartReBalancing() {
+    if (m_pPrebalancingSequence != nullptr || !m_tabCtrl.HasDatabase() || !IsCalibrated()) {
+        return eRefused;
+    }
+    m_tabCtrl.SaveCurrentConfiguration();
+    RV_INFORMATION(g_pLog, "NC Notification: Calling StartReBalancing()...");
+    const int Started = StartRun(&CPreBalancing::StartReBalancing);
+    RV_ASSERT(g_pLog, Started != 0, "StartReBalancingSequence failed!");
+    return eDone;
+}
+
+std::int32_t CPreBalancingMainWnd::OnNCNextStep() {
+    if (m_pPrebalancingSequence == nullptr) {
+        return eRefused;
+    }
+    RV_INFORMATION(g_pLog, "NC Notification: Switch to next step...");
+    const int Taken = m_pPrebalancingSequence->KeyPressed(CPreBalancing::eNext);
+    RV_ASSERT(g_pLog, Taken != 0, "KeyPressed(CPreBalancing::eNext) failed!");
+    return eDone;
+}
+
+std::int32_t CPreBalancingMainWnd::OnNCAbort() {
+    if (m_pPrebalancingSequence == nullptr) {
+        return eRefused;
+    }
+    RV_INFORMATION(g_pLog, "NC Notification: Calling AbortBalancing()...");
+    // A failure without return stays on the panel until the operator has seen it and ends it.
+    if (!m_pPrebalancingSequence->IsFailureWithNoReturn()) {
+        CommitAndSave();
+        TerminatePrebalancingSequence();
+    }
+    return eDone;
+}

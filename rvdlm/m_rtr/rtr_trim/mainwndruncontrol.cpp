@@ -1,0 +1,110 @@
+// Start and end of procedures.
+#include "rvdlm/m_rtr/rtr_trim/log.h"
+#include "rvdlm/m_rtr/rtr_trim/prebalancingmainwnd.h"
+
+using RtrTrim::g_pLog;
+
+namespace {
+
+constexpr std::uint32_t eFactorWarning = 9;
+constexpr WPARAM eNoMenu = static_cast<WPARAM>(-1);
+
+}  // namespace
+
+bool CPreBalancingMainWnd::IsCalibrated() const {
+    return m_tabCtrl.IsCalibrated();
+}
+
+void CPreBalancingMainWnd::HideConfiguration() {
+    m_tabCtrl.ShowWindow(false);
+    KillTimer(eHelpTimer);
+    m_Browser.ShowWindow(false);
+    m_Browser.DestroyWindow();
+}
+
+void CPreBalancingMainWnd::ShowConfiguration() {
+    m_tabCtrl.ShowWindow(true);
+    m_Browser.Create(this, GetBrowserRect(), eBrowserId);
+}
+
+CPreBalancing* CPreBalancingMainWnd::StartPrebalancingSequence() {
+    RV_ASSERT(g_pLog, m_tabCtrl.IsWindowVisible() && m_Browser.IsWindowVisible(), "wrong menu state!");
+    HideConfiguration();
+    RV_ASSERT(g_pLog, m_pPrebalancingSequence == nullptr, "still running");
+    if (m_pPrebalancingSequence == nullptr) {
+        PreBalDB::CPreBalBaseTableEntry* const pEntry = m_tabCtrl.GetCurrentBaseEntry();
+        RV_ASSERT(g_pLog, pEntry != nullptr, "Called to early! No base table Entry!");
+        if (pEntry != nullptr) {
+            m_pPrebalancingSequence =
+                m_Makers.m_MakeProcedure(m_tabCtrl.GetBalancingMode(), this, *pEntry, m_Set.Name);
+        }
+        if (m_pPrebalancingSequence == nullptr) {
+            ShowConfiguration();
+            return nullptr;
+        }
+    }
+    if (m_Set.RPMFactorPlane1 != 1 || m_Set.RPMFactorPlane2 != 1) {
+        m_pPrebalancingSequence->AbortBalancing(eFactorWarning);
+    }
+    return m_pPrebalancingSequence.get();
+}
+
+int CPreBalancingMainWnd::StartRun(StartOperation pStart) {
+    CPreBalancing* const pSequence = StartPrebalancingSequence();
+    return pSequence == nullptr ? 0 : (pSequence->*pStart)(m_CurrentRPM, m_OutOfLock, m_InvalidRPM);
+}
+
+void CPreBalancingMainWnd::TerminatePrebalancingSequence() {
+    if (m_pPrebalancingSequence == nullptr) {
+        SendStep(CPreBalNotification::eInactive);
+        return;
+    }
+    m_pPrebalancingSequence.reset();
+    m_Menu = -1;
+    PostToParent(WM_RV_SETMENU, eNoMenu);
+    // Read anew: the run changed the entry in memory, and only what was saved counts.
+    m_tabCtrl.SendMessage(WM_RV_UPDATECONFIGURATION);
+    RV_ASSERT(g_pLog, !m_tabCtrl.IsWindowVisible(), "wrong menu state!");
+    ShowConfiguration();
+    PostToParent(WM_RV_BALANCINGACTIVITY, 0, IsCalibrated() ? 1 : 0);
+    NotifyConfigurationShown(IsCalibrated());
+    Invalidate();
+}
+
+bool CPreBalancingMainWnd::CommitAndSave() {
+    if (!m_pPrebalancingSequence->CommitChanges()) {
+        return false;
+    }
+    const int Saved = m_tabCtrl.SaveDatabase();
+    RV_ASSERT_AS(g_pLog, Saved, "m_tabCtrl.SaveDatabase()", "SaveDatabase failed!", false);
+    return true;
+}
+
+LRESULT CPreBalancingMainWnd::OnDestroyPending(WPARAM, LPARAM) {
+    bool bSaved = false;
+    if (m_pPrebalancingSequence != nullptr) {
+        bSaved = CommitAndSave();
+        m_pPrebalancingSequence.reset();
+        m_Menu = -1;
+        if (CWnd* const pParent = GetParent()) {
+            pParent->SendMessage(WM_RV_SETMENU, eNoMenu);
+        }
+        m_tabCtrl.SendMessage(WM_RV_UPDATECONFIGURATION);
+    }
+    SendStep(CPreBalNotification::eInactive);
+    if (m_tabCtrl.HasDatabase()) {
+        m_tabCtrl.ShowWindow(false);
+        if (!bSaved) {
+            m_tabCtrl.NextTab();  // saves the pages
+        }
+        m_tabCtrl.CloseDatabase();
+    }
+    m_MachineName.clear();
+    m_Set = CSet();
+    if (CWnd* const pForeground = GetForegroundWindow()) {
+        pForeground->SetFocus();
+    } else {
+        RV_WARNING(g_pLog, "CPreBalancingMainWnd::OnDestroyPending: cannot set focus!");
+    }
+    return 1;
+}

@@ -1,0 +1,211 @@
+// The window's life, and the way of messages to their handlers.
+#include "rvdlm/m_rtr/rtr_trim/prebalancingmainwnd.h"
+
+#include <span>
+#include <utility>
+
+#include "platform/rvcom/rvcom.h"
+#include "platform/rvldb/gettext.h"
+#include "platform/system/archive.h"
+#include "platform/window/prebalprogress.h"
+#include "rvdlm/m_rtr/rtr_trim/guard.h"
+#include "rvdlm/m_rtr/rtr_trim/log.h"
+#include "rvlib/settings/installation.h"
+
+using RtrTrim::g_pLog;
+
+namespace {
+
+constexpr CRect eFirstRect{0, 0, 200, 200};
+
+/// Puts a text in the place of the last "%s". From the back, so that a "%" in the help directory does no
+/// harm.
+void FillLast(std::string& rFormat, const std::string& rText) {
+    const std::size_t Position = rFormat.rfind("%s");
+    if (Position != std::string::npos) {
+        rFormat.replace(Position, 2, rText);
+    }
+}
+
+/// Gives a frame's buffer back however its handling ends.
+class CBufferGuard {
+public:
+    explicit CBufferGuard(std::uint16_t Handle) : m_Handle(Handle) {}
+    ~CBufferGuard() { rvCOM::FreeBuffer(m_Handle); }
+    CBufferGuard(const CBufferGuard&) = delete;
+    CBufferGuard& operator=(const CBufferGuard&) = delete;
+
+private:
+    std::uint16_t m_Handle;
+};
+
+}  // namespace
+
+const CPreBalancingMainWnd::CMessageMapEntry CPreBalancingMainWnd::ms_MessageMap[] = {
+    {WM_CREATE, WM_CREATE, "OnCreate", &CPreBalancingMainWnd::OnCreate},
+    {WM_SIZE, WM_SIZE, "OnSize", &CPreBalancingMainWnd::OnSize},
+    {WM_PAINT, WM_PAINT, "OnPaint", &CPreBalancingMainWnd::OnPaint},
+    {WM_TIMER, WM_TIMER, "OnTimer", &CPreBalancingMainWnd::OnTimer},
+    {WM_RV_INITWINDOW, WM_RV_INITWINDOW, "OnInitWindow", &CPreBalancingMainWnd::OnInitWindow},
+    {WM_RV_RAWDATA_FIRST, WM_RV_RAWDATA_LAST, "OnRawData", &CPreBalancingMainWnd::OnRawData},
+    {WM_RV_MODULEACTION, WM_RV_MODULEACTION, "OnModuleAction", &CPreBalancingMainWnd::OnModuleAction},
+    {WM_RV_PREBALANCINGSTATE, WM_RV_PREBALANCINGSTATE, "SetPrebalancingState",
+     &CPreBalancingMainWnd::SetPrebalancingState},
+    {WM_RV_DESTROYPENDING, WM_RV_DESTROYPENDING, "OnDestroyPending", &CPreBalancingMainWnd::OnDestroyPending},
+    {WM_RV_DBINITDONE, WM_RV_DBINITDONE, "OnDBInitDone", &CPreBalancingMainWnd::OnDBInitDone},
+    {WM_RV_QUERYPROGRESS, WM_RV_QUERYPROGRESS, "OnQueryProgress", &CPreBalancingMainWnd::OnQueryProgress},
+};
+
+CPreBalancingMainWnd::CPreBalancingMainWnd(CMainWndMakers Makers)
+    : m_Makers(std::move(Makers)),
+      m_tabCtrl(*this),
+      m_HelpFormat("mk:@MSITStore:" + GetHelpDirectory().GetText() + "\\%s_Falconet.chm::/%s.htm") {}
+
+CPreBalancingMainWnd::~CPreBalancingMainWnd() {
+    rvCOM::Forget(this);
+    if (m_pPrebalancingSequence != nullptr && IsWindow()) {
+        GuardedByWindow("~CPreBalancingMainWnd", [this] { TerminatePrebalancingSequence(); });
+    }
+    // The procedure refers to the entry that the tabs' database owns.
+    m_pPrebalancingSequence.reset();
+}
+
+LRESULT CPreBalancingMainWnd::WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) {
+    for (const CMessageMapEntry& rEntry : ms_MessageMap) {
+        if (Message >= rEntry.m_First && Message <= rEntry.m_Last) {
+            LRESULT Result = 0;
+            GuardedByWindow(rEntry.m_pName, [&] { Result = (this->*rEntry.m_pHandler)(wParam, lParam); });
+            return Result;
+        }
+    }
+    return CWnd::WindowProc(Message, wParam, lParam);
+}
+
+bool CPreBalancingMainWnd::GuardedByWindow(const char* pName, const std::function<void()>& rOperation) {
+    return RtrTrim::Guarded(pName, [&] {
+        try {
+            rOperation();
+        } catch (const CArchiveException& rDamage) {
+            OnWeightPositionsDamaged(rDamage.what());
+            throw;
+        }
+    });
+}
+
+LRESULT CPreBalancingMainWnd::OnCreate(WPARAM wParam, LPARAM lParam) {
+    const LRESULT Result = CWnd::WindowProc(WM_CREATE, wParam, lParam);
+    if (Result == -1) {
+        return Result;
+    }
+    ConnectOpc();
+    m_tabCtrl.Create(this, eFirstRect, eTabCtrlId, true);
+    m_Browser.Create(this, eFirstRect, eBrowserId);
+    return Result;
+}
+
+LRESULT CPreBalancingMainWnd::OnSize(WPARAM, LPARAM) {
+    const CRect Client = GetClientRect();
+    RV_ASSERT(g_pLog, m_tabCtrl.IsWindow(), "TabCtrl not created");
+    m_tabCtrl.MoveWindow(CRect(0, 0, Client.Width() / 2, Client.Height()));
+    m_Browser.MoveWindow(GetBrowserRect());
+    return 0;
+}
+
+CRect CPreBalancingMainWnd::GetBrowserRect() const {
+    const CRect Client = GetClientRect();
+    const int nHalf = Client.Width() / 2;
+    return {CPoint(nHalf, 0), CSize(nHalf, Client.Height())};
+}
+
+LRESULT CPreBalancingMainWnd::OnTimer(WPARAM wParam, LPARAM) {
+    if (wParam != eHelpTimer) {
+        return 0;
+    }
+    KillTimer(eHelpTimer);
+    if (m_Browser.IsWindow()) {
+        std::string Url = m_HelpFormat;
+        FillLast(Url, m_HelpTopic);
+        FillLast(Url, GetText("ONLINE_HELP_PREFIX"));
+        m_Browser.Navigate(Url);
+    }
+    return 0;
+}
+
+void CPreBalancingMainWnd::SetHelpTopic(const std::string& rTopic) {
+    m_HelpTopic = rTopic;
+    SetTimer(eHelpTimer, eHelpDelay);
+}
+
+LRESULT CPreBalancingMainWnd::OnInitWindow(WPARAM wParam, LPARAM lParam) {
+    if (!m_MachineName.empty()) {
+        ReadSpeedControl();
+        return 1;
+    }
+    m_ModuleAddress = static_cast<std::uint32_t>(wParam);
+    const CInitFlags Flags(lParam);
+    LoadWeightPositions();
+    CreateMapper(m_ModuleAddress, Flags);
+
+    m_tabCtrl.SetBalancingMode(Flags.GetBalancingMode());
+    m_tabCtrl.SetPlane(Flags.GetPlane());
+    m_tabCtrl.ShowWindow(true);
+    m_tabCtrl.SetCurSel(0);
+    m_tabCtrl.UpdateTabSelection();
+
+    if (m_pCommunicationIF != nullptr) {
+        const int Sent = m_pCommunicationIF->QueryModuleIdentification();
+        RV_ASSERT_AS(g_pLog, Sent, "m_pCommunicationIF->QueryModuleIdentification()",
+                     "QueryModuleIdentification() failed!", false);
+    }
+    ReadSpeedControl();
+    return 1;
+}
+
+void CPreBalancingMainWnd::CreateMapper(std::uint32_t Address, const CInitFlags& rFlags) {
+    if (m_pCommunicationIF != nullptr) {
+        RV_INFORMATION(g_pLog, "using existing mapper.");
+        return;
+    }
+    rvCOM::Notify(this, RV_NOTIFY_RAWDATA, static_cast<std::uint8_t>(Address));
+    m_pCommunicationIF = m_Makers.m_MakeMapper(*this, Address, rFlags);
+    if (rFlags.IsKestrel() && rFlags.HasSlave()) {
+        rvCOM::Notify(this, RV_NOTIFY_RAWDATA, rFlags.GetSlaveAddress());
+    }
+}
+
+LRESULT CPreBalancingMainWnd::OnRawData(WPARAM wParam, LPARAM lParam) {
+    // The buffer's handle (low byte first), one unused byte, then the frame.
+    constexpr std::size_t eHeader = 3;
+    constexpr std::uint8_t eReservedCommand = 4;
+    const auto* const pBuffer = reinterpret_cast<const std::uint8_t*>(wParam);
+    if (pBuffer == nullptr || lParam < static_cast<LPARAM>(eHeader)) {
+        return 0;
+    }
+    const std::span<const std::uint8_t> Buffer(pBuffer, static_cast<std::size_t>(lParam));
+    const CBufferGuard Guard(static_cast<std::uint16_t>(Buffer[0] | (Buffer[1] << 8U)));
+    const std::span<const std::uint8_t> Frame = Buffer.subspan(eHeader);
+    if (m_pCommunicationIF != nullptr && !Frame.empty() && Frame[0] != eReservedCommand) {
+        m_pCommunicationIF->PutReceivedModuleData(Frame.data(), static_cast<std::uint32_t>(Frame.size()));
+    }
+    return 0;
+}
+
+void CPreBalancingMainWnd::SendRawData(const std::uint8_t* pData, std::uint32_t nSize) {
+    rvCOM::SendRawData(pData, nSize);
+}
+
+LRESULT CPreBalancingMainWnd::OnQueryProgress(WPARAM, LPARAM lParam) {
+    auto* const pProgress = reinterpret_cast<CPreBalProgress*>(lParam);
+    if (m_pPrebalancingSequence == nullptr || pProgress == nullptr) {
+        return 0;
+    }
+    m_pPrebalancingSequence->GetProgress(*pProgress);
+    pProgress->m_Menu = m_Menu;
+    return 1;
+}
+
+void CPreBalancingMainWnd::PostToParent(UINT Message, WPARAM wParam, LPARAM lParam) {
+    if (CWnd* const pParent = GetParent()) {
+        pParent->PostMessage(Message, wParam, lParam);
+    }
+}

@@ -1,0 +1,157 @@
+// The configuration pane: its tabs and pages.
+#include "rvdlm/m_rtr/rtr_trim/prebalconfigtabs.h"
+
+#include "platform/rvldb/gettext.h"
+#include "rvdlm/m_rtr/rtr_trim/guard.h"
+#include "rvdlm/m_rtr/rtr_trim/log.h"
+#include "rvdlm/m_rtr/rtr_trim/prebalancingmainwnd.h"
+#include "rvdlm/m_rtr/rtr_trim/softkeymask.h"
+
+using RtrTrim::g_pLog;
+
+namespace {
+
+constexpr int eSettingsTab = 0;
+constexpr int eScrewTab = 1;
+constexpr const char* eSettingsTopic = "_PB001";
+constexpr const char* eScrewTopic = "_PB002";
+
+// Message 1065: the help or menu of the page shown.
+constexpr WPARAM eSettingsMenu = 111;
+constexpr WPARAM eScrewMenu = 127;
+
+}  // namespace
+
+const CPreBalConfigTabs::CMessageMapEntry CPreBalConfigTabs::ms_MessageMap[] = {
+    {WM_CREATE, "OnCreate", &CPreBalConfigTabs::OnCreate},
+    {WM_SIZE, "OnSize", &CPreBalConfigTabs::OnSize},
+    {WM_RV_UPDATECONFIGURATION, "OnUpdateConfiguration", &CPreBalConfigTabs::OnUpdateConfiguration},
+    {WM_RV_PROCESSNAMECHANGED, "OnProcessNameChanged", &CPreBalConfigTabs::OnProcessNameChanged},
+    {WM_RV_SAVECONFIGURATION, "OnSaveConfiguration", &CPreBalConfigTabs::OnSaveConfiguration},
+    {WM_RV_UPDATETABS, "OnUpdateTabs", &CPreBalConfigTabs::OnUpdateTabs},
+    {WM_RV_CALIBRATEDCHANGED, "OnCalibratedChanged", &CPreBalConfigTabs::OnCalibratedChanged},
+    {WM_RV_UPDATESCREWTABLE, "OnUpdateScrewTable", &CPreBalConfigTabs::OnUpdateScrewTable},
+    {WM_RV_SCREWTABLENAMECHANGED, "OnScrewTableNameChanged", &CPreBalConfigTabs::OnScrewTableNameChanged},
+    {WM_RV_SAVESCREWTABLE, "OnSaveScrewTable", &CPreBalConfigTabs::OnSaveScrewTable},
+};
+
+CPreBalConfigTabs::CPreBalConfigTabs(CPreBalancingMainWnd& rMainWnd)
+    : m_rMainWnd(rMainWnd), m_ConfigDlg(*this), m_ScrewTableDlg(*this) {}
+
+CPreBalConfigTabs::~CPreBalConfigTabs() {
+    RtrTrim::Guarded("~CPreBalConfigTabs", [this] { CloseDatabase(); });
+}
+
+LRESULT CPreBalConfigTabs::WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) {
+    for (const CMessageMapEntry& rEntry : ms_MessageMap) {
+        if (rEntry.m_Message == Message) {
+            const bool bDone = RtrTrim::Guarded(rEntry.m_pName, [&] { (this->*rEntry.m_pHandler)(wParam); });
+            const LRESULT Default = CTabCtrl::WindowProc(Message, wParam, lParam);
+            return Default != 0 ? Default : static_cast<LRESULT>(bDone && Message > WM_TIMER);
+        }
+    }
+    return CTabCtrl::WindowProc(Message, wParam, lParam);
+}
+
+void CPreBalConfigTabs::OnCreate(WPARAM) {
+    while (GetItemCount() > 0) {
+        DeleteItem(0);
+    }
+    SetFont(CFont("Arial", 14));
+    const CRect Area = GetDisplayArea();
+    m_ConfigDlg.Create(this, Area, eSettingsPageId, true);
+    m_ScrewTableDlg.Create(this, Area, eScrewPageId, false);
+    InsertItem(eSettingsTab, GetText("SETTINGS"));
+    InsertItem(eScrewTab, GetText("MASS_TABLE"));
+    UpdateTabSelection();
+}
+
+void CPreBalConfigTabs::OnSize(WPARAM) {
+    m_ConfigDlg.MoveWindow(GetDisplayArea());
+    m_ScrewTableDlg.MoveWindow(GetDisplayArea());
+}
+
+CWnd* CPreBalConfigTabs::GetHost() const {
+    return m_rMainWnd.GetParent();
+}
+
+void CPreBalConfigTabs::SendSoftkeys(WPARAM Mask, LPARAM Values) const {
+    if (CWnd* const pHost = GetHost()) {
+        pHost->SendMessage(WM_RV_SOFTKEYENABLE, Mask, Values);
+    }
+}
+
+void CPreBalConfigTabs::UpdateTabSelection() {
+    switch (GetCurSel()) {
+        case eSettingsTab:
+            ShowSettingsPage();
+            break;
+        case eScrewTab:
+            ShowScrewPage();
+            break;
+        default:
+            RV_ASSERT_FAIL(g_pLog, "impossible");
+            break;
+    }
+}
+
+void CPreBalConfigTabs::ShowSettingsPage() {
+    m_ScrewTableDlg.SetListMode(true);
+    m_ScrewTableDlg.ShowWindow(false);
+    SendSoftkeys(Softkeys::ePages, Softkeys::ePages);
+    if (CWnd* const pHost = GetHost()) {
+        pHost->SendMessage(WM_RV_HELPORMENU, eSettingsMenu, 0);
+    }
+    SaveCurrentConfiguration();
+    if (m_pCurrentBaseEntry != nullptr) {
+        ShowConfiguration();  // the screw tables may have changed
+    }
+    m_rMainWnd.SetHelpTopic(eSettingsTopic);
+    m_ConfigDlg.ShowWindow(true);
+}
+
+void CPreBalConfigTabs::ShowScrewPage() {
+    m_ConfigDlg.ShowWindow(false);
+    SaveCurrentConfiguration();
+    SendSoftkeys(Softkeys::ePages, m_ScrewTableDlg.IsListMode() ? Softkeys::ePages : 0);
+    if (CWnd* const pHost = GetHost()) {
+        pHost->SendMessage(WM_RV_HELPORMENU, eScrewMenu, 1);
+    }
+    m_rMainWnd.SetHelpTopic(eScrewTopic);
+    m_ScrewTableDlg.ShowWindow(true);
+}
+
+void CPreBalConfigTabs::NextTab() {
+    if (GetItemCount() > 1) {
+        SetCurSel((GetCurSel() + 1) % 2);
+    }
+    UpdateTabSelection();
+}
+
+void CPreBalConfigTabs::Navigate(int Action, int /*Flag*/) {
+    constexpr int eStart = 102;
+    constexpr int eSave = 103;
+    // A running procedure has the entry in its hands: what is in memory then must not be saved.
+    if (!IsWindowVisible()) {
+        return;
+    }
+    if (GetCurSel() == eSettingsTab && (Action == eStart || Action == eSave)) {
+        SaveCurrentConfiguration();
+    }
+}
+
+void CPreBalConfigTabs::OnUpdateTabs(WPARAM bScrews) {
+    if (bScrews != 0 && GetItemCount() == 1) {
+        const int Inserted = InsertItem(eScrewTab, GetText("MASS_TABLE"));
+        RV_ASSERT_AS(g_pLog, Inserted == eScrewTab, "InsertItem(1, GetText(\"MASS_TABLE\"), 1) == 1",
+                     "must not fail!", false);
+    } else if (bScrews == 0 && GetItemCount() == 2) {
+        const bool bDeleted = DeleteItem(eScrewTab);
+        RV_ASSERT_AS(g_pLog, bDeleted, "DeleteItem(1)", "must not fail!", false);
+    }
+    SendSoftkeys(Softkeys::eScrewPage, bScrews != 0 ? Softkeys::eScrewPage : 0);
+}
+
+void CPreBalConfigTabs::OnCalibratedChanged(WPARAM bCalibrated) {
+    m_rMainWnd.NotifyConfigurationShown(bCalibrated != 0);
+}

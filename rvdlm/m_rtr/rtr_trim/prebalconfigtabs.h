@@ -1,0 +1,111 @@
+#pragma once
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "platform/rvmdb/prebaldatabase.h"
+#include "platform/window/tabctrl.h"
+#include "rvdlm/m_rtr/rtr_trim/prebalconfigdlg.h"
+#include "rvdlm/m_rtr/rtr_trim/screwtabledlg.h"
+
+class CPreBalancingMainWnd;
+
+/// The configuration pane: the page "SETTINGS", which chooses and edits a configuration, and the page
+/// "MASS_TABLE", which is there only when the configuration uses screws. Owns the database and decides when
+/// it is written: at every change of tab and before every start. A change that can't be saved stays in memory
+/// until the next time. Window thread only.
+class CPreBalConfigTabs : public CTabCtrl {
+public:
+    static constexpr UINT eSettingsPageId = 122;
+    static constexpr UINT eScrewPageId = 123;
+
+    explicit CPreBalConfigTabs(CPreBalancingMainWnd& rMainWnd);
+    ~CPreBalConfigTabs() override;
+
+    /// Opens the database of that key and fills the pages with what fits sensors and input. 0, after a
+    /// message box, if the store can't be used: the pane then has no configuration.
+    int InitDatabase(const std::string& rKey, std::uint8_t Sensor1, std::uint8_t Sensor2,
+                     PreBalDB::CTypeBase::AffectedPlane Input);
+    /// Writes the current configuration as it is in memory. Nonzero for success.
+    int SaveDatabase();
+    /// Saves the screw table and ends the database; the entries are gone.
+    void CloseDatabase();
+    bool HasDatabase() const { return m_pDatabase != nullptr; }
+
+    void SaveCurrentConfiguration();
+    void SaveCurrentScrewTable();
+    /// Hands an action of the host to the page shown; while the pane is hidden there is none.
+    void Navigate(int Action, int Flag);
+    /// Selects the other tab, if there are two, and shows its page, which saves.
+    void NextTab();
+    /// Shows the page of the selected tab and saves what the other one held.
+    void UpdateTabSelection();
+
+    void SetBalancingMode(PreBalDB::CPreBalDatabase::BalancingMode Mode) { m_BalancingMode = Mode; }
+    PreBalDB::CPreBalDatabase::BalancingMode GetBalancingMode() const { return m_BalancingMode; }
+    /// The plane that a single-plane module serves, 0 or 1.
+    void SetPlane(int Plane) { m_ConfigDlg.SetPlane(Plane); }
+    void SetTitle(const std::string& rTitle) { m_ConfigDlg.SetTitle(rTitle); }
+
+    /// Null until a configuration has been read.
+    PreBalDB::CPreBalBaseTableEntry* GetCurrentBaseEntry() const { return m_pCurrentBaseEntry; }
+    PreBalDB::CScrewTableEntry* GetCurrentScrewEntry() const { return m_pCurrentScrewEntry; }
+    bool IsCalibrated() const { return m_ConfigDlg.IsCalibrated(); }
+    const CPreBalConfigDlg& GetConfigDlg() const { return m_ConfigDlg; }
+    CPreBalConfigDlg& GetConfigDlg() { return m_ConfigDlg; }
+    const CScrewTableDlg& GetScrewTableDlg() const { return m_ScrewTableDlg; }
+    CScrewTableDlg& GetScrewTableDlg() { return m_ScrewTableDlg; }
+
+    /// The window that the main window is a child of, null if it has no parent.
+    CWnd* GetHost() const;
+
+protected:
+    LRESULT WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) override;
+
+private:
+    using MessageHandler = void (CPreBalConfigTabs::*)(WPARAM wParam);
+    struct CMessageMapEntry {
+        UINT m_Message;
+        const char* m_pName;  ///< for the log
+        MessageHandler m_pHandler;
+    };
+    static const CMessageMapEntry ms_MessageMap[];
+
+    void OnCreate(WPARAM wParam);
+    void OnSize(WPARAM wParam);
+    void OnUpdateConfiguration(WPARAM wParam);
+    void OnProcessNameChanged(WPARAM wParam);
+    void OnSaveConfiguration(WPARAM wParam);
+    void OnUpdateTabs(WPARAM wParam);
+    void OnCalibratedChanged(WPARAM wParam);
+    void OnUpdateScrewTable(WPARAM wParam);
+    void OnScrewTableNameChanged(WPARAM wParam);
+    void OnSaveScrewTable(WPARAM wParam);
+
+    Base::CStringArray GetProcessNames() const;
+    /// Brings the parts of the entry that the mode needs into being and enters sensors and input. Whether it
+    /// is compensated with screws.
+    bool PrepareEntry(PreBalDB::CPreBalBaseTableEntry& rEntry);
+    bool PrepareSinglePlane(PreBalDB::CPreBalBaseTableEntry& rEntry);
+    bool PrepareTwoPlane(PreBalDB::CPreBalBaseTableEntry& rEntry);
+    /// Hands the current entry to the dialog.
+    void ShowConfiguration();
+    /// Writes the rows of the screw page under the current entry. Whether there were rows.
+    bool WriteCurrentScrewTable();
+    void ReadScrewTable(const std::string& rName);
+    void ShowSettingsPage();
+    void ShowScrewPage();
+    /// Message 1122: the bits of Mask take the values of Values.
+    void SendSoftkeys(WPARAM Mask, LPARAM Values) const;
+
+    std::unique_ptr<PreBalDB::CPreBalDatabase> m_pDatabase;
+    std::uint8_t m_SensorAdaption1 = 255;
+    std::uint8_t m_SensorAdaption2 = 255;
+    PreBalDB::CTypeBase::AffectedPlane m_ProximitySwitchInput = PreBalDB::CTypeBase::eUnknownPlane;
+    PreBalDB::CPreBalDatabase::BalancingMode m_BalancingMode = PreBalDB::CPreBalDatabase::eModePlane1;
+    PreBalDB::CPreBalBaseTableEntry* m_pCurrentBaseEntry = nullptr;  ///< in the database
+    PreBalDB::CScrewTableEntry* m_pCurrentScrewEntry = nullptr;      ///< in the database
+    CPreBalancingMainWnd& m_rMainWnd;
+    CPreBalConfigDlg m_ConfigDlg;
+    CScrewTableDlg m_ScrewTableDlg;
+};
