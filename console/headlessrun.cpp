@@ -66,7 +66,13 @@ CHeadlessRun::~CHeadlessRun() {
 }
 
 void CHeadlessRun::Print(const std::string& rText) {
-    std::printf("%8.1f s  %s\n", static_cast<double>(IFEventLoop::Current().Now()) / 1000.0, rText.c_str());
+    const std::string Line =
+        Format("%8.1f s  ", static_cast<double>(IFEventLoop::Current().Now()) / 1000.0) + rText;
+    if (OnProgress) {
+        OnProgress(Line);
+        return;
+    }
+    std::printf("%s\n", Line.c_str());
     std::fflush(stdout);
 }
 

@@ -23,6 +23,8 @@ public:
     const CRunReport& GetReport() const { return m_Report; }
     CRunReport& GetReport() { return m_Report; }
 
+    /// Takes the progress lines; stdout unless set.
+    std::function<void(const std::string&)> OnProgress;
     /// Called when the situation has changed, after it was recorded: for tests that interfere with a run.
     std::function<void(const CSituation&)> OnSituation;
 

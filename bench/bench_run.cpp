@@ -1,0 +1,66 @@
+// A complete pre-balancing under virtual time, over real frames, from the link to the stored calibration; and
+// the start of a session up to the end of the query chain.
+#include <memory>
+
+#include "bench/qtmain.h"
+#include "console/headlessrun.h"
+#include "console/installation.h"
+#include "console/session.h"
+#include "platform/system/virtualeventloop.h"
+
+namespace {
+
+COptions MakeOptions(COptions::Procedure Procedure) {
+    COptions Options;
+    Options.m_bHeadless = true;
+    Options.m_Procedure = Procedure;
+    return Options;
+}
+
+void RunOnce(benchmark::State& rState, COptions::Procedure Procedure) {
+    const COptions Options = MakeOptions(Procedure);
+    const CRotorFile Rotor = CRotorFile::GetBuiltIn();
+    std::uint64_t VirtualMs = 0;
+    for (auto _ : rState) {
+        const CConsoleInstallation Installation("", true);
+        CVirtualEventLoop Loop;
+        CConsoleSession Session(Options, &Rotor, Installation.GetDatabaseFile().string());
+        CHeadlessRun Run(Session, Options);
+        Run.OnProgress = [](const std::string&) {};
+        if (!Session.Initialise() || Run.Run() != eExitWithinTarget) {
+            rState.SkipWithError("the run did not balance the rotor");
+            break;
+        }
+        VirtualMs = Loop.Now();
+    }
+    rState.counters["virtual_s"] = static_cast<double>(VirtualMs) / 1000.0;
+}
+
+void BM_Prebalance(benchmark::State& rState) {
+    RunOnce(rState, COptions::Procedure::ePrebalance);
+}
+BENCHMARK(BM_Prebalance)->Unit(benchmark::kMillisecond);
+
+void BM_PrebalanceAndRebalance(benchmark::State& rState) {
+    RunOnce(rState, COptions::Procedure::ePrebalanceAndRebalance);
+}
+BENCHMARK(BM_PrebalanceAndRebalance)->Unit(benchmark::kMillisecond);
+
+void BM_StartToEndOfQueryChain(benchmark::State& rState) {
+    const COptions Options = MakeOptions(COptions::Procedure::ePrebalance);
+    const CRotorFile Rotor = CRotorFile::GetBuiltIn();
+    for (auto _ : rState) {
+        const CConsoleInstallation Installation("", true);
+        CVirtualEventLoop Loop;
+        CConsoleSession Session(Options, &Rotor, Installation.GetDatabaseFile().string());
+        if (!Session.Initialise()) {
+            rState.SkipWithError("the module did not answer");
+            break;
+        }
+    }
+}
+BENCHMARK(BM_StartToEndOfQueryChain)->Unit(benchmark::kMillisecond);
+
+}  // namespace
+
+BENCHMARK_QT_MAIN()
