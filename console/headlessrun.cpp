@@ -7,6 +7,7 @@
 #include "platform/rvlog/logcomponent.h"
 #include "platform/rvmdb/prebaldatabase.h"
 #include "platform/system/eventloop.h"
+#include "platform/window/messages.h"
 
 namespace {
 
@@ -109,6 +110,8 @@ void CHeadlessRun::TakeScreenshot() {
     if (m_rOptions.m_ScreenshotDirectory.empty()) {
         return;
     }
+    // The page repaints a new warning with the next live value only; the picture is to show it now.
+    m_rSession.GetModule().SendMessage(WM_PAINT);
     const CSituation Situation = m_rSession.Look();
     const std::filesystem::path File =
         std::filesystem::path(m_rOptions.m_ScreenshotDirectory) /

@@ -89,13 +89,15 @@ void CConsoleSession::OpenLink(const CRotorFile* pRotor) {
     std::string Error;
     if (m_Options.IsSimulated()) {
         CLinkPair Pair = MakeLinkPair();
-        m_pSimulator =
-            std::make_unique<CSimulator>(*pRotor, std::move(Pair.m_pSecond), m_Options.m_Addresses);
+        m_pSimulator = CSimulator::Create(*pRotor, std::move(Pair.m_pSecond), m_Options.m_Addresses, Error);
+        if (m_pSimulator == nullptr) {
+            throw CSessionError("--rotor: " + Error);
+        }
+        m_pSimulator->Open();
         m_pMachine = m_pSimulator.get();
         rvCOM::SetLink(std::move(Pair.m_pFirst));
         return;
     }
-    std::string Error;
     std::unique_ptr<IFByteLink> pLink = MakeByteLink(m_Options.m_Link, Error);
     if (pLink == nullptr) {
         throw CSessionError("--link " + m_Options.m_Link + ": " + Error);
@@ -105,7 +107,7 @@ void CConsoleSession::OpenLink(const CRotorFile* pRotor) {
         throw CSessionError("--link " + m_Options.m_Link + " can't be opened: " + rvCOM::GetOutageReason());
     }
     if (!m_Options.m_Machine.empty()) {
-        m_pClient = CMachineClient::Make(m_Options.m_Machine, Error);
+        m_pClient = CMachineClient::Create(m_Options.m_Machine, Error);
         if (m_pClient == nullptr) {
             throw CSessionError("--machine " + m_Options.m_Machine + ": " + Error);
         }

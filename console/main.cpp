@@ -1,0 +1,141 @@
+// The machine console: loads the window module and gives it a host, with a screen or without.
+#include <unistd.h>
+
+#include <QApplication>
+#include <QStyleFactory>
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <optional>
+
+#include "console/headlessrun.h"
+#include "console/installation.h"
+#include "console/mainwindow.h"
+#include "console/options.h"
+#include "console/session.h"
+#include "platform/qt/qteventloop.h"
+#include "platform/rvlog/logcomponent.h"
+#include "platform/system/virtualeventloop.h"
+#include "simulator/rotorfile.h"
+
+namespace {
+
+int Refuse(const std::string& rText) {
+    std::fprintf(stderr, "%s\n", rText.c_str());
+    return eExitBadArguments;
+}
+
+bool HasDisplay() {
+    return qEnvironmentVariableIsSet("QT_QPA_PLATFORM") || !qEnvironmentVariableIsEmpty("DISPLAY") ||
+           !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+}
+
+/// The toolkit complains about a session without a runtime directory of its own.
+void ProvideRuntimeDirectory() {
+    if (qEnvironmentVariableIsEmpty("XDG_RUNTIME_DIR")) {
+        const std::filesystem::path Directory =
+            std::filesystem::temp_directory_path() / ("rotor-trim-runtime-" + std::to_string(getuid()));
+        std::error_code Ignored;
+        std::filesystem::create_directory(Directory, Ignored);
+        std::filesystem::permissions(Directory, std::filesystem::perms::owner_all, Ignored);
+        qputenv("XDG_RUNTIME_DIR", Directory.c_str());
+    }
+}
+
+/// The rotor to simulate, or that the external machine is said to carry; nothing if it isn't known. Throws
+/// CSessionError.
+std::optional<CRotorFile> ReadRotor(const COptions& rOptions) {
+    const auto Family = CRotorFile::ModulesFromString(rOptions.m_Modules);
+    if (rOptions.m_RotorFile.empty()) {
+        return rOptions.IsSimulated()
+                   ? std::optional(CRotorFile::GetBuiltIn(Family.value_or(CRotorFile::eKestrel)))
+                   : std::nullopt;
+    }
+    std::string Error;
+    std::optional<CRotorFile> Rotor = CRotorFile::Read(rOptions.m_RotorFile, Error, Family);
+    if (!Rotor) {
+        throw CSessionError("--rotor: " + Error);
+    }
+    return Rotor;
+}
+
+/// Output that can't be written is to be known before a run of minutes, not after it.
+void CheckOutputs(const COptions& rOptions) {
+    if (!rOptions.m_ScreenshotDirectory.empty()) {
+        std::error_code Error;
+        std::filesystem::create_directories(rOptions.m_ScreenshotDirectory, Error);
+        if (Error) {
+            throw CSessionError("--screenshots " + rOptions.m_ScreenshotDirectory +
+                                ": the directory can't be made (" + Error.message() + ")");
+        }
+    }
+    if (!rOptions.m_ReportFile.empty() && !CRunReport().Write(rOptions.m_ReportFile)) {
+        throw CSessionError("--report " + rOptions.m_ReportFile +
+                            ": the file can't be written; name a file in a directory that exists");
+    }
+}
+
+int RunHeadless(const COptions& rOptions, CConsoleSession& rSession) {
+    CHeadlessRun Run(rSession, rOptions);
+    ExitCode Result = eExitFailed;
+    if (rSession.Initialise()) {
+        rSession.Commission();
+        Result = Run.Run();
+    } else {
+        std::fprintf(stderr,
+                     "No module answers on %s: check the cable and the module's address (--addresses), and "
+                     "that nothing "
+                     "else uses the line.\n",
+                     rOptions.m_Link.c_str());
+    }
+    rSession.Close();
+    if (!rOptions.m_ReportFile.empty() && !Run.GetReport().Write(rOptions.m_ReportFile)) {
+        std::fprintf(stderr, "The report %s can't be written.\n", rOptions.m_ReportFile.c_str());
+    }
+    return Result;
+}
+
+int RunOnScreen(const COptions& rOptions, CConsoleSession& rSession) {
+    CMainWindow Window(rSession, rOptions);
+    Window.show();
+    return QApplication::exec();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    CCommandLineEnd End;
+    const std::optional<COptions> Options = ParseCommandLine(argc, argv, End);
+    if (!Options) {
+        std::fprintf(End.m_ExitCode == 0 ? stdout : stderr, "%s\n", End.m_Text.c_str());
+        return End.m_ExitCode;
+    }
+    if (Options->m_bHeadless) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    } else if (!HasDisplay()) {
+        return Refuse(
+            "There is no display: set DISPLAY, or run the procedure automatically with --headless.");
+    }
+    ProvideRuntimeDirectory();
+    QApplication App(argc, argv);
+    QApplication::setStyle(QStyleFactory::create("fusion"));
+
+    std::unique_ptr<IFEventLoop> pLoop;
+    if (Options->IsVirtualTime()) {
+        pLoop = std::make_unique<CVirtualEventLoop>();
+    } else {
+        pLoop = std::make_unique<CQtEventLoop>();
+    }
+    try {
+        const std::optional<CRotorFile> Rotor = ReadRotor(*Options);
+        CheckOutputs(*Options);
+        const CConsoleInstallation Installation(Options->m_ConfigDirectory, Options->m_bHeadless);
+        if (!CLogComponent::OpenFile(Installation.GetLogDirectory().string())) {
+            return Refuse("The log can't be written in " + Installation.GetLogDirectory().string() + ".");
+        }
+        CConsoleSession Session(*Options, Rotor ? &*Rotor : nullptr, Installation.GetDatabaseFile().string());
+        return Options->m_bHeadless ? RunHeadless(*Options, Session) : RunOnScreen(*Options, Session);
+    } catch (const std::runtime_error& rError) {
+        return Refuse(rError.what());
+    }
+}
