@@ -153,11 +153,13 @@ void CDC::SetBkMode(BkMode Mode) {
 }
 
 void CDC::IntersectClipRect(const CRect& rRect) {
-    m_pImpl->m_Painter.setClipRect(ToQt(rRect), Qt::IntersectClip);
+    if (m_pImpl->m_Painter.isActive()) {
+        m_pImpl->m_Painter.setClipRect(ToQt(rRect), Qt::IntersectClip);
+    }
 }
 
 void CDC::FillSolidRect(const CRect& rRect, COLORREF Color) {
-    if (!rRect.IsRectEmpty()) {
+    if (!rRect.IsRectEmpty() && m_pImpl->m_Painter.isActive()) {
         m_pImpl->m_Painter.fillRect(ToQt(rRect), ToQt(Color));
     }
 }

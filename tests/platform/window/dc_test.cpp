@@ -1,0 +1,486 @@
+#include "platform/window/dc.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <numbers>
+#include <optional>
+
+namespace {
+
+constexpr COLORREF c_White = RGB(255, 255, 255);
+constexpr COLORREF c_Black = RGB(0, 0, 0);
+constexpr COLORREF c_Red = RGB(255, 0, 0);
+constexpr COLORREF c_Green = RGB(0, 255, 0);
+
+/// The smallest rectangle around all pixels that aren't white.
+std::optional<CRect> FindInk(const CBitmap& rBitmap) {
+    std::optional<CRect> Ink;
+    for (int y = 0; y < rBitmap.GetSize().cy; ++y) {
+        for (int x = 0; x < rBitmap.GetSize().cx; ++x) {
+            if (rBitmap.GetPixel(x, y) != c_White) {
+                if (!Ink) {
+                    Ink = CRect(x, y, x + 1, y + 1);
+                }
+                Ink->left = std::min(Ink->left, x);
+                Ink->right = std::max(Ink->right, x + 1);
+                Ink->bottom = y + 1;
+            }
+        }
+    }
+    return Ink;
+}
+
+int CountPixels(const CBitmap& rBitmap, COLORREF Color) {
+    int nCount = 0;
+    for (int y = 0; y < rBitmap.GetSize().cy; ++y) {
+        for (int x = 0; x < rBitmap.GetSize().cx; ++x) {
+            nCount += rBitmap.GetPixel(x, y) == Color ? 1 : 0;
+        }
+    }
+    return nCount;
+}
+
+/// The edges of curves are smooth, so a pixel there may be a shade off.
+bool IsAlmost(COLORREF Color, COLORREF Wanted) {
+    return std::abs(GetRValue(Color) - GetRValue(Wanted)) < 16 &&
+           std::abs(GetGValue(Color) - GetGValue(Wanted)) < 16 &&
+           std::abs(GetBValue(Color) - GetBValue(Wanted)) < 16;
+}
+
+TEST(BitmapTest, StartsEmptyAndIsWhiteWhenMade) {
+    CBitmap Bitmap;
+    EXPECT_EQ(Bitmap.GetSize(), CSize());
+    EXPECT_EQ(Bitmap.GetPixel(0, 0), c_Black) << "black outside";
+    Bitmap.Create({4, 3});
+    EXPECT_EQ(Bitmap.GetSize(), CSize(4, 3));
+    EXPECT_EQ(CountPixels(Bitmap, c_White), 12);
+    EXPECT_EQ(Bitmap.GetPixel(4, 0), c_Black);
+    EXPECT_EQ(Bitmap.GetPixel(-1, 0), c_Black);
+    Bitmap.Create({-4, 3});
+    EXPECT_EQ(Bitmap.GetSize(), CSize());
+}
+
+TEST(BitmapTest, CopiesAreIndependent) {
+    CBitmap First({4, 4});
+    CBitmap Second = First;
+    CDC(Second).FillSolidRect({0, 0, 1, 1}, c_Red);
+    EXPECT_EQ(First.GetPixel(0, 0), c_White);
+    EXPECT_EQ(Second.GetPixel(0, 0), c_Red);
+    EXPECT_FALSE(First == Second);
+    First = Second;
+    EXPECT_TRUE(First == Second);
+}
+
+TEST(BitmapTest, WhatWasMovedFromIsEmptyAndUsable) {
+    CBitmap First({4, 4});
+    CBitmap Second = std::move(First);
+    EXPECT_EQ(Second.GetSize(), CSize(4, 4));
+    EXPECT_EQ(First.GetSize(), CSize());  // NOLINT(bugprone-use-after-move): that is the point
+    First.Create({2, 2});
+    EXPECT_EQ(First.GetSize(), CSize(2, 2));
+}
+
+class PngTest : public testing::Test {
+protected:
+    PngTest()
+        : m_Directory(std::filesystem::temp_directory_path() / ("png_test_" + std::to_string(::getpid()))) {
+        std::filesystem::create_directories(m_Directory);
+    }
+    ~PngTest() override { std::filesystem::remove_all(m_Directory); }
+    std::string Path(const char* pName) const { return (m_Directory / pName).string(); }
+
+private:
+    std::filesystem::path m_Directory;
+};
+
+TEST_F(PngTest, APictureComesBackFromItsFileAsItWas) {
+    CBitmap Bitmap({20, 10});
+    {
+        CDC Dc(Bitmap);
+        Dc.FillSolidRect({3, 2, 7, 9}, RGB(1, 2, 3));
+        Dc.SelectBrush(CBrush(RGB(200, 100, 50)));
+        Dc.Ellipse({8, 0, 20, 10});
+    }
+    ASSERT_TRUE(Bitmap.SavePng(Path("a.png")));
+    CBitmap Loaded;
+    ASSERT_TRUE(Loaded.LoadPng(Path("a.png")));
+    EXPECT_TRUE(Loaded == Bitmap);
+}
+
+TEST_F(PngTest, FailuresAreReportedAndLeaveTheBitmap) {
+    CBitmap Bitmap({2, 2});
+    EXPECT_FALSE(Bitmap.SavePng(Path("no/such/directory.png")));
+    EXPECT_FALSE(Bitmap.LoadPng(Path("missing.png")));
+    std::ofstream(Path("bad.png")) << "no picture";
+    EXPECT_FALSE(Bitmap.LoadPng(Path("bad.png")));
+    EXPECT_EQ(Bitmap.GetSize(), CSize(2, 2));
+    EXPECT_FALSE(CBitmap().SavePng(Path("empty.png")));
+}
+
+class DcTest : public testing::Test {
+protected:
+    CBitmap m_Bitmap{CSize(100, 60)};
+};
+
+TEST_F(DcTest, AFilledRectangleEndsJustBeforeItsRightAndBottom) {
+    CDC(m_Bitmap).FillSolidRect({10, 20, 13, 22}, c_Red);
+    EXPECT_EQ(FindInk(m_Bitmap), CRect(10, 20, 13, 22));
+    EXPECT_EQ(CountPixels(m_Bitmap, c_Red), 6);
+    CDC(m_Bitmap).FillSolidRect({50, 50, 40, 55}, c_Green);
+    EXPECT_EQ(CountPixels(m_Bitmap, c_Green), 0) << "an inverted rectangle is empty";
+}
+
+TEST_F(DcTest, LinesIncludeBothEnds) {
+    CDC Dc(m_Bitmap);
+    Dc.SelectPen(CPen(CPen::eSolid, 1, c_Red));
+    Dc.MoveTo({10, 10});
+    Dc.LineTo({20, 10});
+    EXPECT_EQ(FindInk(m_Bitmap), CRect(10, 10, 21, 11));
+    Dc.LineTo({20, 30});  // goes on from there
+    EXPECT_EQ(FindInk(m_Bitmap), CRect(10, 10, 21, 31));
+    EXPECT_EQ(CountPixels(m_Bitmap, c_Red), 11 + 20) << "sharp, and one pixel wide";
+}
+
+TEST_F(DcTest, DiagonalLinesAreSharp) {
+    CDC Dc(m_Bitmap);
+    Dc.SelectPen(CPen(CPen::eSolid, 1, c_Red));
+    Dc.MoveTo({5, 5});
+    Dc.LineTo({25, 25});
+    for (int i = 5; i <= 25; ++i) {
+        EXPECT_EQ(Dc.GetPixel({i, i}), c_Red);
+    }
+    EXPECT_EQ(CountPixels(m_Bitmap, c_White), 100 * 60 - 21);
+}
+
+TEST_F(DcTest, DottedLinesHaveGapsAndNullPensDrawNothing) {
+    CDC Dc(m_Bitmap);
+    Dc.SelectPen(CPen(CPen::eNull, 1, c_Red));
+    Dc.MoveTo({0, 5});
+    Dc.LineTo({90, 5});
+    EXPECT_EQ(FindInk(m_Bitmap), std::nullopt);
+    Dc.SelectPen(CPen(CPen::eDot, 1, c_Red));
+    Dc.MoveTo({0, 5});
+    Dc.LineTo({90, 5});
+    const int nDots = CountPixels(m_Bitmap, c_Red);
+    EXPECT_GT(nDots, 30);
+    EXPECT_LT(nDots, 60);
+}
+
+TEST_F(DcTest, APolylineConnectsItsPoints) {
+    CDC Dc(m_Bitmap);
+    Dc.SelectPen(CPen(CPen::eSolid, 1, c_Red));
+    Dc.Polyline(std::array{CPoint(1, 1), CPoint(1, 9), CPoint(9, 9)});
+    EXPECT_EQ(CountPixels(m_Bitmap, c_Red), 17);
+    Dc.Polyline({});
+    EXPECT_EQ(CountPixels(m_Bitmap, c_Red), 17);
+}
+
+TEST_F(DcTest, AnEllipseLiesInsideItsRectangleOutlineIncluded) {
+    CDC Dc(m_Bitmap);
+    Dc.SelectPen(CPen(CPen::eSolid, 2, c_Black));
+    Dc.SelectBrush(CBrush(c_Green));
+    Dc.Ellipse({10, 10, 51, 51});
+    EXPECT_EQ(FindInk(m_Bitmap), CRect(10, 10, 51, 51));
+    EXPECT_EQ(Dc.GetPixel({30, 30}), c_Green);
+    EXPECT_TRUE(IsAlmost(Dc.GetPixel({30, 10}), c_Black));
+    EXPECT_TRUE(IsAlmost(Dc.GetPixel({30, 11}), c_Black));
+    EXPECT_TRUE(IsAlmost(Dc.GetPixel({30, 12}), c_Green)) << "two pixels of outline, not three";
+    EXPECT_TRUE(IsAlmost(Dc.GetPixel({50, 30}), c_Black));
+    EXPECT_EQ(Dc.GetPixel({11, 11}), c_White) << "the corner stays free";
+}
+
+TEST_F(DcTest, AnEmptyBrushLeavesTheInsideOfAnEllipse) {
+    CDC Dc(m_Bitmap);
+    Dc.Ellipse({10, 10, 51, 51});
+    EXPECT_EQ(Dc.GetPixel({30, 30}), c_White);
+}
+
+/// The pixel at Degrees (0 right, counter-clockwise) and Radius from the middle of the bitmap below.
+CPoint At(double Degrees, double Radius) {
+    const double a = Degrees * std::numbers::pi / 180.0;
+    return {50 + static_cast<int>(std::lround(std::cos(a) * Radius)),
+            50 - static_cast<int>(std::lround(std::sin(a) * Radius))};
+}
+
+TEST(DcCircleTest, AnArcRunsCounterClockwiseFromItsStart) {
+    CBitmap Bitmap({101, 101});
+    CDC Dc(Bitmap);
+    Dc.SelectPen(CPen(CPen::eSolid, 3, c_Red));
+    Dc.Arc({50, 50}, 40, 310.0, 280.0);
+    for (const int nOn : {315, 0, 90, 180, 225}) {
+        EXPECT_EQ(Dc.GetPixel(At(nOn, 40)), c_Red) << nOn;
+    }
+    for (const int nOff : {235, 270, 303}) {
+        EXPECT_EQ(Dc.GetPixel(At(nOff, 40)), c_White) << nOff;
+    }
+    EXPECT_EQ(Dc.GetPixel(At(0, 36)), c_White);
+    EXPECT_EQ(Dc.GetPixel(At(0, 44)), c_White);
+}
+
+TEST(DcCircleTest, ASectorOfARingKeepsToItsAnglesAndRadii) {
+    CBitmap Bitmap({101, 101});
+    CDC Dc(Bitmap);
+    Dc.FillRing({50, 50}, 20, 40, 80.0, 20.0, c_Red);
+    EXPECT_EQ(Dc.GetPixel(At(90, 30)), c_Red);
+    EXPECT_EQ(Dc.GetPixel(At(83, 30)), c_Red);
+    EXPECT_EQ(Dc.GetPixel(At(97, 30)), c_Red);
+    EXPECT_EQ(Dc.GetPixel(At(75, 30)), c_White);
+    EXPECT_EQ(Dc.GetPixel(At(105, 30)), c_White);
+    EXPECT_EQ(Dc.GetPixel(At(90, 18)), c_White);
+    EXPECT_EQ(Dc.GetPixel(At(90, 42)), c_White);
+    EXPECT_EQ(Dc.GetPixel(At(270, 30)), c_White);
+}
+
+TEST(DcCircleTest, AWholeRingLeavesItsHole) {
+    CBitmap Bitmap({101, 101});
+    CDC Dc(Bitmap);
+    Dc.FillRing({50, 50}, 20, 40, 0.0, 360.0, c_Red);
+    for (int nDegrees = 0; nDegrees < 360; nDegrees += 30) {
+        EXPECT_EQ(Dc.GetPixel(At(nDegrees, 30)), c_Red);
+        EXPECT_EQ(Dc.GetPixel(At(nDegrees, 17)), c_White);
+        EXPECT_EQ(Dc.GetPixel(At(nDegrees, 43)), c_White);
+    }
+}
+
+TEST(DcCircleTest, RingsWithoutAnAreaDrawNothing) {
+    CBitmap Bitmap({101, 101});
+    CDC Dc(Bitmap);
+    Dc.FillRing({50, 50}, 40, 40, 0.0, 360.0, c_Red);
+    Dc.FillRing({50, 50}, 40, 20, 0.0, 90.0, c_Red);
+    Dc.FillRing({50, 50}, -9, -3, 0.0, 360.0, c_Red);
+    EXPECT_EQ(FindInk(Bitmap), std::nullopt);
+    Dc.FillRing({50, 50}, 0, 40, 0.0, 90.0, c_Red);  // a slice of cake
+    EXPECT_EQ(Dc.GetPixel(At(45, 3)), c_Red);
+}
+
+TEST_F(DcTest, ClippingOnlyEverNarrowsAndIsRestored) {
+    CDC Dc(m_Bitmap);
+    const int Saved = Dc.SaveDC();
+    Dc.IntersectClipRect({10, 10, 40, 40});
+    Dc.IntersectClipRect({30, 0, 60, 60});
+    Dc.FillSolidRect({0, 0, 100, 60}, c_Red);
+    EXPECT_EQ(FindInk(m_Bitmap), CRect(30, 10, 40, 40));
+    EXPECT_TRUE(Dc.RestoreDC(Saved));
+    Dc.FillSolidRect({0, 0, 100, 60}, c_Green);
+    EXPECT_EQ(CountPixels(m_Bitmap, c_Green), 100 * 60);
+}
+
+TEST_F(DcTest, RestoreBringsBackPenBrushFontAndColours) {
+    CDC Dc(m_Bitmap);
+    Dc.SelectPen(CPen(CPen::eSolid, 1, c_Red));
+    Dc.SelectBrush(CBrush(c_Red));
+    Dc.SelectFont(CFont("Arial", 20));
+    const int nHeight = Dc.GetFontHeight();
+    const int Saved = Dc.SaveDC();
+    Dc.SelectPen(CPen(CPen::eSolid, 5, c_Green));
+    Dc.SelectBrush(CBrush(c_Green));
+    Dc.SelectFont(CFont("Arial", 40));
+    EXPECT_NE(Dc.GetFontHeight(), nHeight);
+    EXPECT_TRUE(Dc.RestoreDC(Saved));
+    EXPECT_EQ(Dc.GetFontHeight(), nHeight);
+    Dc.Ellipse({10, 10, 50, 50});
+    EXPECT_EQ(CountPixels(m_Bitmap, c_Green), 0);
+    EXPECT_EQ(Dc.GetPixel({30, 30}), c_Red);
+}
+
+TEST_F(DcTest, RestoringAnOuterStateDropsTheInnerOnes) {
+    CDC Dc(m_Bitmap);
+    const int Outer = Dc.SaveDC();
+    Dc.IntersectClipRect({0, 0, 10, 10});
+    const int Inner = Dc.SaveDC();
+    Dc.IntersectClipRect({0, 0, 5, 5});
+    EXPECT_TRUE(Dc.RestoreDC(Outer));
+    EXPECT_FALSE(Dc.RestoreDC(Inner));
+    EXPECT_FALSE(Dc.RestoreDC(Outer)) << "each state serves once";
+    EXPECT_FALSE(Dc.RestoreDC(0));
+    EXPECT_FALSE(Dc.RestoreDC(-1));
+    Dc.FillSolidRect({0, 0, 100, 60}, c_Red);
+    EXPECT_EQ(CountPixels(m_Bitmap, c_Red), 100 * 60);
+}
+
+TEST_F(DcTest, BitBltCopiesAPartWithoutScaling) {
+    CBitmap Source({20, 20});
+    CDC(Source).FillSolidRect({5, 5, 10, 10}, c_Red);
+    CDC(m_Bitmap).BitBlt({30, 30, 40, 40}, Source, {5, 5});
+    EXPECT_EQ(FindInk(m_Bitmap), CRect(30, 30, 35, 35));
+}
+
+TEST_F(DcTest, BitBltOfWhatTheSourceDoesNotHaveLeavesTheTarget) {
+    CBitmap Source({20, 20});
+    CDC(Source).FillSolidRect({0, 0, 20, 20}, c_Red);
+    CDC Dc(m_Bitmap);
+    Dc.BitBlt({30, 30, 50, 50}, Source, {-5, -5});
+    EXPECT_EQ(FindInk(m_Bitmap), CRect(35, 35, 50, 50));
+    Dc.BitBlt({0, 0, 10, 10}, Source, {100, 100});
+    Dc.BitBlt({0, 0, 10, 10}, CBitmap(), {0, 0});
+    EXPECT_EQ(FindInk(m_Bitmap), CRect(35, 35, 50, 50));
+}
+
+TEST_F(DcTest, BitBltWithinOneBitmapMayOverlap) {
+    CDC Dc(m_Bitmap);
+    Dc.FillSolidRect({10, 10, 20, 20}, c_Red);
+    Dc.BitBlt({15, 10, 25, 20}, m_Bitmap, {10, 10});
+    EXPECT_EQ(FindInk(m_Bitmap), CRect(10, 10, 25, 20));
+    EXPECT_EQ(CountPixels(m_Bitmap, c_Red), 150);
+}
+
+TEST_F(DcTest, AnEmptyBitmapTakesAnyDrawing) {
+    CBitmap Empty;
+    CDC Dc(Empty);
+    const int Saved = Dc.SaveDC();
+    Dc.FillSolidRect({0, 0, 5, 5}, c_Red);
+    Dc.LineTo({9, 9});
+    Dc.Ellipse({0, 0, 9, 9});
+    Dc.Arc({5, 5}, 3, 0, 90);
+    Dc.FillRing({5, 5}, 1, 3, 0, 90, c_Red);
+    Dc.BitBlt({0, 0, 5, 5}, m_Bitmap, {});
+    Dc.IntersectClipRect({0, 0, 2, 2});
+    CRect Rect(0, 0, 5, 5);
+    EXPECT_GT(Dc.DrawText("x", Rect, DT_SINGLELINE), 0);
+    Dc.TextOut({1, 1}, "x");
+    EXPECT_TRUE(Dc.RestoreDC(Saved));
+    EXPECT_EQ(Empty.GetSize(), CSize());
+}
+
+// A font's height is its cell; the face has no whole size for every height, so a pixel or two may be missing.
+TEST_F(DcTest, FontsFitTheirCellHeight) {
+    CDC Dc(m_Bitmap);
+    for (int nHeight = 4; nHeight < 200; ++nHeight) {
+        Dc.SelectFont(CFont("Arial", nHeight));
+        EXPECT_LE(Dc.GetFontHeight(), nHeight);
+        EXPECT_GE(Dc.GetFontHeight(), nHeight - 2) << nHeight;
+    }
+}
+
+TEST_F(DcTest, AFontIsNeverSmallerThanItsSmallestSize) {
+    CDC Dc(m_Bitmap);
+    Dc.SelectFont(CFont("Arial", 0));
+    EXPECT_GE(Dc.GetFontHeight(), 1);
+    Dc.SelectFont(CFont("Arial", -5));
+    EXPECT_GE(Dc.GetFontHeight(), 1);
+}
+
+TEST_F(DcTest, BoldTextIsWider) {
+    CDC Dc(m_Bitmap);
+    Dc.SelectFont(CFont("Arial", 20));
+    const int nNormal = Dc.GetTextExtent("Unbalance").cx;
+    Dc.SelectFont(CFont("Arial", 20, CFont::eBold));
+    EXPECT_GT(Dc.GetTextExtent("Unbalance").cx, nNormal);
+}
+
+TEST_F(DcTest, CalcRectMeasuresAndDrawsNothing) {
+    CDC Dc(m_Bitmap);
+    Dc.SelectFont(CFont("Arial", 16));
+    CRect Rect(10, 20, 11, 21);
+    const int nHeight = Dc.DrawText("Plane 1", Rect, DT_SINGLELINE | DT_CALCRECT | DT_RIGHT | DT_BOTTOM);
+    EXPECT_EQ(FindInk(m_Bitmap), std::nullopt);
+    EXPECT_EQ(Rect.TopLeft(), CPoint(10, 20));
+    EXPECT_EQ(Rect.Size(), Dc.GetTextExtent("Plane 1"));
+    EXPECT_EQ(nHeight, Dc.GetFontHeight());
+}
+
+TEST_F(DcTest, LinesOfTextStackUnlessASingleLineIsWanted) {
+    CDC Dc(m_Bitmap);
+    Dc.SelectFont(CFont("Arial", 16));
+    CRect Rect(0, 0, 100, 60);
+    EXPECT_EQ(Dc.DrawText("a\nb", Rect, DT_CALCRECT), 2 * Dc.GetFontHeight());
+    EXPECT_EQ(Dc.DrawText("a\nb", Rect, DT_CALCRECT | DT_SINGLELINE), Dc.GetFontHeight());
+}
+
+/// Where the ink of a text lies in a rectangle of 80 by 40 at (10, 10).
+CRect DrawIn(CBitmap& rBitmap, unsigned Format) {
+    CDC Dc(rBitmap);
+    Dc.SelectFont(CFont("Arial", 16));
+    CRect Rect(10, 10, 90, 50);
+    Dc.DrawText("HH", Rect, Format);
+    return FindInk(rBitmap).value_or(CRect());
+}
+
+TEST_F(DcTest, Flag1IsRightAndFlag2IsCentred) {
+    CBitmap Right({100, 60});
+    CBitmap Centred({100, 60});
+    const CRect AtLeft = DrawIn(m_Bitmap, 36);
+    const CRect AtRight = DrawIn(Right, 37);
+    const CRect AtCentre = DrawIn(Centred, 38);
+    EXPECT_NEAR(AtLeft.left, 10, 2);
+    EXPECT_NEAR(AtRight.right, 90, 2);
+    EXPECT_NEAR(AtCentre.CenterPoint().x, 50, 1);
+    EXPECT_EQ(AtLeft.top, AtRight.top);
+}
+
+TEST_F(DcTest, SingleLinesStandAtTopMiddleOrBottom) {
+    CBitmap Middle({100, 60});
+    CBitmap Bottom({100, 60});
+    const CRect AtTop = DrawIn(m_Bitmap, DT_SINGLELINE | DT_TOP);
+    const CRect AtMiddle = DrawIn(Middle, DT_SINGLELINE | DT_VCENTER);
+    const CRect AtBottom = DrawIn(Bottom, DT_SINGLELINE | DT_BOTTOM);
+    CDC Dc(m_Bitmap);
+    Dc.SelectFont(CFont("Arial", 16));
+    const int nFree = 40 - Dc.GetFontHeight();
+    EXPECT_EQ(AtMiddle.top - AtTop.top, nFree / 2);
+    EXPECT_EQ(AtBottom.top - AtTop.top, nFree);
+    EXPECT_LE(AtBottom.bottom, 50);
+}
+
+TEST_F(DcTest, TextIsNotCutAtItsRectangle) {
+    CDC Dc(m_Bitmap);
+    Dc.SelectFont(CFont("Arial", 16));
+    CRect Rect(40, 20, 45, 25);
+    Dc.DrawText("HHHH", Rect, DT_SINGLELINE | DT_CENTER | DT_VCENTER);
+    const CRect Ink = FindInk(m_Bitmap).value_or(CRect());
+    EXPECT_LT(Ink.left, 40);
+    EXPECT_GT(Ink.right, 45);
+}
+
+TEST_F(DcTest, OpaqueTextFillsItsBackground) {
+    CDC Dc(m_Bitmap);
+    Dc.SelectFont(CFont("Arial", 16));
+    Dc.SetTextColor(c_White);
+    Dc.SetBkColor(c_Green);
+    CRect Rect(10, 10, 90, 50);
+    Dc.DrawText("HH", Rect, DT_SINGLELINE);
+    EXPECT_EQ(FindInk(m_Bitmap), std::nullopt) << "transparent from the start";
+    Dc.SetBkMode(CDC::eOpaque);
+    Dc.DrawText("HH", Rect, DT_SINGLELINE);
+    EXPECT_EQ(FindInk(m_Bitmap), CRect(CPoint(10, 10), Dc.GetTextExtent("HH")));
+}
+
+TEST_F(DcTest, TextOutStandsOnItsBaseLineAndTurnsWithTheEscapement) {
+    CDC Dc(m_Bitmap);
+    Dc.SelectFont(CFont("Arial", 16));
+    Dc.TextOut({20, 40}, "HH");
+    const CRect Level = FindInk(m_Bitmap).value_or(CRect());
+    EXPECT_EQ(Level.bottom, 40);
+    EXPECT_NEAR(Level.left, 20, 2);
+
+    CBitmap Turned({100, 60});
+    CDC TurnedDc(Turned);
+    TurnedDc.SelectFont(CFont("Arial", 16, CFont::eNormal, 900));
+    TurnedDc.TextOut({50, 50}, "HH");
+    const CRect Upright = FindInk(Turned).value_or(CRect());
+    EXPECT_GT(Upright.Height(), Upright.Width()) << "a quarter turn counter-clockwise";
+    EXPECT_NEAR(Upright.bottom, 50, 2);
+    EXPECT_NEAR(Upright.right, 50, 1);
+}
+
+TEST_F(DcTest, TheSameDrawingIsTheSamePicture) {
+    CBitmap Second({100, 60});
+    for (CBitmap* pBitmap : {&m_Bitmap, &Second}) {
+        CDC Dc(*pBitmap);
+        CRect Rect(0, 0, 100, 60);
+        Dc.SelectFont(CFont("Arial", 24, CFont::eBold));
+        Dc.DrawText("123°", Rect, 38);
+        Dc.Arc({50, 30}, 24, 310, 280);
+    }
+    EXPECT_TRUE(m_Bitmap == Second);
+}
+
+}  // namespace
