@@ -54,7 +54,8 @@ std::string Size(std::size_t nMin, std::size_t nMax) {
 CJsonFields::CJsonFields(const json& rValue, std::string Path, Names Known)
     : m_rValue(rValue), m_Path(std::move(Path)) {
     if (!rValue.is_object()) {
-        Refuse(m_Path.empty() ? "the whole" : m_Path, "an object with the fields " + Join(Known), rValue);
+        Refuse(m_Path.empty() ? "the whole" : m_Path,
+               Known.empty() ? "an empty object, {}" : "an object with the fields " + Join(Known), rValue);
     }
     for (const auto& [Name, Value] : rValue.items()) {
         if (std::find(Known.begin(), Known.end(), Name) == Known.end()) {

@@ -46,8 +46,8 @@ std::unique_ptr<CSimulator> CSimulator::Create(const CRotorFile& rFile, std::uni
                                       [](std::uint8_t Address) { return Address == 0 || Address == 255; });
     const bool bDiffer = Addresses.size() < 2 || Addresses[0] != Addresses[1];
     if (Addresses.size() != nModules || !bUsable || !bDiffer) {
-        rError = "give " + std::to_string(nModules) + " different module address" +
-                 (nModules > 1 ? "es" : "") + " from 1 to 254";
+        rError = (nModules == 1) ? "give one module address from 1 to 254"
+                                 : "give two different module addresses from 1 to 254";
         return nullptr;
     }
     return std::unique_ptr<CSimulator>(new CSimulator(rFile, std::move(pLink), Addresses));

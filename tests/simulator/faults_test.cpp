@@ -1,0 +1,175 @@
+#include "simulator/faults.h"
+
+#include "simulator/jsonfields.h"
+#include "simulator/transmitter.h"
+#include "tests/simulator/simulatorfixture.h"
+
+namespace {
+
+using nlohmann::json;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+/// The line of a standing spindle is quiet but for a speed every second, so what comes is what was asked for.
+class FaultsTest : public CSimulatorFixture {
+protected:
+    const Bytes m_Query{0x1C, 0x01, 0x05};
+
+    void SetUp() override { Start(MakePlainRotor()); }
+    void SetFault(const json& rFault) { ASSERT_EQ(Carry({{"fault", rFault}}), json({{"ok", true}})); }
+    std::string SetBadFault(const json& rFault) { return Carry({{"fault", rFault}}).value("error", ""); }
+};
+
+TEST_F(FaultsTest, DropTakesTheNextFramesOnly) {
+    SetFault({{"kind", "drop"}, {"next", 3}});
+    EXPECT_THAT(Ask(m_Query), IsEmpty());
+    EXPECT_THAT(Ask(m_Query), IsEmpty());
+    EXPECT_THAT(Ask(m_Query), IsEmpty());
+    EXPECT_THAT(Ask(m_Query), SizeIs(1));
+}
+
+TEST_F(FaultsTest, DropWithoutANumberTakesOne) {
+    SetFault({{"kind", "drop"}});
+    EXPECT_THAT(Ask(m_Query), IsEmpty());
+    EXPECT_THAT(Ask(m_Query), SizeIs(1));
+}
+
+TEST_F(FaultsTest, CorruptIsFoundByTheCrc) {
+    SetFault({{"kind", "corrupt"}, {"next", 2}});
+    EXPECT_THAT(Ask(m_Query), IsEmpty());
+    EXPECT_THAT(Ask({0x11, 0x01, 0x05, 0x08}), IsEmpty());
+    EXPECT_EQ(m_Decoder.GetBadCrc(), 2U);
+    EXPECT_THAT(Ask(m_Query), SizeIs(1));
+    EXPECT_EQ(m_Decoder.GetBadCrc(), 2U);
+}
+
+TEST_F(FaultsTest, DelayHoldsUntilItIsTakenBack) {
+    SetFault({{"kind", "delay_ms"}, {"value", 600}});
+    Send(m_Query);
+    m_Loop.Advance(602);
+    EXPECT_THAT(GetFramesOf(0x1C), IsEmpty());
+    m_Loop.Advance(1);
+    EXPECT_THAT(GetInstants(0x1C), ElementsAre(603));
+    SetFault({{"kind", "delay_ms"}, {"value", 0}});
+    EXPECT_THAT(Ask(m_Query), SizeIs(1));
+}
+
+TEST_F(FaultsTest, DelayMayBeLimitedToAFewFrames) {
+    SetFault({{"kind", "delay_ms"}, {"value", 100}, {"next", 1}});
+    Send(m_Query);
+    m_Loop.Advance(200);
+    Send(m_Query);
+    m_Loop.Advance(200);
+    EXPECT_THAT(GetInstants(0x1C), ElementsAre(103, 203));
+}
+
+// A serial line can't overtake itself.
+TEST_F(FaultsTest, FramesBehindALateOneAreLateToo) {
+    SetFault({{"kind", "delay_ms"}, {"value", 300}, {"next", 1}});
+    Send({0x10, 0x01, 0x05, 0x00});
+    m_Loop.Advance(50);
+    Send(m_Query);
+    m_Loop.Advance(500);
+    ASSERT_THAT(m_Arrivals, SizeIs(2));
+    EXPECT_EQ(m_Arrivals[0].m_Frame[0], 0x10);
+    EXPECT_EQ(m_Arrivals[0].m_At, 303U);
+    EXPECT_EQ(m_Arrivals[1].m_Frame[0], 0x1C);
+    EXPECT_EQ(m_Arrivals[1].m_At, 303U);
+}
+
+TEST_F(FaultsTest, SilenceEndsByItself) {
+    SetFault({{"kind", "silence_ms"}, {"value", 2500}});
+    EXPECT_THAT(Ask(m_Query), IsEmpty());
+    m_Loop.Advance(2479);
+    m_Arrivals.clear();
+    Send(m_Query);
+    m_Loop.RunPosted();  // asked in the last millisecond of the silence
+    m_Loop.Advance(10);
+    EXPECT_THAT(m_Arrivals, IsEmpty());
+    EXPECT_THAT(Ask(m_Query), SizeIs(1));
+}
+
+TEST_F(FaultsTest, SilenceTakesIndicationsToo) {
+    SetFault({{"kind", "silence_ms"}, {"value", 1500}});
+    m_Loop.Advance(3500);
+    EXPECT_THAT(GetInstants(0x1C), ElementsAre(2000, 3000));
+}
+
+TEST_F(FaultsTest, OnlyAnswersLeavesIndicationsAlone) {
+    RunUp(3000);
+    SetFault({{"kind", "drop"}, {"next", 2}, {"only", "answers"}});
+    m_Loop.Advance(1000);
+    EXPECT_EQ(GetFramesOf(0x1E).size(), 20U);
+    EXPECT_THAT(Ask(m_Query), IsEmpty());
+    EXPECT_THAT(Ask(m_Query), IsEmpty());
+    EXPECT_THAT(Ask(m_Query), SizeIs(1));
+}
+
+TEST_F(FaultsTest, OnlyIndicationsLeavesAnswersAlone) {
+    SetFault({{"kind", "drop"}, {"next", 1}, {"only", "indications"}});
+    EXPECT_THAT(Ask(m_Query), SizeIs(1));
+    m_Arrivals.clear();
+    m_Loop.Advance(2100);
+    EXPECT_THAT(GetInstants(0x1C), ElementsAre(2000));
+}
+
+TEST_F(FaultsTest, KindsWorkSideBySide) {
+    SetFault({{"kind", "drop"}, {"next", 1}});
+    SetFault({{"kind", "corrupt"}, {"next", 1}});
+    EXPECT_THAT(Ask(m_Query), IsEmpty());
+    EXPECT_EQ(m_Decoder.GetBadCrc(), 0U);  // the dropped one doesn't use up the other's count
+    EXPECT_THAT(Ask(m_Query), IsEmpty());
+    EXPECT_EQ(m_Decoder.GetBadCrc(), 1U);
+    EXPECT_THAT(Ask(m_Query), SizeIs(1));
+}
+
+TEST_F(FaultsTest, AFaultAgainReplacesTheFormer) {
+    SetFault({{"kind", "drop"}, {"next", 100}});
+    SetFault({{"kind", "drop"}, {"next", 0}});
+    EXPECT_THAT(Ask(m_Query), SizeIs(1));
+}
+
+TEST_F(FaultsTest, UnknownOnesAreRefusedWithWhatWouldBeRight) {
+    EXPECT_EQ(SetBadFault({{"kind", "explode"}}),
+              "fault.kind must be one of drop, corrupt, delay_ms, silence_ms, not \"explode\"");
+    EXPECT_EQ(SetBadFault({{"next", 3}}), "fault.kind is missing");
+    EXPECT_EQ(SetBadFault({{"kind", "drop"}, {"next", -1}}),
+              "fault.next must be a whole number from 0 to 1000000, not -1");
+    EXPECT_EQ(SetBadFault({{"kind", "drop"}, {"value", 5}}),
+              "fault.value belongs to delay_ms and silence_ms; drop and corrupt take next");
+    EXPECT_EQ(SetBadFault({{"kind", "delay_ms"}}), "fault.value is missing");
+    EXPECT_EQ(SetBadFault({{"kind", "silence_ms"}, {"value", 1}, {"next", 1}}),
+              "fault.next belongs to drop, corrupt and delay_ms; silence_ms takes value");
+    EXPECT_EQ(SetBadFault({{"kind", "delay_ms"}, {"value", 1.5}}),
+              "fault.value must be a whole number from 0 to 3600000, not 1.5");
+    EXPECT_EQ(SetBadFault({{"kind", "drop"}, {"only", "some"}}),
+              "fault.only must be one of answers, indications, not \"some\"");
+    EXPECT_EQ(SetBadFault({{"kind", "drop"}, {"count", 3}}),
+              "unknown field \"fault.count\", known here: kind, next, value, only");
+    EXPECT_THAT(Ask(m_Query), SizeIs(1));  // and nothing has come of them
+}
+
+// Whatever the frame holds, framing bytes included, one bit is enough and the frame keeps its length.
+TEST(TransmitterTest, CorruptingSparesTheFramingAndIsFoundByTheCrc) {
+    for (int nValue = 0; nValue < 256; ++nValue) {
+        const auto Value = static_cast<std::uint8_t>(nValue);
+        const std::vector<std::uint8_t> Frame{0x1E, 0x05, 0x00, Value, Value, Value, Value};
+        const std::vector<std::uint8_t> Good = LineDiscipline::Encode(Frame);
+        std::vector<std::uint8_t> Bad = Good;
+        CTransmitter::Corrupt(Bad);
+        int nDifferent = 0;
+        for (std::size_t nIndex = 0; nIndex < Good.size(); ++nIndex) {
+            nDifferent += Good[nIndex] != Bad[nIndex];
+        }
+        EXPECT_EQ(nDifferent, 1);
+        int nFrames = 0;
+        LineDiscipline::CDecoder Decoder([&nFrames](std::span<const std::uint8_t>) { ++nFrames; });
+        Decoder.Put(Bad);
+        Decoder.Put(Good);
+        EXPECT_EQ(nFrames, 1) << nValue;
+        EXPECT_EQ(Decoder.GetBadCrc(), 1U) << nValue;
+    }
+}
+
+}  // namespace
