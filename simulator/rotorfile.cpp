@@ -1,11 +1,11 @@
 #include "simulator/rotorfile.h"
 
 #include <algorithm>
-#include <fstream>
 #include <iterator>
 #include <nlohmann/json.hpp>
 #include <string_view>
 
+#include "platform/system/files.h"
 #include "simulator/jsonfields.h"
 
 using nlohmann::json;
@@ -125,13 +125,12 @@ CRotorFile CRotorFile::GetBuiltIn(Modules Family) {
 
 std::optional<CRotorFile> CRotorFile::Read(const std::string& rPath, std::string& rError,
                                            std::optional<Modules> Family) {
-    std::ifstream Stream(rPath, std::ios::binary);
-    const std::string Text{std::istreambuf_iterator<char>(Stream), {}};
-    if (!Stream) {
+    const auto Contents = Files::ReadAll(rPath);
+    if (!Contents) {
         rError = rPath + ": can't be read; give the path of a rotor file";
         return std::nullopt;
     }
-    auto File = Parse(Text, rError, Family);
+    auto File = Parse({Contents->begin(), Contents->end()}, rError, Family);
     if (!File) {
         rError = rPath + ": " + rError;
     }

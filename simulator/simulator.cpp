@@ -34,7 +34,7 @@ const CSimulator::CRequestKind CSimulator::ms_Requests[] = {
 std::unique_ptr<CSimulator> CSimulator::Create(const CRotorFile& rFile, std::unique_ptr<IFByteLink> pLink,
                                                std::vector<std::uint8_t> Addresses, std::string& rError) {
     if (rFile.m_Modules == CRotorFile::eLanner) {
-        rError = "modules lanner can't be simulated yet; use kestrel or kestrel-pair";
+        rError = "modules: lanner can't be simulated yet; use kestrel or kestrel-pair";
         return nullptr;
     }
     const std::size_t nModules = (rFile.m_Modules == CRotorFile::eKestrelPair) ? 2 : 1;
@@ -46,8 +46,8 @@ std::unique_ptr<CSimulator> CSimulator::Create(const CRotorFile& rFile, std::uni
                                       [](std::uint8_t Address) { return Address == 0 || Address == 255; });
     const bool bDiffer = Addresses.size() < 2 || Addresses[0] != Addresses[1];
     if (Addresses.size() != nModules || !bUsable || !bDiffer) {
-        rError = (nModules == 1) ? "give one module address from 1 to 254"
-                                 : "give two different module addresses from 1 to 254";
+        rError = (nModules == 1) ? "addresses: give one module address from 1 to 254"
+                                 : "addresses: give two different module addresses from 1 to 254";
         return nullptr;
     }
     return std::unique_ptr<CSimulator>(new CSimulator(rFile, std::move(pLink), Addresses));

@@ -34,6 +34,7 @@ TEST_F(SimulatorTest, TellsItsState) {
     EXPECT_EQ(State["nominal_rpm"], 3000.0);
     EXPECT_EQ(State["lock"], true);
     EXPECT_EQ(State["invalid"], true);
+    EXPECT_EQ(State["unbalance"], json::parse(R"([{"amount": 0.5, "angle_deg": 90.0}])"));
     ASSERT_EQ(State["residual"].size(), 1U);
     EXPECT_NEAR(State["residual"][0]["amount"].get<double>(), 0.5, 1e-12);
     EXPECT_NEAR(State["residual"][0]["angle_deg"].get<double>(), 90.0, 1e-9);
@@ -205,12 +206,14 @@ TEST_P(SimulatorAddressTest, IsRefused) {
 INSTANTIATE_TEST_SUITE_P(
     Bad, SimulatorAddressTest,
     testing::Values(
-        CAddressCase{CRotorFile::eKestrel, {0}, "give one module address from 1 to 254"},
-        CAddressCase{CRotorFile::eKestrel, {255}, "give one module address from 1 to 254"},
-        CAddressCase{CRotorFile::eKestrel, {5, 6}, "give one module address from 1 to 254"},
-        CAddressCase{CRotorFile::eKestrelPair, {5}, "give two different module addresses from 1 to 254"},
-        CAddressCase{CRotorFile::eKestrelPair, {5, 5}, "give two different module addresses from 1 to 254"},
+        CAddressCase{CRotorFile::eKestrel, {0}, "addresses: give one module address from 1 to 254"},
+        CAddressCase{CRotorFile::eKestrel, {255}, "addresses: give one module address from 1 to 254"},
+        CAddressCase{CRotorFile::eKestrel, {5, 6}, "addresses: give one module address from 1 to 254"},
         CAddressCase{
-            CRotorFile::eLanner, {}, "modules lanner can't be simulated yet; use kestrel or kestrel-pair"}));
+            CRotorFile::eKestrelPair, {5}, "addresses: give two different module addresses from 1 to 254"},
+        CAddressCase{
+            CRotorFile::eKestrelPair, {5, 5}, "addresses: give two different module addresses from 1 to 254"},
+        CAddressCase{
+            CRotorFile::eLanner, {}, "modules: lanner can't be simulated yet; use kestrel or kestrel-pair"}));
 
 }  // namespace

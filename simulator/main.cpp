@@ -1,0 +1,152 @@
+// The simulator as a program of its own: frames of the balancing modules on one link, the machine's control
+// link on another, until it is interrupted.
+#include <sys/signalfd.h>
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <QCoreApplication>
+#include <QSocketNotifier>
+#include <csignal>
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/qt/qteventloop.h"
+#include "platform/rvcom/bytelink.h"
+#include "simulator/machineserver.h"
+#include "simulator/rotorfile.h"
+#include "simulator/simulator.h"
+
+namespace {
+
+constexpr int eBadArguments = 3;
+
+struct COptions {
+    std::string m_Frames;
+    std::string m_Machine;
+    std::string m_Rotor;
+    std::string m_Modules;
+    std::vector<std::uint8_t> m_Addresses;
+};
+
+/// One line, as scripts and service staff expect it.
+int Fail(std::string Text) {
+    for (char& rCharacter : Text) {
+        rCharacter = (rCharacter == '\n') ? ' ' : rCharacter;
+    }
+    std::fprintf(stderr, "simulator: %s\n", Text.c_str());
+    return eBadArguments;
+}
+
+void Announce(const char* pWhat, const std::string& rLink) {
+    std::printf("%s on %s\n", pWhat, rLink.c_str());
+    std::fflush(stdout);
+}
+
+/// Tells of SIGINT and SIGTERM as readable bytes, so that the loop ends in good order and links are taken
+/// down. Has to be called before there are threads, which inherit what is blocked.
+int BlockEndSignals() {
+    sigset_t Signals;
+    sigemptyset(&Signals);
+    sigaddset(&Signals, SIGINT);
+    sigaddset(&Signals, SIGTERM);
+    sigprocmask(SIG_BLOCK, &Signals, nullptr);
+    return signalfd(-1, &Signals, SFD_CLOEXEC | SFD_NONBLOCK);
+}
+
+int RunSimulator(const COptions& rOptions, int SignalFile) {
+    std::optional<CRotorFile::Modules> Family;
+    if (!rOptions.m_Modules.empty()) {
+        Family = CRotorFile::ModulesFromString(rOptions.m_Modules);
+        if (!Family) {
+            return Fail("--modules must be one of kestrel, kestrel-pair, lanner, not \"" +
+                        rOptions.m_Modules + "\"");
+        }
+    }
+    std::string Error;
+    const auto Rotor = rOptions.m_Rotor.empty()
+                           ? CRotorFile::GetBuiltIn(Family.value_or(CRotorFile::eKestrel))
+                           : CRotorFile::Read(rOptions.m_Rotor, Error, Family);
+    if (!Rotor) {
+        return Fail("--rotor " + Error);
+    }
+    auto pLink = MakeListeningLink(rOptions.m_Frames, Error);
+    if (!pLink) {
+        return Fail("--frames " + Error);
+    }
+
+    CQtEventLoop Loop;
+    bool bReady = false;
+    int nExit = 0;
+    pLink->OnClosed = [&](const std::string& rWhy) {
+        // Once it listens, a client that goes is nothing special.
+        if (!bReady) {
+            nExit = Fail("--frames " + rOptions.m_Frames + " can't be opened: " + rWhy);
+            Loop.Quit();
+        }
+    };
+    const auto pSimulator = CSimulator::Create(*Rotor, std::move(pLink), rOptions.m_Addresses, Error);
+    if (!pSimulator) {
+        return Fail(Error);
+    }
+    CMachineServer Server(*pSimulator);
+    if (!rOptions.m_Machine.empty() && !Server.Listen(rOptions.m_Machine, Error)) {
+        return Fail("--machine " + rOptions.m_Machine + " can't be opened: " + Error);
+    }
+    QSocketNotifier Signals(SignalFile, QSocketNotifier::Read);
+    QObject::connect(&Signals, &QSocketNotifier::activated, [&Loop] { Loop.Quit(); });
+
+    pSimulator->Open();
+    // A link that can't be opened has queued its complaint by now.
+    Loop.Post([&] {
+        if (nExit != 0) {
+            return;
+        }
+        bReady = true;
+        Announce("frames", pSimulator->GetLink().GetName());
+        if (rOptions.m_Machine.empty()) {
+            // Nobody can command a speed, so the spindle is brought to the rotor's own.
+            pSimulator->Carry({{"speed", Rotor->m_SpeedRpm}});
+        } else {
+            Announce("machine", Server.GetName());
+        }
+    });
+    Loop.Run();
+    return nExit;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const int SignalFile = BlockEndSignals();
+    QCoreApplication Application(argc, argv);
+
+    COptions Options;
+    CLI::App App{"A rotor on a spindle with its balancing modules: frames on one link, control on another"};
+    App.add_option(
+           "--frames", Options.m_Frames,
+           "where the modules' frames go: tcp:HOST:PORT (listens, port 0 takes a free one) or pty:PATH")
+        ->required();
+    App.add_option(
+        "--machine", Options.m_Machine,
+        "tcp:HOST:PORT to listen at for the machine's control link; without it the spindle turns at "
+        "the rotor's speed");
+    App.add_option("--rotor", Options.m_Rotor, "rotor file; without it a built-in rotor");
+    App.add_option("--modules", Options.m_Modules,
+                   "kestrel, kestrel-pair or lanner in place of the rotor file's");
+    App.add_option("--addresses", Options.m_Addresses, "A[,B], the modules' addresses; 5 and 6 without it")
+        ->delimiter(',');
+    try {
+        App.parse(argc, argv);
+    } catch (const CLI::Success& rHelp) {
+        return App.exit(rHelp);
+    } catch (const CLI::ParseError& rError) {
+        return Fail(std::string(rError.what()) + "; --help tells the options");
+    }
+    const int nExit = RunSimulator(Options, SignalFile);
+    close(SignalFile);
+    return nExit;
+}
