@@ -318,7 +318,7 @@ void CWeightBalancingMethod::RepeatMove(int Sign) {
         m_AngleWeight1 += Sign * m_Step - m_FirstStep;
         m_FirstStep = 0;
     } else if (m_ActiveWeight == 2) {
-        // An increment adds a rest of the first step, all others take it away: deliberate.
+        // An increment adds a rest of the first step, all others take it away: deliberate. No key leaves one.
         m_AngleWeight2 += Sign * m_Step + (Sign > 0 ? m_FirstStep : -m_FirstStep);
         m_FirstStep = 0;
     }
