@@ -31,6 +31,10 @@ if(ROTOR_TRIM_SANITIZE)
         -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(project_options INTERFACE -fsanitize=address,undefined)
 endif()
+if(ROTOR_TRIM_LIBFUZZER)
+    # Coverage of the code under test, not of the fuzz target alone: it is what the search goes by.
+    target_compile_options(project_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
 
 find_program(LLD_PROGRAM ld.lld)
 if(LLD_PROGRAM)

@@ -1,6 +1,5 @@
 #pragma once
 #include <cstdint>
-#include <source_location>
 #include <span>
 
 #include "rvlib/rvprt/log.h"
@@ -10,15 +9,18 @@ namespace Protocols {
 /// A group of lines under a heading, for as long as it lives. Writes nothing while its topic is off.
 class CLogBlock {
 public:
-    /// A message's fields, headed by its class's name, on the topic "ProtocolDetail".
-    explicit CLogBlock(const char* pClassName, std::source_location Where = std::source_location::current())
-        : CLogBlock(eProtocolDetailTopic, "ProtocolDetail", pClassName, Where) {}
+    /// A message's fields, headed by its class's name, on the topic "ProtocolDetail". The place is the
+    /// caller's; std::source_location, which says the same, is missing in clang 14, and the fuzz targets and
+    /// clang-tidy need that compiler.
+    explicit CLogBlock(const char* pClassName, const char* pFile = __builtin_FILE(),
+                       int Line = __builtin_LINE(), const char* pFunction = __builtin_FUNCTION())
+        : CLogBlock(eProtocolDetailTopic, "ProtocolDetail", pClassName, pFile, Line, pFunction) {}
     CLogBlock(std::uint32_t Mask, const char* pTopic, const char* pHeading,
-              std::source_location Where = std::source_location::current())
+              const char* pFile = __builtin_FILE(), int Line = __builtin_LINE(),
+              const char* pFunction = __builtin_FUNCTION())
         : m_Mask(Mask), m_bOpen(g_pLog != nullptr && (g_pLog->GetLevel() & Mask) != 0) {
         if (m_bOpen) {
-            g_pLog->LogStartBlock(Where.file_name(), static_cast<int>(Where.line()), Where.function_name(),
-                                  Mask, pTopic, pHeading);
+            g_pLog->LogStartBlock(pFile, Line, pFunction, Mask, pTopic, pHeading);
         }
     }
     ~CLogBlock() {
