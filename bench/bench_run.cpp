@@ -14,6 +14,7 @@ COptions MakeOptions(COptions::Procedure Procedure) {
     COptions Options;
     Options.m_bHeadless = true;
     Options.m_Procedure = Procedure;
+    Options.m_ModuleLibrary = BENCH_BIN_DIR "/librtr_trim.so";
     return Options;
 }
 

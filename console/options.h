@@ -27,6 +27,8 @@ struct COptions {
     /// Whether the spindle already turns when a procedure starts. For whole runs in tests, not on the command
     /// line.
     bool m_bStartTurning = false;
+    /// The window module; empty: beside the running program. For programs elsewhere, not on the command line.
+    std::string m_ModuleLibrary;
 
     bool IsSimulated() const { return m_Link == "sim"; }
     /// Virtual time is the default of a headless run on the simulator in this process.

@@ -71,7 +71,8 @@ CConsoleSession::CConsoleSession(const COptions& rOptions, const CRotorFile* pRo
     m_Host.OnChanged = Changed;
     OpenLink(pRotor);
     try {
-        m_pLibrary = std::make_unique<CModuleLibrary>(CModuleLibrary::GetDefaultPath());
+        m_pLibrary = std::make_unique<CModuleLibrary>(
+            m_Options.m_ModuleLibrary.empty() ? CModuleLibrary::GetDefaultPath() : m_Options.m_ModuleLibrary);
     } catch (const std::runtime_error& rError) {
         throw CSessionError(rError.what());
     }

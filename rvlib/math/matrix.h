@@ -28,9 +28,9 @@ public:
     matrix(std::uint32_t Rows, std::uint32_t Columns) : m_pRep(new CRep(Rows, Columns)) {}
     matrix(const matrix& rOther) : m_pRep(rOther.m_pRep) { ++m_pRep->ReferenceCount; }
     matrix& operator=(const matrix& rOther) {
-        ++rOther.m_pRep->ReferenceCount;  // first, so that self-assignment is harmless
-        Release();
-        m_pRep = rOther.m_pRep;
+        // The source's count is raised before the old elements are released, so self-assignment is harmless.
+        matrix Copy(rOther);
+        std::swap(m_pRep, Copy.m_pRep);
         return *this;
     }
     ~matrix() { Release(); }
@@ -283,7 +283,7 @@ private:
     void MakeExclusive() {
         if (m_pRep->ReferenceCount > 1) {
             CRep* pClone = new CRep(m_pRep->RowCount, m_pRep->ColumnCount, *m_pRep);
-            Release();
+            --m_pRep->ReferenceCount;  // never the last sharer
             m_pRep = pClone;
         }
     }
