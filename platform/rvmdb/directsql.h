@@ -45,6 +45,8 @@ public:
     /// The connection as text for people, without the password.
     const std::string& GetName() const;
     bool IsSqlite() const;
+    /// Text of a CDatabaseError for a failure while the store is opened.
+    std::string GetUnusableText(const CSqlError& rError) const;
 
     /// Runs a statement; the result is the number of rows that it changed. Throws CSqlError.
     int Execute(const std::string& rStatement, const std::vector<CValue>& rValues = {});

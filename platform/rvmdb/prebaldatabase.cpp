@@ -44,8 +44,7 @@ CPreBalDatabase::Impl::Impl(CPreBalDatabase& rOwner, const std::string& rMachine
         }
         SetDefaults();
     } catch (const CSqlError& rError) {
-        throw CDatabaseError(m_Connection.GetName() + " can't be used for machine \"" + m_MachineName +
-                             "\": " + rError.what() + "; the user needs the right to write to it");
+        throw CDatabaseError(m_Connection.GetUnusableText(rError));
     }
 }
 

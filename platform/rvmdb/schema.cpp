@@ -180,10 +180,7 @@ void Prepare(CDirectSQL& rConnection) {
             Migrate(rConnection);
         }
     } catch (const CSqlError& rError) {
-        Refuse(rConnection,
-               std::string("can't be used: ") + rError.what() +
-                   "; if it is damaged put a backup in its place, if rights are missing give them to the "
-                   "user for the file and its directory");
+        throw CDatabaseError(rConnection.GetUnusableText(rError));
     }
 }
 
