@@ -94,6 +94,8 @@ protected:
     using CMeasurementSubState::StopMeasurement;
     using CMeasurementSubState::UpdateOutOfLock;
     using CMeasurementSubState::UpdateRPM;
+    using CStatusView::GetCalibratedText;
+    using CStatusView::GetCurrentText;
     using CStatusView::SetCalibratedRPM;
 
     CPreBalNotification m_Notification;         ///< the last one

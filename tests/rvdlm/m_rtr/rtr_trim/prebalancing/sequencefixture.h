@@ -200,7 +200,11 @@ public:
     using CBalancingSequence::Enter;
     using CBalancingSequence::SetEvent;
     using CPreBalancing::CanMeasure;
+    using CPreBalancing::GetCalibratedText;
+    using CPreBalancing::GetCurrentText;
     const CPreBalNotification& GetNotification() const { return m_Notification; }
+    int GetIgnoreRebalWeights() const { return m_IgnoreRebalWeights; }
+    int GetUseOldWeightChangeMenu() const { return m_UseOldWeightChangeMenu; }
 
 private:
     static CPlane MakePlane(std::unique_ptr<CPlaneBalancingMethod> pMethod,
