@@ -3,15 +3,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <unistd.h>
-
-#include <algorithm>
 #include <array>
 #include <cmath>
-#include <filesystem>
 #include <fstream>
 #include <numbers>
 #include <optional>
+
+#include "tests/support/pixels.h"
+#include "tests/support/tempdirectory.h"
 
 namespace {
 
@@ -19,41 +18,6 @@ constexpr COLORREF c_White = RGB(255, 255, 255);
 constexpr COLORREF c_Black = RGB(0, 0, 0);
 constexpr COLORREF c_Red = RGB(255, 0, 0);
 constexpr COLORREF c_Green = RGB(0, 255, 0);
-
-/// The smallest rectangle around all pixels that aren't white.
-std::optional<CRect> FindInk(const CBitmap& rBitmap) {
-    std::optional<CRect> Ink;
-    for (int y = 0; y < rBitmap.GetSize().cy; ++y) {
-        for (int x = 0; x < rBitmap.GetSize().cx; ++x) {
-            if (rBitmap.GetPixel(x, y) != c_White) {
-                if (!Ink) {
-                    Ink = CRect(x, y, x + 1, y + 1);
-                }
-                Ink->left = std::min(Ink->left, x);
-                Ink->right = std::max(Ink->right, x + 1);
-                Ink->bottom = y + 1;
-            }
-        }
-    }
-    return Ink;
-}
-
-int CountPixels(const CBitmap& rBitmap, COLORREF Color) {
-    int nCount = 0;
-    for (int y = 0; y < rBitmap.GetSize().cy; ++y) {
-        for (int x = 0; x < rBitmap.GetSize().cx; ++x) {
-            nCount += rBitmap.GetPixel(x, y) == Color ? 1 : 0;
-        }
-    }
-    return nCount;
-}
-
-/// The edges of curves are smooth, so a pixel there may be a shade off.
-bool IsAlmost(COLORREF Color, COLORREF Wanted) {
-    return std::abs(GetRValue(Color) - GetRValue(Wanted)) < 16 &&
-           std::abs(GetGValue(Color) - GetGValue(Wanted)) < 16 &&
-           std::abs(GetBValue(Color) - GetBValue(Wanted)) < 16;
-}
 
 TEST(BitmapTest, StartsEmptyAndIsWhiteWhenMade) {
     CBitmap Bitmap;
@@ -90,15 +54,7 @@ TEST(BitmapTest, WhatWasMovedFromIsEmptyAndUsable) {
 
 class PngTest : public testing::Test {
 protected:
-    PngTest()
-        : m_Directory(std::filesystem::temp_directory_path() / ("png_test_" + std::to_string(::getpid()))) {
-        std::filesystem::create_directories(m_Directory);
-    }
-    ~PngTest() override { std::filesystem::remove_all(m_Directory); }
-    std::string Path(const char* pName) const { return (m_Directory / pName).string(); }
-
-private:
-    std::filesystem::path m_Directory;
+    CTempDirectory m_Directory;
 };
 
 TEST_F(PngTest, APictureComesBackFromItsFileAsItWas) {
@@ -109,20 +65,20 @@ TEST_F(PngTest, APictureComesBackFromItsFileAsItWas) {
         Dc.SelectBrush(CBrush(RGB(200, 100, 50)));
         Dc.Ellipse({8, 0, 20, 10});
     }
-    ASSERT_TRUE(Bitmap.SavePng(Path("a.png")));
+    ASSERT_TRUE(Bitmap.SavePng(m_Directory.At("a.png")));
     CBitmap Loaded;
-    ASSERT_TRUE(Loaded.LoadPng(Path("a.png")));
+    ASSERT_TRUE(Loaded.LoadPng(m_Directory.At("a.png")));
     EXPECT_TRUE(Loaded == Bitmap);
 }
 
 TEST_F(PngTest, FailuresAreReportedAndLeaveTheBitmap) {
     CBitmap Bitmap({2, 2});
-    EXPECT_FALSE(Bitmap.SavePng(Path("no/such/directory.png")));
-    EXPECT_FALSE(Bitmap.LoadPng(Path("missing.png")));
-    std::ofstream(Path("bad.png")) << "no picture";
-    EXPECT_FALSE(Bitmap.LoadPng(Path("bad.png")));
+    EXPECT_FALSE(Bitmap.SavePng(m_Directory.At("no/such/directory.png")));
+    EXPECT_FALSE(Bitmap.LoadPng(m_Directory.At("missing.png")));
+    std::ofstream(m_Directory.At("bad.png")) << "no picture";
+    EXPECT_FALSE(Bitmap.LoadPng(m_Directory.At("bad.png")));
     EXPECT_EQ(Bitmap.GetSize(), CSize(2, 2));
-    EXPECT_FALSE(CBitmap().SavePng(Path("empty.png")));
+    EXPECT_FALSE(CBitmap().SavePng(m_Directory.At("empty.png")));
 }
 
 class DcTest : public testing::Test {
