@@ -1,5 +1,6 @@
 // The configuration pane: its database.
 #include "platform/rvldb/gettext.h"
+#include "platform/system/files.h"
 #include "platform/window/messagebox.h"
 #include "rvdlm/m_rtr/rtr_trim/log.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalconfigtabs.h"
@@ -15,7 +16,7 @@ constexpr std::uint8_t eUnknownSensor = 255;
 /// Where the database lies if the host hasn't said.
 void SetDefaultConnection() {
     if (GetDatabaseConnection().empty()) {
-        SetDatabaseConnection("sqlite:" + GetConfigDirectory().Append("prebal.db").GetText());
+        SetDatabaseConnection("sqlite:" + Files::ToNative(GetConfigDirectory().Append("prebal.db")));
     }
 }
 
@@ -59,9 +60,6 @@ int CPreBalConfigTabs::InitDatabase(const std::string& rKey, std::uint8_t Sensor
     m_ProximitySwitchInput = Input;
     try {
         m_pDatabase = std::make_unique<CPreBalDatabase>(rKey);
-        if (m_pDatabase->GetScrewTableNames().IsEmpty()) {
-            m_pDatabase->TestAndSetDefaults();
-        }
         m_ConfigDlg.SetBalancingConfigurations(GetProcessNames(), false);
         m_ScrewTableDlg.SetScrewTables(m_pDatabase->GetScrewTableNames(), false);
     } catch (const CDatabaseError& rError) {

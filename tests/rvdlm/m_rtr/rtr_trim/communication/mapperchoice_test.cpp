@@ -1,0 +1,106 @@
+#include "rvdlm/m_rtr/rtr_trim/communication/mapperchoice.h"
+
+#include <gmock/gmock.h>
+
+#include <set>
+
+#include "platform/system/virtualeventloop.h"
+#include "rvdlm/m_rtr/rtr_trim/communication/planehandler.h"
+#include "tests/support/logcapture.h"
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+namespace {
+
+/// Hears which modules are asked: the third byte of a frame is its destination.
+class CListener : public IFFromCommunication {
+public:
+    void SendRawData(const std::uint8_t* pData, std::uint32_t nSize) override {
+        m_Frames.emplace_back(pData, pData + nSize);
+    }
+    void OnQueryModuleIdentification(Reason, const std::string*, const std::uint32_t*) override {}
+    void OnSetRequest(Reason, const CSet*) override {}
+    void OnModuleState(Reason, const std::uint32_t*, const std::uint32_t*, const std::uint32_t*,
+                       const std::uint32_t*, const std::uint32_t*, const std::uint32_t*) override {}
+    void OnRPMData(Reason, const std::uint32_t*, const std::uint32_t*) override {}
+    void OnUnbalanceXYValues(Reason, const std::uint32_t*, const std::uint32_t*,
+                             const std::uint32_t*) override {}
+
+    std::vector<std::vector<std::uint8_t>> m_Frames;
+};
+
+class CMapperChoiceTest : public testing::Test {
+protected:
+    /// Frames that a query of both or one module takes.
+    std::size_t CountModules(LPARAM Flags) {
+        const auto pMapper = MakeMapper(m_Listener, 5, CInitFlags(Flags));
+        EXPECT_NE(dynamic_cast<CPlaneHandler*>(pMapper.get()), nullptr);
+        m_Listener.m_Frames.clear();
+        if (pMapper != nullptr) {
+            pMapper->QueryUnbalanceXYValues();
+        }
+        return m_Listener.m_Frames.size();
+    }
+
+    CVirtualEventLoop m_Loop;
+    CLogCapture m_Log;
+    CListener m_Listener;
+};
+
+TEST(CInitFlagsTest, FieldsLieWhereTheHostPutsThem) {
+    constexpr CInitFlags Flags(0x05020601);
+    EXPECT_EQ(Flags.GetBalancingMode(), PreBalDB::CPreBalDatabase::eModePlane2);
+    EXPECT_EQ(Flags.GetSlaveAddress(), 6);
+    EXPECT_EQ(Flags.GetIdentification(), 2);
+    EXPECT_EQ(Flags.GetHardwareType(), 5);
+    EXPECT_EQ(Flags.GetPlane(), 1);
+    EXPECT_TRUE(Flags.HasSlave());
+    EXPECT_TRUE(Flags.IsKestrel());
+    EXPECT_FALSE(Flags.IsLanner());
+}
+
+TEST(CInitFlagsTest, ZeroAndAllOnesAreNoSlave) {
+    EXPECT_FALSE(CInitFlags(0x010000).HasSlave());
+    EXPECT_FALSE(CInitFlags(0x01FF00).HasSlave());
+    EXPECT_TRUE(CInitFlags(0x01FE00).HasSlave());
+}
+
+// Hosts may fill the upper half of a 64-bit parameter by sign extension.
+TEST(CInitFlagsTest, BitsAboveTheFieldsDoNotCount) {
+    EXPECT_EQ(CInitFlags(static_cast<LPARAM>(static_cast<std::int32_t>(0xFF010002))).GetHardwareType(), 0xFF);
+}
+
+TEST_F(CMapperChoiceTest, KestrelWithoutSlaveIsOneModule) {
+    EXPECT_EQ(CountModules(0x010000), 1U);
+    EXPECT_EQ(CountModules(0x020000), 1U);
+    EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
+}
+
+TEST_F(CMapperChoiceTest, KestrelWithSlaveIsTwoModules) {
+    EXPECT_EQ(CountModules(0x010602), 2U);
+    EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
+}
+
+TEST_F(CMapperChoiceTest, ASlaveInAnotherModeIsAssertedAndUsed) {
+    EXPECT_EQ(CountModules(0x010600), 2U);
+    EXPECT_THAT(m_Log.GetAssertions(), ElementsAre("Slave address with incorrect balancing mode!"));
+}
+
+TEST_F(CMapperChoiceTest, IdentificationNineIsALannerModule) {
+    EXPECT_EQ(MakeMapper(m_Listener, 9, CInitFlags(0x090000)), nullptr);
+    EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
+    EXPECT_THAT(m_Log.GetTexts("Error"), ElementsAre(HasSubstr("no mapper for Lanner modules")));
+}
+
+TEST_F(CMapperChoiceTest, UnknownIdentificationsCountAsLannerAfterAnAssertion) {
+    for (const LPARAM Identification : {0, 3, 8, 10, 255}) {
+        m_Log.Clear();
+        EXPECT_EQ(MakeMapper(m_Listener, 5, CInitFlags(Identification << 16)), nullptr);
+        EXPECT_THAT(m_Log.GetAssertions(), ElementsAre("Unknown module! Trying to use Lanner mapper..."));
+        EXPECT_THAT(m_Log.GetTexts("Error"), ElementsAre(HasSubstr("no mapper for Lanner modules")));
+    }
+}
+
+}  // namespace

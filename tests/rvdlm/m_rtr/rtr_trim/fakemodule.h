@@ -1,0 +1,40 @@
+#pragma once
+#include <string>
+#include <vector>
+
+#include "rvdlm/m_rtr/rtr_trim/communication/iftocommunication.h"
+
+/// What the tests see of a module: outlives the mapper that the window owns.
+struct CFakeModuleRecord {
+    /// The queries in order, and "frame" with the bytes of each frame.
+    std::vector<std::string> m_Calls;
+    /// What queries answer.
+    int m_Sent = 1;
+};
+
+/// A mapper without a module behind it: remembers what it was asked.
+class CFakeModule : public IFToCommunication {
+public:
+    explicit CFakeModule(CFakeModuleRecord& rRecord) : m_rRecord(rRecord) {}
+
+    int PutReceivedModuleData(const std::uint8_t* pData, std::uint32_t nSize) override {
+        std::string Call = "frame";
+        for (std::uint32_t i = 0; i < nSize; ++i) {
+            Call += " " + std::to_string(pData[i]);
+        }
+        return Note(Call);
+    }
+    int QueryModuleIdentification() override { return Note("identification"); }
+    int QueryActiveSet() override { return Note("set"); }
+    int QueryModuleState() override { return Note("state"); }
+    int QueryRPMData() override { return Note("rpm"); }
+    int QueryUnbalanceXYValues() override { return Note("xy"); }
+
+private:
+    int Note(std::string Call) {
+        m_rRecord.m_Calls.push_back(std::move(Call));
+        return m_rRecord.m_Sent;
+    }
+
+    CFakeModuleRecord& m_rRecord;
+};

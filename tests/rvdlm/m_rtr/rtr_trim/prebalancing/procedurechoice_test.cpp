@@ -1,0 +1,56 @@
+#include "rvdlm/m_rtr/rtr_trim/prebalancing/procedurechoice.h"
+
+#include <gmock/gmock.h>
+
+#include "platform/system/virtualeventloop.h"
+#include "rvdlm/m_rtr/rtr_trim/prebalancing/singleplanebalancing.h"
+#include "tests/support/fakemainwnd.h"
+#include "tests/support/logcapture.h"
+#include "tests/support/testinstallation.h"
+
+using PreBalDB::CPreBalDatabase;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+namespace {
+
+class CProcedureChoiceTest : public testing::Test {
+protected:
+    CProcedureChoiceTest() : m_Entry("0#3#255-0-123456-4711-2", "Default") {
+        m_Entry.CreateSinglePlane().CreateWeightCompensationTableEntry();
+    }
+    std::unique_ptr<CPreBalancing> Make(CPreBalDatabase::BalancingMode Mode) {
+        return MakeProcedure(Mode, &m_MainWnd, m_Entry, "WHEEL");
+    }
+
+    CTestInstallation m_Installation;
+    CVirtualEventLoop m_Loop;
+    CLogCapture m_Log;
+    CFakeMainWnd m_MainWnd;
+    PreBalDB::CPreBalBaseTableEntry m_Entry;
+};
+
+TEST_F(CProcedureChoiceTest, OnePlaneIsASinglePlaneProcedure) {
+    for (const auto Mode : {CPreBalDatabase::eModePlane1, CPreBalDatabase::eModePlane2}) {
+        const auto pProcedure = Make(Mode);
+        EXPECT_NE(dynamic_cast<CSinglePlaneBalancing*>(pProcedure.get()), nullptr);
+        EXPECT_EQ(pProcedure->GetSetText(), "2");
+        EXPECT_EQ(pProcedure->GetSetName(), "WHEEL");
+    }
+    EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
+}
+
+TEST_F(CProcedureChoiceTest, TwoPlanesHaveNoProcedureYetAndTheLogSaysSo) {
+    EXPECT_EQ(Make(CPreBalDatabase::eModeTwoPlane), nullptr);
+    EXPECT_THAT(m_Log.GetTexts("Error"), ElementsAre(HasSubstr("no procedure for two coupled planes")));
+}
+
+TEST_F(CProcedureChoiceTest, AnUnknownModeIsPlaneOneAfterAWarning) {
+    const auto pProcedure = Make(static_cast<CPreBalDatabase::BalancingMode>(7));
+    EXPECT_NE(dynamic_cast<CSinglePlaneBalancing*>(pProcedure.get()), nullptr);
+    EXPECT_THAT(m_Log.GetTexts("Warning"),
+                ElementsAre("no valid pointer, creating default: CSinglePlaneBalancing(...)!"));
+}
+
+}  // namespace
