@@ -1,0 +1,300 @@
+// What the measuring states do with speed, lock and readings.
+#include "tests/rvdlm/m_rtr/rtr_trim/prebalancing/sequencefixture.h"
+
+namespace {
+
+using K = CKeyActions;
+using S = CSinglePlaneBalancing;
+using testing::Contains;
+using testing::Each;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using Method = CPlaneBalancingMethod;
+
+class MeasuringTest : public SequenceTest {
+protected:
+    double GetAmplitude() const {
+        double Amplitude = 0.0;
+        m_pMethod->m_MovingAverage.GetValues(&Amplitude, nullptr, nullptr, nullptr, nullptr);
+        return Amplitude;
+    }
+    /// A reading of that length.
+    void Read(std::int16_t Amplitude) { m_pSequence->CurrentXYValuePlane1(Amplitude, 0); }
+};
+
+constexpr int g_AllMeasuring[] = {S::eNeutralPosMeasurement, S::eTestUnbalanceMeasurement,
+                                  S::ePreBalanceMeasurement, S::eReBalanceMeasurement1,
+                                  S::eReBalanceMeasurement2};
+constexpr int g_WaitingForValues[] = {S::eNeutralPosMeasurement, S::eTestUnbalanceMeasurement,
+                                      S::eReBalanceMeasurement1};
+
+TEST_F(MeasuringTest, EntryShowsTheLastReadingAsNotValid) {
+    for (const int State : g_AllMeasuring) {
+        const auto EnterIt = Approach(State);
+        Read(12);
+        EnterIt();
+        EXPECT_EQ(m_pMethod->m_MeasurementDisplayState, Method::eNotValid);
+        EXPECT_EQ(GetAmplitude(), 12.0) << "the display mode was set before, so the sample is kept";
+    }
+}
+
+TEST_F(MeasuringTest, WhileWaitingReadingsGoToTheDisplayOnly) {
+    for (const int State : g_AllMeasuring) {
+        Reach(State);
+        m_pMath->m_Samples.clear();
+        m_Loop.Advance(2900);
+        Read(30);
+        EXPECT_EQ(m_pMethod->m_MeasurementDisplayState, Method::eNotValid);
+        EXPECT_EQ(GetAmplitude(), 15.0);  // with the entry's own sample of 0
+        EXPECT_THAT(m_pMath->m_Samples, IsEmpty());
+    }
+}
+
+// The arrival of a reading counts nothing then: the number of samples is a time.
+TEST_F(MeasuringTest, WhileMeasuringTheTickTakesTheLatestReading) {
+    Reach(S::eNeutralPosMeasurement);
+    m_Loop.Advance(3000);
+    for (std::int16_t i = 1; i <= 3; ++i) {
+        Read(i);  // skipped but for the last
+    }
+    EXPECT_THAT(m_pMath->m_Samples, IsEmpty());
+    m_Loop.Advance(100);  // counted twice
+    Read(7);
+    m_Loop.Advance(50);
+    EXPECT_THAT(m_pMath->m_Samples, ElementsAre(std::pair{3, 0}, std::pair{3, 0}, std::pair{7, 0}));
+}
+
+TEST_F(MeasuringTest, FirstSampleResetsTheDisplayAndIsNotShown) {
+    Reach(S::eNeutralPosMeasurement);
+    Read(30);
+    m_Loop.Advance(3000);
+    EXPECT_EQ(GetAmplitude(), 15.0);
+    m_Loop.Advance(50);
+    EXPECT_EQ(m_pMethod->m_MeasurementDisplayState, Method::eNormal);
+    EXPECT_EQ(GetAmplitude(), 0.0) << "the sample that was just added goes too";
+    EXPECT_EQ(m_pMath->m_Samples.size(), 1U) << "but the mathematics have it";
+    m_Loop.Advance(50);
+    EXPECT_EQ(GetAmplitude(), 30.0);
+}
+
+TEST_F(MeasuringTest, SettlingRestartsTheMathematicsAndThePolling) {
+    Reach(S::eNeutralPosMeasurement);
+    TakeCalls();
+    m_Loop.Advance(2999);
+    EXPECT_THAT(TakeCalls(), IsEmpty());
+    m_Loop.Advance(1);
+    EXPECT_THAT(TakeCalls(), ElementsAre("Math.RestartMeasurement", "PleaseQueryXYValuesNOW"));
+}
+
+TEST_F(MeasuringTest, MeasurementIsRepaintedEvery250ms) {
+    Reach(S::eNeutralPosMeasurement);
+    m_Wnd.m_nRepaintMeasurement = 0;
+    m_Loop.Advance(1000);
+    EXPECT_EQ(m_Wnd.m_nRepaintMeasurement, 4);
+}
+
+TEST_F(MeasuringTest, CompleteValuesShowTheMenuAndTellTheNCOnce) {
+    struct CRow {
+        int m_State;
+        int m_Menu;
+        int m_Step;
+    };
+    for (const CRow& rRow : {CRow{S::eNeutralPosMeasurement, 0, 3}, CRow{S::eTestUnbalanceMeasurement, 0, 3},
+                             CRow{S::eReBalanceMeasurement1, 8, 4}}) {
+        Reach(rRow.m_State);
+        m_Loop.Advance(3500);
+        EXPECT_EQ(m_Wnd.GetMenu(), 4);
+        TakeCalls();
+        m_pMath->m_bComplete = true;
+        m_Loop.Advance(500);
+        EXPECT_THAT(TakeCalls(), ElementsAre("SetMenu " + std::to_string(rRow.m_Menu),
+                                             "PreBalNotification " + std::to_string(rRow.m_Step) + " 6"));
+    }
+}
+
+TEST_F(MeasuringTest, LeavingTheWindowShowsMenu4AndTheWarningAndDiscardsAll) {
+    for (const int State : g_WaitingForValues) {
+        Reach(State);
+        CompleteMeasurement();
+        TakeCalls();
+        m_pSequence->CurrentRPM(2949);
+        EXPECT_EQ(m_pSequence->CanMeasure(), 0);
+        EXPECT_EQ(m_Wnd.GetMenu(), 4);
+        EXPECT_EQ(m_pSequence->GetWarningMode(), 2U);
+        const std::string Step = State == S::eReBalanceMeasurement1 ? "4" : "3";
+        EXPECT_THAT(TakeCalls(),
+                    ElementsAre("WarningModeChanged 2", "SetMenu 4", "PreBalNotification " + Step + " 5"));
+        Next();
+        EXPECT_EQ(GetState(), State) << "what was complete doesn't count any more";
+        m_pSequence->CurrentRPM(eSpeed);
+        EXPECT_EQ(m_pSequence->GetWarningMode(), 0U);
+        TakeCalls();
+        m_Loop.Advance(2999);
+        EXPECT_EQ(m_pSequence->CanMeasure(), 0);
+        m_Loop.Advance(1);
+        EXPECT_THAT(TakeCalls(), ElementsAre("Math.RestartMeasurement", "PleaseQueryXYValuesNOW"));
+        CompleteMeasurement();
+        EXPECT_NE(m_Wnd.GetMenu(), 4);
+    }
+}
+
+TEST_F(MeasuringTest, LossOfLockWarnsWith3AndWithSpeedWith4) {
+    Reach(S::eNeutralPosMeasurement);
+    m_Loop.Advance(3000);
+    TakeWarnings();
+    m_pSequence->OutOfLock(1);
+    m_pSequence->CurrentRPM(0);
+    m_pSequence->OutOfLock(0);
+    m_pSequence->CurrentRPM(eSpeed);
+    EXPECT_THAT(TakeWarnings(), ElementsAre(3U, 4U, 2U, 0U));
+}
+
+TEST_F(MeasuringTest, FinalMeasurementsKeepTheirMenuWhenTheConditionIsLost) {
+    for (const int State : {S::ePreBalanceMeasurement, S::eReBalanceMeasurement2}) {
+        Reach(State);
+        m_Loop.Advance(3500);
+        TakeNotifications();
+        m_pSequence->CurrentRPM(0);
+        EXPECT_EQ(m_pSequence->CanMeasure(), 0);
+        EXPECT_EQ(m_Wnd.GetMenu(), 5);
+        EXPECT_EQ(m_pSequence->GetWarningMode(), 2U);
+        EXPECT_THAT(TakeNotifications(), IsEmpty());
+    }
+}
+
+TEST_F(MeasuringTest, MeasurementAtTheWrongSpeedWaits) {
+    Reach(S::eTestUnbalanceSetWeights);
+    m_pSequence->CurrentRPM(100);
+    TakeNotifications();
+    TakeCalls();
+    m_pSequence->InvalidRPM(0);
+    // In this measurement the warning comes before the request to measure.
+    EXPECT_THAT(TakeCalls(), ElementsAre("Math.SetTestUnbalanceVector 11,22 1", "WarningModeChanged 0",
+                                         "SetDisplayMode eMeasurementValues", "SetMenu 4",
+                                         "WarningModeChanged 2", "PreBalNotification 3 5"));
+    m_Loop.Advance(10000);
+    EXPECT_EQ(m_pSequence->CanMeasure(), 0);
+}
+
+TEST_F(MeasuringTest, RefusedMultimediaTimerNeverCompletes) {
+    Reach(S::eNeutralPosMeasurement);
+    m_Loop.FailMultimediaTimers(1);
+    m_pMath->m_bComplete = true;
+    m_Loop.Advance(60000);
+    EXPECT_EQ(m_pSequence->CanMeasure(), 1);
+    EXPECT_THAT(m_pMath->m_Samples, IsEmpty());
+    EXPECT_EQ(m_Wnd.GetMenu(), 4);
+}
+
+TEST_F(MeasuringTest, ReadingsOfTheOtherPlaneDontCount) {
+    Reach(S::eNeutralPosMeasurement);
+    m_pSequence->CurrentXYValuePlane2(100, 0);
+    EXPECT_EQ(GetAmplitude(), 0.0);
+    m_Loop.Advance(3050);
+    EXPECT_THAT(m_pMath->m_Samples, Each(std::pair{0, 0}));
+}
+
+TEST_F(MeasuringTest, SecondPlaneIsFedByItsOwnReadings) {
+    Make(false, 1);
+    m_pSequence->StartPreBalancing(0, 0, 1);
+    m_pSequence->InvalidRPM(0);
+    m_pSequence->CurrentRPM(eSpeed);
+    Next();
+    ASSERT_EQ(GetState(), S::eNeutralPosMeasurement);
+    m_pSequence->CurrentXYValuePlane1(100, 0);
+    m_pSequence->CurrentXYValuePlane2(3, 4);
+    m_Loop.Advance(3050);
+    EXPECT_THAT(m_pMath->m_Samples, ElementsAre(std::pair{3, 4}));
+}
+
+TEST_F(MeasuringTest, ReadingsOutsideAMeasurementAreOnlyKept) {
+    Reach(S::eTestUnbalanceSetWeights);
+    TakeCalls();
+    Read(50);
+    EXPECT_EQ(GetAmplitude(), 0.0);
+    EXPECT_THAT(TakeCalls(), IsEmpty());
+}
+
+// --- the verdict of the final measurements ---
+
+struct CVerdictRow {
+    int m_State;
+    int m_Within;
+    int m_Over;
+};
+class VerdictTest : public MeasuringTest, public testing::WithParamInterface<CVerdictRow> {};
+
+TEST_P(VerdictTest, TellsEachChangeOnceWithTheActionMeasure) {
+    Reach(GetParam().m_State);
+    Read(10);  // just the target
+    m_Loop.Advance(3000);
+    TakeNotifications();
+    TakeWarnings();
+    m_Loop.Advance(500);
+    EXPECT_THAT(TakeNotifications(), ElementsAre(std::pair{GetParam().m_Within, 5}));
+    EXPECT_EQ(m_pMethod->m_MeasurementDisplayState, Method::eWithinTarget);
+    EXPECT_THAT(TakeWarnings(), IsEmpty());
+    Read(11);
+    m_Loop.Advance(500);
+    EXPECT_THAT(TakeNotifications(), ElementsAre(std::pair{GetParam().m_Over, 5}));
+    EXPECT_EQ(m_pMethod->m_MeasurementDisplayState, Method::eOverTarget);
+    EXPECT_THAT(TakeWarnings(), ElementsAre(8U));
+    Read(9);
+    m_Loop.Advance(500);
+    EXPECT_THAT(TakeNotifications(), ElementsAre(std::pair{GetParam().m_Within, 5}));
+    EXPECT_THAT(TakeWarnings(), ElementsAre(0U));
+    EXPECT_THAT(m_pMath->m_Samples, testing::Not(Contains(std::pair{11, 0})))
+        << "nothing is calculated any more";
+    EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
+}
+
+TEST_P(VerdictTest, ComesWithTheFirstSampleNotOnlyWithTheComplete) {
+    Reach(GetParam().m_State);
+    m_Loop.Advance(3049);
+    TakeNotifications();
+    m_Loop.Advance(1);
+    EXPECT_EQ(TakeNotifications().size(), 1U);
+}
+
+// The average is judged, not the reading.
+TEST_P(VerdictTest, IsOnTheMovingAverage) {
+    Reach(GetParam().m_State);
+    m_Loop.Advance(3000);
+    Read(0);
+    m_Loop.Advance(500);
+    Read(40);
+    m_Loop.Advance(50);  // 40, 0, 0, 0
+    EXPECT_EQ(m_pMethod->m_MeasurementDisplayState, Method::eWithinTarget);
+    m_Loop.Advance(50);  // 40, 40, 0, 0
+    EXPECT_EQ(m_pMethod->m_MeasurementDisplayState, Method::eOverTarget);
+}
+
+TEST_P(VerdictTest, BeginsAfreshWhenTheConditionWasLost) {
+    Reach(GetParam().m_State);
+    Read(40);
+    m_Loop.Advance(4000);
+    EXPECT_EQ(m_pMethod->m_MeasurementDisplayState, Method::eOverTarget);
+    m_pSequence->CurrentRPM(0);
+    Read(2);
+    EXPECT_EQ(m_pMethod->m_MeasurementDisplayState, Method::eNotValid);
+    m_pSequence->CurrentRPM(eSpeed);
+    m_Loop.Advance(3100);
+    EXPECT_EQ(m_pMethod->m_MeasurementDisplayState, Method::eWithinTarget);
+    EXPECT_EQ(GetAmplitude(), 2.0) << "nothing of the former samples is left";
+}
+
+// As a number of 32 bits without sign: the largest target is not below every reading.
+TEST_P(VerdictTest, TargetIsUnsigned) {
+    m_Entry.SetTargetUnbalance(0xFFFFFFFF);
+    Reach(GetParam().m_State);
+    Read(32767);
+    m_Loop.Advance(3500);
+    EXPECT_EQ(m_pMethod->m_MeasurementDisplayState, Method::eWithinTarget);
+}
+
+INSTANTIATE_TEST_SUITE_P(FinalStates, VerdictTest,
+                         testing::Values(CVerdictRow{S::ePreBalanceMeasurement, 7, 9},
+                                         CVerdictRow{S::eReBalanceMeasurement2, 8, 10}),
+                         [](const auto& rInfo) { return S::STATESToString(rInfo.param.m_State); });
+
+}  // namespace
