@@ -14,7 +14,7 @@ namespace PreBalDB {
 struct CPreBalDatabase::Impl {
     Impl(CPreBalDatabase& rOwner, const std::string& rMachineName);
 
-    /// The configurations of this machine; empty if there is none of that name.
+    /// The configuration of that name; null if there is none.
     std::unique_ptr<CPreBalBaseTableEntry> LoadConfiguration(const std::string& rName);
     std::unique_ptr<CPreBalBaseTableEntry> NewConfiguration(const std::string& rName);
     std::vector<std::string> LoadProcessNames(BalancingMode Mode, CTypeBase::AffectedPlane Plane,
@@ -22,9 +22,11 @@ struct CPreBalDatabase::Impl {
     /// Writes rEntry in place of the configuration rStoredName.
     void StoreConfiguration(const CPreBalBaseTableEntry& rEntry, const std::string& rStoredName);
 
+    // To be called within a transaction.
     std::vector<std::string> LoadScrewTableNames();
     Base::CWDArray<CScrew> LoadScrews(const std::string& rTable);
     void StoreScrews(const std::string& rTable, const Base::CWDArray<CScrew>& rScrews);
+
     /// True if something was made or changed.
     bool SetDefaults();
 

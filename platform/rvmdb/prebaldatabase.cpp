@@ -79,6 +79,7 @@ Base::CStringArray CPreBalDatabase::GetProcessNames(BalancingMode Mode, CTypeBas
 
 Base::CStringArray CPreBalDatabase::GetScrewTableNames() const {
     try {
+        CTransaction Transaction(m_pImpl->m_Connection, CTransaction::eReading);
         return ToArray(m_pImpl->LoadScrewTableNames());
     } catch (const CSqlError& rError) {
         RV_ERROR(g_pLog, "names of screw tables not read: %s", rError.what());
@@ -125,6 +126,7 @@ CScrewTableEntry& CPreBalDatabase::ReadScrewTable(const std::string& rName) {
     pTable->SetName(rName);
     m_pImpl->m_bScrewTableSound = false;
     try {
+        CTransaction Transaction(m_pImpl->m_Connection, CTransaction::eReading);
         pTable->SetScrewArray(m_pImpl->LoadScrews(rName));
         m_pImpl->m_bScrewTableSound = true;
     } catch (const CSqlError& rError) {
@@ -137,6 +139,7 @@ CScrewTableEntry& CPreBalDatabase::ReadScrewTable(const std::string& rName) {
 
 Base::CWDArray<CScrew> CPreBalDatabase::ReadScrews(const std::string& rName) const {
     try {
+        CTransaction Transaction(m_pImpl->m_Connection, CTransaction::eReading);
         return m_pImpl->LoadScrews(rName);
     } catch (const CSqlError& rError) {
         RV_ERROR(g_pLog, "screws of \"%s\" of \"%s\" not read: %s", rName.c_str(), GetMachineName().c_str(),

@@ -459,6 +459,33 @@ TEST_P(CConfigurationTest, OpenDatabasesAreListedInOrderOfOpening) {
     EXPECT_THAT(CPreBalDatabase::GetOpenMachineNames(), IsEmpty());
 }
 
+using CServerTest = CStoreTest;
+GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(CServerTest);
+INSTANTIATE_TEST_SUITE_P(Servers, CServerTest, testing::ValuesIn(GetServersForTests()), GetStoreName);
+
+TEST_P(CServerTest, ALostConnectionIsMadeAnew) {
+    const auto pDatabase = Open();
+    const auto BreakConnections = [this] {
+        CDirectSQL Sql(m_Connection);
+        Sql.Query(
+            "SELECT pg_terminate_backend(pid) FROM pg_stat_activity WHERE pid <> pg_backend_pid() AND "
+            "backend_type = 'client backend'");
+    };
+    MakeCalibrated(*pDatabase, "Wheel");
+    BreakConnections();
+    EXPECT_NE(pDatabase->WriteConfiguration(), 0);
+    BreakConnections();
+    EXPECT_EQ(pDatabase->ReadConfiguration("Wheel").IsCalibrated(), 1);
+    BreakConnections();
+    EXPECT_THAT(GetNames(*pDatabase), ElementsAre("Wheel"));
+    BreakConnections();
+    EXPECT_EQ(pDatabase->GetScrewTableNames().GetSize(), 1U);
+    BreakConnections();
+    EXPECT_FALSE(pDatabase->ReadScrewTable("Default").GetScrewArray().IsEmpty());
+    BreakConnections();
+    EXPECT_EQ(pDatabase->TestAndSetDefaults(), 0);
+}
+
 namespace {
 
 /// Makes every insertion into a table fail: in the middle of a write, after its first statements.
