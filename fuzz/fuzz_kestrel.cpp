@@ -6,11 +6,10 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <cstdlib>
 #include <span>
 #include <vector>
 
-#include "platform/rvlog/logcomponent.h"
+#include "fuzz/fuzzing.h"
 #include "platform/system/virtualeventloop.h"
 #include "platform/window/messagebox.h"
 #include "rvdlm/m_rtr/rtr_trim/communication/iffromcommunication.h"
@@ -23,12 +22,6 @@ constexpr std::array<Query, 5> Queries{&IFToCommunication::QueryModuleIdentifica
                                        &IFToCommunication::QueryActiveSet,
                                        &IFToCommunication::QueryModuleState, &IFToCommunication::QueryRPMData,
                                        &IFToCommunication::QueryUnbalanceXYValues};
-
-void Require(bool bHolds) {
-    if (!bHolds) {
-        std::abort();
-    }
-}
 
 /// Reads everything that it is given, and asks on from within the callbacks.
 class CWindow : public IFFromCommunication {
@@ -82,20 +75,10 @@ private:
     }
 };
 
-/// Topics on, so that what is written to the log is formatted, too.
-bool OpenTopics() {
-    CLogComponent::SetConsoleMask(0);
-    for (CLogComponent* pPublisher : CLogComponent::GetPublishers()) {
-        pPublisher->SetLevel(0xFFFFFFFF);
-    }
-    return true;
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t nSize) {
-    static const bool bOpened = OpenTopics();
-    (void)bOpened;
+    OpenAllTopics();
     CVirtualEventLoop Loop;
     CWindow Window;
     CPlaneHandler Handler(&Window, 5, 6);

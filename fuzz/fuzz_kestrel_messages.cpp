@@ -1,9 +1,8 @@
 // Each decoder of the Kestrel family on its own. The input's first byte chooses it, the rest is its data.
 #include <cstdint>
-#include <cstdlib>
 #include <vector>
 
-#include "platform/rvlog/logcomponent.h"
+#include "fuzz/fuzzing.h"
 #include "rvlib/rvprt/kestrel/moduleidentification.h"
 #include "rvlib/rvprt/kestrel/modulestateresponse.h"
 #include "rvlib/rvprt/kestrel/set.h"
@@ -16,25 +15,14 @@ void Decode(const std::vector<std::uint8_t>& rData) {
     std::uint32_t nUsed = 0;
     const auto nSize = static_cast<std::uint32_t>(rData.size());
     const int nDecoded = Decoded.Decode(rData.data(), nSize, &nUsed);
-    if (nUsed > nSize || (nDecoded != 0) != (nUsed != 0)) {
-        std::abort();
-    }
+    Require(nUsed <= nSize && (nDecoded != 0) == (nUsed != 0));
     Decoded.Log();
-}
-
-bool OpenTopics() {
-    CLogComponent::SetConsoleMask(0);
-    for (CLogComponent* pPublisher : CLogComponent::GetPublishers()) {
-        pPublisher->SetLevel(0xFFFFFFFF);
-    }
-    return true;
 }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t nSize) {
-    static const bool bOpened = OpenTopics();
-    (void)bOpened;
+    OpenAllTopics();
     if (nSize == 0) {
         return 0;
     }

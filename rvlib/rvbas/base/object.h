@@ -21,10 +21,11 @@ public:
     std::uint32_t GetRefCount() const;
     bool IsDeleting() const { return m_IsDeleting != 0; }
 
+    virtual ~CObject() = default;
+
 protected:
     /// pName must outlive the object; it serves the log only.
     explicit CObject(const char* pName) : m_pName(pName) {}
-    virtual ~CObject() = default;
 
     /// Asked when the count has reached zero. False keeps the object alive with count 0.
     virtual bool MayBeDestroyed() = 0;

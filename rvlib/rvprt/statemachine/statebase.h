@@ -68,6 +68,7 @@ public:
     static constexpr Reason eTimeout = Comm::eTimeout;
     static constexpr Reason eError = Comm::eError;
 
+    virtual ~CStateBase() = default;
     CStateBase(const CStateBase&) = delete;
     CStateBase& operator=(const CStateBase&) = delete;
 
@@ -86,7 +87,6 @@ protected:
     static constexpr std::uint32_t eHeaderSize = 3;
 
     explicit CStateBase(const CStateTexts& rTexts) : m_rTexts(rTexts) {}
-    virtual ~CStateBase() = default;
 
     /// Sends a query. 1 if it went out; 0 if another is under way or it could not be sent.
     int Query(const CRequestRow& rRow);
