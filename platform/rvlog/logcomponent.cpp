@@ -16,7 +16,7 @@
 
 namespace {
 
-constexpr std::size_t c_nFileSize = 2 * 1024 * 1024;
+constexpr std::size_t c_nFileSize = std::size_t{2} * 1024 * 1024;
 /// Besides the file being written; five files in all.
 constexpr std::size_t c_nOldFiles = 4;
 constexpr std::size_t c_nIndentWidth = 2;
@@ -246,27 +246,27 @@ void CLogComponent::SetConsoleMask(std::uint32_t Mask) {
     }
 }
 
-void CLogComponent::Publish(CLogRecord Record) {
+void CLogComponent::Publish(const CLogRecord& rRecord) {
     CLogState& rState = GetState();
     std::vector<std::shared_ptr<CListenerEntry>> Listeners;
     {
         const std::lock_guard Lock(rState.m_Mutex);
         Listeners = rState.m_Listeners;
-        const bool bConsole = (rState.m_ConsoleMask & Record.m_Mask) != 0;
+        const bool bConsole = (rState.m_ConsoleMask & rRecord.m_Mask) != 0;
         if (bConsole || rState.m_pFile) {
             const auto nIndent = std::count_if(m_Blocks.begin(), m_Blocks.end(),
                                                [](const CBlock& rBlock) { return rBlock.m_bVisible; });
-            const std::string Line = FormatLine(Record, static_cast<std::size_t>(nIndent));
+            const std::string Line = FormatLine(rRecord, static_cast<std::size_t>(nIndent));
             if (rState.m_pFile) {
-                rState.m_pFile->log(ToSpdlogLevel(Record.m_Mask), Line);
+                rState.m_pFile->log(ToSpdlogLevel(rRecord.m_Mask), Line);
             }
             if (bConsole) {
-                rState.m_pConsole->log(ToSpdlogLevel(Record.m_Mask), Line);
+                rState.m_pConsole->log(ToSpdlogLevel(rRecord.m_Mask), Line);
             }
         }
     }
     // Not under the lock of the log: a listener may log itself.
     for (const auto& rpListener : Listeners) {
-        rpListener->Call(Record);
+        rpListener->Call(rRecord);
     }
 }

@@ -75,7 +75,7 @@ public:
 
 private:
     CLogComponent(std::string Name, std::initializer_list<CLogTopic> Topics);
-    void Publish(CLogRecord Record);
+    void Publish(const CLogRecord& rRecord);
 
     std::string m_Name;
     std::vector<CLogTopic> m_Topics;

@@ -17,7 +17,7 @@ std::string ReadVariable(const std::string& rName, std::size_t nBuffer) {
 /// Where the desktop conventions place the data of a user's programs. A service without a home keeps its data
 /// where the system's services do.
 std::string GetDataDirectory(std::size_t nBuffer) {
-    const std::string Data = ReadVariable("XDG_DATA_HOME", nBuffer);
+    std::string Data = ReadVariable("XDG_DATA_HOME", nBuffer);
     if (Data.starts_with('/')) {
         return Data;
     }

@@ -1,6 +1,7 @@
 #pragma once
 #include <cstddef>
 #include <list>
+#include <memory>
 
 /// A doubly linked list of pointers. Whether it owns what they point to is up to its user, who says so at the
 /// end by RemoveAll.
@@ -14,6 +15,11 @@ public:
     CWKList& operator=(const CWKList&) = delete;
 
     void AddTail(T* pElement) { m_Elements.push_back(pElement); }
+    /// The list becomes the owner. Returns the element.
+    T* AddTail(std::unique_ptr<T> pElement) {
+        m_Elements.push_back(pElement.get());
+        return pElement.release();
+    }
     /// Drops the last element and returns it; null if there is none.
     T* RemoveTail() {
         if (m_Elements.empty()) {

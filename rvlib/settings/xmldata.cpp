@@ -194,9 +194,7 @@ private:
         if (m_pCurrent == nullptr) {
             return nullptr;
         }
-        auto pSection = std::make_unique<CSection>(rName);
-        m_pCurrent->m_Sections.AddTail(pSection.get());
-        return pSection.release();
+        return m_pCurrent->m_Sections.AddTail(std::make_unique<CSection>(rName));
     }
 
     /// An element with attributes. Its name ends at the first blank; without one no element comes about.
@@ -234,9 +232,7 @@ private:
                 continue;
             }
             if (bInQuotes) {
-                auto pEntry = std::make_unique<CEntry>(Name, Buffer);
-                rEntries.AddTail(pEntry.get());
-                pEntry.release();
+                rEntries.AddTail(std::make_unique<CEntry>(Name, Buffer));
             } else {
                 Name = Buffer.substr(0, Buffer.find_last_not_of('=') + 1);
             }
@@ -334,9 +330,8 @@ CWKXMLData::CNode* CWKXMLData::AddNode(CNode* pParent, const std::string& rName)
     if ((pParent == nullptr) && HasRoot()) {
         return nullptr;
     }
-    auto pNode = std::make_unique<CNode>(pParent, rName);
-    ((pParent == nullptr) ? m_Nodes : pParent->m_Children).AddTail(pNode.get());
-    return pNode.release();
+    CWKList<CNode>& rSiblings = (pParent == nullptr) ? m_Nodes : pParent->m_Children;
+    return rSiblings.AddTail(std::make_unique<CNode>(pParent, rName));
 }
 
 CWKXMLData::CNode* CWKXMLData::FindNode(const std::string& rName, CNode* pStart) const {
