@@ -1,7 +1,5 @@
 #include "simulator/kestrelmodule.h"
 
-#include <utility>
-
 #include "simulator/rotor.h"
 #include "simulator/spindle.h"
 
@@ -20,7 +18,7 @@ constexpr std::uint8_t eSubCodeIdentification = 8;
 /// A query as it must look: command, whole size, and the sub-code behind the header of those that have one.
 struct CQuery {
     Command m_Command;
-    std::size_t m_Size;
+    std::uint8_t m_Size;
     std::uint8_t m_SubCode;
 };
 constexpr CQuery ms_Queries[] = {
@@ -73,10 +71,10 @@ bool IsKnown(std::span<const std::uint8_t> Request) {
 }  // namespace
 
 CKestrelModule::CKestrelModule(const CWiring& rWiring, std::uint8_t Address, std::size_t nSensor,
-                               CNoise Noise)
+                               const CNoise& rNoise)
     : CBalancingModule(rWiring, Address, CState{.m_State = ePrebalancingStart}),
       m_nSensor(nSensor),
-      m_Noise(std::move(Noise)) {}
+      m_Noise(rNoise) {}
 
 void CKestrelModule::AnswerRequest(std::span<const std::uint8_t> Request) {
     if (!IsKnown(Request)) {

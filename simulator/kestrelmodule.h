@@ -12,7 +12,7 @@ public:
     static constexpr std::uint8_t ePrebalancingStart = 7;
 
     /// Sensors count from 0.
-    CKestrelModule(const CWiring& rWiring, std::uint8_t Address, std::size_t nSensor, CNoise Noise);
+    CKestrelModule(const CWiring& rWiring, std::uint8_t Address, std::size_t nSensor, const CNoise& rNoise);
 
 protected:
     void AnswerRequest(std::span<const std::uint8_t> Request) override;

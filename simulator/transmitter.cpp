@@ -42,9 +42,8 @@ void CTransmitter::Send(std::span<const std::uint8_t> Frame, CFaults::Frame Kind
 void CTransmitter::SendDue() {
     const std::uint64_t Now = IFEventLoop::Current().Now();
     while (!m_Pending.empty() && m_Pending.front().m_Due <= Now) {
-        if (m_rLink.Write(m_Pending.front().m_LineBytes)) {
-            ++m_nSent;
-        }
+        // A closed link loses it, as a cable that is off does.
+        m_rLink.Write(m_Pending.front().m_LineBytes);
         m_Pending.pop_front();
     }
     if (!m_Pending.empty()) {

@@ -19,7 +19,6 @@ public:
 
     void Send(std::span<const std::uint8_t> Frame, CFaults::Frame Kind);
     CFaults& GetFaults() { return m_Faults; }
-    std::uint64_t GetFramesSent() const { return m_nSent; }
 
     /// Flips one bit in bytes that are ready for the line, so that only the CRC can tell.
     static void Corrupt(std::vector<std::uint8_t>& rLineBytes);
@@ -35,5 +34,4 @@ private:
     CFaults m_Faults;
     std::deque<CPending> m_Pending;  ///< in order of sending, none due before the one in front of it
     CTimer m_Timer;
-    std::uint64_t m_nSent = 0;
 };
