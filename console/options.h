@@ -27,6 +27,9 @@ struct COptions {
     /// Whether the spindle already turns when a procedure starts. For whole runs in tests, not on the command
     /// line.
     bool m_bStartTurning = false;
+    /// Whether anybody looks at the page: a hidden page isn't painted. For many whole runs, not on the
+    /// command line.
+    bool m_bShowPage = true;
     /// The window module; empty: beside the running program. For programs elsewhere, not on the command line.
     std::string m_ModuleLibrary;
 

@@ -77,6 +77,7 @@ CConsoleSession::CConsoleSession(const COptions& rOptions, const CRotorFile* pRo
         throw CSessionError(rError.what());
     }
     m_Host.Open(m_pLibrary->GetPreferredSize().Size());
+    m_Host.ShowWindow(m_Options.m_bShowPage);
     m_pModule = m_pLibrary->GetWindow();
     m_pModule->Create(&m_Host, m_Host.GetClientRect(), 1);
 }

@@ -1,0 +1,98 @@
+#pragma once
+#include <complex>
+#include <cstdint>
+#include <fstream>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "console/headlessrun.h"
+#include "console/installation.h"
+#include "console/session.h"
+#include "platform/system/virtualeventloop.h"
+#include "simulator/rotorfile.h"
+#include "simulator/simulator.h"
+
+/// A whole run under virtual time: simulator, line discipline, frames, the module's library, database and
+/// files, with nothing in their place. What it leaves is judged by the rotor's physics.
+class CWholeRun {
+public:
+    explicit CWholeRun(CRotorFile Rotor) : m_Rotor(std::move(Rotor)) {
+        m_Options.m_bHeadless = true;
+        m_Options.m_ModuleLibrary = TEST_BIN_DIR "/librtr_trim.so";
+    }
+
+    /// Settings of the installation, as attributes of system_falconet.
+    void WriteSettings(const std::string& rAttributes) const {
+        std::ofstream(m_Installation.GetConfigDirectory() / "mcon.xdb")
+            << "<Corvane><system_falconet " << rAttributes << "></system_falconet></Corvane>";
+    }
+
+    /// Initialises and runs what the options ask for. May be called again: the installation stays, loop and
+    /// simulator are new.
+    ExitCode Run(COptions::Procedure Procedure, bool bStartTurning = false) {
+        m_Options.m_Procedure = Procedure;
+        m_Options.m_bStartTurning = bStartTurning;
+        m_Lines.clear();
+        CVirtualEventLoop Loop;
+        CConsoleSession Session(m_Options, &m_Rotor, m_Installation.GetDatabaseFile().string());
+        CHeadlessRun Headless(Session, m_Options);
+        Headless.OnProgress = [this](const std::string& rLine) { m_Lines.push_back(rLine); };
+        Headless.OnSituation = [&](const CSituation& rSituation) {
+            if (OnSituation) {
+                OnSituation(rSituation, Session);
+            }
+        };
+        ExitCode Result = eExitFailed;
+        if (Session.Initialise()) {
+            Session.Commission();
+            Result = Headless.Run();
+        }
+        m_Residual = Session.GetSimulator()->GetRotor().GetResidual(0);
+        m_MachineName = Session.GetMachineName();
+        Session.Close();
+        m_Report = Headless.GetReport().ToJson();
+        return Result;
+    }
+
+    std::string GetResult() const { return m_Report.at("result").get<std::string>(); }
+    std::vector<std::string> GetAssertions() const {
+        return m_Report.at("assertions").get<std::vector<std::string>>();
+    }
+    /// Number of records of the report in which the action was asked for.
+    std::size_t CountActions(std::int32_t Action) const {
+        std::size_t nFound = 0;
+        for (const auto& rStep : m_Report.at("steps")) {
+            nFound += rStep.at("notification").at(1) == Action ? 1 : 0;
+        }
+        return nFound;
+    }
+    bool HasWarning(std::uint32_t Warning) const {
+        for (const auto& rStep : m_Report.at("steps")) {
+            if (rStep.at("warning") == Warning) {
+                return true;
+            }
+        }
+        return false;
+    }
+    bool HasLine(const std::string& rPart) const {
+        for (const std::string& rLine : m_Lines) {
+            if (rLine.find(rPart) != std::string::npos) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    CRotorFile m_Rotor;
+    COptions m_Options;
+    CConsoleInstallation m_Installation{"", true};
+    /// Called when the panel has changed: for what happens in the middle of a run.
+    std::function<void(const CSituation&, CConsoleSession&)> OnSituation;
+
+    std::complex<double> m_Residual;  ///< what the rotor really has left, in weights
+    std::string m_MachineName;
+    nlohmann::ordered_json m_Report;
+    std::vector<std::string> m_Lines;
+};
