@@ -181,13 +181,29 @@ void CWnd::Forget() {
     }
 }
 
+bool CWnd::IsShown() const {
+    for (const CWnd* pWnd = this; pWnd != nullptr; pWnd = pWnd->m_pParent) {
+        if (!pWnd->IsWindowVisible()) {
+            return false;
+        }
+    }
+    return true;
+}
+
+void CWnd::InvalidateTree() {
+    Invalidate();
+    for (CWnd* pChild : m_Children) {
+        pChild->InvalidateTree();
+    }
+}
+
 void CWnd::ShowWindow(bool bShow) {
     if (!m_bExists || m_bMessageOnly || m_bVisible == bShow) {
         return;
     }
     m_bVisible = bShow;
     if (bShow) {
-        Invalidate();
+        InvalidateTree();
         CRegistry& rRegistry = GetRegistry();
         if (m_pParent == nullptr && rRegistry.m_pForeground == nullptr) {
             rRegistry.m_pForeground = this;

@@ -47,6 +47,8 @@ public:
     void ShowWindow(bool bShow);
     /// Visible itself; a parent may still be hidden.
     bool IsWindowVisible() const { return m_bExists && m_bVisible; }
+    /// Visible itself, and all its parents are.
+    bool IsShown() const;
     /// Moves and sizes; message 5 if the size changes.
     void MoveWindow(const CRect& rRect);
     /// The client area: left and top are 0.
@@ -102,6 +104,8 @@ private:
     void Begin(CWnd* pParent, const CRect& rRect, UINT Id, bool bVisible);
     LRESULT SendSize();
     void NotifyPeer();
+    /// A window that was hidden may not have been painted for a while.
+    void InvalidateTree();
     void DestroyChildren();
     /// Ends the window without messages.
     void Forget();

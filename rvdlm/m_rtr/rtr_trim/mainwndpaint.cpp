@@ -11,7 +11,7 @@ LRESULT CPreBalancingMainWnd::OnPaint(WPARAM, LPARAM) {
 void CPreBalancingMainWnd::Repaint(unsigned Mask) {
     const CRect Client = GetClientRect();
     const bool bAll = Mask == CPreBalancing::ePaintAll;
-    if (Client.IsRectEmpty() || (!bAll && m_pPrebalancingSequence == nullptr)) {
+    if (Client.IsRectEmpty() || !IsShown() || (!bAll && m_pPrebalancingSequence == nullptr)) {
         return;
     }
     // Off-screen, so that nothing flickers. The window's surface is the screen.

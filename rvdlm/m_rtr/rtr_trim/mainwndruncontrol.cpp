@@ -16,6 +16,7 @@ bool CPreBalancingMainWnd::IsCalibrated() const {
 }
 
 void CPreBalancingMainWnd::HideConfiguration() {
+    SetTimer(eSilenceTimer, CSilenceWatch::ePeriod);
     m_tabCtrl.ShowWindow(false);
     KillTimer(eHelpTimer);
     m_Browser.ShowWindow(false);
@@ -23,6 +24,7 @@ void CPreBalancingMainWnd::HideConfiguration() {
 }
 
 void CPreBalancingMainWnd::ShowConfiguration() {
+    KillTimer(eSilenceTimer);
     m_tabCtrl.ShowWindow(true);
     m_Browser.Create(this, GetBrowserRect(), eBrowserId);
 }

@@ -118,6 +118,10 @@ CRect CPreBalancingMainWnd::GetBrowserRect() const {
 }
 
 LRESULT CPreBalancingMainWnd::OnTimer(WPARAM wParam, LPARAM) {
+    if (wParam == eSilenceTimer) {
+        WatchForSilence();
+        return 0;
+    }
     if (wParam != eHelpTimer) {
         return 0;
     }
@@ -185,6 +189,7 @@ LRESULT CPreBalancingMainWnd::OnRawData(WPARAM wParam, LPARAM lParam) {
     const CBufferGuard Guard(static_cast<std::uint16_t>(Buffer[0] | (Buffer[1] << 8U)));
     const std::span<const std::uint8_t> Frame = Buffer.subspan(eHeader);
     if (m_pCommunicationIF != nullptr && !Frame.empty() && Frame[0] != eReservedCommand) {
+        m_SilenceWatch.OnFrame();
         m_pCommunicationIF->PutReceivedModuleData(Frame.data(), static_cast<std::uint32_t>(Frame.size()));
     }
     return 0;

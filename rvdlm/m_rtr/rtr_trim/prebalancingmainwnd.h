@@ -18,6 +18,7 @@
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/prebalmainwndinterface.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalconfigtabs.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalnotification.h"
+#include "rvdlm/m_rtr/rtr_trim/silencewatch.h"
 #include "rvlib/rvgui/proptree/dynamichelpif.h"
 
 /// The module's window. It owns all else, and every event of the module enters through it: messages of the
@@ -40,6 +41,8 @@ public:
     /// Timer that holds the help back, and its period in ms.
     static constexpr UINT eHelpTimer = 1;
     static constexpr UINT eHelpDelay = 350;
+    /// Timer of the silence watch; runs while a procedure does.
+    static constexpr UINT eSilenceTimer = 2;
 
     /// Makers: what mapper and procedure are made with.
     explicit CPreBalancingMainWnd(CMainWndMakers Makers = {});
@@ -135,6 +138,9 @@ private:
 
     // Query chain
     void OnFirstSet(const CSet& rSet);
+    /// Frames that stay away while the spindle turns count as a lost lock: the measurement waits, and begins
+    /// anew when frames come again and the module has told its state.
+    void WatchForSilence();
     /// A procedure to abort: the running one, or with a configuration on hand one started for the purpose.
     bool EnsureSequence();
 
@@ -191,4 +197,5 @@ private:
     std::unique_ptr<CPreBalInterfaceToNCWarnings> m_pInterfaceToNCWarnings;
     CWeightPositionStore m_WeightPositions;
     std::int32_t m_Menu = -1;  ///< last given to SetMenu
+    CSilenceWatch m_SilenceWatch;
 };

@@ -1,0 +1,55 @@
+#pragma once
+#include <cstdint>
+
+/// Finds out that frames of the module stay away while the spindle turns. The sampling takes the latest
+/// reading at a fixed rate, so without this a lost line would let it average a stale one. The window asks
+/// Tick at a fixed period; no clock of its own.
+class CSilenceWatch {
+public:
+    /// Period of Tick, ms.
+    static constexpr std::uint32_t ePeriod = 500;
+    /// Silence that counts, ms: as long as a request is repeated.
+    static constexpr std::uint32_t eLimit = 2000;
+
+    enum class Finding {
+        eNothing,
+        eFellSilent,  ///< once: the readings are stale from now on
+        eSpeaksAgain  ///< frames come again, and the module's state is to be asked for; repeated until it is
+                      ///< known
+    };
+
+    /// A frame of the module has come.
+    void OnFrame() { m_bHeard = m_bEverHeard = true; }
+    /// The module's state is known: whatever it says counts from here on.
+    void OnModuleState() { m_bSilent = false; }
+    bool IsSilent() const { return m_bSilent; }
+
+    /// bTurning: with the spindle at rest a module has nothing to report.
+    Finding Tick(bool bTurning) {
+        const bool bHeard = m_bHeard;
+        m_bHeard = false;
+        m_Quiet = bHeard || !bTurning ? 0 : m_Quiet + ePeriod;
+        m_SinceAsked += ePeriod;
+        if (m_bSilent) {
+            // The answer of a request that is repeated may take as long as the limit.
+            if (bHeard && m_SinceAsked > eLimit) {
+                m_SinceAsked = 0;
+                return Finding::eSpeaksAgain;
+            }
+            return Finding::eNothing;
+        }
+        if (m_bEverHeard && m_Quiet >= eLimit) {
+            m_bSilent = true;
+            m_SinceAsked = eLimit;
+            return Finding::eFellSilent;
+        }
+        return Finding::eNothing;
+    }
+
+private:
+    bool m_bEverHeard = false;
+    bool m_bHeard = false;
+    bool m_bSilent = false;
+    std::uint32_t m_Quiet = 0;
+    std::uint32_t m_SinceAsked = 0;
+};

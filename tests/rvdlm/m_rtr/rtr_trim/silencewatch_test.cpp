@@ -1,0 +1,56 @@
+#include "rvdlm/m_rtr/rtr_trim/silencewatch.h"
+
+#include <gtest/gtest.h>
+
+using Finding = CSilenceWatch::Finding;
+
+TEST(SilenceWatch, SilenceCountsAfterTwoSecondsAndIsToldOnce) {
+    CSilenceWatch Watch;
+    Watch.OnFrame();
+    EXPECT_EQ(Watch.Tick(true), Finding::eNothing);
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(Watch.Tick(true), Finding::eNothing) << 500 * (i + 1) << " ms";
+    }
+    EXPECT_EQ(Watch.Tick(true), Finding::eFellSilent);
+    EXPECT_EQ(Watch.Tick(true), Finding::eNothing);
+    EXPECT_TRUE(Watch.IsSilent());
+}
+
+TEST(SilenceWatch, ModuleWithTheSpindleAtRestMayBeSilent) {
+    CSilenceWatch Watch;
+    Watch.OnFrame();
+    for (int i = 0; i < 100; ++i) {
+        EXPECT_EQ(Watch.Tick(false), Finding::eNothing);
+    }
+    // The silence at rest doesn't count once the spindle turns.
+    EXPECT_EQ(Watch.Tick(true), Finding::eNothing);
+}
+
+TEST(SilenceWatch, NothingIsMissedOfAModuleThatWasNeverHeard) {
+    CSilenceWatch Watch;
+    for (int i = 0; i < 10; ++i) {
+        EXPECT_EQ(Watch.Tick(true), Finding::eNothing);
+    }
+}
+
+TEST(SilenceWatch, StateIsAskedForWhenFramesComeAgainAndAnewUntilItIsKnown) {
+    CSilenceWatch Watch;
+    Watch.OnFrame();
+    Watch.Tick(true);
+    for (int i = 0; i < 4; ++i) {
+        Watch.Tick(true);
+    }
+    ASSERT_TRUE(Watch.IsSilent());
+    const auto TickWithFrame = [&Watch] {
+        Watch.OnFrame();
+        return Watch.Tick(true);
+    };
+    EXPECT_EQ(TickWithFrame(), Finding::eSpeaksAgain);
+    for (int i = 0; i < 4; ++i) {
+        EXPECT_EQ(TickWithFrame(), Finding::eNothing) << "the request is still being repeated";
+    }
+    EXPECT_EQ(TickWithFrame(), Finding::eSpeaksAgain);
+    Watch.OnModuleState();
+    EXPECT_FALSE(Watch.IsSilent());
+    EXPECT_EQ(TickWithFrame(), Finding::eNothing);
+}
