@@ -7,9 +7,12 @@
 class CSilenceWatch {
 public:
     /// Period of Tick, ms.
-    static constexpr std::uint32_t ePeriod = 500;
-    /// Silence that counts, ms: as long as a request is repeated.
-    static constexpr std::uint32_t eLimit = 2000;
+    static constexpr std::uint32_t ePeriod = 250;
+    /// Silence that counts, ms: modules report ten to twenty times a second, and the shortest useful window of samples
+    /// is longer than this, so that it can't be filled with one stale reading.
+    static constexpr std::uint32_t eLimit = 1000;
+    /// A request is repeated for so long before it is given up, ms.
+    static constexpr std::uint32_t eRequestLife = 2000;
 
     enum class Finding {
         eNothing,
@@ -31,8 +34,7 @@ public:
         m_Quiet = bHeard || !bTurning ? 0 : m_Quiet + ePeriod;
         m_SinceAsked += ePeriod;
         if (m_bSilent) {
-            // The answer of a request that is repeated may take as long as the limit.
-            if (bHeard && m_SinceAsked > eLimit) {
+            if (bHeard && m_SinceAsked > eRequestLife) {
                 m_SinceAsked = 0;
                 return Finding::eSpeaksAgain;
             }
@@ -40,7 +42,7 @@ public:
         }
         if (m_bEverHeard && m_Quiet >= eLimit) {
             m_bSilent = true;
-            m_SinceAsked = eLimit;
+            m_SinceAsked = eRequestLife;
             return Finding::eFellSilent;
         }
         return Finding::eNothing;
