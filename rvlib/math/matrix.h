@@ -2,9 +2,11 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace math {
 
@@ -15,7 +17,8 @@ public:
 };
 
 /// Dense matrix with copy-on-write: copies share their elements until one of them is written. At most 4 by 4
-/// in this system. The count of sharers is a plain integer, so a matrix and its copies belong to one thread.
+/// in this system. Whether a write must clone is told by the count of sharers, so a matrix and its copies
+/// belong to one thread.
 ///
 /// A complex number x + iy is held as the 2-by-1 vector (x, y) or, as a factor, as the 2-by-2 block
 /// [[x, -y], [y, x]]: a matrix product then is a complex product.
@@ -25,15 +28,11 @@ public:
     /// 6 by 6, elements not initialised; SetSize brings it to the size wanted.
     matrix() : matrix(6, 6) {}
     /// Elements not initialised.
-    matrix(std::uint32_t Rows, std::uint32_t Columns) : m_pRep(new CRep(Rows, Columns)) {}
-    matrix(const matrix& rOther) : m_pRep(rOther.m_pRep) { ++m_pRep->ReferenceCount; }
-    matrix& operator=(const matrix& rOther) {
-        // The source's count is raised before the old elements are released, so self-assignment is harmless.
-        matrix Copy(rOther);
-        std::swap(m_pRep, Copy.m_pRep);
-        return *this;
-    }
-    ~matrix() { Release(); }
+    matrix(std::uint32_t Rows, std::uint32_t Columns) : m_pRep(std::make_shared<CRep>(Rows, Columns)) {}
+    /// Copies share; there are no moves, since a matrix that was moved from would have no elements to size.
+    matrix(const matrix&) = default;
+    matrix& operator=(const matrix&) = default;
+    ~matrix() = default;
 
     std::uint32_t RowNo() const { return m_pRep->RowCount; }
     std::uint32_t ColNo() const { return m_pRep->ColumnCount; }
@@ -58,10 +57,8 @@ public:
         const bool bFits = Rows == m_pRep->AllocatedRows && Columns == m_pRep->AllocatedColumns;
         // Unit leaves more allocated than it uses. Growing back into that needs no new arrays, but only when
         // nobody shares them: a clone has no more than what is in use.
-        if (!bFits || (!bSameSize && m_pRep->ReferenceCount > 1)) {
-            CRep* pNew = new CRep(Rows, Columns, *m_pRep);
-            Release();
-            m_pRep = pNew;
+        if (!bFits || (!bSameSize && IsShared())) {
+            m_pRep = std::make_shared<CRep>(Rows, Columns, *m_pRep);
         }
         m_pRep->RowCount = Rows;
         m_pRep->ColumnCount = Columns;
@@ -76,7 +73,7 @@ public:
     void Null() {
         MakeExclusive();
         for (std::uint32_t i = 0; i < RowNo(); ++i) {
-            std::fill_n(m_pRep->Rows[i], ColNo(), T(0));
+            std::fill_n(m_pRep->Rows[i].get(), ColNo(), T(0));
         }
     }
 
@@ -170,8 +167,8 @@ public:
         matrix Result(Size, Size);
         MakeExclusive();
         Result.Unit();
-        T** a = m_pRep->Rows;
-        T** b = Result.m_pRep->Rows;
+        auto& a = m_pRep->Rows;
+        auto& b = Result.m_pRep->Rows;
         for (std::uint32_t k = 0; k < Size; ++k) {
             const int p = Pivot(k);
             if (p == -1) {
@@ -206,7 +203,7 @@ public:
         }
         matrix Copy(*this);
         Copy.MakeExclusive();
-        T** a = Copy.m_pRep->Rows;
+        auto& a = Copy.m_pRep->Rows;
         T Result = T(1);
         for (std::uint32_t k = 0; k < RowNo(); ++k) {
             const int p = Copy.Pivot(k);
@@ -243,48 +240,33 @@ private:
     /// The elements. Every row is an array of its own, so that rows are swapped by swapping pointers.
     struct CRep {
         CRep(std::uint32_t nRows, std::uint32_t nColumns)
-            : Rows(new T*[nRows]),
+            : Rows(nRows),
               RowCount(nRows),
               ColumnCount(nColumns),
               AllocatedRows(nRows),
               AllocatedColumns(nColumns) {
-            for (std::uint32_t i = 0; i < nRows; ++i) {
-                Rows[i] = new T[nColumns];
+            for (auto& rRow : Rows) {
+                rRow = std::make_unique_for_overwrite<T[]>(nColumns);
             }
         }
         CRep(std::uint32_t nRows, std::uint32_t nColumns, const CRep& rSource) : CRep(nRows, nColumns) {
             const std::uint32_t nCopy = std::min(nColumns, rSource.ColumnCount);
             for (std::uint32_t i = 0; i < std::min(nRows, rSource.RowCount); ++i) {
-                std::copy_n(rSource.Rows[i], nCopy, Rows[i]);
+                std::copy_n(rSource.Rows[i].get(), nCopy, Rows[i].get());
             }
-        }
-        CRep(const CRep&) = delete;
-        CRep& operator=(const CRep&) = delete;
-        ~CRep() {
-            for (std::uint32_t i = 0; i < AllocatedRows; ++i) {
-                delete[] Rows[i];
-            }
-            delete[] Rows;
         }
 
-        T** Rows;
-        std::uint32_t RowCount;
+        std::vector<std::unique_ptr<T[]>> Rows;
+        std::uint32_t RowCount;  ///< in use; Unit makes it smaller than what is allocated
         std::uint32_t ColumnCount;
         std::uint32_t AllocatedRows;
         std::uint32_t AllocatedColumns;
-        std::uint32_t ReferenceCount = 1;
     };
 
-    void Release() {
-        if (--m_pRep->ReferenceCount == 0) {
-            delete m_pRep;
-        }
-    }
+    bool IsShared() const { return m_pRep.use_count() > 1; }
     void MakeExclusive() {
-        if (m_pRep->ReferenceCount > 1) {
-            CRep* pClone = new CRep(m_pRep->RowCount, m_pRep->ColumnCount, *m_pRep);
-            --m_pRep->ReferenceCount;  // never the last sharer
-            m_pRep = pClone;
+        if (IsShared()) {
+            m_pRep = std::make_shared<CRep>(RowNo(), ColNo(), *m_pRep);
         }
     }
     void CheckIndex(std::uint32_t Row, std::uint32_t Column) const {
@@ -295,7 +277,7 @@ private:
     /// Brings the largest element of the column at and below Row to Row, the first of equals. -1: only exact
     /// zeros there; 0: nothing swapped; else the row it came from (always above Row, so never 0).
     int Pivot(std::uint32_t Row) {
-        T** a = m_pRep->Rows;
+        auto& a = m_pRep->Rows;
         T Best = T(-1);
         std::uint32_t k = Row;
         for (std::uint32_t i = Row; i < RowNo(); ++i) {
@@ -315,7 +297,7 @@ private:
         return static_cast<int>(k);
     }
 
-    CRep* m_pRep;
+    std::shared_ptr<CRep> m_pRep;  ///< counts the sharers
 };
 
 }  // namespace math
