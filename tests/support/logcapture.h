@@ -15,7 +15,8 @@ public:
                 pPublisher->SetLevel(0xFFFFFFFF);
             }
         }
-        m_pGuard = CLogComponent::AddListener([this](const CLogRecord& rRecord) { m_Records.push_back(rRecord); });
+        m_pGuard =
+            CLogComponent::AddListener([this](const CLogRecord& rRecord) { m_Records.push_back(rRecord); });
     }
     ~CLogCapture() {
         m_pGuard.reset();

@@ -19,9 +19,8 @@ Bytes StoredText(const std::string& rText) {
 
 /// The bytes of a text's length prefix.
 Bytes PrefixOf(std::size_t nLength) {
-    Bytes Stored = StoredText(std::string(nLength, 'x'));
-    Stored.resize(Stored.size() - nLength);
-    return Stored;
+    const Bytes Stored = StoredText(std::string(nLength, 'x'));
+    return Bytes(Stored.begin(), Stored.end() - static_cast<std::ptrdiff_t>(nLength));
 }
 
 TEST(CArchiveTest, NumbersAreLittleEndianWithoutPadding) {
@@ -144,8 +143,10 @@ TEST(CArchiveTest, AHugeLengthIsRefusedWithoutAllocatingIt) {
 }
 
 TEST(CArchiveTest, ALengthOf65534In16BitsIsImpossible) {
-    Bytes Stored = {0xFF, 0xFE, 0xFF};
-    Stored.resize(Stored.size() + 65534, 'x');
+    Bytes Stored(3 + 65534, 'x');
+    Stored[0] = 0xFF;
+    Stored[1] = 0xFE;
+    Stored[2] = 0xFF;
     CArchive Archive(CArchive::eLoad, Stored);
     std::string Text;
     EXPECT_THROW(Archive >> Text, CArchiveException);
