@@ -15,6 +15,14 @@
 #include <thread>
 #include <utility>
 
+/// Posted work on its way through Qt's event queue, the only kind of event that the receiver is sent.
+class CQtEventLoop::CTaskEvent : public QEvent {
+public:
+    explicit CTaskEvent(std::function<void()> Task) : QEvent(QEvent::User), m_Task(std::move(Task)) {}
+
+    std::function<void()> m_Task;
+};
+
 /// A thread that calls a callback once a period.
 class CQtEventLoop::CMultimediaTimer {
 public:
@@ -60,7 +68,8 @@ CQtEventLoop::~CQtEventLoop() {
 }
 
 void CQtEventLoop::Post(std::function<void()> Task) {
-    QMetaObject::invokeMethod(&m_Receiver, std::move(Task), Qt::QueuedConnection);
+    // Qt's queue owns its events.
+    QCoreApplication::postEvent(&m_Receiver, std::make_unique<CTaskEvent>(std::move(Task)).release());
 }
 
 std::uint32_t CQtEventLoop::SetTimer(std::uint32_t Period, TimerProc Proc) {
@@ -88,6 +97,10 @@ void CQtEventLoop::CReceiver::timerEvent(QTimerEvent* pEvent) {
         const TimerProc Proc = Found->second;
         Proc(static_cast<std::uint32_t>(pEvent->timerId()));
     }
+}
+
+void CQtEventLoop::CReceiver::customEvent(QEvent* pEvent) {
+    static_cast<CTaskEvent*>(pEvent)->m_Task();
 }
 
 std::chrono::sys_seconds CQtEventLoop::WallClock() const {

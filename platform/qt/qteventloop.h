@@ -34,13 +34,15 @@ public:
     bool RunUntil(const std::function<bool()>& rDone, std::uint32_t Timeout) override;
 
 private:
-    /// Receives Qt's timer events; posted work lives in its event queue.
+    class CTaskEvent;
+    /// Receives Qt's timer events, and posted work as events.
     class CReceiver : public QObject {
     public:
         std::map<int, TimerProc> m_Timers;
 
     protected:
         void timerEvent(QTimerEvent* pEvent) override;
+        void customEvent(QEvent* pEvent) override;
     };
     class CMultimediaTimer;
 

@@ -18,7 +18,7 @@ constexpr COLORREF c_FinalBad = RGB(0xCE, 0x00, 0x00);
 constexpr COLORREF c_Stale = RGB(0xA0, 0xA0, 0xA0);
 
 int Round(double Value) {
-    return static_cast<int>(Value + 0.5);
+    return static_cast<int>(std::trunc(Value + 0.5));
 }
 
 /// Decimal digits of a number; 0 has none.

@@ -1,6 +1,7 @@
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/instructionview.h"
 
 #include <array>
+#include <cmath>
 
 #include "platform/rvldb/gettext.h"
 #include "platform/window/dc.h"
@@ -118,7 +119,8 @@ std::string CInstructionView::WarningModeToLanguageString(std::uint32_t Mode, do
         case CWarningText::eKey:
             return GetText(rWarning.m_pFirst);
         case CWarningText::eKeyAndPercent:
-            return GetText(rWarning.m_pFirst) + " (" + std::to_string(static_cast<int>(Percent + 0.5)) + "%)";
+            return GetText(rWarning.m_pFirst) + " (" +
+                   std::to_string(static_cast<int>(std::trunc(Percent + 0.5))) + "%)";
         case CWarningText::eTwoKeys:
             return GetText(rWarning.m_pFirst) + " " + GetText(rWarning.m_pSecond);
     }
