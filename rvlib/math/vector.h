@@ -1,5 +1,5 @@
 #pragma once
-// Helpers of the balancing mathematics on matrices that stand for vectors.
+// Vectors of the balancing mathematics, held in matrices.
 #include <cmath>
 #include <cstdint>
 
