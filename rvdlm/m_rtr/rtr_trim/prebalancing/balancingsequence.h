@@ -144,8 +144,18 @@ private:
     }
     void AddToHistory(int NewState);
     std::string GetCause() const;
-    void CountStep(const Sequence::CStepRule& rRule);
     void AddStep() { SetCurrentStep(GetCurrentStep() + 1); }
+    /// The menus are asked for with the number of planes.
+    std::uint8_t GetMenuPlanes() const { return static_cast<std::uint8_t>(m_Planes.size()); }
+    /// Planes with different means count as without weights.
+    bool HasWeightsOnly() const;
+    int FailWithNoReturn(std::uint32_t WarningMode);
+    int FailWithReset(std::uint32_t WarningMode);
+    void OpenLogBlock(int NewState);
+    void CloseLogBlock();
+
+    // What the tables say on entry (sequenceentry.cpp).
+    void CountStep(const Sequence::CStepRule& rRule);
     /// The table's display, menu and notification of the state just entered, in this order.
     void ShowState();
     void ShowDisplay();
@@ -157,14 +167,6 @@ private:
     void SetDisplayModes(CPlaneBalancingMethod::DisplayMode Mode);
     void Notify(CPreBalNotification::Step Step, CPreBalNotification::Action Action);
     void FillNotification();
-    /// The menus are asked for with the number of planes.
-    std::uint8_t GetMenuPlanes() const { return static_cast<std::uint8_t>(m_Planes.size()); }
-    /// Planes with different means count as without weights.
-    bool HasWeightsOnly() const;
-    int FailWithNoReturn(std::uint32_t WarningMode);
-    int FailWithReset(std::uint32_t WarningMode);
-    void OpenLogBlock(int NewState);
-    void CloseLogBlock();
 
     // Measuring (sequencemeasuring.cpp).
     void StoreReading(std::size_t Sensor, std::int16_t x, std::int16_t y);
@@ -176,6 +178,8 @@ private:
     void TakeSample();
     void TestTargetUnbalanceAndDisplayWarning(CPreBalNotification::Step Within,
                                               CPreBalNotification::Step Over);
+    /// The measurements that end a run.
+    int HandleFinalMeasurement(EVENTS Event);
     bool IsAtCalibratedSpeed() const;
     /// The states that wait for the calibrated speed.
     int HandleRPMStart(EVENTS Event);
@@ -230,7 +234,6 @@ private:
     int ReBalanceCheckWeightsHandler(EVENTS Event);
     int ReBalanceRPMStart2Handler(EVENTS Event);
     int ReBalanceMeasurement2Handler(EVENTS Event);
-    int HandleFinalMeasurement(EVENTS Event);
     /// Brings the means to the vectors; false if a plane can't reach its own. *pPercent is the largest lack.
     bool SetUAOfPlanes(const std::vector<Matrix>& rUA, double* pPercent, bool bAllowEqualAngles);
     std::vector<Matrix> GetStoredUAs();

@@ -13,7 +13,7 @@ public:
     /// the settings; without a settings file it is 0.
     CMeasurementSubState(std::uint32_t TargetRPM, std::uint32_t RPMTolerance);
     /// Stops the measurement.
-    virtual ~CMeasurementSubState();
+    ~CMeasurementSubState() override;
     CMeasurementSubState(const CMeasurementSubState&) = delete;
     CMeasurementSubState& operator=(const CMeasurementSubState&) = delete;
 

@@ -381,27 +381,3 @@ int CBalancingSequence::PreBalanceRPMStartHandler(EVENTS Event) {
 int CBalancingSequence::PreBalanceMeasurementHandler(EVENTS Event) {
     return HandleFinalMeasurement(Event);
 }
-
-int CBalancingSequence::HandleFinalMeasurement(EVENTS Event) {
-    switch (Event) {
-        case eNewState:
-            ShowDisplay();
-            BeginSampling();
-            ShowMenu();
-            NotifyState();
-            // The menu stays when the measuring condition is lost.
-            StartMeasurement(m_RPM, m_NotLocked, 0);
-            return 1;
-        case eKeyPressed:
-            if (m_KeyAction != eRebalance) {
-                return 1;
-            }
-            StopMeasurement();
-            SetCurrentStep(0);
-            return Enter(Sequence::eReBalanceMeasurement1);
-        case eCommitChanges:
-            return 1;
-        default:
-            return HandleMeasuringEvent(Event);
-    }
-}
