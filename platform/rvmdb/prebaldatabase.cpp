@@ -16,10 +16,10 @@ std::string Connection;
 /// In order of opening; two databases of one key stand in it twice.
 std::vector<std::string> OpenMachineNames;
 
-Base::CStringArray ToArray(std::vector<std::string> Names) {
+Base::CStringArray ToArray(const std::vector<std::string>& rNames) {
     Base::CStringArray Array;
-    for (std::string& rName : Names) {
-        Array.Add(std::move(rName));
+    for (const std::string& rName : rNames) {
+        Array.Add(rName);
     }
     return Array;
 }
@@ -88,9 +88,9 @@ Base::CStringArray CPreBalDatabase::GetScrewTableNames() const {
 }
 
 CPreBalBaseTableEntry& CPreBalDatabase::ReadConfiguration(const std::string& rName) {
-    // A copy: the name may be that of the entry that goes.
-    const std::string Name = rName;
-    m_pImpl->m_StoredName = Name;
+    // rName may be the name within the entry that goes.
+    m_pImpl->m_StoredName = rName;
+    const std::string& Name = m_pImpl->m_StoredName;
     m_pImpl->m_bConfigurationSound = false;
     std::unique_ptr<CPreBalBaseTableEntry> pEntry;
     try {
