@@ -1,15 +1,31 @@
-// Entry point of every test program: Qt on its offscreen platform, so that pictures are what an operator would see,
-// and English texts, whatever the machine's language.
+// Entry point of every test program: Qt on its offscreen platform, so that pictures are what an operator
+// would see, and English texts, whatever the machine's language.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <unistd.h>
 
 #include <QApplication>
 
 #include "platform/rvldb/gettext.h"
 
+namespace {
+
+/// Temporary files in memory where the system has such a place: the tests make some hundred databases, each
+/// of which would wait for the disk.
+void ChooseTemporaryDirectory() {
+    constexpr const char* eMemoryDirectory = "/dev/shm";
+    if (!qEnvironmentVariableIsSet("TMPDIR") && access(eMemoryDirectory, W_OK | X_OK) == 0) {
+        qputenv("TMPDIR", eMemoryDirectory);
+    }
+}
+
+}  // namespace
+
 int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     qputenv("XDG_RUNTIME_DIR", qgetenv("XDG_RUNTIME_DIR").isEmpty() ? "/tmp" : qgetenv("XDG_RUNTIME_DIR"));
+    ChooseTemporaryDirectory();
     QApplication App(argc, argv);
     QApplication::setStyle("fusion");
     SetLanguage("en");

@@ -124,9 +124,8 @@ void CPreBalConfigTabs::OnUpdateConfiguration(WPARAM) {
     if (m_pDatabase == nullptr) {
         return;
     }
-    CPreBalBaseTableEntry& rEntry = m_pDatabase->ReadConfiguration(m_ConfigDlg.GetConfigurationName());
-    const bool bScrews = PrepareEntry(rEntry);
-    m_pCurrentBaseEntry = &rEntry;
+    m_pCurrentBaseEntry = &m_pDatabase->ReadConfiguration(m_ConfigDlg.GetConfigurationName());
+    const bool bScrews = PrepareEntry(*m_pCurrentBaseEntry);
     ShowConfiguration();
     OnUpdateTabs(bScrews ? 1 : 0);
 }

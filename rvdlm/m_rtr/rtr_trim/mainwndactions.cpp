@@ -3,20 +3,12 @@
 #include <array>
 
 #include "rvdlm/m_rtr/rtr_trim/log.h"
+#include "rvdlm/m_rtr/rtr_trim/moduleactions.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancingmainwnd.h"
 
 using RtrTrim::g_pLog;
 
 namespace {
-
-/// Numbers of message 1058. The ones of keyActions stand there only.
-enum ModuleAction : int {
-    eNextTab = 1,
-    eStart = 102,
-    eRebalance = 4499,
-    eTerminate = 4501,
-    eTerminateAlso = 4510,
-};
 
 /// Flag of an action that ends the run and keeps its result.
 constexpr int eFinishFlag = 5;
@@ -74,22 +66,22 @@ LRESULT CPreBalancingMainWnd::OnModuleAction(WPARAM wParam, LPARAM lParam) {
 
 void CPreBalancingMainWnd::DoModuleAction(int Action, int Flag) {
     switch (Action) {
-        case eNextTab:
+        case eActionNextTab:
             // Changing tabs saves the entry: not while a procedure has it in its hands.
             if (m_pPrebalancingSequence == nullptr) {
                 m_tabCtrl.NextTab();
             }
             break;
-        case eStart:
+        case eActionStart:
             if (m_tabCtrl.HasDatabase()) {
                 StartRun(&CPreBalancing::StartPreBalancing);
             }
             break;
-        case eRebalance:
+        case eActionRebalance:
             OnRebalanceAction();
             break;
-        case eTerminate:
-        case eTerminateAlso:
+        case eActionTerminate:
+        case eActionTerminateAlso:
             if (m_pPrebalancingSequence != nullptr) {
                 TerminatePrebalancingSequence();
             }

@@ -1,6 +1,7 @@
 // What the module reports: which module and set this is, then state, speed and readings.
 #include "platform/rvldb/gettext.h"
 #include "rvdlm/m_rtr/rtr_trim/log.h"
+#include "rvdlm/m_rtr/rtr_trim/moduleactions.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancingmainwnd.h"
 
 using PreBalDB::CPreBalDatabase;
@@ -100,7 +101,7 @@ void CPreBalancingMainWnd::OnSetRequest(Reason Why, const CSet* pSet) {
     }
     if (pSet->RPMFactorPlane1 != 1 || pSet->RPMFactorPlane2 != 1) {
         // Starting a procedure aborts it at once, so that the operator sees why such a set can't be used.
-        PostMessage(WM_RV_MODULEACTION, 102);
+        PostMessage(WM_RV_MODULEACTION, eActionStart);
     }
     if (Why == Comm::eSuccess && m_pCommunicationIF != nullptr) {
         const int Sent = m_pCommunicationIF->QueryModuleState();

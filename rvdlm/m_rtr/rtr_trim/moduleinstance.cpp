@@ -52,8 +52,12 @@ CWnd* CModuleInstance::GetWindow() {
     if (!m_bLoaded || !IFEventLoop::HasCurrent()) {
         return nullptr;
     }
-    RtrTrim::Guarded("GetWindow", [this] { m_Windows.push_back(std::make_unique<CPreBalancingMainWnd>()); });
-    return m_Windows.empty() ? nullptr : m_Windows.back().get();
+    CWnd* pWindow = nullptr;
+    RtrTrim::Guarded("GetWindow", [&] {
+        m_Windows.push_back(std::make_unique<CPreBalancingMainWnd>());
+        pWindow = m_Windows.back().get();
+    });
+    return pWindow;
 }
 
 void CModuleInstance::DeleteDllWindow(const CWnd* pWindow) {

@@ -4,6 +4,7 @@
 #include "platform/rvldb/gettext.h"
 #include "rvdlm/m_rtr/rtr_trim/guard.h"
 #include "rvdlm/m_rtr/rtr_trim/log.h"
+#include "rvdlm/m_rtr/rtr_trim/moduleactions.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancingmainwnd.h"
 #include "rvdlm/m_rtr/rtr_trim/softkeymask.h"
 
@@ -129,13 +130,11 @@ void CPreBalConfigTabs::NextTab() {
 }
 
 void CPreBalConfigTabs::Navigate(int Action, int /*Flag*/) {
-    constexpr int eStart = 102;
-    constexpr int eSave = 103;
     // A running procedure has the entry in its hands: what is in memory then must not be saved.
     if (!IsWindowVisible()) {
         return;
     }
-    if (GetCurSel() == eSettingsTab && (Action == eStart || Action == eSave)) {
+    if (GetCurSel() == eSettingsTab && (Action == eActionStart || Action == eActionSave)) {
         SaveCurrentConfiguration();
     }
 }

@@ -70,7 +70,6 @@ TEST_F(CMainWndActionsTest, AKeyWithoutProcedureDoesNothing) {
 
 TEST_F(CMainWndActionsTest, ActionOneChangesTheTab) {
     Open();
-    m_pWnd->GetTabs();
     Act(1);
     // One tab only, with weights: it is shown anew.
     EXPECT_THAT(m_Host.Get(1065), ElementsAre(Message{1065, 111, 0}));

@@ -29,7 +29,6 @@ TEST_F(CMainWndRunControlTest, AStartHidesTheConfiguration) {
 TEST_F(CMainWndRunControlTest, TheEndBringsTheConfigurationBack) {
     LinkOpc();
     OpenCalibrated();
-    m_pWnd->GetTabs();
     Act(102);
     m_Sequence.m_bCommit = true;
     Forget();

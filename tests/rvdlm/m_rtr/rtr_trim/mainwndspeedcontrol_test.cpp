@@ -102,7 +102,6 @@ protected:
         WriteSettings(rSettings);
         Open();
         Act(102);
-        m_pWnd->GetWeightPositionStore();
         SetSetText("2");
         return m_pWnd->GetSpeedIncrement();
     }
