@@ -49,8 +49,8 @@ public:
     /// Runs until Quit, or under virtual time until nothing is left to do.
     virtual void Run() = 0;
     virtual void Quit() = 0;
-    /// Runs queued work and due timers until Done() is true or Timeout ms have passed; the result is Done(). It
-    /// is asked again after work and timers only, so whatever fulfils it must run on the loop.
+    /// Runs queued work and due timers until Done() is true or Timeout ms have passed; the result is Done().
+    /// It is asked again after work and timers only, so whatever fulfils it must run on the loop.
     virtual bool RunUntil(const std::function<bool()>& rDone, std::uint32_t Timeout) = 0;
 
     /// The loop in use. There must be one before any window or timer is made; without one this throws

@@ -2,10 +2,10 @@
 #include <cstdint>
 #include <memory>
 
-/// Moving average over the last samples of an unbalance vector, X and Y apart, so that a phase near 0 degrees needs
-/// no wrapping. The window counts as complete with the sample after the one that fills it: its length plus one
-/// samples are needed, and the first complete average lacks the very first sample. That is meant so: the time waited
-/// for follows from it.
+/// Moving average over the last samples of an unbalance vector, X and Y apart, so that a phase near 0 degrees
+/// needs no wrapping. The window counts as complete with the sample after the one that fills it: its length
+/// plus one samples are needed, and the first complete average lacks the very first sample. That is meant so:
+/// the time waited for follows from it.
 class CXYMovingAverage {
 public:
     /// nLength samples; 0 isn't guarded against.
@@ -18,8 +18,8 @@ public:
     int AddValue(std::int16_t x, std::int16_t y);
     void Reset();
     int GetValuesComplete() const { return m_Complete; }
-    /// Length and angle (degrees, 0 up to but excluding 360) of the averaged vector, length of the newest sample,
-    /// and the averages themselves; a null pointer leaves an output out. All 0 without a sample.
+    /// Length and angle (degrees, 0 up to but excluding 360) of the averaged vector, length of the newest
+    /// sample, and the averages themselves; a null pointer leaves an output out. All 0 without a sample.
     void GetValues(double* pMagnitude, double* pAngle, double* pLastMagnitude, double* pX, double* pY) const;
 
 private:

@@ -77,8 +77,8 @@ TEST(WholeRun, SameSeedGivesTheSameReportByteForByte) {
 TEST(WholeRun, CorrectionBeyondTheWeightsCapacityWarnsWithThePercentageAndTheRunGoesOn) {
     CRotorFile Rotor = MakeQuietRotor();
     // The test run adds 0.52 weights in direction 255 degrees (on a clockwise scale one weight goes from 0 to
-    // -30 degrees), so the unbalance grows in length: an effect of more than 5 percent. The influence is large,
-    // so that whole counts don't blur the percentage.
+    // -30 degrees), so the unbalance grows in length: an effect of more than 5 percent. The influence is
+    // large, so that whole counts don't blur the percentage.
     Rotor.m_Planes[0].m_Unbalance = {2.4, 255.0};
     Rotor.m_Influence[0][0].m_Amplitude = 2000.0;
     CWholeRun Run(Rotor);

@@ -8,8 +8,8 @@ class CSilenceWatch {
 public:
     /// Period of Tick, ms.
     static constexpr std::uint32_t ePeriod = 250;
-    /// Silence that counts, ms: modules report ten to twenty times a second, and the shortest useful window of samples
-    /// is longer than this, so that it can't be filled with one stale reading.
+    /// Silence that counts, ms: modules report ten to twenty times a second, and the shortest useful window
+    /// of samples is longer than this, so that it can't be filled with one stale reading.
     static constexpr std::uint32_t eLimit = 1000;
     /// A request is repeated for so long before it is given up, ms.
     static constexpr std::uint32_t eRequestLife = 2000;

@@ -12,8 +12,8 @@ public:
     virtual ~CBalancingMathIF() = default;
 };
 
-/// What the single-plane sequence sees of the mathematics. Angles in degrees on the rotor's scale, readings in
-/// counts, UA in units of one balance weight.
+/// What the single-plane sequence sees of the mathematics. Angles in degrees on the rotor's scale, readings
+/// in counts, UA in units of one balance weight.
 class CSinglePlaneBalancingMathIF : public CBalancingMathIF {
 public:
     virtual void SetRotationDirection(PreBalDB::CTypeBase::Direction Value) = 0;

@@ -170,7 +170,7 @@ int CBalancingSequence::DispatchEvent(EVENTS Event) {
         RV_ASSERT_FAIL(RtrTrim::g_pLog, ("invalid state: " + std::to_string(m_State)).c_str());
         return 0;
     }
-    return (this->*ms_Handlers[pState->m_Role])(Event);
+    return (this->*ms_Handlers[static_cast<std::size_t>(pState->m_Role)])(Event);
 }
 
 int CBalancingSequence::Enter(Sequence::Role Role, std::size_t Leg) {
@@ -182,7 +182,7 @@ int CBalancingSequence::Enter(Sequence::Role Role, std::size_t Leg) {
     CountStep(pState->m_Steps);
     const int bChanged = ChangeState(pState->m_State);
     SetMode(pState->m_InstructionMode);
-    const int bEntered = (this->*ms_Handlers[Role])(eNewState);
+    const int bEntered = (this->*ms_Handlers[static_cast<std::size_t>(Role)])(eNewState);
     return bChanged != 0 && bEntered != 0 ? 1 : 0;
 }
 

@@ -118,8 +118,8 @@ TEST_F(CTwoModules, SlaveArticleFirst) {
     EXPECT_THAT(m_Window.m_Calls, ElementsAre("Identification eSuccess 12AB0F-345678 65543"));
 }
 
-// A slave's serial number above 0xFFFF reaches into the master's half, so that the slave alone looks complete: its
-// article has seven characters by the dash.
+// A slave's serial number above 0xFFFF reaches into the master's half, so that the slave alone looks
+// complete: its article has seven characters by the dash.
 TEST_F(CTwoModules, SlaveSerialIsNotMasked) {
     m_Handler.QueryModuleIdentification();
     Put(m_Handler, Identification(eSlave, "34 56 78 07 00 01 00"));
