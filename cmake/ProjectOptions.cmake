@@ -48,8 +48,3 @@ find_program(LLD_PROGRAM ld.lld)
 if(LLD_PROGRAM)
     target_link_options(project_options INTERFACE -fuse-ld=lld)
 endif()
-
-# For code that goes into a library which a host unloads: symbols that are unique in the process would keep it.
-if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-    set(UNLOADABLE_CODE_OPTIONS -fno-gnu-unique)
-endif()

@@ -181,6 +181,7 @@ LRESULT CPreBalancingMainWnd::OnRawData(WPARAM wParam, LPARAM lParam) {
     // The buffer's handle (low byte first), one unused byte, then the frame.
     constexpr std::size_t eHeader = 3;
     constexpr std::uint8_t eReservedCommand = 4;
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): a message's parameters are whole numbers
     const auto* const pBuffer = reinterpret_cast<const std::uint8_t*>(wParam);
     if (pBuffer == nullptr || lParam < static_cast<LPARAM>(eHeader)) {
         return 0;
@@ -200,6 +201,7 @@ void CPreBalancingMainWnd::SendRawData(const std::uint8_t* pData, std::uint32_t 
 }
 
 LRESULT CPreBalancingMainWnd::OnQueryProgress(WPARAM, LPARAM lParam) {
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): a message's parameters are whole numbers
     auto* const pProgress = reinterpret_cast<CPreBalProgress*>(lParam);
     if (m_pPrebalancingSequence == nullptr || pProgress == nullptr) {
         return 0;
