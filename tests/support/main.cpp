@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <QApplication>
+#include <QTemporaryDir>
 
 #include "platform/rvldb/gettext.h"
 
@@ -24,7 +25,10 @@ void ChooseTemporaryDirectory() {
 
 int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    qputenv("XDG_RUNTIME_DIR", qgetenv("XDG_RUNTIME_DIR").isEmpty() ? "/tmp" : qgetenv("XDG_RUNTIME_DIR"));
+    QTemporaryDir RuntimeDirectory;
+    if (qEnvironmentVariableIsEmpty("XDG_RUNTIME_DIR")) {
+        qputenv("XDG_RUNTIME_DIR", RuntimeDirectory.path().toUtf8());
+    }
     ChooseTemporaryDirectory();
     QApplication App(argc, argv);
     QApplication::setStyle("fusion");
