@@ -4,6 +4,7 @@
 #include <span>
 
 #include "rvlib/rvprt/log.h"
+#include "rvlib/rvprt/names.h"
 
 namespace Kestrel {
 
@@ -23,14 +24,9 @@ constexpr std::array StateNames{"Idle",
 constexpr std::array ParamNames{"NoSBA", "SBA1", "SBA2", "SBA3", "SBA4", "SBA5"};
 
 const char* ToString(std::span<const char* const> Names, const char* pNotKnown, std::uint32_t Value) {
-    if (Value < Names.size()) {
-        return Names[Value];
-    }
-    if (Value == 255) {
-        return pNotKnown;
-    }
-    RV_ASSERT_FAIL(Protocols::g_pLog, "impossible");
-    return "invalid";
+    const char* const pName = Value == 255 ? pNotKnown : Comm::NameOf(Names, Value, nullptr);
+    RV_ASSERT_AS(Protocols::g_pLog, pName != nullptr, "FALSE", "impossible", false);
+    return pName != nullptr ? pName : "invalid";
 }
 
 }  // namespace

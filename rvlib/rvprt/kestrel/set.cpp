@@ -3,14 +3,13 @@
 #include <array>
 
 #include "rvlib/rvprt/logblock.h"
+#include "rvlib/rvprt/names.h"
 
 namespace Kestrel {
 
 namespace {
 
 constexpr std::array AdaptionNames{"Div6", "Div3", "Div2", "Div1", "5Div6", "5Div3", "5Div2", "5Div1"};
-/// From the last of the names up to here the number stands in the text.
-constexpr std::uint32_t eLastAdaption = 31;
 
 }  // namespace
 
@@ -34,11 +33,8 @@ void CSet::Log() const {
 }
 
 std::string CSet::SensorAdaptionToString(std::uint32_t Adaption) {
-    if (Adaption < AdaptionNames.size()) {
-        return AdaptionNames[Adaption];
-    }
-    if (Adaption <= eLastAdaption) {
-        return "Value" + std::to_string(Adaption);
+    if (const auto Name = Comm::AdaptionName(AdaptionNames, "Value", Adaption)) {
+        return *Name;
     }
     if (Adaption == eUnknownAdaption) {
         return "UnknownAdaption";

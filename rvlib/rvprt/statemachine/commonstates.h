@@ -13,8 +13,20 @@ struct CCommonRow {
     int (Machine::*m_pHandler)(std::span<const std::uint8_t> Payload, bool bIndication);
     bool m_bIndication;      ///< the module sends such frames by itself, too
     const char* m_pCalling;  ///< format with the reason, before the callback in a failure
-    void (*m_pFail)(Machine& rMachine, Reason Why);
+    void (*m_pFail)(Machine& rMachine, Reason Why);  ///< the callback with nulls
 };
+
+template <class Machine, class Source, class... Values>
+void CallWithNulls(Machine& rMachine, Reason Why,
+                   void (Source::*pCallback)(Reason Why, const Values*... pValues)) {
+    (rMachine.*pCallback)(Why, static_cast<const Values*>(nullptr)...);
+}
+
+/// Reports a failure: calls back without values, however many the callback takes.
+template <class Machine, auto pCallback>
+void Fail(Machine& rMachine, Reason Why) {
+    CallWithNulls(rMachine, Why, pCallback);
+}
 
 /// What an answer with a sub-code must look like.
 struct CSubCodeRow {
@@ -28,8 +40,13 @@ struct CSubCodeRow {
 /// frame of this length fails only there.
 constexpr CSubCodeRow IdentificationRow{8, 45, 0, "--> ModuleIdentificationResponse(0x11-8)"};
 
+/// What the log says of values that came as answers.
+constexpr const char* pRPMDataResponse = "--> RPMDataResponse received(0x1C)...";
+constexpr const char* pUnbalanceXYResponse = "--> UnbalanceCoordonatesResponse received(0x1E)...";
+
 /// The machine of everything else, for both families. FamilyBase: the family's CStateBase. Machine, the
-/// derived class, supplies GetRows(), by state from the first behind idle on, and SmallestResponse.
+/// derived class, supplies GetRows(), by state from the first behind idle on, and SmallestResponse. It may
+/// hide PostSubCodeIndication.
 template <class Machine, class FamilyBase>
 class CCommonStatesT : public FamilyBase {
 public:
@@ -91,13 +108,19 @@ public:
                 return nHandled;
             }
         }
-        return 0;
+        return GetMachine().PostSubCodeIndication(pData[0], Behind(pData, nSize, this->eHeaderSize));
     }
 
 protected:
     using Row = CCommonRow<Machine>;
 
     explicit CCommonStatesT(const CStateTexts& rTexts) : FamilyBase(rTexts) {}
+
+    /// Takes a frame that no row takes as an indication; Payload, from the sub-code on, isn't empty. Nonzero
+    /// if it could be used.
+    int PostSubCodeIndication(std::uint8_t /*Command*/, std::span<const std::uint8_t> /*Payload*/) {
+        return 0;
+    }
 
     /// Decodes an answer with a sub-code and reports it. Nonzero if it could be used.
     template <class Message>

@@ -3,31 +3,7 @@
 #include "rvdlm/m_rtr/rtr_trim/communication/planehandler.h"
 
 CKestrelMapper::CKestrelMapper(CPlaneHandler& rPlaneHandler, std::uint8_t ModuleAddress)
-    : CKestrelProtocol(ModuleAddress), m_pPlaneHandler(&rPlaneHandler), m_Address(ModuleAddress) {}
-
-int CKestrelMapper::PutReceivedModuleData(const std::uint8_t* pData, std::uint32_t nSize) {
-    return CKestrelProtocol::PutReceivedModuleData(pData, nSize);
-}
-
-int CKestrelMapper::QueryModuleIdentification() {
-    return CKestrelProtocol::QueryModuleIdentification();
-}
-
-int CKestrelMapper::QueryActiveSet() {
-    return CKestrelProtocol::QueryActiveSet();
-}
-
-int CKestrelMapper::QueryModuleState() {
-    return CKestrelProtocol::QueryModuleState();
-}
-
-int CKestrelMapper::QueryRPMData() {
-    return CKestrelProtocol::QueryRPMData();
-}
-
-int CKestrelMapper::QueryUnbalanceXYValues() {
-    return CKestrelProtocol::QueryUnbalanceXYValues();
-}
+    : CModuleMapper(ModuleAddress), m_pPlaneHandler(&rPlaneHandler), m_Address(ModuleAddress) {}
 
 void CKestrelMapper::SendRawData(const std::uint8_t* pData, std::uint32_t nSize) {
     m_pPlaneHandler->SendRawData(m_Address, pData, nSize);

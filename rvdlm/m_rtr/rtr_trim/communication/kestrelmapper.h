@@ -1,22 +1,16 @@
 #pragma once
 #include "rvdlm/m_rtr/rtr_trim/communication/iftokestrelsaker.h"
+#include "rvdlm/m_rtr/rtr_trim/communication/modulemapper.h"
 #include "rvlib/rvprt/kestrel/statemachine/kestrelprotocol.h"
 
 class CPlaneHandler;
 
 /// Translates between one Kestrel module and the plane handler, which tells its modules apart by their
 /// addresses.
-class CKestrelMapper : public IFToKestrelSaker, private Kestrel::CKestrelProtocol {
+class CKestrelMapper : public CModuleMapper<IFToKestrelSaker, Kestrel::CKestrelProtocol> {
 public:
     /// rPlaneHandler must outlive the mapper.
     CKestrelMapper(CPlaneHandler& rPlaneHandler, std::uint8_t ModuleAddress);
-
-    int PutReceivedModuleData(const std::uint8_t* pData, std::uint32_t nSize) override;
-    int QueryModuleIdentification() override;
-    int QueryActiveSet() override;
-    int QueryModuleState() override;
-    int QueryRPMData() override;
-    int QueryUnbalanceXYValues() override;
 
 private:
     void SendRawData(const std::uint8_t* pData, std::uint32_t nSize) override;

@@ -1,5 +1,6 @@
 #include "rvdlm/m_rtr/rtr_trim/communication/mapperchoice.h"
 
+#include "rvdlm/m_rtr/rtr_trim/communication/lannermapper.h"
 #include "rvdlm/m_rtr/rtr_trim/communication/planehandler.h"
 #include "rvdlm/m_rtr/rtr_trim/log.h"
 
@@ -26,7 +27,5 @@ std::unique_ptr<IFToCommunication> MakeMapper(IFFromCommunication& rWindow, std:
         return MakeKestrelMapper(rWindow, static_cast<std::uint8_t>(Address), rFlags);
     }
     RV_ASSERT(g_pLog, rFlags.IsLanner(), "Unknown module! Trying to use Lanner mapper...");
-    RV_ERROR(g_pLog, "no mapper for Lanner modules: module %u at address %u can't be used",
-             static_cast<unsigned>(rFlags.GetIdentification()), static_cast<unsigned>(Address));
-    return nullptr;
+    return std::make_unique<CLannerMapper>(&rWindow, static_cast<std::uint8_t>(Address));
 }

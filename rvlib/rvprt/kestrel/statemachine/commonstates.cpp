@@ -16,12 +16,12 @@ std::span<const CCommonStates::Row> CCommonStates::GetRows() {
     static constexpr Row Rows[] = {
         {0x11, &CCommonStates::ModuleIdentificationResponse, false,
          "calling OnQueryModuleIdentification(%s, NULL)",
-         [](CCommonStates& r, Reason Why) { r.OnQueryModuleIdentification(Why, nullptr); }},
+         &Comm::Fail<CCommonStates, &CCommonStates::OnQueryModuleIdentification>},
         {0x1C, &CCommonStates::RPMDataReceiveHandler, true, "calling OnRPMData(%s, NULL, NULL)",
-         [](CCommonStates& r, Reason Why) { r.OnRPMData(Why, nullptr); }},
+         &Comm::Fail<CCommonStates, &CCommonStates::OnRPMData>},
         {0x1E, &CCommonStates::UnbalanceCoordinatesReceiveHandler, true,
          "calling OnUnbalanceXYValues(%s, NULL, NULL, NULL)",
-         [](CCommonStates& r, Reason Why) { r.OnUnbalanceXYValues(Why, nullptr, nullptr); }},
+         &Comm::Fail<CCommonStates, &CCommonStates::OnUnbalanceXYValues>},
     };
     return Rows;
 }
@@ -36,7 +36,7 @@ int CCommonStates::RPMDataReceiveHandler(std::span<const std::uint8_t> Payload, 
     }
     const std::uint32_t RPM = Comm::ReadU16(Payload.data());
     if (!bIndication) {
-        RV_PROTOCOL("--> RPMDataResponse received(0x1C)...");
+        RV_PROTOCOL("%s", Comm::pRPMDataResponse);
     }
     OnRPMData(bIndication ? eIndication : eSuccess, &RPM);
     return 1;
@@ -50,7 +50,7 @@ int CCommonStates::UnbalanceCoordinatesReceiveHandler(std::span<const std::uint8
     const std::uint32_t X = Comm::ReadU16(Payload.data());
     const std::uint32_t Y = Comm::ReadU16(Payload.data() + 2);
     if (!bIndication) {
-        RV_PROTOCOL("--> UnbalanceCoordonatesResponse received(0x1E)...");
+        RV_PROTOCOL("%s", Comm::pUnbalanceXYResponse);
     }
     OnUnbalanceXYValues(bIndication ? eIndication : eSuccess, &X, &Y);
     return 1;

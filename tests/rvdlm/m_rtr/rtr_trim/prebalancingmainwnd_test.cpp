@@ -12,7 +12,6 @@
 
 using testing::Contains;
 using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 
@@ -100,16 +99,27 @@ TEST_F(CPreBalancingMainWndTest, InitWindowWithAKnownMachineTouchesNothingButThe
     EXPECT_EQ(m_pWnd->GetWeightPositionStore().m_IncrementBelow, 45);
 }
 
-// With the real mappers: what the chooser says and makes of it stands in mapperchoice_test.cpp.
 TEST_F(CPreBalancingMainWndTest, AWindowWithoutMapperStartsNoQueriesAndLives) {
-    Create(CMainWndMakers());
-    EXPECT_EQ(Init(0), 1);
-    EXPECT_THAT(m_Log.GetAssertions(), ElementsAre("Unknown module! Trying to use Lanner mapper..."));
-    EXPECT_THAT(m_Log.GetTexts("Error"), ElementsAre(HasSubstr("no mapper for Lanner modules")));
+    Create();
     m_pWnd->PleaseQueryXYValuesNOW();
     Deliver(WM_RV_RAWDATA_FIRST, {0x1C, 5, 1});
     EXPECT_EQ(Act(102), 1);
     EXPECT_EQ(m_pWnd->GetSequence(), nullptr);
+    EXPECT_THAT(m_Module.m_Calls, IsEmpty());
+}
+
+// With the real mappers: an identification that nobody knows is tried as a Lanner module, frame by frame.
+TEST_F(CPreBalancingMainWndTest, AnUnknownModuleIsTriedAsALannerModule) {
+    Create(CMainWndMakers());
+    EXPECT_EQ(Init(0), 1);
+    EXPECT_THAT(m_Log.GetAssertions(), ElementsAre("Unknown module! Trying to use Lanner mapper..."));
+    m_Log.Clear();
+    std::vector<std::uint8_t> Identification{0x11, 5, 1, 8, 0, 0, 0, 0, 0, 0x12, 0xAB, 0x0F, 1, 0, 0, 0};
+    Identification.resize(49);
+    Deliver(WM_RV_RAWDATA_FIRST, Identification);
+    EXPECT_EQ(m_pWnd->GetMachineName(), "12AB0F-1");
+    EXPECT_THAT(m_Log.GetTexts("Protocol"), Contains("<-- Sending ActiveSet (0x10)"));
+    EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
 }
 
 TEST_F(CPreBalancingMainWndTest, FramesGoToTheMapperWithoutTheirHead) {

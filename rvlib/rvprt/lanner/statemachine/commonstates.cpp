@@ -1,0 +1,292 @@
+#include "rvlib/rvprt/lanner/statemachine/commonstates.h"
+
+namespace Lanner {
+
+namespace {
+
+constexpr const char* StateNames[] = {"eIdle",
+                                      "eQueryBalConfiguration",
+                                      "eSetBalConfiguration",
+                                      "eQueryMinBalConfiguration",
+                                      "eQueryDefaultBalConfiguration",
+                                      "eQueryMaxBalConfiguration",
+                                      "eQueryModuleConfiguration",
+                                      "eSetModuleConfiguration",
+                                      "eQueryMinModuleConfiguration",
+                                      "eQueryDefaultModuleConfiguration",
+                                      "eQueryMaxModuleConfiguration",
+                                      "eQueryModuleIdentification",
+                                      "eQueryModuleDiagnosisData",
+                                      "eSetModuleDiagnosisData",
+                                      "eQueryRPMData",
+                                      "eQueryUnbalanceAmplitude",
+                                      "eQueryUnbalanceCoordinates",
+                                      "eQueryDiagnosis"};
+constexpr Comm::CStateTexts Texts{StateNames, "invalid state", "New CommonState: %s (OldState: %s)"};
+
+constexpr std::uint8_t eConfigurationCommand = 0x11;
+constexpr std::uint8_t eBalConfiguration = 0;
+constexpr std::uint8_t eModuleConfiguration = 4;
+constexpr std::uint8_t eModuleDiagnosisData = 9;
+
+/// A body and its sub-code.
+constexpr std::uint32_t eBalSize = CBalConfiguration::eSize + 1;
+constexpr std::uint32_t eModuleSize = CModuleConfiguration::eSize + 1;
+constexpr std::uint32_t eDiagnosisSize = CModuleDiagnosisData::eSize + 1;
+
+constexpr Comm::CSubCodeRow BalRow{eBalConfiguration, eBalSize, 1, "--> BalConfigurationResponse(0x11-0)"};
+constexpr Comm::CSubCodeRow MinBalRow{1, eBalSize, 1, "--> QueryMinBalConfigurationResponse(0x11-1)"};
+constexpr Comm::CSubCodeRow DefaultBalRow{2, eBalSize, 1, "--> QueryDefaultBalConfigurationResponse(0x11-2)"};
+constexpr Comm::CSubCodeRow MaxBalRow{3, eBalSize, 1, "--> QueryMaxBalConfigurationResponse(0x11-3)"};
+constexpr Comm::CSubCodeRow ModuleRow{eModuleConfiguration, eModuleSize, 1,
+                                      "--> QueryModuleConfigurationResponse(0x11-4)"};
+constexpr Comm::CSubCodeRow MinModuleRow{5, eModuleSize, 1,
+                                         "--> QueryMinModuleConfigurationResponse(0x11-5)"};
+constexpr Comm::CSubCodeRow DefaultModuleRow{6, eModuleSize, 1,
+                                             "--> QueryDefaultModuleConfigurationResponse(0x11-6)"};
+constexpr Comm::CSubCodeRow MaxModuleRow{7, eModuleSize, 1,
+                                         "--> QueryMaxModuleConfigurationResponse(0x11-7)"};
+constexpr Comm::CSubCodeRow DiagnosisRow{eModuleDiagnosisData, eDiagnosisSize, 1,
+                                         "--> ModuleDiagnosisDataResponse(0x11-9)"};
+
+/// The plane that a value's first byte names; nothing if it names none or fewer than nSmallest bytes are
+/// there.
+std::optional<std::uint32_t> ReadPlane(std::span<const std::uint8_t> Data, std::size_t nSmallest) {
+    if (Data.size() < nSmallest) {
+        return std::nullopt;
+    }
+    if (Data[0] > 1) {
+        RV_WARNING(Protocols::g_pLog, "invalid data");
+        return std::nullopt;
+    }
+    return Data[0];
+}
+
+}  // namespace
+
+CCommonStates::CCommonStates() : CCommonStatesT(Texts) {}
+
+std::span<const CCommonStates::Row> CCommonStates::GetRows() {
+    using M = CCommonStates;
+    static constexpr Row Rows[] = {
+        {0x11, &M::BalConfigurationResponse, false, "calling OnBalConfiguration(%s, NULL)",
+         &Comm::Fail<M, &M::OnBalConfiguration>},
+        {0x11, &M::BalConfigurationResponse, false, "calling OnBalConfiguration(%s, NULL)",
+         &Comm::Fail<M, &M::OnBalConfiguration>},
+        {0x11, &M::QueryMinBalConfigurationResponse, false, "calling OnQueryMinBalConfiguration(%s, NULL)",
+         &Comm::Fail<M, &M::OnQueryMinBalConfiguration>},
+        {0x11, &M::QueryDefaultBalConfigurationResponse, false,
+         "calling OnQueryDefaultBalConfiguration(%s, NULL)",
+         &Comm::Fail<M, &M::OnQueryDefaultBalConfiguration>},
+        {0x11, &M::QueryMaxBalConfigurationResponse, false, "calling OnMaxQueryBalConfiguration(%s, NULL)",
+         &Comm::Fail<M, &M::OnMaxQueryBalConfiguration>},
+        {0x11, &M::ModuleConfigurationResponse, false, "calling OnModuleConfiguration(%s, NULL)",
+         &Comm::Fail<M, &M::OnModuleConfiguration>},
+        {0x11, &M::ModuleConfigurationResponse, false, "calling OnModuleConfiguration(%s, NULL)",
+         &Comm::Fail<M, &M::OnModuleConfiguration>},
+        {0x11, &M::QueryMinModuleConfigurationResponse, false,
+         "calling OnQueryMinModuleConfiguration(%s, NULL)",
+         &Comm::Fail<M, &M::OnQueryMinModuleConfiguration>},
+        {0x11, &M::QueryDefaultModuleConfigurationResponse, false,
+         "calling OnQueryDefaultModuleConfiguration(%s, NULL)",
+         &Comm::Fail<M, &M::OnQueryDefaultModuleConfiguration>},
+        {0x11, &M::QueryMaxModuleConfigurationResponse, false,
+         "calling OnQueryMaxModuleConfiguration(%s, NULL)",
+         &Comm::Fail<M, &M::OnQueryMaxModuleConfiguration>},
+        {0x11, &M::ModuleIdentificationResponse, false, "calling OnQueryModuleIdentification(%s, NULL)",
+         &Comm::Fail<M, &M::OnQueryModuleIdentification>},
+        {0x11, &M::ModuleDiagnosisDataResponse, false, "calling OnModuleDiagnosisData(%s, NULL)",
+         &Comm::Fail<M, &M::OnModuleDiagnosisData>},
+        {0x11, &M::ModuleDiagnosisDataResponse, false, "calling OnModuleDiagnosisData(%s, NULL)",
+         &Comm::Fail<M, &M::OnModuleDiagnosisData>},
+        {0x1C, &M::RPMDataReceiveHandler, true, "calling OnRPMData(%s, NULL, NULL)",
+         &Comm::Fail<M, &M::OnRPMData>},
+        {0x1D, &M::UnbalanceAmplitudeReceiveHandler, true, "calling OnUnbalanceAmplitude(%s, NULL, NULL)",
+         &Comm::Fail<M, &M::OnUnbalanceAmplitude>},
+        {0x1E, &M::UnbalanceCoordinatesReceiveHandler, true,
+         "calling OnUnbalanceXYValues(%s, NULL, NULL, NULL)", &Comm::Fail<M, &M::OnUnbalanceXYValues>},
+        {0x1F, &M::DiagnosisReceiveHandler, true, "calling OnDiagnosis(%s, NULL)",
+         &Comm::Fail<M, &M::OnDiagnosis>},
+    };
+    return Rows;
+}
+
+// The callbacks do nothing but note that they came; whoever wants a value overrides them.
+void CCommonStates::OnBalConfiguration(Reason, const CBalConfiguration*) {
+    m_BaseclassCalled = true;
+}
+void CCommonStates::OnQueryMinBalConfiguration(Reason, const CBalConfiguration*) {
+    m_BaseclassCalled = true;
+}
+void CCommonStates::OnQueryDefaultBalConfiguration(Reason, const CBalConfiguration*) {
+    m_BaseclassCalled = true;
+}
+void CCommonStates::OnMaxQueryBalConfiguration(Reason, const CBalConfiguration*) {
+    m_BaseclassCalled = true;
+}
+void CCommonStates::OnModuleConfiguration(Reason, const CModuleConfiguration*) {
+    m_BaseclassCalled = true;
+}
+void CCommonStates::OnQueryMinModuleConfiguration(Reason, const CModuleConfiguration*) {
+    m_BaseclassCalled = true;
+}
+void CCommonStates::OnQueryDefaultModuleConfiguration(Reason, const CModuleConfiguration*) {
+    m_BaseclassCalled = true;
+}
+void CCommonStates::OnQueryMaxModuleConfiguration(Reason, const CModuleConfiguration*) {
+    m_BaseclassCalled = true;
+}
+void CCommonStates::OnQueryModuleIdentification(Reason, const CModuleIdentification*) {
+    m_BaseclassCalled = true;
+}
+void CCommonStates::OnModuleDiagnosisData(Reason, const CModuleDiagnosisData*) {
+    m_BaseclassCalled = true;
+}
+void CCommonStates::OnRPMData(Reason, const std::uint32_t*, const std::uint32_t*) {
+    m_BaseclassCalled = true;
+}
+void CCommonStates::OnUnbalanceAmplitude(Reason, const std::uint32_t*, const std::uint32_t*) {
+    m_BaseclassCalled = true;
+}
+void CCommonStates::OnUnbalanceXYValues(Reason, const std::uint32_t*, const std::uint32_t*,
+                                        const std::uint32_t*) {
+    m_BaseclassCalled = true;
+}
+void CCommonStates::OnDiagnosis(Reason, const DiagnosisBlock*) {
+    m_BaseclassCalled = true;
+}
+
+void CCommonStates::FricklSwapDataSource(std::uint32_t* pPlane) const {
+    if (pPlane == nullptr) {
+        return;
+    }
+    if (*pPlane > 1) {
+        RV_ASSERT_AS(Protocols::g_pLog, false, "FALSE", "impossible", true);
+        return;
+    }
+    if (GetSwap() > 0) {
+        *pPlane = 1 - *pPlane;
+    }
+}
+
+int CCommonStates::BalConfigurationResponse(Payload Data, bool /*bIndication*/) {
+    return SubCodeResponse(BalRow, Data, &CCommonStates::OnBalConfiguration);
+}
+int CCommonStates::QueryMinBalConfigurationResponse(Payload Data, bool /*bIndication*/) {
+    return SubCodeResponse(MinBalRow, Data, &CCommonStates::OnQueryMinBalConfiguration);
+}
+int CCommonStates::QueryDefaultBalConfigurationResponse(Payload Data, bool /*bIndication*/) {
+    return SubCodeResponse(DefaultBalRow, Data, &CCommonStates::OnQueryDefaultBalConfiguration);
+}
+int CCommonStates::QueryMaxBalConfigurationResponse(Payload Data, bool /*bIndication*/) {
+    return SubCodeResponse(MaxBalRow, Data, &CCommonStates::OnMaxQueryBalConfiguration);
+}
+int CCommonStates::ModuleConfigurationResponse(Payload Data, bool /*bIndication*/) {
+    return SubCodeResponse(ModuleRow, Data, &CCommonStates::OnModuleConfiguration);
+}
+int CCommonStates::QueryMinModuleConfigurationResponse(Payload Data, bool /*bIndication*/) {
+    return SubCodeResponse(MinModuleRow, Data, &CCommonStates::OnQueryMinModuleConfiguration);
+}
+int CCommonStates::QueryDefaultModuleConfigurationResponse(Payload Data, bool /*bIndication*/) {
+    return SubCodeResponse(DefaultModuleRow, Data, &CCommonStates::OnQueryDefaultModuleConfiguration);
+}
+int CCommonStates::QueryMaxModuleConfigurationResponse(Payload Data, bool /*bIndication*/) {
+    return SubCodeResponse(MaxModuleRow, Data, &CCommonStates::OnQueryMaxModuleConfiguration);
+}
+int CCommonStates::ModuleIdentificationResponse(Payload Data, bool /*bIndication*/) {
+    return SubCodeResponse(Comm::IdentificationRow, Data, &CCommonStates::OnQueryModuleIdentification);
+}
+int CCommonStates::ModuleDiagnosisDataResponse(Payload Data, bool /*bIndication*/) {
+    return SubCodeResponse(DiagnosisRow, Data, &CCommonStates::OnModuleDiagnosisData);
+}
+
+int CCommonStates::RPMDataReceiveHandler(Payload Data, bool bIndication) {
+    return PlaneValueReceiveHandler(Data, bIndication, Comm::pRPMDataResponse, &CCommonStates::OnRPMData);
+}
+
+int CCommonStates::UnbalanceAmplitudeReceiveHandler(Payload Data, bool bIndication) {
+    return PlaneValueReceiveHandler(Data, bIndication, "--> UnbalanceAmplitudeResponse received(0x1D)...",
+                                    &CCommonStates::OnUnbalanceAmplitude);
+}
+
+int CCommonStates::PlaneValueReceiveHandler(Payload Data, bool bIndication, const char* pResponse,
+                                            PlaneValueCallback pCallback) {
+    std::optional<std::uint32_t> Plane = ReadPlane(Data, 3);
+    if (!Plane) {
+        return 0;
+    }
+    const std::uint32_t Value = Comm::ReadU16(&Data[1]);
+    if (!bIndication) {
+        RV_PROTOCOL("%s", pResponse);
+    }
+    FricklSwapDataSource(&*Plane);
+    (this->*pCallback)(bIndication ? eIndication : eSuccess, &*Plane, &Value);
+    return 1;
+}
+
+int CCommonStates::UnbalanceCoordinatesReceiveHandler(Payload Data, bool bIndication) {
+    std::optional<std::uint32_t> Plane = ReadPlane(Data, 5);
+    if (!Plane) {
+        return 0;
+    }
+    const std::uint32_t X = Comm::ReadU16(&Data[1]);
+    const std::uint32_t Y = Comm::ReadU16(&Data[3]);
+    if (!bIndication) {
+        RV_PROTOCOL("%s", Comm::pUnbalanceXYResponse);
+    }
+    FricklSwapDataSource(&*Plane);
+    OnUnbalanceXYValues(bIndication ? eIndication : eSuccess, &*Plane, &X, &Y);
+    return 1;
+}
+
+int CCommonStates::DiagnosisReceiveHandler(Payload Data, bool bIndication) {
+    if (Data.empty()) {
+        return 0;
+    }
+    if (!bIndication) {
+        RV_PROTOCOL("--> DiagnosisResponse received(0x1F)...");
+    }
+    OnDiagnosis(bIndication ? eIndication : eSuccess, &Data);
+    return 1;
+}
+
+int CCommonStates::PostSubCodeIndication(std::uint8_t Command, Payload Data) {
+    if (Command != eConfigurationCommand) {
+        return 0;
+    }
+    const Payload Body = Data.subspan(1);
+    switch (Data[0]) {
+        case eBalConfiguration:
+            return PostMessageIndication(
+                Body, "--> BalConfiguration indication received",
+                "calling OnBalConfiguration(CStateBase::eIndication, &BalConfiguration)",
+                &CCommonStates::OnBalConfiguration);
+        case eModuleConfiguration:
+            return PostMessageIndication(Body, "--> ModuleConfiguration indication received",
+                                         "calling OnModuleConfiguration(eIndication, pModuleConfiguration)",
+                                         &CCommonStates::OnModuleConfiguration);
+        case eModuleDiagnosisData:
+            return PostMessageIndication(Body, "--> ModuleDiagnosisData indication received",
+                                         "calling OnModuleDiagnosisData(eIndication, pModuleDiagnosisData)",
+                                         &CCommonStates::OnModuleDiagnosisData);
+        default:
+            return 0;
+    }
+}
+
+template <class Message>
+int CCommonStates::PostMessageIndication(Payload Body, const char* pReceived, const char* pCalling,
+                                         void (CCommonStates::*pCallback)(Reason Why,
+                                                                          const Message* pMessage)) {
+    Message Decoded(GetLogID());
+    if (DecodeMessage(*this, Decoded, Body) == 0) {
+        return 0;
+    }
+    RV_PROTOCOL("%s", pReceived);
+    Decoded.Log();
+    RV_PROTOCOL_DETAIL("%s", pCalling);
+    (this->*pCallback)(eIndication, &Decoded);
+    return 1;
+}
+
+}  // namespace Lanner
