@@ -111,7 +111,7 @@ TEST(CommandLine, BadInputGivesOneLineAndStatusThree) {
     ExpectRefused({"--headless", "--rotor", MakeRotor("{")}, "rotor.json");
     ExpectRefused({"--headless", "--link", "serial:/dev/no-such-port"}, "/dev/no-such-port");
     ExpectRefused({"--headless", "--link", "tcp:127.0.0.1:1"}, "127.0.0.1:1");
-    ExpectRefused({"--headless", "--link", "tcp:127.0.0.1"}, "tcp:HOST:PORT");
+    ExpectRefused({"--headless", "--link", "tcp:127.0.0.1"}, "names no host and port");
     ExpectRefused({"--headless", "--report", "/nonexistent/report.json"}, "/nonexistent/report.json");
     ExpectRefused({"--headless", "--config-dir", "/proc/here"}, "/proc/here");
 }
