@@ -63,7 +63,13 @@ protected:
     /// Height in pixels of a font of so many points on this display.
     static int PointsToPixels(const CDC& rDC, int nPoints);
 
+    /// Where the arrow in the middle ends; what points at the ring from within begins outside.
+    static constexpr int c_nMiddle = 33;
+
     Direction m_RotationDirection = PreBalDB::CTypeBase::eClockwise;
+    /// The sense in which the rotor's scale counts, or its holes.
+    Direction m_ScalingDirection = PreBalDB::CTypeBase::eClockwise;
+    bool m_ShowRotationArrow = true;
 
 private:
     static void DrawGauge(CDC& rDC, const CRect& rRect, double Value);

@@ -99,6 +99,6 @@ void CWeightBalancingView::DrawWeight(CDC* pDC, const CRect& rSquare, int Angle,
 
 void CWeightBalancingView::DrawAngleMark(CDC* pDC, const CGeometry& rGeometry, int nDisplay) {
     pDC->SelectPen(CPen(CPen::eDot, 1, c_Mark));
-    pDC->MoveTo(PolarPoint(rGeometry.m_Center, 33, nDisplay));
+    pDC->MoveTo(PolarPoint(rGeometry.m_Center, c_nMiddle, nDisplay));
     pDC->LineTo(PolarPoint(rGeometry.m_Center, rGeometry.m_Inner - 30, nDisplay));
 }

@@ -23,8 +23,6 @@ protected:
     /// The angles to draw, in degrees on the rotor's scale; written before each Paint.
     int m_Angle1 = 0;
     int m_Angle2 = 0;
-    bool m_ShowRotationArrow = true;
-    Direction m_ScalingDirection = PreBalDB::CTypeBase::eClockwise;
 
 private:
     /// From an angle on the rotor's scale to one of PolarPoint.

@@ -1,0 +1,66 @@
+#include "rvlib/rvgui/staticlabel/staticlabel.h"
+
+#include "rvlib/rvgui/gradient.h"
+
+void CStaticLabel::SetText(const std::string& rText) {
+    m_Text = rText;
+    Invalidate();
+}
+
+void CStaticLabel::SetBackground(COLORREF Enabled, COLORREF Disabled) {
+    m_Enabled.m_Background = Enabled;
+    m_Disabled.m_Background = Disabled;
+    Invalidate();
+}
+
+void CStaticLabel::SetGradient(bool bEnabled, bool bDisabled) {
+    m_Enabled.m_bGradient = bEnabled;
+    m_Disabled.m_bGradient = bDisabled;
+    Invalidate();
+}
+
+void CStaticLabel::SetFont(const CFont& rFont) {
+    m_Font = rFont;
+    Invalidate();
+}
+
+void CStaticLabel::SetTextColor(COLORREF Color) {
+    m_TextColor = Color;
+    Invalidate();
+}
+
+void CStaticLabel::EnableWindow(bool bEnable) {
+    m_bEnabled = bEnable;
+    Invalidate();
+}
+
+void CStaticLabel::Paint(CDC& rDC, const CRect& rRect) const {
+    constexpr int c_nInset = 10;
+    const CLook& rLook = m_bEnabled ? m_Enabled : m_Disabled;
+    if (rLook.m_bGradient) {
+        Gui::FillGradient(rDC, rRect, rLook.m_Background);
+    } else {
+        rDC.FillSolidRect(rRect, rLook.m_Background);
+    }
+    if (!m_Font) {
+        return;
+    }
+    const int Saved = rDC.SaveDC();
+    rDC.SelectFont(*m_Font);
+    rDC.SetBkMode(CDC::eTransparent);
+    rDC.SetTextColor(m_TextColor);
+    CRect Rect = rRect;
+    Rect.left += c_nInset;
+    rDC.DrawText(m_Text, Rect, DT_SINGLELINE | DT_VCENTER | DT_LEFT);
+    rDC.RestoreDC(Saved);
+}
+
+LRESULT CStaticLabel::WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) {
+    if (Message != WM_PAINT) {
+        return CWnd::WindowProc(Message, wParam, lParam);
+    }
+    CDC DC(GetSurface());
+    Paint(DC, GetClientRect());
+    SurfaceChanged();
+    return 0;
+}

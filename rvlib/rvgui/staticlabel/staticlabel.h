@@ -1,0 +1,42 @@
+#pragma once
+#include <optional>
+#include <string>
+
+#include "platform/window/dc.h"
+#include "platform/window/wnd.h"
+
+/// A label: one line of text on a plain background or a gradient, which differ by whether it is enabled.
+class CStaticLabel : public CWnd {
+public:
+    CStaticLabel() = default;
+
+    void SetText(const std::string& rText);
+    const std::string& GetText() const { return m_Text; }
+    void SetBackground(COLORREF Enabled, COLORREF Disabled);
+    void SetGradient(bool bEnabled, bool bDisabled);
+    /// Without a font no text is drawn.
+    void SetFont(const CFont& rFont);
+    void SetTextColor(COLORREF Color);
+    void EnableWindow(bool bEnable);
+    bool IsWindowEnabled() const { return m_bEnabled; }
+
+    /// Draws into rRect; what the window does for its client area.
+    void Paint(CDC& rDC, const CRect& rRect) const;
+
+protected:
+    LRESULT WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) override;
+
+private:
+    /// How the label looks in one of its two states.
+    struct CLook {
+        bool m_bGradient = false;
+        COLORREF m_Background = RGB(236, 233, 216);
+    };
+
+    CLook m_Enabled;
+    CLook m_Disabled;
+    std::string m_Text;
+    COLORREF m_TextColor = RGB(0, 0, 0);
+    std::optional<CFont> m_Font;
+    bool m_bEnabled = true;
+};
