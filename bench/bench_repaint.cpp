@@ -27,6 +27,13 @@ public:
         m_Loop.Advance(3500);
     }
 
+    /// In the measuring state, past the settling, with a window of samples filling.
+    bool IsMeasuring() const {
+        CPreBalProgress Progress;
+        m_pSequence->GetProgress(Progress);
+        return Progress.m_State == "eNeutralPosMeasurement" && Progress.m_Readings[0].m_Amplitude > 100.0;
+    }
+
     CVirtualEventLoop m_Loop;
     CFakeMainWnd m_Window;
     PreBalDB::CPreBalBaseTableEntry m_Entry;
@@ -35,6 +42,10 @@ public:
 
 void BM_MeasuringTick(benchmark::State& rState) {
     CMeasuring Measuring;
+    if (!Measuring.IsMeasuring()) {
+        rState.SkipWithError("the procedure does not measure");
+        return;
+    }
     for (auto _ : rState) {
         Measuring.m_pSequence->OnMeasurementTick();
     }

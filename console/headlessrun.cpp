@@ -7,6 +7,7 @@
 #include "platform/rvlog/logcomponent.h"
 #include "platform/rvmdb/prebaldatabase.h"
 #include "platform/system/eventloop.h"
+#include "platform/window/messagebox.h"
 #include "platform/window/messages.h"
 
 namespace {
@@ -53,12 +54,15 @@ CHeadlessRun::CHeadlessRun(CConsoleSession& rSession, const COptions& rOptions)
             m_Report.AddAssertion(rRecord.m_Text);
         }
     });
+    SetMessageBoxPresenter(
+        [this](const CShownMessage& rMessage) { Print(rMessage.m_Title + ": " + rMessage.m_Text); });
     m_rSession.OnChanged = [this] { RecordLater(); };
     m_rSession.OnSay = [this](const std::string& rText) { Print(rText); };
 }
 
 CHeadlessRun::~CHeadlessRun() {
     *m_pAlive = false;
+    SetMessageBoxPresenter(nullptr);
     m_rSession.OnChanged = nullptr;
     m_rSession.OnSay = nullptr;
     if (m_ProgressTimerID != 0) {

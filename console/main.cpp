@@ -13,6 +13,7 @@
 #include "console/mainwindow.h"
 #include "console/options.h"
 #include "console/session.h"
+#include "platform/qt/messageboxpresenter.h"
 #include "platform/qt/qteventloop.h"
 #include "platform/rvlog/logcomponent.h"
 #include "platform/system/virtualeventloop.h"
@@ -95,8 +96,9 @@ int RunHeadless(const COptions& rOptions, CConsoleSession& rSession) {
     return Result;
 }
 
-int RunOnScreen(const COptions& rOptions, CConsoleSession& rSession) {
-    CMainWindow Window(rSession, rOptions);
+int RunOnScreen(CConsoleSession& rSession) {
+    CMainWindow Window(rSession);
+    const CMessageBoxPresenter Presenter(&Window);
     Window.show();
     return QApplication::exec();
 }
@@ -134,7 +136,7 @@ int main(int argc, char** argv) {
             return Refuse("The log can't be written in " + Installation.GetLogDirectory().string() + ".");
         }
         CConsoleSession Session(*Options, Rotor ? &*Rotor : nullptr, Installation.GetDatabaseFile().string());
-        return Options->m_bHeadless ? RunHeadless(*Options, Session) : RunOnScreen(*Options, Session);
+        return Options->m_bHeadless ? RunHeadless(*Options, Session) : RunOnScreen(Session);
     } catch (const std::runtime_error& rError) {
         return Refuse(rError.what());
     }

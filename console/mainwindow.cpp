@@ -27,7 +27,7 @@ QString Text(const char* pKey) {
 
 }  // namespace
 
-CMainWindow::CMainWindow(CConsoleSession& rSession, const COptions& rOptions) : m_rSession(rSession) {
+CMainWindow::CMainWindow(CConsoleSession& rSession) : m_rSession(rSession) {
     setWindowTitle(QString::fromUtf8(CHostWindow::TITLE));
     auto* pCentral = new QWidget(this);
     auto* pColumns = new QHBoxLayout(pCentral);
@@ -51,7 +51,6 @@ CMainWindow::CMainWindow(CConsoleSession& rSession, const COptions& rOptions) : 
     ShowMenu();
     statusBar()->showMessage(Text("CONSOLE_WAITING"));
     StartWhenModuleAnswers();
-    static_cast<void>(rOptions);
 }
 
 CMainWindow::~CMainWindow() {
@@ -95,6 +94,7 @@ QWidget* CMainWindow::MakeSoftkeyBar() {
 
 QWidget* CMainWindow::MakeMachinePanel() {
     auto* pBox = new QGroupBox(Text("CONSOLE_MACHINE"), this);
+    pBox->setMinimumWidth(230);
     auto* pColumn = new QVBoxLayout(pBox);
     auto* pForm = new QFormLayout();
     m_pSpeed = new QSpinBox(pBox);

@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <vector>
 
-#include "console/options.h"
 #include "console/session.h"
 #include "console/softkeys.h"
 
@@ -17,7 +16,7 @@ class QSpinBox;
 /// a panel that stands for the machine: spindle, fitted weights and the rotor's true unbalance.
 class CMainWindow : public QMainWindow {
 public:
-    CMainWindow(CConsoleSession& rSession, const COptions& rOptions);
+    explicit CMainWindow(CConsoleSession& rSession);
     ~CMainWindow() override;
 
 private:
