@@ -6,6 +6,7 @@
 #include "platform/rvmdb/prebalbasetableentry.h"
 #include "platform/system/virtualeventloop.h"
 #include "platform/window/dc.h"
+#include "platform/window/prebalprogress.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/singleplanebalancing.h"
 #include "tests/support/fakemainwnd.h"
 
