@@ -11,6 +11,31 @@ constexpr double ePi = 3.141592653589793;
 /// Stands in a vector for "no measured value".
 constexpr double eInvalidValue = -100000000.0;
 
+/// The complex number x + iy as a 2-by-1 vector.
+inline matrix<double> MakeVector(double x, double y) {
+    matrix<double> Vector(2, 1);
+    Vector(0, 0) = x;
+    Vector(1, 0) = y;
+    return Vector;
+}
+
+/// The same as a factor: the block [[x, -y], [y, x]].
+inline matrix<double> MakeFactor(double x, double y) {
+    matrix<double> Factor(2, 2);
+    Factor(0, 0) = x;
+    Factor(0, 1) = -y;
+    Factor(1, 0) = y;
+    Factor(1, 1) = x;
+    return Factor;
+}
+
+/// A matrix of zeros.
+inline matrix<double> MakeNull(std::uint32_t nRows, std::uint32_t nColumns) {
+    matrix<double> Null(nRows, nColumns);
+    Null.Null();
+    return Null;
+}
+
 /// Euclidean length of a 2-by-1 vector.
 inline double VectorLength(const matrix<double>& rVector) {
     return rVector.Norm();

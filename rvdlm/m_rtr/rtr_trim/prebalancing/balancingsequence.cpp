@@ -83,11 +83,13 @@ int CBalancingSequence::Start(EVENTS Event, std::uint16_t wRPM, int NotLocked, i
 }
 
 void CBalancingSequence::AbortBalancing(std::uint32_t WarningMode) {
+    PB_FLOW("%s::AbortBalancing()", m_rTables.m_pProcedureName);
     m_Event.reset();
     FailWithNoReturn(WarningMode);
 }
 
 int CBalancingSequence::KeyPressed(KeyAction Action) {
+    PB_FLOW("%s::KeyPressed(keyAction=%s)", m_rTables.m_pProcedureName, KeyActionToString(Action));
     m_KeyAction = Action;
     return SetEvent(eKeyPressed);
 }
@@ -118,17 +120,20 @@ void CBalancingSequence::Paint(CDC* pDC, const CRect& rRect, unsigned Mask) {
 }
 
 void CBalancingSequence::CurrentRPM(std::uint16_t wRPM) {
+    PB_FLOW("%s::CurrentRPM(wRPM=%d)", m_rTables.m_pProcedureName, wRPM);
     CPreBalancing::CurrentRPM(wRPM);
     m_RPM = wRPM;
     SetEvent(eRPMChanged);
 }
 
 void CBalancingSequence::InvalidRPM(int bInvalid) {
+    PB_FLOW("%s::InvalidRPM(flag=%d)", m_rTables.m_pProcedureName, bInvalid);
     m_InvalidRPM = bInvalid;
     SetEvent(eInvalidRPMChanged);
 }
 
 void CBalancingSequence::OutOfLock(int bNotLocked) {
+    PB_FLOW("%s::OutOfLock(flag=%d)", m_rTables.m_pProcedureName, bNotLocked);
     m_NotLocked = bNotLocked;
     SetEvent(eOutOfLockChanged);
 }

@@ -2,6 +2,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -94,6 +95,17 @@ protected:
     std::size_t GetPlaneCount() const { return m_Planes.size(); }
     /// Ends what the planes do. A procedure's destructor calls it, while its mathematics is still there.
     void RemovePlanes();
+    /// What a plane is compensated with, in the configuration.
+    struct CPlaneRecord {
+        CompensationMethod m_Used;
+        std::function<const PreBalDB::CWeightCompensationTableEntry&()> CreateWeights;
+        std::function<const PreBalDB::CScrewCompensationTableEntry&()> CreateScrews;
+    };
+    /// A plane with the means of its record. PlaneIndex: 0 first, 1 second, as the method draws and reports
+    /// it, whatever the sensor. A record of neither kind is asserted, and gets weights.
+    CPlane MakePlane(std::size_t Sensor, unsigned PlaneIndex, const CPlaneRecord& rRecord);
+    /// Planes with different means count as without weights.
+    bool HasWeightsOnly() const;
     /// Handed by address to the weight methods; selects among the menus to change weights.
     int* GetWeightSelection() { return &m_WeightSelection; }
 
@@ -112,6 +124,10 @@ protected:
     virtual const char* GetEventText(EVENTS Event) const = 0;
     /// The plane whose means the keys move.
     virtual CPlaneBalancingMethod& GetActiveMethod() = 0;
+    /// Makes another plane the active one; asked for only where there are several.
+    virtual void ToggleActivePlane() {}
+    /// Asserts that the plane of that leg is the active one, where there are several.
+    virtual void CheckActivePlane(std::size_t /*Leg*/) {}
     virtual void PaintMethods(CDC* pDC, const CRect& rRect, bool bRedrawAll) = 0;
     /// Hands the plane's last reading to the mathematics; nonzero when the window of samples is complete.
     virtual int AddSample(std::size_t Plane) = 0;
@@ -147,8 +163,6 @@ private:
     void AddStep() { SetCurrentStep(GetCurrentStep() + 1); }
     /// The menus are asked for with the number of planes.
     std::uint8_t GetMenuPlanes() const { return static_cast<std::uint8_t>(m_Planes.size()); }
-    /// Planes with different means count as without weights.
-    bool HasWeightsOnly() const;
     int FailWithNoReturn(std::uint32_t WarningMode);
     int FailWithReset(std::uint32_t WarningMode);
     void OpenLogBlock(int NewState);
@@ -196,6 +210,11 @@ private:
     void StoreNeutralRPM();
     Matrix& GetPositions(WeightPos2Plane& rRecord, std::size_t Plane) const;
     void HandleChangeWeightKeys();
+    /// A menu of a method that is asked for with the number of planes.
+    using MenuQuery = int (CPlaneBalancingMethod::*)(std::uint8_t);
+    void ShowActiveMenu(MenuQuery Query);
+    /// The running key, if it is eTogglePlane and there are planes to choose from; true if it was.
+    bool HandleTogglePlaneKey(MenuQuery Query);
 
     // Handlers of pre-balancing (prebalancehandlers.cpp).
     int IdleHandler(EVENTS Event);

@@ -147,8 +147,8 @@ void CBalancingSequence::HandleNeutralPosKey() {
     }
     if (m_KeyAction == eExtras) {
         ShowForChange({Sequence::CShow::ePlain, CPlaneBalancingMethod::eNeutralPosition});
-        m_pMainWnd->SetMenu(GetActiveMethod().GetNeutralPositionMenu(GetMenuPlanes()));
-    } else {
+        ShowActiveMenu(&CPlaneBalancingMethod::GetNeutralPositionMenu);
+    } else if (!HandleTogglePlaneKey(&CPlaneBalancingMethod::GetNeutralPositionMenu)) {
         HandleChangeWeightKeys();
     }
 }
@@ -249,6 +249,7 @@ int CBalancingSequence::TestUnbalanceSetWeightsHandler(EVENTS Event) {
             if (m_KeyAction == eExtras) {
                 m_pMainWnd->SetMenu(GetPlane(Leg).m_pMethod->GetTestUnbalanceChangeMenu());
             } else {
+                CheckActivePlane(Leg);
                 HandleChangeWeightKeys();
             }
             return 1;

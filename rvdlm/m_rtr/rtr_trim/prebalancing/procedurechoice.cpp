@@ -2,6 +2,7 @@
 
 #include "rvdlm/m_rtr/rtr_trim/log.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/singleplanebalancing.h"
+#include "rvdlm/m_rtr/rtr_trim/prebalancing/twoplanebalancing.h"
 
 using PreBalDB::CPreBalDatabase;
 using RtrTrim::g_pLog;
@@ -16,8 +17,7 @@ std::unique_ptr<CPreBalancing> MakeProcedure(CPreBalDatabase::BalancingMode Mode
         case CPreBalDatabase::eModePlane2:
             return std::make_unique<CSinglePlaneBalancing>(pMainWnd, 1, rEntry, rSetName);
         case CPreBalDatabase::eModeTwoPlane:
-            RV_ERROR(g_pLog, "no procedure for two coupled planes: nothing is started");
-            return nullptr;
+            return std::make_unique<CTwoPlaneBalancing>(pMainWnd, rEntry, rSetName);
     }
     RV_WARNING(g_pLog, "no valid pointer, creating default: CSinglePlaneBalancing(...)!");
     return std::make_unique<CSinglePlaneBalancing>(pMainWnd, 0, rEntry, rSetName);

@@ -6,7 +6,7 @@
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/prebalancing.h"
 
 /// The procedure for a balancing mode. pMainWnd and rEntry outlive it; rSetName may be empty. An unknown mode
-/// counts as plane 1, after a warning. Null, after an error in the log, for a mode without procedure.
+/// counts as plane 1, after a warning.
 std::unique_ptr<CPreBalancing> MakeProcedure(PreBalDB::CPreBalDatabase::BalancingMode Mode,
                                              CPreBalMainWndInterface* pMainWnd,
                                              PreBalDB::CPreBalBaseTableEntry& rEntry,

@@ -36,9 +36,9 @@ int CBalancingSequence::ReBalanceCommitWeightsHandler(EVENTS Event) {
             }
             if (m_KeyAction == eExtras) {
                 ShowForChange({Sequence::CShow::eFull, CPlaneBalancingMethod::eUACompensation});
-                m_pMainWnd->SetMenu(GetActiveMethod().GetCommitChangeMenu(GetMenuPlanes()));
+                ShowActiveMenu(&CPlaneBalancingMethod::GetCommitChangeMenu);
                 SetMode(eMapWeightsMode);
-            } else {
+            } else if (!HandleTogglePlaneKey(&CPlaneBalancingMethod::GetCommitChangeMenu)) {
                 HandleChangeWeightKeys();
             }
             return 1;
@@ -145,7 +145,9 @@ int CBalancingSequence::ReBalanceCheckWeightsHandler(EVENTS Event) {
                 StoreUAOfPlanes();
                 return Enter(Sequence::eReBalanceSetWeights);
             }
-            HandleChangeWeightKeys();
+            if (!HandleTogglePlaneKey(&CPlaneBalancingMethod::GetCheckWeightsMenu)) {
+                HandleChangeWeightKeys();
+            }
             return 1;
         case eInvalidRPMChanged:
             if (m_InvalidRPM == 0) {

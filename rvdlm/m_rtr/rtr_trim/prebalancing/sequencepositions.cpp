@@ -107,6 +107,19 @@ CBalancingSequence::Matrix& CBalancingSequence::GetPositions(WeightPos2Plane& rR
     return Plane == 0 ? rRecord.m_PositionsPlane1 : rRecord.m_PositionsPlane2;
 }
 
+void CBalancingSequence::ShowActiveMenu(MenuQuery Query) {
+    m_pMainWnd->SetMenu((GetActiveMethod().*Query)(GetMenuPlanes()));
+}
+
+bool CBalancingSequence::HandleTogglePlaneKey(MenuQuery Query) {
+    if (m_KeyAction != eTogglePlane || m_Planes.size() < 2) {
+        return false;
+    }
+    ToggleActivePlane();
+    ShowActiveMenu(Query);
+    return true;
+}
+
 void CBalancingSequence::HandleChangeWeightKeys() {
     // Degrees of a key press. Setting up goes in larger steps than the correction of a balanced rotor.
     constexpr int eSetupStep = 5;

@@ -122,6 +122,7 @@ struct CTables {
     std::span<const CState> m_States;  ///< in the order of their numbers, from 0
     std::span<const CTransition> m_Transitions;
     int m_FirstReBalanceState;               ///< from here on the activity is re-balancing
+    const char* m_pProcedureName;            ///< class of the procedure, for the log
     const char* m_pInvalidStateText;         ///< name of a number that is no state
     const char* m_pStepOneAlreadyAssertion;  ///< text for CStepRule::eFirstOrNext
 
@@ -157,6 +158,16 @@ struct CTables {
         return false;
     }
 };
+
+/// A state is looked up by its number.
+constexpr bool AreStatesInOrder(std::span<const CState> States) {
+    for (std::size_t i = 0; i < States.size(); ++i) {
+        if (States[i].m_State != static_cast<int>(i)) {
+            return false;
+        }
+    }
+    return true;
+}
 
 // Words for the tables.
 constexpr CStepRule Keep() {

@@ -1,7 +1,6 @@
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/singleplanebalancing.h"
 
 #include "rvdlm/m_rtr/rtr_trim/log.h"
-#include "rvdlm/m_rtr/rtr_trim/methods/weightbalancingmethod.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/singleplanebalancingmath.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/singleplanetables.h"
 
@@ -55,38 +54,17 @@ CSinglePlaneBalancing::~CSinglePlaneBalancing() {
 }
 
 CBalancingSequence::CPlane CSinglePlaneBalancing::CreateMethod(int Plane) {
-    using PreBalDB::CCompensationTableEntry;
-    static constexpr unsigned eFirstPlane = 0;  // as the method draws and reports it, whatever the sensor
-    const auto MakeWeights = [this](const PreBalDB::CWeightCompensationTableEntry& rEntry) {
-        return std::make_unique<CWeightBalancingMethod>(rEntry, m_pMainWnd, eFirstPlane,
-                                                        m_pEntry->GetNumberOfSamples(), m_IgnoreRebalWeights,
-                                                        GetWeightSelection(), m_UseOldWeightChangeMenu != 0);
-    };
-    CPlane Result;
-    Result.m_Sensor = Plane == 0 ? 0 : 1;
     const PreBalDB::CSinglePlaneBalancingTableEntry* pSinglePlane =
         static_cast<const PreBalDB::CPreBalBaseTableEntry*>(m_pEntry)->GetSinglePlane();
-    const CCompensationTableEntry::CompensationMethod Method = pSinglePlane != nullptr
-                                                                   ? pSinglePlane->GetUsedCompensationMethod()
-                                                                   : CCompensationTableEntry::eNotChosen;
-    switch (Method) {
-        case CCompensationTableEntry::eWeights:
-            Result.m_pMethod = MakeWeights(GetTableEntry().CreateWeightCompensationTableEntry());
-            return Result;
-        case CCompensationTableEntry::eScrews: {
-            // TODO: the screw method belongs here. Until it exists a plane with screws is run with weights;
-            // the configuration keeps its screws, so the entry is one of its own.
-            RV_ASSERT_FAIL(RtrTrim::g_pLog, "inconsistent database");
-            PreBalDB::CWeightCompensationTableEntry Entry;
-            Entry.SetScalingDirection(pSinglePlane->GetScrewCompensationTableEntry()->GetScalingDirection());
-            Result.m_pMethod = MakeWeights(Entry);
-            return Result;
-        }
-        default:
-            RV_ASSERT_FAIL(RtrTrim::g_pLog, "inconsistent database");
-            Result.m_pMethod = MakeWeights(GetTableEntry().CreateWeightCompensationTableEntry());
-            return Result;
-    }
+    return MakePlane(Plane == 0 ? 0 : 1, 0,
+                     {pSinglePlane != nullptr ? pSinglePlane->GetUsedCompensationMethod()
+                                              : PreBalDB::CCompensationTableEntry::eNotChosen,
+                      [this]() -> auto& { return GetTableEntry().CreateWeightCompensationTableEntry();
+}
+, [this]() -> auto& {
+    return GetTableEntry().CreateScrewCompensationTableEntry();
+}
+});
 }
 
 void CSinglePlaneBalancing::RestartMeasurement() {

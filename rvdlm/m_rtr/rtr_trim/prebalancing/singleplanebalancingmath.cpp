@@ -3,11 +3,15 @@
 #include <cmath>
 
 #include "rvdlm/m_rtr/rtr_trim/log.h"
+#include "rvdlm/m_rtr/rtr_trim/prebalancing/weightpair.h"
 #include "rvlib/math/matrixlog.h"
 #include "rvlib/math/vector.h"
 
 #define DUMP_MATRIX(pName, rMatrix) LOG_MATRIX(RtrTrim::g_pLog, pName, rMatrix)
 
+using math::MakeFactor;
+using math::MakeNull;
+using math::MakeVector;
 using PreBalDB::CTypeBase;
 
 namespace {
@@ -16,44 +20,8 @@ namespace {
 constexpr double eMinLengthRatio = 1.05;
 /// ... or by more than 30 degrees in phase.
 constexpr double eMinPhaseChange = 0.5235987755982988;
-/// Components of the weight change below this have no direction.
-constexpr double eNoDirection = 1e-08;
 /// Floor of the squared influence, counts squared per weight squared.
 constexpr double eMinDeterminant = 0.001;
-
-math::matrix<double> MakeVector(double x, double y) {
-    math::matrix<double> Vector(2, 1);
-    Vector(0, 0) = x;
-    Vector(1, 0) = y;
-    return Vector;
-}
-
-/// The factor x + iy.
-math::matrix<double> MakeFactor(double x, double y) {
-    math::matrix<double> Factor(2, 2);
-    Factor(0, 0) = x;
-    Factor(0, 1) = -y;
-    Factor(1, 0) = y;
-    Factor(1, 1) = x;
-    return Factor;
-}
-
-/// Two weights by the line halfway between them and their distance from it, degrees.
-struct CWeightPair {
-    explicit CWeightPair(const math::matrix<double>& rPositions)
-        : m_Phi((rPositions(0, 0) + rPositions(1, 0)) * 0.5),
-          m_Alpha(std::abs(rPositions(0, 0) - rPositions(1, 0)) * 0.5) {}
-
-    /// Their sum, each weight of length 1.
-    math::matrix<double> GetSum() const {
-        const double Phi = m_Phi * math::ePi / 180.0;
-        const double Length = 2.0 * std::cos(m_Alpha * math::ePi / 180.0);
-        return MakeVector(Length * std::cos(Phi), Length * std::sin(Phi));
-    }
-
-    double m_Phi;
-    double m_Alpha;
-};
 
 /// Angles of a clockwise scale turn into the counter-clockwise ones of the mathematics. 0 becomes 360, and
 /// stays so.
@@ -66,26 +34,21 @@ double WholeDegrees(double Angle) {
     return std::trunc(Angle < 0.0 ? Angle + 360.0 : Angle);
 }
 
-void MakeNull(math::matrix<double>& rMatrix, std::uint32_t nRows, std::uint32_t nColumns) {
-    rMatrix.SetSize(nRows, nColumns);
-    rMatrix.Null();
-}
-
 }  // namespace
 
 CSinglePlaneBalancingMath::CSinglePlaneBalancingMath(std::uint32_t nSamples) : m_MovingAverage(nSamples) {
-    MakeNull(m_Alpha, 2, 2);
-    MakeNull(m_InvA, 2, 2);
-    MakeNull(m_UA, 2, 1);
-    MakeNull(m_FirstMeasurementValues, 2, 1);
-    MakeNull(m_SecondMeasurementValues, 2, 1);
-    MakeNull(m_RawValues, 2, 1);
-    MakeNull(m_FirstWeightsAsNormalizedVector, 2, 1);
+    m_Alpha = MakeNull(2, 2);
+    m_InvA = MakeNull(2, 2);
+    m_UA = MakeNull(2, 1);
+    m_FirstMeasurementValues = MakeNull(2, 1);
+    m_SecondMeasurementValues = MakeNull(2, 1);
+    m_RawValues = MakeNull(2, 1);
+    m_FirstWeightsAsNormalizedVector = MakeNull(2, 1);
     m_FirstWeightPositions = MakeVector(0.0, 180.0);  // opposed: their sum is nil
-    MakeNull(m_SecondWeightPositions, 2, 1);
+    m_SecondWeightPositions = MakeNull(2, 1);
     m_TransformationMatrix.SetSize(2, 2);
     m_TransformationMatrix.Unit();
-    MakeNull(m_NullVector, 2, 1);
+    m_NullVector = MakeNull(2, 1);
 }
 
 void CSinglePlaneBalancingMath::RestartMeasurement() {
@@ -163,10 +126,9 @@ void CSinglePlaneBalancingMath::SetTestUnbalanceVector(const math::matrix<double
             Second.m_Phi, Second.m_Alpha);
     m_FirstWeightsAsNormalizedVector = First.GetSum();
     const math::matrix<double> Change = Second.GetSum() - m_FirstWeightsAsNormalizedVector;
-    const bool bNoDirection = std::abs(Change(0, 0)) < eNoDirection && std::abs(Change(1, 0)) < eNoDirection;
-    const double Theta = bNoDirection ? 0.0 : math::VectorAngle(Change);
     // 1 / conj(Change) has the angle of Change itself. No guard: weights that don't move give an infinite
     // scale.
+    const double Theta = CWeightPair::GetDirection(Change);
     const double Scale = 1.0 / math::VectorLength(Change);
     m_TransformationMatrix = MakeFactor(std::cos(Theta) * Scale, std::sin(Theta) * Scale);
     DUMP_MATRIX("TransformationMatrix", m_TransformationMatrix);

@@ -119,17 +119,13 @@ inline constexpr std::array<Sequence::CTransition, 22> g_Transitions = {{
 // clang-format on
 
 inline constexpr Sequence::CTables g_Tables = {
-    g_States, g_Transitions, State::eReBalanceCommitWeights, "Invalid state",
+    g_States,
+    g_Transitions,
+    State::eReBalanceCommitWeights,
+    "CSinglePlaneBalancing",
+    "Invalid state",
     "this path is not present in two plane balancing! Is it really reachable?!"};
 
-constexpr bool AreStatesInOrder() {
-    for (std::size_t i = 0; i < g_States.size(); ++i) {
-        if (g_States[i].m_State != static_cast<int>(i)) {
-            return false;
-        }
-    }
-    return true;
-}
-static_assert(AreStatesInOrder(), "a state is looked up by its number");
+static_assert(Sequence::AreStatesInOrder(g_States), "a state is looked up by its number");
 
 }  // namespace SinglePlane

@@ -4,13 +4,13 @@
 
 #include "platform/system/virtualeventloop.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/singleplanebalancing.h"
+#include "rvdlm/m_rtr/rtr_trim/prebalancing/twoplanebalancing.h"
 #include "tests/support/fakemainwnd.h"
 #include "tests/support/logcapture.h"
 #include "tests/support/testinstallation.h"
 
 using PreBalDB::CPreBalDatabase;
 using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::IsEmpty;
 
 namespace {
@@ -41,9 +41,14 @@ TEST_F(CProcedureChoiceTest, OnePlaneIsASinglePlaneProcedure) {
     EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
 }
 
-TEST_F(CProcedureChoiceTest, TwoPlanesHaveNoProcedureYetAndTheLogSaysSo) {
-    EXPECT_EQ(Make(CPreBalDatabase::eModeTwoPlane), nullptr);
-    EXPECT_THAT(m_Log.GetTexts("Error"), ElementsAre(HasSubstr("no procedure for two coupled planes")));
+TEST_F(CProcedureChoiceTest, TwoPlanesHaveAProcedureOfTheirOwn) {
+    m_Entry.CreateTwoPlane().CreatePlane1WeightCompensationTableEntry();
+    m_Entry.CreateTwoPlane().CreatePlane2WeightCompensationTableEntry();
+    const auto pProcedure = Make(CPreBalDatabase::eModeTwoPlane);
+    EXPECT_NE(dynamic_cast<CTwoPlaneBalancing*>(pProcedure.get()), nullptr);
+    EXPECT_EQ(pProcedure->GetSetText(), "2");
+    EXPECT_EQ(pProcedure->GetSetName(), "WHEEL");
+    EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
 }
 
 TEST_F(CProcedureChoiceTest, AnUnknownModeIsPlaneOneAfterAWarning) {

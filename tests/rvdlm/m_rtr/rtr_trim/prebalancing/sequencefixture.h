@@ -24,7 +24,8 @@ inline math::matrix<double> Vector(double a, double b) {
 }
 
 /// A method that moves nothing: notes its calls in the window's list and answers what a test sets. Every menu
-/// has a number of its own; the menus that depend on the number of planes add it.
+/// has a number of its own; the menus that depend on the number of planes add it. With two planes the calls
+/// say which plane they go to: "1:SetUA".
 class CFakeMethod : public CPlaneBalancingMethod {
 public:
     enum Menus : int {
@@ -35,16 +36,17 @@ public:
         eCheckMenu = 140
     };
 
-    CFakeMethod(std::uint32_t nSamples, std::vector<std::string>& rCalls)
-        : CPlaneBalancingMethod(nSamples), m_rCalls(rCalls) {}
+    /// Plane: 0 the only one, else 1 or 2.
+    CFakeMethod(std::uint32_t nSamples, std::vector<std::string>& rCalls, int Plane = 0)
+        : CPlaneBalancingMethod(nSamples), m_rCalls(rCalls), m_Plane(Plane) {}
 
     void SetDisplayMode(DisplayMode Mode) override {
         CPlaneBalancingMethod::SetDisplayMode(Mode);
-        m_rCalls.push_back(std::string("SetDisplayMode ") + DisplayModeToString(Mode));
+        Note(std::string("SetDisplayMode ") + DisplayModeToString(Mode));
     }
     void SetPlainDisplayMode(DisplayMode Mode) override {
         CPlaneBalancingMethod::SetDisplayMode(Mode);
-        m_rCalls.push_back(std::string("SetPlainDisplayMode ") + DisplayModeToString(Mode));
+        Note(std::string("SetPlainDisplayMode ") + DisplayModeToString(Mode));
     }
     int GetNeutralPositionMenu(std::uint8_t Plane) override { return eNeutralMenu + Plane; }
     int GetTestUnbalanceMenu() override { return eTestMenu; }
@@ -62,7 +64,7 @@ public:
         if (pPerCent != nullptr) {
             *pPerCent = m_Percent;
         }
-        m_rCalls.push_back("SetUA");
+        Note("SetUA");
         return m_bReached;
     }
     math::matrix<double> GetUA() override { return m_UA; }
@@ -70,16 +72,16 @@ public:
     PreBalDB::CTypeBase::Direction GetScalingDirection() override { return m_Scaling; }
     bool KeyPressed(CKeyActions::KeyAction Action, int Step) override {
         m_Keys.emplace_back(Action, Step);
-        m_rCalls.push_back("KeyPressed");
+        Note("KeyPressed");
         return true;
     }
     void Paint(CDC* /*pDC*/, const CRect& rRect, bool bRedrawAll) override {
         m_Paints.emplace_back(rRect, bRedrawAll);
     }
     void FillNotification(CPreBalNotification& rNotification) override {
-        rNotification.m_AnglesPlane1 = {static_cast<int>(m_Positions(0, 0)),
-                                        static_cast<int>(m_Positions(1, 0)), -1};
-        rNotification.m_WeightsPlane1 = {-1, -1, -1};
+        (m_Plane == 2 ? rNotification.m_AnglesPlane2 : rNotification.m_AnglesPlane1) = {
+            static_cast<int>(m_Positions(0, 0)), static_cast<int>(m_Positions(1, 0)), -1};
+        (m_Plane == 2 ? rNotification.m_WeightsPlane2 : rNotification.m_WeightsPlane1) = {-1, -1, -1};
     }
     void GetWeightPositions(int& rAngleWeight1, int& rAngleWeight2) override {
         rAngleWeight1 = static_cast<int>(m_Positions(0, 0));
@@ -103,7 +105,11 @@ public:
     PreBalDB::CTypeBase::Direction m_Scaling = PreBalDB::CTypeBase::eCounterClockwise;
 
 private:
+    void Note(const std::string& rCall) {
+        m_rCalls.push_back(m_Plane == 0 ? rCall : std::to_string(m_Plane) + ":" + rCall);
+    }
     std::vector<std::string>& m_rCalls;
+    int m_Plane;
 };
 
 /// Mathematics that calculate nothing: notes its calls and answers what a test sets.

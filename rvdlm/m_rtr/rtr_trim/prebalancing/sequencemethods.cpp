@@ -1,0 +1,33 @@
+// The means of a plane, as the configuration names them.
+#include "rvdlm/m_rtr/rtr_trim/log.h"
+#include "rvdlm/m_rtr/rtr_trim/methods/weightbalancingmethod.h"
+#include "rvdlm/m_rtr/rtr_trim/prebalancing/balancingsequence.h"
+
+CBalancingSequence::CPlane CBalancingSequence::MakePlane(std::size_t Sensor, unsigned PlaneIndex,
+                                                         const CPlaneRecord& rRecord) {
+    const auto MakeWeights = [&](const PreBalDB::CWeightCompensationTableEntry& rEntry) {
+        return std::make_unique<CWeightBalancingMethod>(rEntry, m_pMainWnd, PlaneIndex,
+                                                        m_pEntry->GetNumberOfSamples(), m_IgnoreRebalWeights,
+                                                        GetWeightSelection(), m_UseOldWeightChangeMenu != 0);
+    };
+    CPlane Plane;
+    Plane.m_Sensor = Sensor;
+    switch (rRecord.m_Used) {
+        case PreBalDB::CCompensationTableEntry::eWeights:
+            break;
+        case PreBalDB::CCompensationTableEntry::eScrews: {
+            // TODO: the screw method belongs here. Until it exists a plane with screws is run with weights;
+            // the configuration keeps its screws, so the entry is one of its own.
+            RV_ASSERT_FAIL(RtrTrim::g_pLog, "inconsistent database");
+            PreBalDB::CWeightCompensationTableEntry Entry;
+            Entry.SetScalingDirection(rRecord.CreateScrews().GetScalingDirection());
+            Plane.m_pMethod = MakeWeights(Entry);
+            return Plane;
+        }
+        default:
+            RV_ASSERT_FAIL(RtrTrim::g_pLog, "inconsistent database");
+            break;
+    }
+    Plane.m_pMethod = MakeWeights(rRecord.CreateWeights());
+    return Plane;
+}

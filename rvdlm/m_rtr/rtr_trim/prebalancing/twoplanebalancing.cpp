@@ -1,0 +1,270 @@
+#include "rvdlm/m_rtr/rtr_trim/prebalancing/twoplanebalancing.h"
+
+#include "rvdlm/m_rtr/rtr_trim/log.h"
+#include "rvdlm/m_rtr/rtr_trim/prebalancing/twoplanebalancingmath.h"
+#include "rvdlm/m_rtr/rtr_trim/prebalancing/twoplanetables.h"
+
+namespace {
+
+constexpr std::size_t ePlane1 = 0;
+constexpr std::size_t ePlane2 = 1;
+
+// In the order of their numbers.
+constexpr std::array<const char*, 10> g_EventTexts = {
+    "eNewState",              // 0
+    "eStartPreBal",           // 1
+    "eStartReBal",            // 2
+    "eKeyPressed",            // 3
+    "eRPMChanged",            // 4
+    "ePlane1XYValueChanged",  // 5
+    "ePlane2XYValueChanged",  // 6
+    "eInvalidRPMChanged",     // 7
+    "eOutOfLockChanged",      // 8
+    "eCommitChanges",         // 9
+};
+
+/// The modes in which a plane's means can be moved.
+bool IsActiveMode(CPlaneBalancingMethod::DisplayMode Mode) {
+    return Mode == CPlaneBalancingMethod::eNeutralPosition || Mode == CPlaneBalancingMethod::eTestUnbalance ||
+           Mode == CPlaneBalancingMethod::eUACompensation;
+}
+
+bool IsInactive(const CPlaneBalancingMethod& rMethod) {
+    return rMethod.m_DisplayMode == CPlaneBalancingMethod::eInactive;
+}
+
+}  // namespace
+
+CTwoPlaneBalancing::CTwoPlaneBalancing(CPreBalMainWndInterface* pMainWnd,
+                                       PreBalDB::CPreBalBaseTableEntry& rEntry,
+                                       const std::string& rSecondTitle)
+    : CBalancingSequence(pMainWnd, rEntry, rSecondTitle, TwoPlane::g_Tables),
+      m_pMath(std::make_unique<CTwoPlaneBalancingMath>(rEntry.GetNumberOfSamples())) {
+    AddPlane(CreatePlane1Method());
+    AddPlane(CreatePlane2Method());
+    Initialise();
+}
+
+CTwoPlaneBalancing::CTwoPlaneBalancing(CPreBalMainWndInterface* pMainWnd, CPlane Plane1, CPlane Plane2,
+                                       std::unique_ptr<CTwoPlaneBalancingMathIF> pMath,
+                                       PreBalDB::CPreBalBaseTableEntry& rEntry,
+                                       const std::string& rSecondTitle)
+    : CBalancingSequence(pMainWnd, rEntry, rSecondTitle, TwoPlane::g_Tables), m_pMath(std::move(pMath)) {
+    AddPlane(std::move(Plane1));
+    AddPlane(std::move(Plane2));
+    Initialise();
+}
+
+void CTwoPlaneBalancing::Initialise() {
+    using PreBalDB::CTypeBase;
+    RV_ASSERT_AS(RtrTrim::g_pLog, m_pEntry->GetTwoPlane() != nullptr, "rBaseTableEntry.GetTwoPlane()",
+                 "invalid database", false);
+    const CTypeBase::Direction Rotation = GetTableEntry().GetRotationDirection();
+    GetMethod(ePlane1).SetRotationDirection(Rotation);
+    // Plane 2 is seen from the other end.
+    GetMethod(ePlane2).SetRotationDirection(Rotation == CTypeBase::eClockwise ? CTypeBase::eCounterClockwise
+                                                                              : CTypeBase::eClockwise);
+    m_pMath->SetRotationDirectionPlane1(Rotation);
+    if (!HasWeightsOnly()) {
+        // Weights beside screws: no step of the run tells the mathematics where they stand in the first
+        // measurement. They are opposed there, since no key moves them before, and so it is told here; else
+        // their sum would count as 2 in direction 0. Screws have no positions, and don't mind.
+        SetOpposedFirstPositions();
+    }
+}
+
+CTwoPlaneBalancing::~CTwoPlaneBalancing() {
+    RemovePlanes();
+    m_pMath.reset();
+    StopMeasurement();
+}
+
+CBalancingSequence::CPlane CTwoPlaneBalancing::CreatePlane1Method() {
+    const PreBalDB::CTwoPlaneBalancingTableEntry* pTwoPlane =
+        static_cast<const PreBalDB::CPreBalBaseTableEntry*>(m_pEntry)->GetTwoPlane();
+    return MakePlane(
+        ePlane1, 0,
+        {pTwoPlane != nullptr ? pTwoPlane->GetPlane1UsedCompensationMethod()
+                              : PreBalDB::CCompensationTableEntry::eNotChosen,
+         [this]() -> auto& { return GetTableEntry().CreatePlane1WeightCompensationTableEntry();
+}
+, [this]() -> auto& {
+    return GetTableEntry().CreatePlane1ScrewCompensationTableEntry();
+}
+});
+}
+
+CBalancingSequence::CPlane CTwoPlaneBalancing::CreatePlane2Method() {
+    const PreBalDB::CTwoPlaneBalancingTableEntry* pTwoPlane =
+        static_cast<const PreBalDB::CPreBalBaseTableEntry*>(m_pEntry)->GetTwoPlane();
+    return MakePlane(
+        ePlane2, 1,
+        {pTwoPlane != nullptr ? pTwoPlane->GetPlane2UsedCompensationMethod()
+                              : PreBalDB::CCompensationTableEntry::eNotChosen,
+         [this]() -> auto& { return GetTableEntry().CreatePlane2WeightCompensationTableEntry();
+}
+, [this]() -> auto& {
+    return GetTableEntry().CreatePlane2ScrewCompensationTableEntry();
+}
+});
+}
+
+void CTwoPlaneBalancing::SetOpposedFirstPositions() {
+    m_pMath->SetRawUnbalanceVectors(GetMethod(ePlane1).GetScalingDirection(),
+                                    GetMethod(ePlane2).GetScalingDirection());
+}
+
+int CTwoPlaneBalancing::StartPreBalancing(std::uint16_t wRPM, int NotLocked, int InvalidRPM) {
+    if (HasWeightsOnly()) {
+        SetOpposedFirstPositions();
+    }
+    return CBalancingSequence::StartPreBalancing(wRPM, NotLocked, InvalidRPM);
+}
+
+void CTwoPlaneBalancing::RestartMeasurement() {
+    m_pMath->RestartMeasurement();
+}
+
+const char* CTwoPlaneBalancing::STATESToString(int State) {
+    return TwoPlane::g_Tables.GetStateText(State);
+}
+
+const char* CTwoPlaneBalancing::EVENTSToString(int Event) {
+    if (Event >= 0 && static_cast<std::size_t>(Event) < g_EventTexts.size()) {
+        return g_EventTexts[static_cast<std::size_t>(Event)];
+    }
+    RV_ASSERT_FAIL(RtrTrim::g_pLog, "impossible");
+    return "invalid event";
+}
+
+const char* CTwoPlaneBalancing::GetEventText(EVENTS Event) const {
+    switch (Event) {
+        case eXYValueChanged:
+            return EVENTSToString(GetEventPlane() == ePlane1 ? ePlane1XYValueChanged : ePlane2XYValueChanged);
+        case eInvalidRPMChanged:
+            return EVENTSToString(eTwoPlaneInvalidRPMChanged);
+        case eOutOfLockChanged:
+            return EVENTSToString(eTwoPlaneOutOfLockChanged);
+        case eCommitChanges:
+            return EVENTSToString(eTwoPlaneCommitChanges);
+        default:
+            return EVENTSToString(Event);
+    }
+}
+
+CPlaneBalancingMethod& CTwoPlaneBalancing::GetActivePlaneMethod() {
+    CPlaneBalancingMethod& rMethod1 = GetMethod(ePlane1);
+    CPlaneBalancingMethod& rMethod2 = GetMethod(ePlane2);
+    if (IsInactive(rMethod2) && IsActiveMode(rMethod1.m_DisplayMode)) {
+        return rMethod1;
+    }
+    if (IsInactive(rMethod1) && IsActiveMode(rMethod2.m_DisplayMode)) {
+        return rMethod2;
+    }
+    RV_ASSERT_FAIL(RtrTrim::g_pLog, "no plane for UA compensation is active");
+    return rMethod1;
+}
+
+int CTwoPlaneBalancing::toggleActivePlane() {
+    CPlaneBalancingMethod& rMethod1 = GetMethod(ePlane1);
+    CPlaneBalancingMethod& rMethod2 = GetMethod(ePlane2);
+    const CPlaneBalancingMethod::DisplayMode Mode = GetActivePlaneMethod().m_DisplayMode;
+    // Plain, so that the positions stay; plane 1 first, either way.
+    if (IsInactive(rMethod1) && rMethod2.m_DisplayMode == Mode) {
+        rMethod1.SetPlainDisplayMode(Mode);
+        rMethod2.SetDisplayMode(CPlaneBalancingMethod::eInactive);
+        return 1;
+    }
+    if (IsInactive(rMethod2) && rMethod1.m_DisplayMode == Mode) {
+        rMethod1.SetDisplayMode(CPlaneBalancingMethod::eInactive);
+        rMethod2.SetPlainDisplayMode(Mode);
+        return 1;
+    }
+    RV_ASSERT_FAIL(RtrTrim::g_pLog,
+                   "inconsistency when toggling planes - no or both planes are currently active");
+    return 0;
+}
+
+void CTwoPlaneBalancing::CheckActivePlane(std::size_t Leg) {
+    if (Leg == ePlane1) {
+        RV_ASSERT_AS(RtrTrim::g_pLog, &GetActivePlaneMethod() == &GetMethod(ePlane1),
+                     "&GetActivePlaneMethod() == &m_rPlane1Method", "active plane should be plane 1", false);
+    } else {
+        RV_ASSERT_AS(RtrTrim::g_pLog, &GetActivePlaneMethod() == &GetMethod(ePlane2),
+                     "&GetActivePlaneMethod() == &m_rPlane2Method", "active plane should be plane 2", false);
+    }
+}
+
+void CTwoPlaneBalancing::PaintMethods(CDC* pDC, const CRect& rRect, bool bRedrawAll) {
+    CRect Left = rRect;
+    CRect Right = rRect;
+    Left.right = Right.left = rRect.left + rRect.Width() / 2;
+    GetMethod(ePlane1).Paint(pDC, Left, bRedrawAll);
+    GetMethod(ePlane1).PaintPlaneTitle(pDC, Left, 1);
+    GetMethod(ePlane2).Paint(pDC, Right, bRedrawAll);
+    GetMethod(ePlane2).PaintPlaneTitle(pDC, Right, 2);
+}
+
+int CTwoPlaneBalancing::AddSample(std::size_t Plane) {
+    const CPlane& rPlane = GetPlane(Plane);
+    return Plane == ePlane1 ? m_pMath->AddXYValuePlane1(rPlane.m_X, rPlane.m_Y)
+                            : m_pMath->AddXYValuePlane2(rPlane.m_X, rPlane.m_Y);
+}
+
+void CTwoPlaneBalancing::SetFirstPositions(const std::vector<Matrix>& rPositions) {
+    m_pMath->SetRawUnbalanceVectorsAngles(rPositions.at(ePlane1), rPositions.at(ePlane2),
+                                          GetMethod(ePlane1).GetScalingDirection(),
+                                          GetMethod(ePlane2).GetScalingDirection());
+}
+
+void CTwoPlaneBalancing::ApplyNeutralPositionXYValues() {
+    m_pMath->ApplyNeutralPositionXYValues();
+}
+
+void CTwoPlaneBalancing::SetTestPositions(std::size_t Leg) {
+    CPlaneBalancingMethod& rMethod = GetMethod(Leg);
+    if (Leg == ePlane1) {
+        m_pMath->SetTestUnbalanceVectorCase1(rMethod.GetTestUnbalanceVectorInDeg(),
+                                             rMethod.GetScalingDirection());
+    } else {
+        m_pMath->SetTestUnbalanceVectorCase2(rMethod.GetTestUnbalanceVectorInDeg(),
+                                             rMethod.GetScalingDirection());
+    }
+}
+
+std::uint32_t CTwoPlaneBalancing::FinishTestRun(std::size_t Leg, CCalibration& rCalibration) {
+    std::uint32_t Status = 0;
+    if (Leg == ePlane1) {
+        m_pMath->ApplyTestPlusRawUnbalanceXYValuesCase1(Status);
+        return Status;
+    }
+    rCalibration.m_InvA.SetSize(4, 4);
+    rCalibration.m_UA.assign(2, Matrix(2, 1));
+    m_pMath->GetPrebalanceResult(rCalibration.m_InvA, rCalibration.m_UA[ePlane1], rCalibration.m_UA[ePlane2],
+                                 Status);
+    return Status;
+}
+
+std::vector<CBalancingSequence::Matrix> CTwoPlaneBalancing::CalculateRebalance() {
+    std::vector<Matrix> Results(2, Matrix(2, 1));
+    m_pMath->SetMatricesAndGetRebalanceResult(GetTableEntry().GetInvA(), GetTableEntry().GetUAPlane1(),
+                                              GetTableEntry().GetUAPlane2(), Results[ePlane1],
+                                              Results[ePlane2]);
+    return Results;
+}
+
+void CTwoPlaneBalancing::SetStoredInvA(const Matrix& rInvA) {
+    GetTableEntry().SetInvA(rInvA);
+}
+
+CBalancingSequence::Matrix CTwoPlaneBalancing::GetStoredUA(std::size_t Plane) {
+    return Plane == ePlane1 ? GetTableEntry().GetUAPlane1() : GetTableEntry().GetUAPlane2();
+}
+
+void CTwoPlaneBalancing::SetStoredUA(std::size_t Plane, const Matrix& rUA) {
+    if (Plane == ePlane1) {
+        GetTableEntry().SetUAPlane1(rUA);
+    } else {
+        GetTableEntry().SetUAPlane2(rUA);
+    }
+}

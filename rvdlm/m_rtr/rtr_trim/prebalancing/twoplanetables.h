@@ -1,0 +1,153 @@
+#pragma once
+#include <array>
+
+#include "rvdlm/m_rtr/rtr_trim/prebalancing/sequencetables.h"
+#include "rvdlm/m_rtr/rtr_trim/prebalancing/twoplanebalancing.h"
+
+/// The tables of a two-plane run: states with their entry actions, and transitions. They differ from those of
+/// a single plane in the numbers, in the second test leg and in what the two planes show.
+namespace TwoPlane {
+
+using Method = CPlaneBalancingMethod;
+using Nc = CPreBalNotification;
+using State = CTwoPlaneBalancing;
+using Sequence::CheckWeightsMenu;
+using Sequence::FirstOf;
+using Sequence::FirstOfOrNext;
+using Sequence::Keep;
+using Sequence::Menu;
+using Sequence::MenuByMeans;
+using Sequence::MenuByStore;
+using Sequence::Next;
+using Sequence::NextOf;
+using Sequence::NoMenu;
+using Sequence::NoNotification;
+using Sequence::NoSteps;
+using Sequence::Notify;
+using Sequence::SecondOrFirstOf;
+using Sequence::Show;
+using Sequence::ShowPlain;
+using Sequence::ShowPlainAfterStop;
+using Sequence::ShowThen;
+using Sequence::StoreAction;
+using Sequence::TestUnbalanceMenu;
+
+/// The test legs; a state that belongs to none counts as of the first.
+constexpr std::size_t ePlane1Leg = 0;
+constexpr std::size_t ePlane2Leg = 1;
+constexpr std::size_t eNoLeg = 0;
+
+constexpr std::array<Sequence::CDisplay, 2> Both(Sequence::CDisplay Display) {
+    return {Display, Display};
+}
+
+// clang-format off
+
+/// State, name and role; then what is done on entry, in this order: step, instruction mode, display of plane 1
+/// and of plane 2, menu, notification. The idle state isn't entered. The names of two states keep their e:
+/// readers of the log know them so.
+inline constexpr std::array<Sequence::CState, 28> g_States = {{
+    {State::eIdle, "Idle", Sequence::eIdle, eNoLeg,
+        Keep(), 0, {}, NoMenu(), NoNotification()},
+    {State::eFailureWithNoReturn, "FailureWithNoReturn", Sequence::eFailureWithNoReturn, eNoLeg,
+        NoSteps(), 0, Both(Show(Method::eEmpty)), Menu(7), Notify(Nc::eFailure, Nc::eNone)},
+    {State::eFailureWithReset, "FailureWithReset", Sequence::eFailureWithReset, eNoLeg,
+        NoSteps(), 0, Both(Show(Method::eEmpty)), Menu(4), Notify(Nc::eFailure, Nc::eNone)},
+    {State::eNeutralPosSpindleStop, "NeutralPosSpindleStop", Sequence::eNeutralPosSpindleStop, eNoLeg,
+        FirstOf(16), 1, Both(ShowThen(Method::eNeutralPosition, Method::eInactive)), MenuByStore(14, 29, 28), Notify(Nc::eSetup, Nc::eSpindleStop)},
+    {State::eNeutralPosRemoveWeights, "NeutralPosRemoveWeights", Sequence::eNeutralPosRemoveWeights, eNoLeg,
+        SecondOrFirstOf(15), 3, Both(ShowPlainAfterStop(Method::eNeutralPosition)), MenuByStore(0, 19, 30), Notify(Nc::eSetup, Nc::eSetWeights)},
+    // Menu and notification follow lock and speed: the handler shows them.
+    {State::eNeutralPosRPMStart, "NeutralPosRPMStart", Sequence::eNeutralPosRPMStart, eNoLeg,
+        Next(), 5, Both(Show(Method::eInactive)), NoMenu(), NoNotification()},
+    {State::eNeutralPosMeasurement, "NeutralPosMeasurement", Sequence::eNeutralPosMeasurement, eNoLeg,
+        Next(), 6, Both(Show(Method::eMeasurementValues)), Menu(4), Notify(Nc::eSetup, Nc::eMeasure)},
+    {State::ePlane1TestUnbalanceSpindleStop, "Plane1TestUnbalanceSpindleStop", Sequence::eTestUnbalanceSpindleStop, ePlane1Leg,
+        Next(), 2, {ShowThen(Method::eTestUnbalance, Method::eInactive), Show(Method::eInactive)}, Menu(4), Notify(Nc::eSetup, Nc::eSpindleStop)},
+    {State::ePlane1TestUnbalanceSetWeights, "Plane1TestUnbalanceSetWeights", Sequence::eTestUnbalanceSetWeights, ePlane1Leg,
+        Next(), 7, {ShowPlain(Method::eTestUnbalance), Show(Method::eInactive)}, TestUnbalanceMenu(), Notify(Nc::eSetup, Nc::eSetWeights)},
+    {State::ePlane1TestUnbalanceRPMStart, "Plane1TestUnbalanceRPMStart", Sequence::eTestUnbalanceRPMStart, ePlane1Leg,
+        Next(), 4, Both(Show(Method::eInactive)), Menu(4), Notify(Nc::eSetup, Nc::eSpindleStart)},
+    {State::ePlane1TestUnbalanceMeasurement, "Plane1TestUnbalanceMeasurement", Sequence::eTestUnbalanceMeasurement, ePlane1Leg,
+        Next(), 6, Both(Show(Method::eMeasurementValues)), Menu(4), Notify(Nc::eSetup, Nc::eMeasure)},
+    // From here to the correction the test weights of plane 1 stay on.
+    {State::ePlane2TestUnbalanceSpindleStop, "Plane2TestUnbalanceSpindleStop", Sequence::eTestUnbalanceSpindleStop, ePlane2Leg,
+        Next(), 2, {Show(Method::eInactive), ShowThen(Method::eTestUnbalance, Method::eInactive)}, Menu(4), Notify(Nc::eSetup, Nc::eSpindleStop)},
+    {State::ePlane2TestUnbalanceSetWeights, "Plane2TestUnbalanceSetWeights", Sequence::eTestUnbalanceSetWeights, ePlane2Leg,
+        Next(), 7, {Show(Method::eInactive), ShowPlain(Method::eTestUnbalance)}, TestUnbalanceMenu(), Notify(Nc::eSetup, Nc::eSetWeights)},
+    {State::ePlane2TestUnbalanceRPMStart, "Plane2TestUnbalanceRPMStart", Sequence::eTestUnbalanceRPMStart, ePlane2Leg,
+        Next(), 4, Both(Show(Method::eInactive)), Menu(4), Notify(Nc::eSetup, Nc::eSpindleStart)},
+    {State::ePlane2TestUnbalanceMeasurement, "Plane2TestUnbalanceMeasurement", Sequence::eTestUnbalanceMeasurement, ePlane2Leg,
+        Next(), 6, Both(Show(Method::eMeasurementValues)), Menu(4), Notify(Nc::eSetup, Nc::eMeasure)},
+    {State::ePreBalanceSpindleStop, "PreBalanceSpindleStop", Sequence::ePreBalanceSpindleStop, eNoLeg,
+        Next(), 2, Both(Show(Method::eInactive)), Menu(4), Notify(Nc::eSetup, Nc::eSpindleStop)},
+    {State::ePreBalanceSetWeights, "PreBalanceSetWeights", Sequence::ePreBalanceSetWeights, eNoLeg,
+        Next(), 8, Both(Show(Method::eUACompensation)), Menu(0), Notify(Nc::eSetup, Nc::eSetWeights)},
+    {State::ePreBalanceRPMStart, "PreBalanceRPMStart", Sequence::ePreBalanceRPMStart, eNoLeg,
+        Next(), 4, Both(Show(Method::eInactive)), Menu(4), Notify(Nc::eSetup, Nc::eSpindleStart)},
+    {State::ePreBalanceMeasurement, "PreBalanceMeasurement", Sequence::ePreBalanceMeasurement, eNoLeg,
+        Next(), 6, Both(Show(Method::eMeasurementValues)), Menu(5), StoreAction(Nc::eMeasure)},
+    {State::eReBalanceCommitWeights, "ReBalanceCommitWeights", Sequence::eReBalanceCommitWeights, eNoLeg,
+        FirstOfOrNext(7), 8, Both(Show(Method::eUACompensation)), MenuByMeans(33, 32), Notify(Nc::eReBalActive, Nc::eSetWeights)},
+    {State::eReBalanceRPMStart1, "ReBalanceRPMStart1", Sequence::eReBalanceRPMStart1, eNoLeg,
+        Next(), 4, Both(Show(Method::eInactive)), Menu(4), Notify(Nc::eReBalActive, Nc::eSpindleStart)},
+    {State::eReBalanceMeasurement1, "ReBalanceMeasurement1", Sequence::eReBalanceMeasurement1, eNoLeg,
+        NextOf(5), 6, Both(Show(Method::eMeasurementValues)), Menu(4), Notify(Nc::eReBalActive, Nc::eMeasure)},
+    {State::eReBalanceSpindleStop, "ReBalanceSpindleStop", Sequence::eReBalanceSpindleStop, eNoLeg,
+        Next(), 2, Both(Show(Method::eInactive)), Menu(4), Notify(Nc::eReBalActive, Nc::eSpindleStop)},
+    {State::eReBalanceSpindleStopCheckWeights, "eReBalanceSpindleStopCheckWeights", Sequence::eReBalanceSpindleStopCheckWeights, eNoLeg,
+        Next(), 2, Both(Show(Method::eInactive)), Menu(4), Notify(Nc::eReBalActive, Nc::eSpindleStop)},
+    {State::eReBalanceSetWeights, "ReBalanceSetWeights", Sequence::eReBalanceSetWeights, eNoLeg,
+        Keep(), 8, Both(Show(Method::eUACompensation)), Menu(8), Notify(Nc::eReBalActive, Nc::eSetWeights)},
+    {State::eReBalanceCheckWeights, "eReBalanceCheckWeights", Sequence::eReBalanceCheckWeights, eNoLeg,
+        Keep(), 9, {Show(Method::eUACompensation), Show(Method::eInactive)}, CheckWeightsMenu(), NoNotification()},
+    {State::eReBalanceRPMStart2, "ReBalanceRPMStart2", Sequence::eReBalanceRPMStart2, eNoLeg,
+        Next(), 4, Both(Show(Method::eInactive)), Menu(4), Notify(Nc::eReBalActive, Nc::eSpindleStart)},
+    {State::eReBalanceMeasurement2, "ReBalanceMeasurement2", Sequence::eReBalanceMeasurement2, eNoLeg,
+        Next(), 6, Both(Show(Method::eMeasurementValues)), Menu(5), StoreAction(Nc::eMeasure)},
+}};
+
+/// The failure states may follow every state, and nothing follows them.
+inline constexpr std::array<Sequence::CTransition, 26> g_Transitions = {{
+    {State::eIdle, {State::eNeutralPosSpindleStop, State::eNeutralPosRemoveWeights, State::eReBalanceCommitWeights, State::eReBalanceRPMStart1, State::eReBalanceMeasurement1}},
+    {State::eNeutralPosSpindleStop, {State::eNeutralPosRemoveWeights, State::eNeutralPosRPMStart}},
+    {State::eNeutralPosRemoveWeights, {State::eNeutralPosRPMStart}},
+    {State::eNeutralPosRPMStart, {State::eNeutralPosMeasurement}},
+    {State::eNeutralPosMeasurement, {State::ePlane1TestUnbalanceSpindleStop}},
+    {State::ePlane1TestUnbalanceSpindleStop, {State::ePlane1TestUnbalanceSetWeights}},
+    {State::ePlane1TestUnbalanceSetWeights, {State::ePlane1TestUnbalanceRPMStart, State::ePlane1TestUnbalanceMeasurement}},
+    {State::ePlane1TestUnbalanceRPMStart, {State::ePlane1TestUnbalanceMeasurement}},
+    {State::ePlane1TestUnbalanceMeasurement, {State::ePlane2TestUnbalanceSpindleStop}},
+    {State::ePlane2TestUnbalanceSpindleStop, {State::ePlane2TestUnbalanceSetWeights}},
+    {State::ePlane2TestUnbalanceSetWeights, {State::ePlane2TestUnbalanceRPMStart, State::ePlane2TestUnbalanceMeasurement}},
+    {State::ePlane2TestUnbalanceRPMStart, {State::ePlane2TestUnbalanceMeasurement}},
+    {State::ePlane2TestUnbalanceMeasurement, {State::ePreBalanceSpindleStop}},
+    {State::ePreBalanceSpindleStop, {State::ePreBalanceSetWeights}},
+    {State::ePreBalanceSetWeights, {State::ePreBalanceRPMStart, State::ePreBalanceMeasurement}},
+    {State::ePreBalanceRPMStart, {State::ePreBalanceMeasurement}},
+    {State::ePreBalanceMeasurement, {State::eReBalanceMeasurement1}},
+    {State::eReBalanceCommitWeights, {State::eReBalanceRPMStart1, State::eReBalanceMeasurement1}},
+    {State::eReBalanceRPMStart1, {State::eReBalanceMeasurement1}},
+    {State::eReBalanceMeasurement1, {State::eReBalanceSpindleStop, State::eReBalanceSpindleStopCheckWeights}},
+    {State::eReBalanceSpindleStop, {State::eReBalanceSetWeights}},
+    {State::eReBalanceSpindleStopCheckWeights, {State::eReBalanceCheckWeights}},
+    {State::eReBalanceSetWeights, {State::eReBalanceCheckWeights, State::eReBalanceRPMStart2, State::eReBalanceMeasurement2}},
+    // No handler leads from the check back to the commit; the transition is defined all the same.
+    {State::eReBalanceCheckWeights, {State::eReBalanceCommitWeights, State::eReBalanceSetWeights}},
+    {State::eReBalanceRPMStart2, {State::eReBalanceMeasurement2}},
+    {State::eReBalanceMeasurement2, {State::eReBalanceMeasurement1}},
+}};
+
+// clang-format on
+
+inline constexpr Sequence::CTables g_Tables = {
+    g_States,
+    g_Transitions,
+    State::eReBalanceCommitWeights,
+    "CTwoPlaneBalancing",
+    "invalid state",
+    "this path is new (added to two plane balancing since it was present in single plane balancing)"};
+
+static_assert(Sequence::AreStatesInOrder(g_States), "a state is looked up by its number");
+
+}  // namespace TwoPlane
