@@ -199,8 +199,9 @@ bool CHeadlessRun::RunProcedure(Softkeys::Action Start) {
         Print("final" + DescribeReadings(rSituation) +
               Format(", target %u", rSituation.m_Progress.m_TargetUnbalance));
     };
-    Operator.OnWeightsFitted = [this](std::size_t Plane, const std::vector<int>& rAngles) {
-        m_Report.SetWeights(Plane, rAngles);
+    Operator.OnWeightsFitted = [this](std::size_t Plane, std::size_t Column,
+                                      const std::vector<int>& rAngles) {
+        m_Report.SetWeights(Column, rAngles);
         std::string Text;
         for (const int Angle : rAngles) {
             Text += Format("%s%d°", Text.empty() ? "" : ", ", Angle);

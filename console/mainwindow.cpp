@@ -164,8 +164,8 @@ void CMainWindow::Command(const nlohmann::json& rRequest) {
 void CMainWindow::FitAsShown() {
     const CSituation Situation = m_rSession.Look();
     for (std::size_t Plane = 0; Plane < Situation.m_Progress.m_Readings.size(); ++Plane) {
-        const std::vector<int> Angles = Situation.m_Notification.GetAngles(Plane);
-        if (Situation.m_bRunning && Situation.m_Progress.m_Readings[Plane].m_bShown && !Angles.empty()) {
+        const std::vector<int> Angles = Situation.GetAngles(Plane);
+        if (Situation.m_bRunning && !Angles.empty()) {
             Command({{"weights", {{"plane", Plane + 1}, {"angles", Angles}}}});
         }
     }

@@ -135,10 +135,10 @@ void COperator::SetSpeed(std::uint32_t RPM) {
 
 void COperator::FitWeights(const CSituation& rSituation) {
     m_ToFit.clear();
+    m_Columns.clear();
     for (std::size_t Plane = 0; Plane < rSituation.m_Progress.m_Readings.size(); ++Plane) {
-        m_ToFit.push_back(rSituation.m_Progress.m_Readings[Plane].m_bShown
-                              ? rSituation.m_Notification.GetAngles(Plane)
-                              : std::vector<int>());
+        m_ToFit.push_back(rSituation.GetAngles(Plane));
+        m_Columns.push_back(rSituation.GetColumn(Plane));
     }
     FitPlane(0);
 }
@@ -157,7 +157,7 @@ void COperator::FitPlane(std::size_t Plane) {
     }
     const std::vector<int>& rAngles = m_ToFit[Plane];
     if (OnWeightsFitted) {
-        OnWeightsFitted(Plane, rAngles);
+        OnWeightsFitted(Plane, m_Columns[Plane], rAngles);
     }
     if (m_pMachine == nullptr) {
         const std::string Text = "Please set the weights of plane " + std::to_string(Plane + 1) + " to " +

@@ -47,7 +47,9 @@ public:
     /// Just before a measurement is accepted by the softkey, and before the final verdict is.
     std::function<void(const CSituation&)> OnMeasurementAccepted;
     std::function<void(const CSituation&)> OnVerdictAccepted;
-    std::function<void(std::size_t Plane, const std::vector<int>& rAngles)> OnWeightsFitted;
+    /// Plane of the machine, and its place among those of the procedure; both count from 0.
+    std::function<void(std::size_t Plane, std::size_t Column, const std::vector<int>& rAngles)>
+        OnWeightsFitted;
 
 private:
     /// Nothing new on the panel for so long means that the run is stuck, ms.
@@ -69,7 +71,8 @@ private:
     Outcome m_Outcome = Outcome::eRunning;
     std::string m_Reason;
     std::optional<std::uint32_t> m_CommandedSpeed;
-    std::vector<std::vector<int>> m_ToFit;  ///< angles per plane
+    std::vector<std::vector<int>> m_ToFit;  ///< angles per plane of the machine
+    std::vector<std::size_t> m_Columns;     ///< of those planes
     bool m_bBusy = false;                   ///< an answer of the machine is awaited
     std::string m_LastSaid;
     std::optional<CSituation> m_LastSeen;

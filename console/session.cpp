@@ -1,7 +1,9 @@
 #include "console/session.h"
 
+#include <array>
 #include <cstdio>
 #include <utility>
+#include <vector>
 
 #include "platform/rvcom/bytelink.h"
 #include "platform/rvcom/rvcom.h"
@@ -16,34 +18,76 @@ namespace {
 using PreBalDB::CPreBalDatabase;
 using PreBalDB::CTypeBase;
 
-/// Identification and hardware bits of message 1045.
+/// Fields of message 1045.
 constexpr LPARAM MODE_SHIFT = 0;
 constexpr LPARAM SLAVE_SHIFT = 8;
 constexpr LPARAM IDENTIFICATION_SHIFT = 16;
-constexpr LPARAM IDENTIFICATION_KESTREL = 1;
+constexpr LPARAM NO_SLAVE = 0xFF;
 
-constexpr std::uint8_t DEFAULT_KESTREL_ADDRESS = 5;
+/// A family as the console knows it.
+struct CFamily {
+    const char* m_pName;
+    LPARAM m_Identification;
+    std::vector<std::uint8_t> m_Addresses;
+    /// What the family can balance; the first is what it does unless told otherwise.
+    std::vector<CPreBalDatabase::BalancingMode> m_Modes;
+};
+
+const CFamily& GetFamily(CRotorFile::Modules Modules) {
+    static const std::array FAMILIES = {
+        // as CRotorFile::Modules
+        CFamily{"kestrel", 1, {5}, {CPreBalDatabase::eModePlane1}},
+        CFamily{"kestrel-pair", 1, {5, 6}, {CPreBalDatabase::eModeTwoPlane}},
+        CFamily{"lanner",
+                9,
+                {9},
+                {CPreBalDatabase::eModePlane1, CPreBalDatabase::eModePlane2, CPreBalDatabase::eModeTwoPlane}},
+    };
+    return FAMILIES.at(Modules);
+}
+
+constexpr std::array MODE_NAMES = {"plane1", "plane2", "two-plane"};  // as BalancingMode
+
 /// Child window id of the module's configuration tabs.
 constexpr UINT CONFIG_TABS_ID = 101;
 constexpr const char* CONFIGURATION = "Default";
 
-/// What this console can't do yet is refused before anything is opened.
-void RefuseWhatIsMissing(const COptions& rOptions, const CRotorFile* pRotor) {
-    const bool bKestrel =
-        rOptions.m_Modules == "kestrel" ||
-        (rOptions.m_Modules.empty() && (pRotor == nullptr || pRotor->m_Modules == CRotorFile::eKestrel));
-    if (!bKestrel) {
-        throw CSessionError("--modules: this version balances over one kestrel module only");
+CRotorFile::Modules ChooseModules(const COptions& rOptions, const CRotorFile* pRotor) {
+    return CRotorFile::ModulesFromString(rOptions.m_Modules)
+        .value_or(pRotor != nullptr ? pRotor->m_Modules : CRotorFile::eKestrel);
+}
+
+/// Refuses what the modules can't do.
+CPreBalDatabase::BalancingMode ChooseMode(const COptions& rOptions, CRotorFile::Modules Modules) {
+    const CFamily& rFamily = GetFamily(Modules);
+    if (rOptions.m_Mode.empty()) {
+        return rFamily.m_Modes.front();
     }
-    if (!rOptions.m_Mode.empty() && rOptions.m_Mode != "plane1") {
-        throw CSessionError("--mode " + rOptions.m_Mode + ": one kestrel module serves plane1 only");
+    std::string Names;
+    for (const CPreBalDatabase::BalancingMode Mode : rFamily.m_Modes) {
+        if (rOptions.m_Mode == MODE_NAMES.at(Mode)) {
+            return Mode;
+        }
+        Names += (Names.empty() ? "" : ", ") + std::string(MODE_NAMES.at(Mode));
+    }
+    throw CSessionError("--mode " + rOptions.m_Mode + ": modules " + rFamily.m_pName + " balance " + Names);
+}
+
+/// What doesn't fit together, or this console can't do yet, is refused before anything is opened.
+void RefuseWhatIsMissing(const COptions& rOptions, const CRotorFile* pRotor,
+                         CPreBalDatabase::BalancingMode Mode) {
+    const std::size_t nPlanesNeeded = Mode == CPreBalDatabase::eModePlane1 ? 1 : 2;
+    if (pRotor != nullptr && pRotor->m_Planes.size() < nPlanesNeeded) {
+        throw CSessionError(std::string("--mode ") + MODE_NAMES.at(Mode) +
+                            ": the rotor has one plane; give a rotor file with two");
     }
     for (const std::string& rMethod : rOptions.m_Methods) {
         if (rMethod != "weights") {
             throw CSessionError("--method " + rMethod + ": this version knows weights only");
         }
     }
-    if (rOptions.m_Methods.size() > 1) {
+    const std::size_t nPlanesBalanced = Mode == CPreBalDatabase::eModeTwoPlane ? 2 : 1;
+    if (rOptions.m_Methods.size() > nPlanesBalanced) {
         throw CSessionError("--method: one plane takes one method");
     }
 }
@@ -52,14 +96,47 @@ CTypeBase::Direction ToDirection(CRotorFile::Sense Value) {
     return Value == CRotorFile::eClockwise ? CTypeBase::eClockwise : CTypeBase::eCounterClockwise;
 }
 
+/// The same rotation from the rotor's other end.
+CTypeBase::Direction TurnAround(CTypeBase::Direction Value) {
+    return Value == CTypeBase::eClockwise ? CTypeBase::eCounterClockwise : CTypeBase::eClockwise;
+}
+
+/// Whether the value was another one.
+template <typename Entry>
+bool Configure(Entry& rEntry, CTypeBase::Direction (Entry::*pGet)() const,
+               void (Entry::*pSet)(CTypeBase::Direction), CTypeBase::Direction Value) {
+    const bool bDiffers = (rEntry.*pGet)() != Value;
+    (rEntry.*pSet)(Value);
+    return bDiffers;
+}
+
+bool ConfigureRotation(PreBalDB::CPlaneBalancingTableEntry& rEntry, CTypeBase::Direction Value) {
+    using Entry = PreBalDB::CPlaneBalancingTableEntry;
+    return Configure(rEntry, &Entry::GetRotationDirection, &Entry::SetRotationDirection, Value);
+}
+
+bool ConfigureScale(PreBalDB::CWeightCompensationTableEntry& rEntry, CRotorFile::Sense Scale) {
+    using Entry = PreBalDB::CWeightCompensationTableEntry;
+    return Configure<Entry>(rEntry, &Entry::GetScalingDirection, &Entry::SetScalingDirection,
+                            ToDirection(Scale));
+}
+
 }  // namespace
 
 CConsoleSession::CConsoleSession(const COptions& rOptions, const CRotorFile* pRotor,
                                  const std::string& rDatabaseFile)
-    : m_Options(rOptions), m_pRotor(pRotor) {
-    RefuseWhatIsMissing(rOptions, pRotor);
+    : m_Options(rOptions),
+      m_Modules(ChooseModules(rOptions, pRotor)),
+      m_Mode(ChooseMode(rOptions, m_Modules)),
+      m_pRotor(pRotor) {
+    RefuseWhatIsMissing(rOptions, pRotor, m_Mode);
+    const std::vector<std::uint8_t>& rDefaults = GetFamily(m_Modules).m_Addresses;
     if (m_Options.m_Addresses.empty()) {
-        m_Options.m_Addresses = {DEFAULT_KESTREL_ADDRESS};
+        m_Options.m_Addresses = rDefaults;
+    }
+    if (m_Options.m_Addresses.size() != rDefaults.size()) {
+        throw CSessionError("--addresses: modules " + std::string(GetFamily(m_Modules).m_pName) + " take " +
+                            (rDefaults.size() == 1 ? "one address" : "two addresses, master and slave"));
     }
     PreBalDB::SetDatabaseConnection("sqlite:" + rDatabaseFile);
     const auto Changed = [this] {
@@ -125,10 +202,10 @@ void CConsoleSession::OpenLink(const CRotorFile* pRotor) {
 }
 
 void CConsoleSession::SendInit() {
-    const LPARAM Slave = m_Options.m_Addresses.size() > 1 ? m_Options.m_Addresses[1] : 0xFF;
+    const LPARAM Slave = m_Options.m_Addresses.size() > 1 ? m_Options.m_Addresses[1] : NO_SLAVE;
     m_pModule->SendMessage(WM_RV_INITWINDOW, m_Options.m_Addresses[0],
-                           (LPARAM{CPreBalDatabase::eModePlane1} << MODE_SHIFT) | (Slave << SLAVE_SHIFT) |
-                               (IDENTIFICATION_KESTREL << IDENTIFICATION_SHIFT));
+                           (LPARAM{m_Mode} << MODE_SHIFT) | (Slave << SLAVE_SHIFT) |
+                               (GetFamily(m_Modules).m_Identification << IDENTIFICATION_SHIFT));
 }
 
 bool CConsoleSession::Initialise() {
@@ -152,24 +229,41 @@ void CConsoleSession::Commission() {
     if (m_pRotor == nullptr || MachineName.empty()) {
         return;
     }
-    const CTypeBase::Direction Rotation = ToDirection(m_pRotor->m_Rotation);
-    const CTypeBase::Direction Scale = ToDirection(m_pRotor->m_Planes.front().m_Scale);
     {
         CPreBalDatabase Database(MachineName);
         PreBalDB::CPreBalBaseTableEntry& rEntry = Database.ReadConfiguration(CONFIGURATION);
-        PreBalDB::CSinglePlaneBalancingTableEntry& rPlane = rEntry.CreateSinglePlane();
-        PreBalDB::CWeightCompensationTableEntry& rWeights = rPlane.CreateWeightCompensationTableEntry();
-        if (rPlane.GetRotationDirection() == Rotation && rWeights.GetScalingDirection() == Scale) {
+        const bool bChanged = m_Mode == CPreBalDatabase::eModeTwoPlane ? CommissionTwoPlane(rEntry)
+                                                                       : CommissionSinglePlane(rEntry);
+        if (!bChanged) {
             return;
         }
-        rPlane.SetRotationDirection(Rotation);
-        rWeights.SetScalingDirection(Scale);
         rEntry.SetIsCalibrated(0);
         Database.WriteConfiguration();
     }
     if (CWnd* pTabs = m_pModule->GetDlgItem(CONFIG_TABS_ID)) {
         pTabs->SendMessage(WM_RV_UPDATECONFIGURATION);
     }
+}
+
+bool CConsoleSession::CommissionSinglePlane(PreBalDB::CPreBalBaseTableEntry& rEntry) const {
+    const bool bPlane2 = m_Mode == CPreBalDatabase::eModePlane2;
+    const CTypeBase::Direction Rotation = ToDirection(m_pRotor->m_Rotation);
+    PreBalDB::CSinglePlaneBalancingTableEntry& rPlane = rEntry.CreateSinglePlane();
+    // The rotor file tells the rotation as seen from plane 1's end.
+    const bool bRotation = ConfigureRotation(rPlane, bPlane2 ? TurnAround(Rotation) : Rotation);
+    const bool bScale = ConfigureScale(rPlane.CreateWeightCompensationTableEntry(),
+                                       m_pRotor->m_Planes.at(bPlane2 ? 1 : 0).m_Scale);
+    return bRotation || bScale;
+}
+
+bool CConsoleSession::CommissionTwoPlane(PreBalDB::CPreBalBaseTableEntry& rEntry) const {
+    PreBalDB::CTwoPlaneBalancingTableEntry& rPlanes = rEntry.CreateTwoPlane();
+    const bool bRotation = ConfigureRotation(rPlanes, ToDirection(m_pRotor->m_Rotation));
+    const bool bScale1 = ConfigureScale(rPlanes.CreatePlane1WeightCompensationTableEntry(),
+                                        m_pRotor->m_Planes.front().m_Scale);
+    const bool bScale2 =
+        ConfigureScale(rPlanes.CreatePlane2WeightCompensationTableEntry(), m_pRotor->m_Planes.back().m_Scale);
+    return bRotation || bScale1 || bScale2;
 }
 
 void CConsoleSession::Close() {

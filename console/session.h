@@ -11,6 +11,7 @@
 #include "console/operator.h"
 #include "console/options.h"
 #include "console/situation.h"
+#include "platform/rvmdb/prebaldatabase.h"
 #include "simulator/machine.h"
 #include "simulator/rotorfile.h"
 
@@ -41,8 +42,8 @@ public:
     bool Initialise();
     /// Asks the module's window once to find its module; harmless when it has.
     void SendInit();
-    /// Brings the stored configuration in line with the rotor: rotation and scale sense. What differs makes a
-    /// calibration void.
+    /// Brings the stored configuration in line with the rotor: rotation and scale sense, both as seen from
+    /// the end of the plane that is balanced. What differs makes a calibration void.
     void Commission();
     /// Ends what runs, lets the module save, and closes the window.
     void Close();
@@ -75,8 +76,13 @@ private:
     static constexpr std::uint32_t eInitRepeat = 5000;
 
     void OpenLink(const CRotorFile* pRotor);
+    /// Rotation and scale of one plane's compensation; whether anything differed.
+    bool CommissionSinglePlane(PreBalDB::CPreBalBaseTableEntry& rEntry) const;
+    bool CommissionTwoPlane(PreBalDB::CPreBalBaseTableEntry& rEntry) const;
 
     COptions m_Options;
+    CRotorFile::Modules m_Modules;
+    PreBalDB::CPreBalDatabase::BalancingMode m_Mode;
     const CRotorFile* m_pRotor;
     CNcPanel m_NcPanel;
     std::unique_ptr<CSimulator> m_pSimulator;

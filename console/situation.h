@@ -38,4 +38,19 @@ struct CSituation {
     CPreBalProgress m_Progress;
     CNotification m_Notification;
     std::uint32_t m_Warning = 0;  ///< as the NC gets it
+
+    /// The columns of a notification belong to the planes of the procedure, in their order: the only plane of
+    /// a procedure stands in the first ones, whichever of the machine's it is. Plane counts from 0.
+    std::size_t GetColumn(std::size_t Plane) const {
+        std::size_t Column = 0;
+        for (std::size_t Before = 0; Before < Plane; ++Before) {
+            Column += m_Progress.m_Readings.at(Before).m_bShown ? 1 : 0;
+        }
+        return Column;
+    }
+    /// Angles asked for in a plane of the machine; none if the procedure leaves it alone.
+    std::vector<int> GetAngles(std::size_t Plane) const {
+        return m_Progress.m_Readings.at(Plane).m_bShown ? m_Notification.GetAngles(GetColumn(Plane))
+                                                        : std::vector<int>();
+    }
 };

@@ -1,7 +1,9 @@
 #include "simulator/balancingmodule.h"
 
 #include <cmath>
+#include <utility>
 
+#include "simulator/framebytes.h"
 #include "simulator/rotor.h"
 #include "simulator/spindle.h"
 #include "simulator/transmitter.h"
@@ -9,23 +11,73 @@
 namespace {
 
 constexpr std::size_t eHeaderSize = 3;
+constexpr std::size_t eSource = 1;
 constexpr std::size_t eDestination = 2;
+constexpr std::size_t eSubCode = 3;
+constexpr std::size_t eIdentificationSize = 49;
 
 }  // namespace
 
-CBalancingModule::CBalancingModule(const CWiring& rWiring, std::uint8_t Address, const CState& rState)
+CBalancingModule::CBalancingModule(const CWiring& rWiring, std::uint8_t Address, CState State, CSet Set)
     : m_Wiring(rWiring),
       m_Address(Address),
-      m_State(rState),
+      m_Set(std::move(Set)),
+      m_State(State),
       m_bReportedInLock(rWiring.m_rSpindle.IsInLock()),
       m_bReportedInvalid(rWiring.m_rSpindle.IsInvalid()) {
     m_Timer.StartPeriodic(eStandingPeriodMs, [this] { IndicateRpm(); });
 }
 
+bool CBalancingModule::IsFor(std::span<const std::uint8_t> Frame) const {
+    return Frame.size() >= eHeaderSize && Frame[eDestination] == m_Address;
+}
+
 void CBalancingModule::PutFrame(std::span<const std::uint8_t> Frame) {
-    if (Frame.size() >= eHeaderSize && Frame[eDestination] == m_Address) {
+    if (IsFor(Frame)) {
         AnswerRequest(Frame);
     }
+}
+
+void CBalancingModule::AnswerRequest(std::span<const std::uint8_t> Request) {
+    // A query is its header, and for two of them a sub-code; what is longer is no query.
+    const bool bPlain = Request.size() == eHeaderSize;
+    const bool bWithSubCode = Request.size() == eHeaderSize + 1;
+    const std::uint8_t Requester = Request[eSource];
+    switch (Request[0]) {
+        case eModuleState:
+            return bPlain ? Answer({MakeState(Requester)}) : void();
+        case eActiveSet:
+            return bWithSubCode && Request[eSubCode] == GetSetSubCode() ? Answer({MakeSet(Requester)})
+                                                                        : void();
+        case eModuleData:
+            return bWithSubCode && Request[eSubCode] == eSubCodeIdentification
+                       ? Answer({MakeIdentification(Requester)})
+                       : void();
+        case eRpmData:
+            return bPlain ? Answer(MakeRpm(Requester)) : void();
+        case eXYData:
+            return bPlain ? Answer(MakeXY(Requester)) : void();
+        default:
+            return;
+    }
+}
+
+CBalancingModule::Bytes CBalancingModule::MakeHeader(std::uint8_t Kind, std::uint8_t Destination) const {
+    return {Kind, GetAddress(), Destination};
+}
+
+CBalancingModule::Bytes CBalancingModule::MakeIdentification(std::uint8_t Destination) const {
+    const CNameplate& rPlate = GetNameplate();
+    Bytes Frame = MakeHeader(eModuleData, Destination);
+    Frame.push_back(eSubCodeIdentification);
+    FrameBytes::PutBytes(Frame, {rPlate.m_Type, rPlate.m_YearOfProduction, rPlate.m_CalendarWeek,
+                                 rPlate.m_SoftwareVersion, rPlate.m_TNumber});
+    Frame.insert(Frame.end(), rPlate.m_ArticleNumber.begin(), rPlate.m_ArticleNumber.end());
+    // The serial number follows the address, so that the modules of a pair differ.
+    FrameBytes::PutLong(Frame, rPlate.m_SerialNumber + GetAddress());
+    FrameBytes::PutLong(Frame, rPlate.m_WorkingHours);
+    Frame.resize(eIdentificationSize, 0);
+    return Frame;
 }
 
 void CBalancingModule::SpindleChanged() {
@@ -52,7 +104,8 @@ void CBalancingModule::TurningTick() {
     if (++m_nTick % eRpmEveryNthXY == 0) {
         IndicateRpm();
     }
-    IndicateXY();
+    Indicate(MakeXY(eAnyAddress));
+    OnTurningTick(m_nTick);
 }
 
 void CBalancingModule::ChangeSet(const CSet& rSet) {
@@ -69,12 +122,20 @@ void CBalancingModule::ChangeState(const CState& rState) {
     }
 }
 
-void CBalancingModule::Answer(const Bytes& rFrame) {
-    m_Wiring.m_rTransmitter.Send(rFrame, CFaults::eAnswer);
+void CBalancingModule::Answer(const Frames& rFrames) {
+    for (const Bytes& rFrame : rFrames) {
+        m_Wiring.m_rTransmitter.Send(rFrame, CFaults::eAnswer);
+    }
 }
 
 void CBalancingModule::Indicate(const Bytes& rFrame) {
     m_Wiring.m_rTransmitter.Send(rFrame, CFaults::eIndication);
+}
+
+void CBalancingModule::Indicate(const Frames& rFrames) {
+    for (const Bytes& rFrame : rFrames) {
+        Indicate(rFrame);
+    }
 }
 
 std::uint16_t CBalancingModule::GetRpm() const {

@@ -7,45 +7,50 @@
 
 namespace {
 
-constexpr std::string_view ms_Kinds[] = {"drop", "corrupt", "delay_ms", "silence_ms"};  // as CFaults::Kinds
-constexpr std::string_view ms_Frames[] = {"answers", "indications"};                    // as CFaults::Frame
+constexpr std::string_view ms_Kinds[] = {"drop", "corrupt", "delay_ms", "silence_ms", "cut", "double"};
+constexpr std::string_view ms_Frames[] = {"answers", "indications", "requests"};  // as CFaults::Frame
 constexpr std::int64_t eMaxFrames = 1'000'000;
 constexpr std::int64_t eMaxMilliseconds = 3'600'000;
 constexpr std::uint64_t eEndless = std::numeric_limits<std::uint64_t>::max();
 
 }  // namespace
 
-void CFaults::Set(const nlohmann::json& rFault) {
-    const CJsonFields Fields(rFault, "fault", {"kind", "next", "value", "only"});
+void CFaults::Set(const nlohmann::json& rFault, std::size_t nModules) {
+    const CJsonFields Fields(rFault, "fault", {"kind", "next", "value", "at", "only", "module"});
     Fields.Require("kind");
     const std::size_t nKind = Fields.GetChoice("kind", 0, ms_Kinds);
     const bool bTimed = (nKind == eDelay) || (nKind == eSilence);
     if (bTimed) {
         Fields.Require("value");
     } else if (Fields.Has("value")) {
-        throw CJsonError("fault.value belongs to delay_ms and silence_ms; drop and corrupt take next");
+        throw CJsonError("fault.value belongs to delay_ms and silence_ms; the other kinds take next");
     }
-    if (nKind == eSilence && Fields.Has("next")) {
-        throw CJsonError("fault.next belongs to drop, corrupt and delay_ms; silence_ms takes value");
+    if (nKind == eSilence && (Fields.Has("next") || Fields.Has("at"))) {
+        throw CJsonError("fault.next and fault.at don't belong to silence_ms, which takes value");
     }
 
     CFault Fault;
     Fault.m_Value = static_cast<std::uint64_t>(Fields.GetInteger("value", 0, 0, eMaxMilliseconds));
     Fault.m_Until = IFEventLoop::Current().Now() + Fault.m_Value;
-    Fault.m_Next = Fields.Has("next")
-                       ? static_cast<std::uint64_t>(Fields.GetInteger("next", 1, 0, eMaxFrames))
-                   : bTimed ? eEndless
-                            : 1U;
+    Fault.m_First = static_cast<std::uint64_t>(Fields.GetInteger("at", 0, 1, eMaxFrames));
+    const bool bCounted = !bTimed || Fields.Has("next") || Fields.Has("at");
+    Fault.m_Next =
+        bCounted ? static_cast<std::uint64_t>(Fields.GetInteger("next", 1, 0, eMaxFrames)) : eEndless;
     if (Fields.Has("only")) {
-        const std::size_t nOnly = Fields.GetChoice("only", 0, ms_Frames);
-        Fault.m_bStrikes[eAnswer] = (nOnly == eAnswer);
-        Fault.m_bStrikes[eIndication] = (nOnly == eIndication);
+        Fault.m_bStrikes.fill(false);
+        Fault.m_bStrikes.at(Fields.GetChoice("only", 0, ms_Frames)) = true;
     }
-    m_Faults[nKind] = Fault;
+    if (Fields.Has("module")) {
+        Fault.m_bModules.fill(false);
+        const std::int64_t nModule = Fields.GetInteger("module", 1, 1, static_cast<std::int64_t>(nModules));
+        Fault.m_bModules.at(static_cast<std::size_t>(nModule - 1)) = true;
+    }
+    m_Faults.at(nKind) = Fault;
 }
 
-bool CFaults::Strike(CFault& rFault, Frame Kind) {
-    if (rFault.m_Next == 0 || !rFault.m_bStrikes[Kind]) {
+bool CFaults::Strike(CFault& rFault, Frame Kind, std::size_t nModule, std::uint64_t nNumber) {
+    if (rFault.m_Next == 0 || nNumber < rFault.m_First || !rFault.m_bStrikes.at(Kind) ||
+        !rFault.m_bModules.at(nModule)) {
         return false;
     }
     if (rFault.m_Next != eEndless) {
@@ -54,16 +59,20 @@ bool CFaults::Strike(CFault& rFault, Frame Kind) {
     return true;
 }
 
-CFaults::CVerdict CFaults::Judge(Frame Kind) {
+CFaults::CVerdict CFaults::Judge(Frame Kind, std::size_t nModule) {
+    const std::uint64_t nNumber = (Kind == eRequest) ? ++m_nReceived : ++m_nSent;
+    const auto Strikes = [&](Kinds Fault) { return Strike(m_Faults.at(Fault), Kind, nModule, nNumber); };
     CVerdict Verdict;
     // A frame that is never sent doesn't use up the counts of the later faults.
     const bool bSilent = IFEventLoop::Current().Now() < m_Faults[eSilence].m_Until;
-    Verdict.m_bDrop = (bSilent && Strike(m_Faults[eSilence], Kind)) || Strike(m_Faults[eDrop], Kind);
+    Verdict.m_bDrop = (bSilent && Strikes(eSilence)) || Strikes(eDrop);
     if (Verdict.m_bDrop) {
         return Verdict;
     }
-    Verdict.m_bCorrupt = Strike(m_Faults[eCorrupt], Kind);
-    if (Strike(m_Faults[eDelay], Kind)) {
+    Verdict.m_bCorrupt = Strikes(eCorrupt);
+    Verdict.m_bCut = Strikes(eCut);
+    Verdict.m_bDouble = Strikes(eDouble);
+    if (Strikes(eDelay)) {
         Verdict.m_DelayMs = static_cast<std::uint32_t>(m_Faults[eDelay].m_Value);
     }
     return Verdict;

@@ -107,6 +107,17 @@ bool CJsonFields::GetBool(std::string_view Name, bool bDefault) const {
     return pValue->get<bool>();
 }
 
+std::string CJsonFields::GetText(std::string_view Name, const std::string& rDefault, std::size_t nMax) const {
+    const json* pValue = Get(Name);
+    if (pValue == nullptr) {
+        return rDefault;
+    }
+    if (!pValue->is_string() || pValue->get_ref<const std::string&>().size() > nMax) {
+        Refuse(GetPath(Name), "a text of up to " + std::to_string(nMax) + " bytes", *pValue);
+    }
+    return pValue->get<std::string>();
+}
+
 std::size_t CJsonFields::GetChoice(std::string_view Name, std::size_t nDefault, Names Choices) const {
     const json* pValue = Get(Name);
     return (pValue == nullptr) ? nDefault : ToChoice(*pValue, GetPath(Name), Choices);

@@ -40,6 +40,8 @@ public:
                             std::int64_t Max) const;
     std::uint64_t GetUnsigned(std::string_view Name, std::uint64_t Default) const;
     bool GetBool(std::string_view Name, bool bDefault) const;
+    /// Throws if the text has more than nMax bytes.
+    std::string GetText(std::string_view Name, const std::string& rDefault, std::size_t nMax) const;
     /// The index of the text among the choices.
     std::size_t GetChoice(std::string_view Name, std::size_t nDefault, Names Choices) const;
     /// Null if the field is missing. Throws unless it is an array of a size from nMin to nMax.

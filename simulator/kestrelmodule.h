@@ -15,19 +15,14 @@ public:
     CKestrelModule(const CWiring& rWiring, std::uint8_t Address, std::size_t nSensor, const CNoise& rNoise);
 
 protected:
-    void AnswerRequest(std::span<const std::uint8_t> Request) override;
+    const CNameplate& GetNameplate() const override;
+    std::uint8_t GetSetSubCode() const override { return 0; }
     Bytes MakeState(std::uint8_t Destination) const override;
     Bytes MakeSet(std::uint8_t Destination) const override;
-    void IndicateRpm() override;
-    void IndicateXY() override;
+    Frames MakeRpm(std::uint8_t Destination) const override;
+    Frames MakeXY(std::uint8_t Destination) override;
 
 private:
-    Bytes MakeHeader(std::uint8_t Command, std::uint8_t Destination) const;
-    Bytes MakeIdentification(std::uint8_t Destination) const;
-    Bytes MakeRpm(std::uint8_t Destination) const;
-    /// Not const: each frame draws new noise.
-    Bytes MakeXY(std::uint8_t Destination);
-
     std::size_t m_nSensor;
     CNoise m_Noise;
 };

@@ -38,6 +38,8 @@ public:
     std::vector<CPlane> m_Planes{1};  ///< one or two
     /// By sensor, then by weight plane; as many of each as planes. The off-diagonal default is no coupling.
     std::vector<std::vector<CInfluence>> m_Influence{{CInfluence{}}};
+    /// The Lanner module's first sensor sits at plane 2, and its second at plane 1: "swap" in the file.
+    bool m_bSwap = false;
     double m_NoiseCounts = 1.5;  ///< standard deviation of each of X and Y
     std::uint64_t m_Seed = 1;
 

@@ -7,6 +7,7 @@
 
 #include "simulator/jsonfields.h"
 #include "simulator/kestrelmodule.h"
+#include "simulator/lannermodule.h"
 
 using nlohmann::json;
 
@@ -16,7 +17,16 @@ constexpr double eMaxRpm = 65535.0;  // what a frame can hold
 constexpr std::size_t eMaxFitted = 1000;
 constexpr double eMaxAmount = 1.0e6;
 constexpr double eMaxAngleDeg = 3600.0;
-constexpr std::uint8_t ms_KestrelAddresses[] = {5, 6};
+constexpr std::int64_t eMaxDelayMs = 60000;
+constexpr std::size_t eMaxSetName = 248;  // what a block of a set can hold
+
+/// The modules of a family and where they are unless somebody says otherwise.
+struct CFamily {
+    std::size_t m_nModules;
+    std::array<std::uint8_t, 2> m_Addresses;
+};
+constexpr CFamily ms_Families[] = {{1, {5}}, {2, {5, 6}}, {1, {9}}};  // as CRotorFile::Modules
+constexpr std::string_view ms_Modes[] = {"nothing", "plane1", "plane2", "both", "two-plane"};  // as Mode
 
 std::uint8_t GetByte(const CJsonFields& rFields, std::string_view Name, std::uint8_t Default) {
     return static_cast<std::uint8_t>(rFields.GetInteger(Name, Default, 0, 255));
@@ -29,17 +39,16 @@ const CSimulator::CRequestKind CSimulator::ms_Requests[] = {
     {"screws", &CSimulator::OnScrews},       {"set", &CSimulator::OnSet},
     {"fault", &CSimulator::OnFault},         {"state", &CSimulator::OnState},
     {"unbalance", &CSimulator::OnUnbalance}, {"module_state", &CSimulator::OnModuleState},
+    {"report", &CSimulator::OnReport},       {"answer_delay", &CSimulator::OnAnswerDelay},
 };
 
 std::unique_ptr<CSimulator> CSimulator::Create(const CRotorFile& rFile, std::unique_ptr<IFByteLink> pLink,
                                                std::vector<std::uint8_t> Addresses, std::string& rError) {
-    if (rFile.m_Modules == CRotorFile::eLanner) {
-        rError = "modules: lanner can't be simulated yet; use kestrel or kestrel-pair";
-        return nullptr;
-    }
-    const std::size_t nModules = (rFile.m_Modules == CRotorFile::eKestrelPair) ? 2 : 1;
+    const CFamily& rFamily = ms_Families[rFile.m_Modules];
+    const std::size_t nModules = rFamily.m_nModules;
     if (Addresses.empty()) {
-        Addresses.assign(ms_KestrelAddresses, ms_KestrelAddresses + nModules);
+        Addresses.assign(rFamily.m_Addresses.begin(),
+                         rFamily.m_Addresses.begin() + static_cast<std::ptrdiff_t>(nModules));
     }
     // 0 means any address, and 255 no module.
     const bool bUsable = std::none_of(Addresses.begin(), Addresses.end(),
@@ -55,25 +64,22 @@ std::unique_ptr<CSimulator> CSimulator::Create(const CRotorFile& rFile, std::uni
 
 CSimulator::CSimulator(const CRotorFile& rFile, std::unique_ptr<IFByteLink> pLink,
                        const std::vector<std::uint8_t>& rAddresses)
-    : m_NominalRpm(rFile.m_SpeedRpm),
+    : m_Family(rFile.m_Modules),
+      m_NominalRpm(rFile.m_SpeedRpm),
       m_pLink(std::move(pLink)),
       m_Rotor(rFile),
       m_Spindle(rFile.m_RampRpmPerS),
-      m_Transmitter(*m_pLink),
       m_Decoder([this](std::span<const std::uint8_t> Frame) {
-          for (const auto& pModule : m_Modules) {
-              pModule->PutFrame(Frame);
+          for (std::size_t nModule = 0; nModule < m_Stations.size(); ++nModule) {
+              PutRequest(nModule, Frame);
           }
       }) {
-    for (std::size_t nSensor = 0; nSensor < rAddresses.size(); ++nSensor) {
-        const CBalancingModule::CWiring Wiring{m_Rotor, m_Spindle, m_Transmitter};
-        m_Modules.push_back(std::make_unique<CKestrelModule>(
-            Wiring, rAddresses[nSensor], nSensor,
-            CNoise(rFile.m_Seed, static_cast<std::uint32_t>(nSensor), rFile.m_NoiseCounts)));
+    for (const std::uint8_t Address : rAddresses) {
+        AddModule(rFile, Address);
     }
     m_Spindle.OnChanged = [this] {
-        for (const auto& pModule : m_Modules) {
-            pModule->SpindleChanged();
+        for (const CStation& rStation : m_Stations) {
+            rStation.m_pModule->SpindleChanged();
         }
     };
     m_pLink->OnBytes = [this](std::span<const std::uint8_t> Bytes) { m_Decoder.Put(Bytes); };
@@ -89,6 +95,52 @@ CSimulator::~CSimulator() {
     m_pLink->OnBytes = nullptr;
     m_pLink->OnOpened = nullptr;
     m_pLink->OnClosed = nullptr;
+}
+
+void CSimulator::AddModule(const CRotorFile& rFile, std::uint8_t Address) {
+    const std::size_t nModule = m_Stations.size();
+    CStation& rStation = m_Stations.emplace_back();
+    rStation.m_pTransmitter = std::make_unique<CTransmitter>(*m_pLink, m_Faults, nModule);
+    const CBalancingModule::CWiring Wiring{m_Rotor, m_Spindle, *rStation.m_pTransmitter};
+    const auto MakeNoise = [&rFile](std::size_t nPlane) {
+        return CNoise(rFile.m_Seed, static_cast<std::uint32_t>(nPlane), rFile.m_NoiseCounts);
+    };
+    if (m_Family == CRotorFile::eLanner) {
+        rStation.m_pModule = std::make_unique<CLannerModule>(
+            Wiring, Address, std::vector<CNoise>{MakeNoise(0), MakeNoise(1)}, rFile.m_bSwap);
+    } else {
+        rStation.m_pModule = std::make_unique<CKestrelModule>(Wiring, Address, nModule, MakeNoise(nModule));
+    }
+}
+
+void CSimulator::PutRequest(std::size_t nModule, std::span<const std::uint8_t> Frame) {
+    CBalancingModule& rModule = *m_Stations[nModule].m_pModule;
+    if (!rModule.IsFor(Frame)) {
+        return;
+    }
+    const CFaults::CVerdict Verdict = m_Faults.Judge(CFaults::eRequest, nModule);
+    // A damaged request fails the module's check, so it is as good as lost.
+    if (Verdict.m_bDrop || Verdict.m_bCorrupt || Verdict.m_bCut) {
+        return;
+    }
+    const int nTimes = Verdict.m_bDouble ? 2 : 1;
+    const auto Put = [&rModule, nTimes](std::span<const std::uint8_t> Bytes) {
+        for (int nTime = 0; nTime < nTimes; ++nTime) {
+            rModule.PutFrame(Bytes);
+        }
+    };
+    if (Verdict.m_DelayMs == 0) {
+        Put(Frame);
+        return;
+    }
+    IFEventLoop::Current().SetTimer(
+        Verdict.m_DelayMs, [Put, pAlive = std::weak_ptr<bool>(m_pAlive),
+                            Late = std::vector<std::uint8_t>(Frame.begin(), Frame.end())](std::uint32_t Id) {
+            if (!pAlive.expired()) {
+                Put(Late);
+            }
+            IFEventLoop::Current().KillTimer(Id);
+        });
 }
 
 void CSimulator::Open() {
@@ -168,30 +220,91 @@ void CSimulator::OnUnbalance(const json& rValue, json&) {
                          Fields.GetNumber("angle_deg", 0.0, -eMaxAngleDeg, eMaxAngleDeg));
 }
 
+CBalancingModule::CSet CSimulator::ReadSet(const CJsonFields& rFields,
+                                           const CBalancingModule::CSet& rPresent) const {
+    CBalancingModule::CSet Set = rPresent;
+    Set.m_Number = GetByte(rFields, "number", Set.m_Number);
+    Set.m_SensorAdaption[0] = GetByte(rFields, "sensor_adaption", Set.m_SensorAdaption[0]);
+    if (m_Family != CRotorFile::eLanner) {
+        Set.m_RPMFactor = GetByte(rFields, "rpm_factor", Set.m_RPMFactor);
+        return Set;
+    }
+    Set.m_SensorAdaption[1] = GetByte(rFields, "sensor_adaption_2", Set.m_SensorAdaption[1]);
+    Set.m_Name = rFields.GetText("name", Set.m_Name, eMaxSetName);
+    Set.m_Mode = static_cast<CBalancingModule::Mode>(rFields.GetChoice("mode", Set.m_Mode, ms_Modes));
+    Set.m_bSwap = rFields.GetBool("swap", Set.m_bSwap);
+    if (Set.m_bSwap && Set.m_Mode != CBalancingModule::eBothIndependent &&
+        Set.m_Mode != CBalancingModule::eTwoPlane) {
+        throw CJsonError("set.swap goes with mode both or two-plane only");
+    }
+    return Set;
+}
+
 void CSimulator::OnSet(const json& rValue, json&) {
-    const CJsonFields Fields(rValue, "set", {"number", "rpm_factor", "sensor_adaption", "module"});
+    static constexpr std::string_view KestrelFields[] = {"number", "rpm_factor", "sensor_adaption", "module"};
+    static constexpr std::string_view LannerFields[] = {
+        "number", "name", "mode", "swap", "sensor_adaption", "sensor_adaption_2", "module"};
+    const CJsonFields Fields(rValue, "set",
+                             m_Family == CRotorFile::eLanner ? CJsonFields::Names(LannerFields)
+                                                             : CJsonFields::Names(KestrelFields));
     for (CBalancingModule* pModule : ReadModules(Fields)) {
-        CBalancingModule::CSet Set = pModule->GetSet();
-        Set.m_Number = GetByte(Fields, "number", Set.m_Number);
-        Set.m_RPMFactor = GetByte(Fields, "rpm_factor", Set.m_RPMFactor);
-        Set.m_SensorAdaption = GetByte(Fields, "sensor_adaption", Set.m_SensorAdaption);
-        pModule->ChangeSet(Set);
+        pModule->ChangeSet(ReadSet(Fields, pModule->GetSet()));
     }
 }
 
+CBalancingModule::CState CSimulator::ReadState(const CJsonFields& rFields,
+                                               const CBalancingModule::CState& rPresent) const {
+    CBalancingModule::CState State = rPresent;
+    State.m_State = GetByte(rFields, "state", State.m_State);
+    State.m_Parameter = GetByte(rFields, "parameter", State.m_Parameter);
+    State.m_bUILocked = rFields.GetBool("ui_locked", State.m_bUILocked);
+    const auto ReadBits = [&rFields](std::string_view Name, std::array<std::uint8_t, 2>& rBits) {
+        if (const json* pBits = rFields.GetArray(Name, rBits.size(), rBits.size())) {
+            for (std::size_t nPlane = 0; nPlane < rBits.size(); ++nPlane) {
+                rBits.at(nPlane) = static_cast<std::uint8_t>(CJsonFields::ToInteger(
+                    (*pBits)[nPlane], CJsonFields::ElementPath(rFields.GetPath(Name), nPlane), 0, 15));
+            }
+        }
+    };
+    ReadBits("flags", State.m_Flags);
+    ReadBits("failures", State.m_Failures);
+    return State;
+}
+
 void CSimulator::OnModuleState(const json& rValue, json&) {
-    const CJsonFields Fields(rValue, "module_state", {"state", "parameter", "ui_locked", "module"});
+    static constexpr std::string_view KestrelFields[] = {"state", "parameter", "ui_locked", "module"};
+    static constexpr std::string_view LannerFields[] = {"state", "parameter", "ui_locked",
+                                                        "flags", "failures",  "module"};
+    const CJsonFields Fields(rValue, "module_state",
+                             m_Family == CRotorFile::eLanner ? CJsonFields::Names(LannerFields)
+                                                             : CJsonFields::Names(KestrelFields));
     for (CBalancingModule* pModule : ReadModules(Fields)) {
-        CBalancingModule::CState State = pModule->GetState();
-        State.m_State = GetByte(Fields, "state", State.m_State);
-        State.m_Parameter = GetByte(Fields, "parameter", State.m_Parameter);
-        State.m_bUILocked = Fields.GetBool("ui_locked", State.m_bUILocked);
-        pModule->ChangeState(State);
+        pModule->ChangeState(ReadState(Fields, pModule->GetState()));
+    }
+}
+
+void CSimulator::OnReport(const json& rValue, json&) {
+    const CJsonFields Fields(rValue, "report", {"kind", "module"});
+    Fields.Require("kind");
+    for (CBalancingModule* pModule : ReadModules(Fields)) {
+        if (pModule->GetReports().empty()) {
+            throw CJsonError("report: modules of this family report nothing on demand; use modules lanner");
+        }
+        pModule->SendReport(Fields.GetChoice("kind", 0, pModule->GetReports()));
+    }
+}
+
+void CSimulator::OnAnswerDelay(const json& rValue, json&) {
+    const CJsonFields Fields(rValue, "answer_delay", {"value", "module"});
+    Fields.Require("value");
+    const std::int64_t nDelay = Fields.GetInteger("value", 0, 0, eMaxDelayMs);
+    for (CBalancingModule* pModule : ReadModules(Fields)) {
+        pModule->GetTransmitter().SetAnswerDelay(static_cast<std::uint32_t>(nDelay));
     }
 }
 
 void CSimulator::OnFault(const json& rValue, json&) {
-    m_Transmitter.GetFaults().Set(rValue);
+    m_Faults.Set(rValue, m_Stations.size());
 }
 
 void CSimulator::OnState(const json& rValue, json& rAnswer) {
@@ -218,12 +331,21 @@ void CSimulator::OnState(const json& rValue, json& rAnswer) {
         rAnswer["fitted"].push_back({{"weights", m_Rotor.GetWeights(nPlane)}, {"screws", Screws}});
     }
     rAnswer["modules"] = json::array();
-    for (const auto& pModule : m_Modules) {
-        rAnswer["modules"].push_back({{"address", pModule->GetAddress()},
-                                      {"set", pModule->GetSet().m_Number},
-                                      {"rpm_factor", pModule->GetSet().m_RPMFactor},
-                                      {"state", pModule->GetState().m_State}});
+    for (const CStation& rStation : m_Stations) {
+        const CBalancingModule::CSet& rSet = rStation.m_pModule->GetSet();
+        json Module = {{"address", rStation.m_pModule->GetAddress()},
+                       {"set", rSet.m_Number},
+                       {"state", rStation.m_pModule->GetState().m_State}};
+        if (m_Family == CRotorFile::eLanner) {
+            Module["mode"] = ms_Modes[rSet.m_Mode];
+            Module["swap"] = rSet.m_bSwap;
+        } else {
+            Module["rpm_factor"] = rSet.m_RPMFactor;
+        }
+        rAnswer["modules"].push_back(std::move(Module));
     }
+    rAnswer["sent"] = m_Faults.GetSent();
+    rAnswer["received"] = m_Faults.GetReceived();
 }
 
 std::size_t CSimulator::ReadPlane(const CJsonFields& rFields) const {
@@ -234,11 +356,11 @@ std::size_t CSimulator::ReadPlane(const CJsonFields& rFields) const {
 
 std::vector<CBalancingModule*> CSimulator::ReadModules(const CJsonFields& rFields) const {
     std::vector<CBalancingModule*> Modules;
-    const auto nModules = static_cast<std::int64_t>(m_Modules.size());
+    const auto nModules = static_cast<std::int64_t>(m_Stations.size());
     const std::int64_t nWanted = rFields.GetInteger("module", 0, 1, nModules);
-    for (std::size_t nModule = 0; nModule < m_Modules.size(); ++nModule) {
+    for (std::size_t nModule = 0; nModule < m_Stations.size(); ++nModule) {
         if (nWanted == 0 || nWanted == static_cast<std::int64_t>(nModule) + 1) {
-            Modules.push_back(m_Modules[nModule].get());
+            Modules.push_back(m_Stations[nModule].m_pModule.get());
         }
     }
     return Modules;

@@ -22,16 +22,25 @@ class CJsonFields;
 ///
 /// Requests, beyond those that machine.h names:
 ///   {"unbalance": {"plane": 1, "amount": 0.9, "angle_deg": 120}}   the rotor's own unbalance becomes this
-///   {"set": {"number": 2, "rpm_factor": 1, "sensor_adaption": 1}}
+///   {"set": {"number": 2, "rpm_factor": 1, "sensor_adaption": 1}}  of Kestrel modules
+///   {"set": {"number": 2, "name": "spindle 2", "mode": "both", "swap": true,
+///            "sensor_adaption": 1, "sensor_adaption_2": 2}}        of a Lanner module; adaptions by input,
+///            mode one of nothing, plane1, plane2, both, two-plane; swap goes with the last two
 ///   {"module_state": {"state": 7, "parameter": 0, "ui_locked": false}}
-/// What set and module_state leave out stays as it is; both strike all modules, or one with "module": 1 or 2.
-/// {"fault": ...} takes what faults.h tells. A request that can't be carried out changes nothing.
+///            of a Lanner module also "flags": [0, 1], "failures": [0, 8]: bits per plane of the machine,
+///            beyond those that follow from the spindle
+///   {"report": {"kind": "bal_configuration"}}   a Lanner module reports unasked; also module_configuration,
+///            diagnosis_data
+///   {"answer_delay": {"value": 20}}             what a module needs to answer, ms
+/// What set and module_state leave out stays as it is; these four strike all modules, or one with "module": 1
+/// or 2. {"fault": ...} takes what faults.h tells. A request that can't be carried out changes nothing.
 ///
 /// {"state": {}} answers
 ///   {"ok": true, "speed": 2990.0, "commanded": 3000, "lock": false, "invalid": true, "nominal_rpm": 3000,
 ///    "unbalance": [{"amount": 0.8, "angle_deg": 123.0}], "residual": [{"amount": 0.8, "angle_deg": 123.0}],
 ///    "fitted": [{"weights": [30, 180], "screws": [{"hole": 1, "grams": 2.5}]}],
-///    "modules": [{"address": 5, "set": 1, "rpm_factor": 1, "state": 7}]}
+///    "modules": [{"address": 5, "set": 1, "rpm_factor": 1, "state": 7}], "sent": 417, "received": 9}
+/// (a Lanner module has "mode" and "swap" in place of the factor; sent and received count frames)
 /// with the rotor's own unbalance, residual and fitted per plane. Their angles count counter-clockwise, seen
 /// from plane 1's end.
 class CSimulator : public IFMachine {
@@ -71,18 +80,36 @@ private:
     void OnUnbalance(const nlohmann::json& rValue, nlohmann::json& rAnswer);
     void OnSet(const nlohmann::json& rValue, nlohmann::json& rAnswer);
     void OnModuleState(const nlohmann::json& rValue, nlohmann::json& rAnswer);
+    void OnReport(const nlohmann::json& rValue, nlohmann::json& rAnswer);
+    void OnAnswerDelay(const nlohmann::json& rValue, nlohmann::json& rAnswer);
     void OnFault(const nlohmann::json& rValue, nlohmann::json& rAnswer);
     void OnState(const nlohmann::json& rValue, nlohmann::json& rAnswer);
 
+    /// A module on the line with what is its own.
+    struct CStation {
+        std::unique_ptr<CTransmitter> m_pTransmitter;
+        std::unique_ptr<CBalancingModule> m_pModule;
+    };
+    void AddModule(const CRotorFile& rFile, std::uint8_t Address);
+    /// A frame for a module, through the faults of requests.
+    void PutRequest(std::size_t nModule, std::span<const std::uint8_t> Frame);
+
     std::size_t ReadPlane(const CJsonFields& rFields) const;
+    /// The set that a request makes of the present one.
+    CBalancingModule::CSet ReadSet(const CJsonFields& rFields, const CBalancingModule::CSet& rPresent) const;
+    CBalancingModule::CState ReadState(const CJsonFields& rFields,
+                                       const CBalancingModule::CState& rPresent) const;
     /// The modules that a request means.
     std::vector<CBalancingModule*> ReadModules(const CJsonFields& rFields) const;
 
+    CRotorFile::Modules m_Family;
     double m_NominalRpm;
     std::unique_ptr<IFByteLink> m_pLink;
     CRotor m_Rotor;
     CSpindle m_Spindle;
-    CTransmitter m_Transmitter;
+    CFaults m_Faults;
     LineDiscipline::CDecoder m_Decoder;
-    std::vector<std::unique_ptr<CBalancingModule>> m_Modules;
+    std::vector<CStation> m_Stations;
+    /// Outlived by requests that a fault has made late.
+    std::shared_ptr<bool> m_pAlive = std::make_shared<bool>(true);
 };

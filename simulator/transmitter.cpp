@@ -17,7 +17,7 @@ bool IsFraming(std::uint8_t Byte) {
 }  // namespace
 
 void CTransmitter::Send(std::span<const std::uint8_t> Frame, CFaults::Frame Kind) {
-    const CFaults::CVerdict Verdict = m_Faults.Judge(Kind);
+    const CFaults::CVerdict Verdict = m_rFaults.Judge(Kind, m_nModule);
     if (Verdict.m_bDrop) {
         return;
     }
@@ -26,15 +26,22 @@ void CTransmitter::Send(std::span<const std::uint8_t> Frame, CFaults::Frame Kind
     if (Verdict.m_bCorrupt) {
         Corrupt(Pending.m_LineBytes);
     }
+    if (Verdict.m_bCut) {
+        Cut(Pending.m_LineBytes);
+    }
     Pending.m_Due = IFEventLoop::Current().Now() + Verdict.m_DelayMs;
     if (Kind == CFaults::eAnswer) {
-        Pending.m_Due += eAnswerDelayMs;
+        Pending.m_Due += m_AnswerDelayMs;
     }
     if (!m_Pending.empty()) {
         Pending.m_Due = std::max(Pending.m_Due, m_Pending.back().m_Due);
     }
+    const bool bIdle = m_Pending.empty();
+    if (Verdict.m_bDouble) {
+        m_Pending.push_back(Pending);
+    }
     m_Pending.push_back(std::move(Pending));
-    if (m_Pending.size() == 1) {
+    if (bIdle) {
         SendDue();
     }
 }
@@ -65,4 +72,8 @@ void CTransmitter::Corrupt(std::vector<std::uint8_t>& rLineBytes) {
     }
     // All framing from the middle on: losing the end mark damages the frame as well.
     rLineBytes.back() = static_cast<std::uint8_t>(eSlipEnd ^ 0x04U);
+}
+
+void CTransmitter::Cut(std::vector<std::uint8_t>& rLineBytes) {
+    rLineBytes.resize(rLineBytes.size() / 2);
 }

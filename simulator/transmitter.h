@@ -9,19 +9,24 @@
 
 class IFByteLink;
 
-/// The modules' way onto the line: frames go out one behind the other, answers after the time that a module
-/// needs to work on a request, and each through the faults that are set.
+/// A module's way onto the line: its frames go out one behind the other, answers after the time that it needs
+/// to work on a request, and each through the faults that are set. Modules on one line have one each, and
+/// share link and faults.
 class CTransmitter {
 public:
     static constexpr std::uint32_t eAnswerDelayMs = 3;
 
-    explicit CTransmitter(IFByteLink& rLink) : m_rLink(rLink) {}
+    /// Modules count from 0.
+    CTransmitter(IFByteLink& rLink, CFaults& rFaults, std::size_t nModule)
+        : m_rLink(rLink), m_rFaults(rFaults), m_nModule(nModule) {}
 
     void Send(std::span<const std::uint8_t> Frame, CFaults::Frame Kind);
-    CFaults& GetFaults() { return m_Faults; }
+    void SetAnswerDelay(std::uint32_t Milliseconds) { m_AnswerDelayMs = Milliseconds; }
 
     /// Flips one bit in bytes that are ready for the line, so that only the CRC can tell.
     static void Corrupt(std::vector<std::uint8_t>& rLineBytes);
+    /// Leaves the first half, so that the next frame's bytes follow at once.
+    static void Cut(std::vector<std::uint8_t>& rLineBytes);
 
 private:
     struct CPending {
@@ -31,7 +36,9 @@ private:
     void SendDue();
 
     IFByteLink& m_rLink;
-    CFaults m_Faults;
+    CFaults& m_rFaults;
+    std::size_t m_nModule;
+    std::uint32_t m_AnswerDelayMs = eAnswerDelayMs;
     std::deque<CPending> m_Pending;  ///< in order of sending, none due before the one in front of it
     CTimer m_Timer;
 };

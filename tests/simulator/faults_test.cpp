@@ -130,23 +130,85 @@ TEST_F(FaultsTest, AFaultAgainReplacesTheFormer) {
     EXPECT_THAT(Ask(m_Query), SizeIs(1));
 }
 
+TEST_F(FaultsTest, DoubleSendsAFrameTwice) {
+    SetFault({{"kind", "double"}});
+    EXPECT_THAT(Ask(m_Query),
+                ElementsAre(Bytes{0x1C, 0x05, 0x01, 0x00, 0x00}, Bytes{0x1C, 0x05, 0x01, 0x00, 0x00}));
+    EXPECT_THAT(Ask(m_Query), SizeIs(1));
+}
+
+// The line bytes of a cut frame run into the next frame's: its leading end mark is what saves that one.
+TEST_F(FaultsTest, CutLosesTheFrameAndNotTheNextOne) {
+    SetFault({{"kind", "cut"}});
+    EXPECT_THAT(Ask(m_Query), IsEmpty());
+    EXPECT_THAT(Ask(m_Query), SizeIs(1));
+}
+
+// Frames count from the first that the modules sent, whatever happened to it.
+TEST_F(FaultsTest, AtStrikesTheFrameOfThatNumberAlone) {
+    SetFault({{"kind", "drop"}, {"at", 3}});
+    EXPECT_THAT(Ask(m_Query), SizeIs(1));
+    EXPECT_THAT(Ask(m_Query), SizeIs(1));
+    EXPECT_THAT(Ask(m_Query), IsEmpty());
+    EXPECT_THAT(Ask(m_Query), SizeIs(1));
+    EXPECT_EQ(Carry({{"state", json::object()}})["sent"], 4);
+}
+
+TEST_F(FaultsTest, ADelayAtAFrameStrikesThatOneOnly) {
+    SetFault({{"kind", "delay_ms"}, {"value", 100}, {"at", 2}});
+    EXPECT_THAT(Ask(m_Query), SizeIs(1));
+    EXPECT_THAT(Ask(m_Query), IsEmpty());
+    m_Loop.Advance(100);
+    EXPECT_THAT(Ask(m_Query), SizeIs(1));
+}
+
+// A lost request gets no answer, a doubled one gets two, and a late one gets it late. Requests have a count
+// of their own, and frames to nobody aren't counted.
+TEST_F(FaultsTest, RequestsMayBeStruckInPlaceOfFramesSent) {
+    SetFault({{"kind", "drop"}, {"only", "requests"}, {"at", 2}});
+    SetFault({{"kind", "double"}, {"only", "requests"}, {"at", 3}});
+    SetFault({{"kind", "delay_ms"}, {"value", 15}, {"only", "requests"}, {"at", 4}});
+    EXPECT_THAT(Ask({0x1C, 0x01, 0x17}), IsEmpty());
+    EXPECT_THAT(Ask(m_Query), SizeIs(1));
+    EXPECT_THAT(Ask(m_Query), IsEmpty());
+    EXPECT_THAT(Ask(m_Query), SizeIs(2));
+    const std::uint64_t AskedAt = m_Loop.Now();
+    EXPECT_THAT(Ask(m_Query), SizeIs(1));
+    EXPECT_THAT(GetInstants(0x1C), ElementsAre(AskedAt + 18));
+    EXPECT_THAT(Ask(m_Query), SizeIs(1));
+    EXPECT_EQ(Carry({{"state", json::object()}})["received"], 5);
+}
+
+TEST_F(FaultsTest, ALateRequestToAVanishedSimulatorIsForgotten) {
+    SetFault({{"kind", "delay_ms"}, {"value", 15}, {"only", "requests"}});
+    Send(m_Query);
+    m_Loop.Advance(5);
+    m_pSimulator.reset();
+    m_Loop.Advance(50);
+    EXPECT_THAT(m_Arrivals, IsEmpty());
+}
+
 TEST_F(FaultsTest, UnknownOnesAreRefusedWithWhatWouldBeRight) {
     EXPECT_EQ(SetBadFault({{"kind", "explode"}}),
-              "fault.kind must be one of drop, corrupt, delay_ms, silence_ms, not \"explode\"");
+              "fault.kind must be one of drop, corrupt, delay_ms, silence_ms, cut, double, not \"explode\"");
     EXPECT_EQ(SetBadFault({{"next", 3}}), "fault.kind is missing");
     EXPECT_EQ(SetBadFault({{"kind", "drop"}, {"next", -1}}),
               "fault.next must be a whole number from 0 to 1000000, not -1");
     EXPECT_EQ(SetBadFault({{"kind", "drop"}, {"value", 5}}),
-              "fault.value belongs to delay_ms and silence_ms; drop and corrupt take next");
+              "fault.value belongs to delay_ms and silence_ms; the other kinds take next");
     EXPECT_EQ(SetBadFault({{"kind", "delay_ms"}}), "fault.value is missing");
     EXPECT_EQ(SetBadFault({{"kind", "silence_ms"}, {"value", 1}, {"next", 1}}),
-              "fault.next belongs to drop, corrupt and delay_ms; silence_ms takes value");
+              "fault.next and fault.at don't belong to silence_ms, which takes value");
     EXPECT_EQ(SetBadFault({{"kind", "delay_ms"}, {"value", 1.5}}),
               "fault.value must be a whole number from 0 to 3600000, not 1.5");
     EXPECT_EQ(SetBadFault({{"kind", "drop"}, {"only", "some"}}),
-              "fault.only must be one of answers, indications, not \"some\"");
+              "fault.only must be one of answers, indications, requests, not \"some\"");
+    EXPECT_EQ(SetBadFault({{"kind", "drop"}, {"at", 0}}),
+              "fault.at must be a whole number from 1 to 1000000, not 0");
+    EXPECT_EQ(SetBadFault({{"kind", "drop"}, {"module", 2}}),
+              "fault.module must be a whole number from 1 to 1, not 2");
     EXPECT_EQ(SetBadFault({{"kind", "drop"}, {"count", 3}}),
-              "unknown field \"fault.count\", known here: kind, next, value, only");
+              "unknown field \"fault.count\", known here: kind, next, value, at, only, module");
     EXPECT_THAT(Ask(m_Query), SizeIs(1));  // and nothing has come of them
 }
 

@@ -246,4 +246,41 @@ TEST_F(KestrelPairTest, SetAndStateMayBeChangedInOneModuleAlone) {
     EXPECT_THAT(GetFramesOf(0x08), ElementsAre(Bytes{0x08, 0x05, 0x00, 0x00, 0x00, 0x00, 0x00, 0x08}));
 }
 
+// Two modules work side by side: the order of their answers is that of their delays, not of the questions.
+TEST_F(KestrelPairTest, AnswersComeInTheOrderOfTheModulesDelays) {
+    ASSERT_EQ(Carry({{"answer_delay", {{"value", 12}, {"module", 1}}}}), nlohmann::json({{"ok", true}}));
+    Send({0x1C, 0x01, 0x05});
+    Send({0x1C, 0x01, 0x06});
+    m_Loop.Advance(20);
+    EXPECT_THAT(GetFramesOf(0x1C),
+                ElementsAre(Bytes{0x1C, 0x06, 0x01, 0x00, 0x00}, Bytes{0x1C, 0x05, 0x01, 0x00, 0x00}));
+    EXPECT_THAT(GetInstants(0x1C), ElementsAre(3, 12));
+}
+
+TEST_F(KestrelPairTest, OneModuleMayBeSilentAlone) {
+    Carry({{"fault", {{"kind", "silence_ms"}, {"value", 500}, {"module", 2}}}});
+    EXPECT_THAT(Ask({0x1C, 0x01, 0x05}), testing::SizeIs(1));
+    EXPECT_THAT(Ask({0x1C, 0x01, 0x06}), IsEmpty());
+    m_Loop.Advance(500);
+    EXPECT_THAT(Ask({0x1C, 0x01, 0x06}), testing::SizeIs(1));
+}
+
+// What the one module sends isn't held up by a late frame of the other.
+TEST_F(KestrelPairTest, ALateFrameHoldsUpItsOwnModuleOnly) {
+    Carry({{"fault", {{"kind", "delay_ms"}, {"value", 100}, {"next", 1}, {"module", 1}}}});
+    Send({0x1C, 0x01, 0x05});
+    Send({0x1C, 0x01, 0x06});
+    m_Loop.Advance(200);
+    EXPECT_THAT(GetInstants(0x1C), ElementsAre(3, 103));
+}
+
+TEST_F(KestrelPairTest, FieldsOfTheOtherFamilyAreRefused) {
+    EXPECT_EQ(Carry({{"set", {{"swap", true}}}})["error"],
+              "unknown field \"set.swap\", known here: number, rpm_factor, sensor_adaption, module");
+    EXPECT_EQ(Carry({{"module_state", {{"flags", {0, 0}}}}})["error"],
+              "unknown field \"module_state.flags\", known here: state, parameter, ui_locked, module");
+    EXPECT_EQ(Carry({{"report", {{"kind", "diagnosis_data"}}}})["error"],
+              "report: modules of this family report nothing on demand; use modules lanner");
+}
+
 }  // namespace

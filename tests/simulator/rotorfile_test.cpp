@@ -175,10 +175,12 @@ INSTANTIATE_TEST_SUITE_P(
         CBadCase{R"({"holes": [12.5]})", "holes[0] must be a whole number from 1 to 360, not 12.5"},
         CBadCase{R"({"holes": [12, 8], "scale": ["cw"]})", "holes must be an array of 1, not an array of 2"},
         CBadCase{R"({"seed": -1})", "seed must be a whole number of 0 or more, not -1"},
+        CBadCase{R"({"modules": "lanner", "swap": 1})", "swap must be true or false, not 1"},
+        CBadCase{R"({"swap": true})", "swap goes with modules lanner only"},
         CBadCase{R"({"seed": 1.5})", "seed must be a whole number of 0 or more, not 1.5"},
         CBadCase{R"([])",
                  "the whole must be an object with the fields modules, rotation, speed_rpm, ramp_rpm_per_s, "
-                 "planes, influence, noise_counts, scale, holes, seed, not an array of 0"},
+                 "planes, influence, noise_counts, scale, holes, seed, swap, not an array of 0"},
         CBadCase{R"({"planes": [{"unbalanse": {}}]})",
                  "unknown field \"planes[0].unbalanse\", known here: unbalance"},
         CBadCase{R"({"planes": [{"unbalance": {"angle": 1}}]})",
@@ -187,6 +189,12 @@ INSTANTIATE_TEST_SUITE_P(
                  "unknown field \"influence[0][0].phase\", known here: amplitude, phase_deg"},
         CBadCase{R"({"modules": "kestrel-pair", "planes": [{}]})",
                  "planes must be an array of 2: the modules kestrel-pair measure two planes"}));
+
+TEST(RotorFileTest, TheSensorsOfALannerModuleMayBeSwapped) {
+    std::string Error;
+    EXPECT_TRUE(CRotorFile::Parse(R"({"modules": "lanner", "swap": true})", Error)->m_bSwap);
+    EXPECT_FALSE(CRotorFile::Parse(R"({"modules": "lanner"})", Error)->m_bSwap);
+}
 
 TEST(RotorFileTest, AnUnknownFieldIsNamed) {
     EXPECT_THAT(ParseBad(R"({"speed": 3000})"), StartsWith("unknown field \"speed\", known here: modules, "));

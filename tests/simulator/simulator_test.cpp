@@ -213,7 +213,6 @@ INSTANTIATE_TEST_SUITE_P(
             CRotorFile::eKestrelPair, {5}, "addresses: give two different module addresses from 1 to 254"},
         CAddressCase{
             CRotorFile::eKestrelPair, {5, 5}, "addresses: give two different module addresses from 1 to 254"},
-        CAddressCase{
-            CRotorFile::eLanner, {}, "modules: lanner can't be simulated yet; use kestrel or kestrel-pair"}));
+        CAddressCase{CRotorFile::eLanner, {9, 10}, "addresses: give one module address from 1 to 254"}));
 
 }  // namespace

@@ -44,12 +44,21 @@ public:
                 OnSituation(rSituation, Session);
             }
         };
+        if (OnSession) {
+            OnSession(Session);
+        }
         ExitCode Result = eExitFailed;
-        if (Session.Initialise()) {
+        m_bInitialised = Session.Initialise();
+        if (m_bInitialised) {
             Session.Commission();
             Result = Headless.Run();
         }
-        m_Residual = Session.GetSimulator()->GetRotor().GetResidual(0);
+        const CRotor& rRotor = Session.GetSimulator()->GetRotor();
+        m_Residual = rRotor.GetResidual(0);
+        m_Residuals.clear();
+        for (std::size_t Plane = 0; Plane < rRotor.GetNumberOfPlanes(); ++Plane) {
+            m_Residuals.push_back(rRotor.GetResidual(Plane));
+        }
         m_MachineName = Session.GetMachineName();
         Session.Close();
         m_Report = Headless.GetReport().ToJson();
@@ -91,7 +100,12 @@ public:
     /// Called when the panel has changed: for what happens in the middle of a run.
     std::function<void(const CSituation&, CConsoleSession&)> OnSituation;
 
-    std::complex<double> m_Residual;  ///< what the rotor really has left, in weights
+    /// Called before the module is asked for anything.
+    std::function<void(CConsoleSession&)> OnSession;
+
+    bool m_bInitialised = false;
+    std::complex<double> m_Residual;                ///< what the rotor really has left in plane 1, in weights
+    std::vector<std::complex<double>> m_Residuals;  ///< the same of all planes
     std::string m_MachineName;
     nlohmann::ordered_json m_Report;
     std::vector<std::string> m_Lines;
