@@ -31,6 +31,13 @@ protected:
         }
     }
     static int Ask(Protocol& rModule, const Exchange& rExchange) { return (rModule.*rExchange.m_pQuery)(); }
+    static void AskAgainFromTheFirstCallback(Protocol& rModule, const Exchange& rExchange) {
+        rModule.m_OnCall = [&] {
+            if (rModule.m_Calls.size() == 1) {
+                EXPECT_EQ(Ask(rModule, rExchange), 1);
+            }
+        };
+    }
     static std::string Success(const Exchange& rExchange) {
         return rExchange.m_Call + " eSuccess " + rExchange.m_Data;
     }
@@ -277,11 +284,7 @@ TYPED_TEST(CModuleProtocolTest, IndicationLeavesARunningQueryAlone) {
 TYPED_TEST(CModuleProtocolTest, CallbackOfAnAnswerMaySendTheSameQueryAgain) {
     this->ForEachQuery([&](CVirtualEventLoop& rLoop, auto& rModule, const auto& rExchange) {
         const CLogCapture Log;
-        rModule.m_OnCall = [&] {
-            if (rModule.m_Calls.size() == 1) {
-                EXPECT_EQ(this->Ask(rModule, rExchange), 1);
-            }
-        };
+        this->AskAgainFromTheFirstCallback(rModule, rExchange);
         this->Ask(rModule, rExchange);
         Put(rModule, rExchange.m_Answer);
         rLoop.Advance(700);
@@ -295,11 +298,7 @@ TYPED_TEST(CModuleProtocolTest, CallbackOfAnAnswerMaySendTheSameQueryAgain) {
 TYPED_TEST(CModuleProtocolTest, CallbackOfAnErrorMayAskAgain) {
     this->ForEachQuery([&](CVirtualEventLoop&, auto& rModule, const auto& rExchange) {
         const CLogCapture Log;
-        rModule.m_OnCall = [&] {
-            if (rModule.m_Calls.size() == 1) {
-                EXPECT_EQ(this->Ask(rModule, rExchange), 1);
-            }
-        };
+        this->AskAgainFromTheFirstCallback(rModule, rExchange);
         this->Ask(rModule, rExchange);
         Put(rModule, rExchange.m_Unusable);
         Put(rModule, rExchange.m_Answer);
@@ -312,11 +311,7 @@ TYPED_TEST(CModuleProtocolTest, CallbackOfAnErrorMayAskAgain) {
 TYPED_TEST(CModuleProtocolTest, CallbackOfATimeoutMayAskAgain) {
     this->ForEachQuery([&](CVirtualEventLoop& rLoop, auto& rModule, const auto& rExchange) {
         const CLogCapture Log;
-        rModule.m_OnCall = [&] {
-            if (rModule.m_Calls.size() == 1) {
-                EXPECT_EQ(this->Ask(rModule, rExchange), 1);
-            }
-        };
+        this->AskAgainFromTheFirstCallback(rModule, rExchange);
         this->Ask(rModule, rExchange);
         rLoop.Advance(2100);
         Put(rModule, rExchange.m_Answer);
@@ -333,11 +328,7 @@ TYPED_TEST(CModuleProtocolTest, CallbackOfAnIndicationMayAsk) {
         if (!rExchange.m_bIndication) {
             return;
         }
-        rModule.m_OnCall = [&] {
-            if (rModule.m_Calls.size() == 1) {
-                EXPECT_EQ(this->Ask(rModule, rExchange), 1);
-            }
-        };
+        this->AskAgainFromTheFirstCallback(rModule, rExchange);
         Put(rModule, rExchange.m_Answer);
         Put(rModule, rExchange.m_Answer);
         EXPECT_THAT(rModule.m_Calls, ElementsAre(rExchange.m_Call + " eIndication " + rExchange.m_Data,
@@ -401,4 +392,60 @@ TYPED_TEST(CModuleProtocolTest, DestructionForgetsWhatIsOutstanding) {
     EXPECT_EQ(Loop.GetTimerCount(), 0U);
     Loop.Advance(5000);
     EXPECT_THAT(Log.GetAssertions(), IsEmpty());
+}
+
+// --- the log ---
+
+TYPED_TEST(CModuleProtocolTest, LogsFramesSentAndTaken) {
+    CVirtualEventLoop Loop;
+    typename TypeParam::Protocol Module;
+    const CLogCapture Log(true);
+    for (const auto& rExchange : TypeParam::GetExchanges()) {
+        this->Ask(Module, rExchange);
+        Put(Module, rExchange.m_Answer);
+        if (rExchange.m_bIndication) {
+            Put(Module, rExchange.m_Answer);  // values sent by themselves leave no line
+        }
+    }
+    EXPECT_THAT(
+        Log.GetTexts("Protocol"),
+        ElementsAre("<-- Sending QueryModuleIdentification (0x11-8)",
+                    "--> ModuleIdentificationResponse(0x11-8)", TypeParam::eSendingSet,
+                    "--> SetResponse (0x10)", "--> SetIndication (0x10)",
+                    "<-- Sending QueryModuleState (0x08)", "--> ModuleStateResponse (0x08)",
+                    "--> ModuleStateResponseIndication received (0x08)", "<-- Sending QueryRPMData (0x1C)",
+                    "--> RPMDataResponse received(0x1C)...", "<-- Sending QueryUnbalanceXYValues (0x1E)",
+                    "--> UnbalanceCoordonatesResponse received(0x1E)..."));
+}
+
+TYPED_TEST(CModuleProtocolTest, LogsQueriesAndStateChanges) {
+    CVirtualEventLoop Loop;
+    typename TypeParam::Protocol Module;
+    const CLogCapture Log(true);
+    Module.QueryModuleState();
+    Module.QueryActiveSet();
+    Module.QueryModuleIdentification();
+    EXPECT_THAT(
+        Log.GetTexts("ProtocolDetail"),
+        ElementsAre("QueryModuleState called", "NewState: eQueryModuleState (OldState: eModuleStateIdle)",
+                    "QueryActiveSet() called", "NewState: eSet (OldState: eSetIdle)",
+                    // Names another query; it is meant to stay.
+                    "QueryMaxModuleConfiguration called",
+                    "New CommonState: eQueryModuleIdentification (OldState: eIdle)"));
+}
+
+TYPED_TEST(CModuleProtocolTest, LogsSilence) {
+    CVirtualEventLoop Loop;
+    typename TypeParam::Protocol Module;
+    const CLogCapture Log(true);
+    for (const auto& rExchange : TypeParam::GetExchanges()) {
+        this->Ask(Module, rExchange);
+        Loop.Advance(2000);
+    }
+    EXPECT_THAT(Log.GetTexts("Protocol"), testing::Contains("--> ModuleStateResponse NoChange(0x08))"));
+    EXPECT_THAT(Log.GetTexts("ProtocolDetail"),
+                testing::IsSupersetOf({"calling OnQueryModuleIdentification(eTimeout, NULL)",
+                                       "calling OnSetRequest(Reason=eTimeout, pSet=NULL)",
+                                       "calling OnRPMData(eTimeout, NULL, NULL)",
+                                       "calling OnUnbalanceXYValues(eTimeout, NULL, NULL, NULL)"}));
 }

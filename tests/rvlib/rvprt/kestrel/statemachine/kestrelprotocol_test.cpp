@@ -1,3 +1,4 @@
+// What a Kestrel module's conversation has of its own; what it shares stands in moduleprotocol_test.cpp.
 #include "rvlib/rvprt/kestrel/statemachine/kestrelprotocol.h"
 
 #include <gmock/gmock.h>
@@ -170,37 +171,6 @@ TEST_F(CKestrelProtocolTest, RpmAnswerOfThreeBytesAssertsAndGivesError) {
     EXPECT_THAT(Log.GetAssertions(), Contains("Commands should be longer than 3 Bytes (Header)"));
 }
 
-// --- one request a machine ---
-
-TEST_F(CKestrelProtocolTest, RpmQueryDuringAnXYQueryIsRefusedWithAWarning) {
-    ASSERT_EQ(m_Kestrel.QueryUnbalanceXYValues(), 1);
-    const CLogCapture Log;
-    EXPECT_EQ(m_Kestrel.QueryRPMData(), 0);
-    EXPECT_THAT(Log.GetTexts("Warning"),
-                ElementsAre("Command only possible, if no other is in progress: eQueryUnbalanceCoordinates"));
-    EXPECT_THAT(m_Kestrel.m_Sent, ElementsAre("1E 01 05"));
-}
-
-// --- silence ---
-
-TEST_F(CKestrelProtocolTest, EachQueryEndsAsTimeoutAfterFourSendings) {
-    const CLogCapture Log(true);
-    m_Kestrel.QueryModuleState();
-    m_Kestrel.QueryActiveSet();
-    m_Kestrel.QueryModuleIdentification();
-    m_Loop.Advance(1999);
-    EXPECT_THAT(m_Kestrel.m_Calls, IsEmpty());
-    EXPECT_EQ(m_Kestrel.m_Sent.size(), 12U);
-    m_Loop.Advance(1);
-    EXPECT_THAT(m_Kestrel.m_Calls, ElementsAre("ModuleState eTimeout null", "Set eTimeout null",
-                                               "Identification eTimeout null"));
-    EXPECT_THAT(Log.GetTexts("Protocol"), Contains("--> ModuleStateResponse NoChange(0x08))"));
-    EXPECT_THAT(Log.GetTexts("ProtocolDetail"), Contains("calling OnSetRequest(Reason=eTimeout, pSet=NULL)"));
-    EXPECT_THAT(Log.GetTexts("ProtocolDetail"),
-                Contains("calling OnQueryModuleIdentification(eTimeout, NULL)"));
-    EXPECT_THAT(Log.GetAssertions(), IsEmpty());
-}
-
 // --- indications ---
 
 TEST_F(CKestrelProtocolTest, IndicationThatFitsAsTheAnswerIsTheAnswer) {
@@ -227,47 +197,7 @@ TEST_F(CKestrelProtocolTest, DestinationOfAnIndicationIsNotRead) {
     EXPECT_THAT(m_Kestrel.m_Calls, ElementsAre("RPM eIndication 2990"));
 }
 
-// --- the log ---
-
-TEST_F(CKestrelProtocolTest, LogsFramesSentAndTaken) {
-    const CLogCapture Log(true);
-    m_Kestrel.QueryModuleState();
-    Put(m_Kestrel, "08 05 01 07 00 00 00 00");
-    m_Kestrel.QueryActiveSet();
-    Put(m_Kestrel, "10 05 01 00 02 01 00 00 01");
-    m_Kestrel.QueryModuleIdentification();
-    Put(m_Kestrel, Identification(5, 49));
-    m_Kestrel.QueryRPMData();
-    Put(m_Kestrel, "1C 05 01 B8 0B");
-    m_Kestrel.QueryUnbalanceXYValues();
-    Put(m_Kestrel, "1E 05 01 20 01 80 FF");
-    Put(m_Kestrel, "08 05 00 07 00 00 00 00");
-    Put(m_Kestrel, "10 05 00 00 02 01 00 00 01");
-    Put(m_Kestrel, "1C 05 00 B8 0B");  // values sent by themselves leave no line
-    EXPECT_THAT(
-        Log.GetTexts("Protocol"),
-        ElementsAre("<-- Sending QueryModuleState (0x08)", "--> ModuleStateResponse (0x08)",
-                    "<-- Sending QuerySet (0x10)", "--> SetResponse (0x10)",
-                    "<-- Sending QueryModuleIdentification (0x11-8)",
-                    "--> ModuleIdentificationResponse(0x11-8)", "<-- Sending QueryRPMData (0x1C)",
-                    "--> RPMDataResponse received(0x1C)...", "<-- Sending QueryUnbalanceXYValues (0x1E)",
-                    "--> UnbalanceCoordonatesResponse received(0x1E)...",
-                    "--> ModuleStateResponseIndication received (0x08)", "--> SetIndication (0x10)"));
-}
-
-TEST_F(CKestrelProtocolTest, LogsQueriesAndStateChanges) {
-    const CLogCapture Log(true);
-    m_Kestrel.QueryModuleState();
-    m_Kestrel.QueryActiveSet();
-    m_Kestrel.QueryModuleIdentification();
-    EXPECT_THAT(
-        Log.GetTexts("ProtocolDetail"),
-        ElementsAre("QueryModuleState called", "NewState: eQueryModuleState (OldState: eModuleStateIdle)",
-                    "QueryActiveSet() called", "NewState: eSet (OldState: eSetIdle)",
-                    // Names another query; it is meant to stay.
-                    "QueryMaxModuleConfiguration called",
-                    "New CommonState: eQueryModuleIdentification (OldState: eIdle)"));
-}
+// --- the rest ---
 
 TEST_F(CKestrelProtocolTest, LogIdIsMMapper) {
     EXPECT_STREQ(m_Kestrel.GetLogID(), "MMapper");
