@@ -8,7 +8,6 @@
 #include "platform/rvcom/bytelink.h"
 #include "platform/rvcom/rvcom.h"
 #include "platform/rvmdb/prebaldatabase.h"
-#include "platform/system/environment.h"
 #include "platform/system/eventloop.h"
 #include "platform/window/messages.h"
 #include "simulator/machineclient.h"
@@ -139,9 +138,7 @@ CConsoleSession::CConsoleSession(const COptions& rOptions, const CRotorFile* pRo
         throw CSessionError("--addresses: modules " + std::string(GetFamily(m_Modules).m_pName) + " take " +
                             (rDefaults.size() == 1 ? "one address" : "two addresses, master and slave"));
     }
-    // A plant whose consoles share one database names it in the environment.
-    const std::string SharedDatabase = GetEnvironment("CORVANE_DATABASE");
-    PreBalDB::SetDatabaseConnection(SharedDatabase.empty() ? "sqlite:" + rDatabaseFile : SharedDatabase);
+    PreBalDB::SetDatabaseConnection("sqlite:" + rDatabaseFile);
     const auto Changed = [this] {
         if (OnChanged) {
             OnChanged();

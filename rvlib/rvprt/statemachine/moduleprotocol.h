@@ -3,7 +3,6 @@
 
 #include "rvlib/rvprt/logblock.h"
 #include "rvlib/rvprt/protocol.h"
-#include "rvlib/rvprt/reason.h"
 
 namespace Comm {
 

@@ -16,6 +16,8 @@ constexpr const char* c_pFace = "Arial";
 constexpr COLORREF c_FinalGood = RGB(0x00, 0x68, 0x38);
 constexpr COLORREF c_FinalBad = RGB(0xCE, 0x00, 0x00);
 constexpr COLORREF c_Stale = RGB(0xA0, 0xA0, 0xA0);
+/// Pixels by which a number reaches beyond the end of the gauge's scale, at most.
+constexpr int c_nLabelReach = 15;
 
 int Round(double Value) {
     return static_cast<int>(std::trunc(Value + 0.5));
@@ -66,9 +68,19 @@ void PaintPlaneTitleText(CDC& rDC, const CRect& rRect, int Plane) {
     const int d = rRect.Height() - nSide;
     CRect Rect = rRect;
     Rect.OffsetRect((rRect.Width() - nSide) / 2, d > 10 ? 10 - d : d - 10);
+    const std::string Title = GetText("PB_PLANE_TEXT") + " " + std::to_string(Plane);
+    const int nHeight = nSide / 24;
+    if (nHeight < 1) {
+        return;
+    }
     const int Saved = rDC.SaveDC();
-    PageStyle::PaintLine(rDC, Rect, GetText("PB_PLANE_TEXT") + " " + std::to_string(Plane), nSide / 24,
-                         DT_LEFT | DT_BOTTOM);
+    // The title is also painted with each live value: upon itself its smooth edges would get thicker and
+    // thicker.
+    rDC.SelectFont(CFont(c_pFace, nHeight));
+    const CSize Extent = rDC.GetTextExtent(Title);
+    rDC.FillSolidRect(CRect(CPoint(Rect.left, Rect.bottom - Extent.cy), Extent),
+                      PageStyle::GetPanelColor(rDC));
+    PageStyle::PaintLine(rDC, Rect, Title, nHeight, DT_LEFT | DT_BOTTOM);
     rDC.RestoreDC(Saved);
 }
 
@@ -140,7 +152,10 @@ void CBalancingView::DrawMeasurementValue(CDC* pDC, CPoint Center, int Size, int
     const int T = D / 3;
     const int C = D / 50;
     const COLORREF Panel = PageStyle::GetPanelColor(*pDC);
-    pDC->FillSolidRect(CRect(Center.x - H, Center.y - H, Center.x + H, Center.y + H), Panel);
+    CRect Cleared(Center.x - H, Center.y - H, Center.x + H, Center.y + H);
+    // In a small drawing the last number of the scale sticks out, and mustn't stay behind.
+    Cleared.right = std::max(Cleared.right, Center.x - H + D - D / 6 + c_nLabelReach);
+    pDC->FillSolidRect(Cleared, Panel);
 
     const bool bStale = State == CPlaneBalancingMethod::eNotValid;
     COLORREF Color = c_Ink;
@@ -166,9 +181,10 @@ void CBalancingView::DrawMeasurementValue(CDC* pDC, CPoint Center, int Size, int
     m_ValueText.Paint(pDC, CRect(CPoint(nLeft, nTop), CSize(H + S, Q)));
     m_UnitText.Paint(pDC,
                      CRect(CPoint(nLeft + H + S + C, nTop + Q - Round(D / 36.0) - E), CSize(H - C - S, E)));
-    DrawGauge(*pDC, CRect(CPoint(nLeft, nTop + Q), CSize(D, T)), LastMagnitude);
+    // The angle before the gauge: in a small drawing its background would cut the numbers of the scale.
     m_AngleText.SetText(std::to_string(Round(Angle)) + "°");
     m_AngleText.Paint(pDC, CRect(CPoint(nLeft, nTop + Q + T), CSize(D, E)));
+    DrawGauge(*pDC, CRect(CPoint(nLeft, nTop + Q), CSize(D, T)), LastMagnitude);
 }
 
 void CBalancingView::DrawGauge(CDC& rDC, const CRect& rRect, double Value) {

@@ -1,5 +1,8 @@
 #include "rvdlm/m_rtr/rtr_trim/methods/weightbalancingview.h"
 
+#include <algorithm>
+#include <numbers>
+
 #include "rvdlm/m_rtr/rtr_trim/log.h"
 
 namespace {
@@ -78,8 +81,11 @@ void CWeightBalancingView::DrawWeight(CDC* pDC, const CRect& rSquare, int Angle,
     const int nInner = Geometry.m_Inner;
     const int nMiddle = ToDisplay(Angle);
 
-    // Up to the circles' lines, but not over them.
-    pDC->FillRing(Center, nInner, nOuter - 2, nMiddle - c_nHalfWeight, 2 * c_nHalfWeight, c_Ink);
+    // Up to the circles' lines, but not over them; and about a pixel beyond each edge, whose line ends at
+    // whole pixels and would leave a gap.
+    const double Overlap = 180.0 / std::numbers::pi / std::max(nOuter, 1);
+    pDC->FillRing(Center, nInner, nOuter - 2, nMiddle - c_nHalfWeight - Overlap,
+                  2 * (c_nHalfWeight + Overlap), c_Ink);
     pDC->SelectPen(CPen(CPen::eSolid, 1, c_Outline));
     for (const int nEdge : {nMiddle - c_nHalfWeight, nMiddle + c_nHalfWeight}) {
         pDC->MoveTo(PolarPoint(Center, nInner, nEdge));
@@ -98,7 +104,11 @@ void CWeightBalancingView::DrawWeight(CDC* pDC, const CRect& rSquare, int Angle,
 }
 
 void CWeightBalancingView::DrawAngleMark(CDC* pDC, const CGeometry& rGeometry, int nDisplay) {
+    const int nEnd = rGeometry.m_Inner - 30;
+    if (nEnd <= c_nMiddle) {
+        return;  // no room beside the arrow
+    }
     pDC->SelectPen(CPen(CPen::eDot, 1, c_Mark));
     pDC->MoveTo(PolarPoint(rGeometry.m_Center, c_nMiddle, nDisplay));
-    pDC->LineTo(PolarPoint(rGeometry.m_Center, rGeometry.m_Inner - 30, nDisplay));
+    pDC->LineTo(PolarPoint(rGeometry.m_Center, nEnd, nDisplay));
 }

@@ -1,5 +1,6 @@
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/instructionview.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -153,9 +154,20 @@ void CInstructionView::PaintBody(CDC& rDC, const CRect& rRect) const {
     PageStyle::PaintArea(rDC, rRect, PageStyle::c_Body);
     CRect Inner = rRect;
     Inner.DeflateRect(10, 5, 5, 10);
-    PageStyle::PaintLine(rDC, Inner, GetInstructionText(), Inner.Width() / 38, DT_TOP | DT_LEFT);
+    int nInstruction = Inner.Width() / 38;
+    int nWarning = Inner.Width() / 46;
     if (m_WarningMode != 0) {
-        PageStyle::PaintLine(rDC, Inner, GetWarningText(), Inner.Width() / 46, DT_BOTTOM | DT_LEFT,
+        // In a low pane the two lines would lie upon each other: the warning then goes into the margin below,
+        // and if that doesn't do, both get lower.
+        constexpr int c_nMargin = 8;
+        const int nBoth = nInstruction + nWarning;
+        Inner.bottom += std::clamp(nBoth - Inner.Height(), 0, c_nMargin);
+        if (nBoth > Inner.Height()) {
+            nInstruction = nInstruction * Inner.Height() / nBoth;
+            nWarning = Inner.Height() - nInstruction;
+        }
+        PageStyle::PaintLine(rDC, Inner, GetWarningText(), nWarning, DT_BOTTOM | DT_LEFT,
                              PageStyle::c_Warning);
     }
+    PageStyle::PaintLine(rDC, Inner, GetInstructionText(), nInstruction, DT_TOP | DT_LEFT);
 }

@@ -245,7 +245,6 @@ TEST_F(InstructionViewPaintTest, AWarningIsRedAtTheBottomLeftAndLeavesTheInstruc
 }
 
 TEST_F(InstructionViewPaintTest, TextsAreNoHigherThanTheirArea) {
-    m_View.SetWarningMode(3);
     const CRect Low(20, 10, 960, 46);  // header 12, body 24, of which 9 for text
     Paint(Low);
     const CRect Title = FindText(CRect(20, 10, 500, 21), c_Panel);
@@ -253,6 +252,26 @@ TEST_F(InstructionViewPaintTest, TextsAreNoHigherThanTheirArea) {
     const CRect Text = FindText(CRect(21, 22, 959, 45), c_White);
     EXPECT_GE(Text.top, 27);
     EXPECT_LE(Text.bottom, 36);
+}
+
+// As high as they should be, the lines have 24 + 20 rows. The body of the first pane has 44 inside its
+// margins, those of the others fewer.
+TEST_F(InstructionViewPaintTest, InstructionAndWarningDontOverlapInALowPane) {
+    m_View.SetWarningMode(3);
+    for (const int nHeight : {88, 82, 72, 60, 45, 39}) {
+        Paint(CRect(20, 10, 960, 10 + nHeight));
+        const CRect Body(21, 10 + nHeight / 3, 959, 10 + nHeight - 1);
+        // The instruction's smooth edges are grey, the warning's are shades of red.
+        const CRect Instruction = FindPixels(m_Bitmap, Body, [](COLORREF Pixel) {
+                                      return GetRValue(Pixel) < 120;
+                                  }).value_or(CRect());
+        const CRect Warning = FindPixels(m_Bitmap, Body, [](COLORREF Pixel) {
+                                  return GetRValue(Pixel) > GetGValue(Pixel) + 60;
+                              }).value_or(CRect());
+        EXPECT_FALSE(Instruction.IsRectEmpty() || Warning.IsRectEmpty()) << nHeight;
+        EXPECT_LE(Instruction.bottom, Warning.top) << nHeight;
+        EXPECT_LT(Warning.bottom, Body.bottom) << nHeight << ": clear of the frame line";
+    }
 }
 
 TEST_F(InstructionViewPaintTest, APaneWithoutRoomIsNoTrouble) {

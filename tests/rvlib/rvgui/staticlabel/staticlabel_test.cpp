@@ -1,0 +1,58 @@
+#include "rvlib/rvgui/staticlabel/staticlabel.h"
+
+#include <gtest/gtest.h>
+
+#include "platform/system/virtualeventloop.h"
+#include "tests/support/pixels.h"
+
+namespace {
+
+constexpr COLORREF c_Orange = RGB(255, 204, 133);
+constexpr COLORREF c_Grey = RGB(192, 192, 192);
+
+class StaticLabelTest : public testing::Test {
+protected:
+    StaticLabelTest() {
+        m_Label.Create(nullptr, CRect(0, 0, 100, 30), 7);
+        m_Label.SetBackground(c_Orange, c_Grey);
+    }
+    const CBitmap& Paint() {
+        m_Loop.RunPosted();
+        return m_Label.GetSurface();
+    }
+
+    CVirtualEventLoop m_Loop;
+    CStaticLabel m_Label;
+};
+
+TEST_F(StaticLabelTest, TheBackgroundFollowsTheState) {
+    EXPECT_EQ(CountPixels(Paint(), c_Orange), 100 * 30);
+    m_Label.EnableWindow(false);
+    EXPECT_FALSE(m_Label.IsWindowEnabled());
+    EXPECT_EQ(CountPixels(Paint(), c_Grey), 100 * 30);
+}
+
+TEST_F(StaticLabelTest, EachStateHasItsOwnGradientFlag) {
+    m_Label.SetGradient(false, true);
+    EXPECT_EQ(CountPixels(Paint(), c_Orange), 100 * 30);
+    m_Label.EnableWindow(false);
+    EXPECT_EQ(Paint().GetPixel(50, 0), c_Grey);
+    EXPECT_EQ(Paint().GetPixel(50, 29), RGB(138, 138, 138)) << "18 rows below t = 11, 3 each";
+}
+
+TEST_F(StaticLabelTest, WithoutAFontNoTextIsDrawn) {
+    m_Label.SetText("Label");
+    EXPECT_EQ(CountPixels(Paint(), c_Orange), 100 * 30);
+    EXPECT_EQ(m_Label.GetText(), "Label");
+}
+
+TEST_F(StaticLabelTest, TheTextStandsTenPixelsFromTheLeftInTheMiddleOfTheHeight) {
+    m_Label.SetText("HHH");
+    m_Label.SetFont(CFont("Arial", 14));
+    const auto Ink = FindInk(Paint(), CRect(0, 0, 100, 30), c_Orange);
+    ASSERT_TRUE(Ink);
+    EXPECT_NEAR(Ink->left, 11, 1);
+    EXPECT_NEAR(Ink->CenterPoint().y, 15, 1);
+}
+
+}  // namespace
