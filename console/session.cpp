@@ -8,6 +8,7 @@
 #include "platform/rvcom/bytelink.h"
 #include "platform/rvcom/rvcom.h"
 #include "platform/rvmdb/prebaldatabase.h"
+#include "platform/system/environment.h"
 #include "platform/system/eventloop.h"
 #include "platform/window/messages.h"
 #include "simulator/machineclient.h"
@@ -138,7 +139,9 @@ CConsoleSession::CConsoleSession(const COptions& rOptions, const CRotorFile* pRo
         throw CSessionError("--addresses: modules " + std::string(GetFamily(m_Modules).m_pName) + " take " +
                             (rDefaults.size() == 1 ? "one address" : "two addresses, master and slave"));
     }
-    PreBalDB::SetDatabaseConnection("sqlite:" + rDatabaseFile);
+    // A plant whose consoles share one database names it in the environment.
+    const std::string SharedDatabase = GetEnvironment("CORVANE_DATABASE");
+    PreBalDB::SetDatabaseConnection(SharedDatabase.empty() ? "sqlite:" + rDatabaseFile : SharedDatabase);
     const auto Changed = [this] {
         if (OnChanged) {
             OnChanged();

@@ -1,18 +1,14 @@
 #pragma once
-#include <functional>
 #include <string>
 #include <vector>
 
 #include "rvdlm/m_rtr/rtr_trim/communication/iffromcommunication.h"
-#include "tests/support/frames.h"
+#include "tests/support/callrecord.h"
 
-/// The main window as the communication sees it: notes frames sent, and each callback as one line of text,
-/// "null" for a null pointer.
-class CFakeFromCommunication : public IFFromCommunication {
+/// The main window as the communication sees it. Notes everything.
+class CFakeFromCommunication : public IFFromCommunication, public CCallRecord {
 public:
-    void SendRawData(const std::uint8_t* pData, std::uint32_t nSize) override {
-        m_Sent.push_back(Hex({pData, nSize}));
-    }
+    void SendRawData(const std::uint8_t* pData, std::uint32_t nSize) override { NoteSent(pData, nSize); }
     void OnQueryModuleIdentification(Reason Why, const std::string* pArticle,
                                      const std::uint32_t* pSerial) override {
         Note("Identification", Why, (pArticle != nullptr ? *pArticle : "null") + Text(pSerial));
@@ -38,19 +34,5 @@ public:
         Note("XY", Why, "plane" + Text(pPlane) + Text(pX) + Text(pY));
     }
 
-    std::vector<std::string> m_Sent;
-    std::vector<std::string> m_Calls;
     std::vector<CSet> m_Sets;
-    std::function<void()> m_OnCall;  ///< called after each callback was noted
-
-private:
-    static std::string Text(const std::uint32_t* pValue) {
-        return pValue != nullptr ? " " + std::to_string(*pValue) : " null";
-    }
-    void Note(const std::string& rWhat, Reason Why, const std::string& rData) {
-        m_Calls.push_back(rWhat + " " + Comm::ReasonToString(Why) + " " + rData);
-        if (m_OnCall) {
-            m_OnCall();
-        }
-    }
 };

@@ -3,6 +3,7 @@
 
 #include "rvlib/rvprt/logblock.h"
 #include "rvlib/rvprt/protocol.h"
+#include "rvlib/rvprt/reason.h"
 
 namespace Comm {
 

@@ -3,22 +3,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/support/frames.h"
+#include "tests/rvlib/rvprt/decode.h"
 #include "tests/support/logcapture.h"
 
 using testing::ElementsAre;
-
-namespace {
-
-std::uint32_t Decode(Kestrel::CSet& rMessage, const std::string& rHex) {
-    const std::vector<std::uint8_t> Payload = Bytes(rHex);
-    std::uint32_t nUsed = 99;
-    const int nDecoded = rMessage.Decode(Payload.data(), static_cast<std::uint32_t>(Payload.size()), &nUsed);
-    EXPECT_EQ(nDecoded != 0, nUsed != 0);
-    return nUsed;
-}
-
-}  // namespace
 
 TEST(KestrelSet, NewOneIsNotKnown) {
     const Kestrel::CSet Set(nullptr);
