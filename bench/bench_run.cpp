@@ -18,14 +18,14 @@ COptions MakeOptions(COptions::Procedure Procedure) {
     return Options;
 }
 
-void RunOnce(benchmark::State& rState, COptions::Procedure Procedure) {
+void RunOnce(benchmark::State& rState, COptions::Procedure Procedure,
+             const CRotorFile& rRotor = CRotorFile::GetBuiltIn()) {
     const COptions Options = MakeOptions(Procedure);
-    const CRotorFile Rotor = CRotorFile::GetBuiltIn();
     std::uint64_t VirtualMs = 0;
     for (auto _ : rState) {
         const CConsoleInstallation Installation("", true);
         CVirtualEventLoop Loop;
-        CConsoleSession Session(Options, &Rotor, Installation.GetDatabaseFile().string());
+        CConsoleSession Session(Options, &rRotor, Installation.GetDatabaseFile().string());
         CHeadlessRun Run(Session, Options);
         Run.OnProgress = [](const std::string&) {};
         if (!Session.Initialise() || Run.Run() != eExitWithinTarget) {
@@ -46,6 +46,24 @@ void BM_PrebalanceAndRebalance(benchmark::State& rState) {
     RunOnce(rState, COptions::Procedure::ePrebalanceAndRebalance);
 }
 BENCHMARK(BM_PrebalanceAndRebalance)->Unit(benchmark::kMillisecond);
+
+/// Two coupled planes over a pair of modules: two test legs, and twice the frames and the drawing.
+CRotorFile MakeTwoPlaneRotor() {
+    CRotorFile Rotor = CRotorFile::GetBuiltIn(CRotorFile::eKestrelPair);
+    Rotor.m_Influence[0][1] = {45.0, 75.0};
+    Rotor.m_Influence[1][0] = {38.0, 10.0};
+    return Rotor;
+}
+
+void BM_PrebalanceTwoPlanes(benchmark::State& rState) {
+    RunOnce(rState, COptions::Procedure::ePrebalance, MakeTwoPlaneRotor());
+}
+BENCHMARK(BM_PrebalanceTwoPlanes)->Unit(benchmark::kMillisecond);
+
+void BM_PrebalanceAndRebalanceTwoPlanes(benchmark::State& rState) {
+    RunOnce(rState, COptions::Procedure::ePrebalanceAndRebalance, MakeTwoPlaneRotor());
+}
+BENCHMARK(BM_PrebalanceAndRebalanceTwoPlanes)->Unit(benchmark::kMillisecond);
 
 void BM_StartToEndOfQueryChain(benchmark::State& rState) {
     const COptions Options = MakeOptions(COptions::Procedure::ePrebalance);

@@ -233,9 +233,16 @@ void CHeadlessRun::RecordCalibration() {
     PreBalDB::CPreBalDatabase Database(m_rSession.GetMachineName());
     constexpr const char* CONFIGURATION = "Default";
     PreBalDB::CPreBalBaseTableEntry& rEntry = Database.ReadConfiguration(CONFIGURATION);
-    if (const PreBalDB::CSinglePlaneBalancingTableEntry* pPlane = rEntry.GetSinglePlane()) {
-        m_Report.SetCalibration(CONFIGURATION, rEntry.GetCalibratedRPM(), rEntry.GetTargetUnbalance(),
-                                pPlane->GetInvA(), {pPlane->GetUA()});
+    const auto SetCalibration = [&](const math::matrix<double>& rInvA,
+                                    const std::vector<math::matrix<double>>& rUA) {
+        m_Report.SetCalibration(CONFIGURATION, rEntry.GetCalibratedRPM(), rEntry.GetTargetUnbalance(), rInvA,
+                                rUA);
+    };
+    // A machine has records of one kind: its key tells the mode.
+    if (const PreBalDB::CTwoPlaneBalancingTableEntry* pPlanes = rEntry.GetTwoPlane()) {
+        SetCalibration(pPlanes->GetInvA(), {pPlanes->GetUAPlane1(), pPlanes->GetUAPlane2()});
+    } else if (const PreBalDB::CSinglePlaneBalancingTableEntry* pPlane = rEntry.GetSinglePlane()) {
+        SetCalibration(pPlane->GetInvA(), {pPlane->GetUA()});
     }
 }
 

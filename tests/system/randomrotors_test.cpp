@@ -3,23 +3,19 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <numbers>
 #include <random>
 
 #include "tests/support/logcapture.h"
+#include "tests/system/whattheoryallows.h"
 #include "tests/system/wholerun.h"
 
 namespace {
 
 using Procedure = COptions::Procedure;
 
-constexpr double PI = std::numbers::pi;
-/// Length of the weight change in a test run: one weight of two, turned by 30 degrees.
-const double TEST_WEIGHT = 2.0 * std::sin(15.0 * PI / 180.0);
-/// A reading of whole counts is off by up to half a count in X and in Y.
-const double COUNT_ERROR = std::sqrt(0.5);
-/// Two positions in whole degrees: each weight is off by up to half a degree.
-const double DEGREE_ERROR = 2.0 * 2.0 * std::sin(0.25 * PI / 180.0);
+using Theory::COUNT_ERROR;
+using Theory::DEGREE_ERROR;
+using Theory::TEST_WEIGHT;
 
 /// What theory allows to be left of an unbalance (in weights) without noise. With a the influence in counts
 /// per weight and U the correction: the reading is off by at most COUNT_ERROR, the influence by 2 COUNT_ERROR
@@ -34,9 +30,7 @@ double GetBound(double Influence, double Unbalance) {
 /// A rotor without noise. The unbalance stays below 1 weight: up to there the test run always shows an effect
 /// of more than 5 percent or 30 degrees; above it the direction decides.
 CRotorFile MakeRandomRotor(std::mt19937_64& rGenerator, CRotorFile::Sense Rotation, CRotorFile::Sense Scale) {
-    const auto Uniform = [&](double Low, double High) {
-        return Low + (High - Low) * static_cast<double>(rGenerator() >> 11U) * 0x1p-53;
-    };
+    const auto Uniform = [&](double Low, double High) { return Theory::Uniform(rGenerator, Low, High); };
     CRotorFile Rotor = CRotorFile::GetBuiltIn();
     Rotor.m_NoiseCounts = 0.0;
     Rotor.m_Rotation = Rotation;

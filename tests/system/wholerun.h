@@ -94,6 +94,26 @@ public:
         return false;
     }
 
+    /// In the first measurement of the state the fault strikes, 3.5 s after the measuring condition holds;
+    /// all warnings of that state from then on are kept.
+    void StrikeIn(const std::string& rState, const nlohmann::json& rFault) {
+        OnSituation = [this, rState, rFault, bDone = false](const CSituation& rSituation,
+                                                            CConsoleSession& rSession) mutable {
+            if (rSituation.m_Progress.m_State != rState) {
+                return;
+            }
+            if (bDone) {
+                m_WarningsAfterwards.push_back(rSituation.m_Warning);
+            } else if (rSituation.m_Warning == 0) {
+                bDone = true;
+                IFEventLoop::Current().SetTimer(3500, [&rSession, rFault](std::uint32_t Id) {
+                    IFEventLoop::Current().KillTimer(Id);
+                    rSession.GetSimulator()->Carry({{"fault", rFault}});
+                });
+            }
+        };
+    }
+
     CRotorFile m_Rotor;
     COptions m_Options;
     CConsoleInstallation m_Installation{"", true};
@@ -106,6 +126,7 @@ public:
     bool m_bInitialised = false;
     std::complex<double> m_Residual;                ///< what the rotor really has left in plane 1, in weights
     std::vector<std::complex<double>> m_Residuals;  ///< the same of all planes
+    std::vector<std::uint32_t> m_WarningsAfterwards;  ///< of StrikeIn
     std::string m_MachineName;
     nlohmann::ordered_json m_Report;
     std::vector<std::string> m_Lines;

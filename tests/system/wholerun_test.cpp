@@ -214,28 +214,11 @@ TEST(WholeRun, ModuleThatIsSwitchedOnLaterIsFound) {
 // Into the sampling of the test run, the line falls silent for eight seconds.
 TEST(WholeRun, SilenceInAMeasurementFallsBackToWaitingAndGoesOnWhenFramesCome) {
     CWholeRun Run(CRotorFile::GetBuiltIn());
-    bool bDone = false;
-    std::vector<std::uint32_t> WarningsAfterwards;
-    Run.OnSituation = [&](const CSituation& rSituation, CConsoleSession& rSession) {
-        if (rSituation.m_Progress.m_State != "eTestUnbalanceMeasurement") {
-            return;
-        }
-        if (bDone) {
-            WarningsAfterwards.push_back(rSituation.m_Warning);
-        } else if (rSituation.m_Warning == 0) {
-            bDone = true;
-            IFEventLoop::Current().SetTimer(3500, [&rSession](std::uint32_t Id) {
-                IFEventLoop::Current().KillTimer(Id);
-                rSession.GetSimulator()->Carry(
-                    nlohmann::json::parse(R"({"fault": {"kind": "silence_ms", "value": 8000}})"));
-            });
-        }
-    };
+    Run.StrikeIn("eTestUnbalanceMeasurement", {{"kind", "silence_ms"}, {"value", 8000}});
     EXPECT_EQ(Run.Run(Procedure::ePrebalance), eExitWithinTarget);
-    ASSERT_TRUE(bDone);
-    ASSERT_FALSE(WarningsAfterwards.empty());
-    EXPECT_EQ(WarningsAfterwards.front(), 3U) << "frames that stay away count as a lost lock";
-    EXPECT_EQ(WarningsAfterwards.back(), 0U);
+    ASSERT_FALSE(Run.m_WarningsAfterwards.empty());
+    EXPECT_EQ(Run.m_WarningsAfterwards.front(), 3U) << "frames that stay away count as a lost lock";
+    EXPECT_EQ(Run.m_WarningsAfterwards.back(), 0U);
     EXPECT_LT(std::abs(Run.m_Residual), SMALL);
 }
 

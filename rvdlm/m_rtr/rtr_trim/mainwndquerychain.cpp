@@ -160,7 +160,9 @@ void CPreBalancingMainWnd::OnModuleState(Reason Why, const std::uint32_t* /*pUIL
     } else {
         m_OutOfLock = (bPlane1 && *pOutOfLockPlane1 != 0) || (bPlane2 && *pOutOfLockPlane2 != 0) ? 1 : 0;
         m_InvalidRPM = (bPlane1 && *pInvalidRPMPlane1 != 0) || (bPlane2 && *pInvalidRPMPlane2 != 0) ? 1 : 0;
-        m_SilenceWatch.OnModuleState();
+        for (CSilenceWatch& rWatch : m_SilenceWatches) {
+            rWatch.OnModuleState();
+        }
         if (m_pPrebalancingSequence != nullptr) {
             m_pPrebalancingSequence->OutOfLock(m_OutOfLock);
             m_pPrebalancingSequence->InvalidRPM(m_InvalidRPM);
@@ -216,21 +218,24 @@ void CPreBalancingMainWnd::PleaseQueryXYValuesNOW() {
 }
 
 void CPreBalancingMainWnd::WatchForSilence() {
-    switch (m_SilenceWatch.Tick(m_CurrentRPM != 0)) {
-        case CSilenceWatch::Finding::eNothing:
-            break;
-        case CSilenceWatch::Finding::eFellSilent:
-            RV_WARNING(g_pLog, "no frames from the module for %u ms: measuring waits", CSilenceWatch::eLimit);
-            if (m_pPrebalancingSequence != nullptr) {
-                m_pPrebalancingSequence->OutOfLock(1);
-            }
-            break;
-        case CSilenceWatch::Finding::eSpeaksAgain:
-            // Its answer brings lock and speed, and goes on with the chain. A request that is still out
-            // serves as well.
-            if (m_pCommunicationIF != nullptr) {
-                m_pCommunicationIF->QueryModuleState();
-            }
-            break;
+    for (CSilenceWatch& rWatch : m_SilenceWatches) {
+        switch (rWatch.Tick(m_CurrentRPM != 0)) {
+            case CSilenceWatch::Finding::eNothing:
+                break;
+            case CSilenceWatch::Finding::eFellSilent:
+                RV_WARNING(g_pLog, "no frames from the module for %u ms: measuring waits",
+                           CSilenceWatch::eLimit);
+                if (m_pPrebalancingSequence != nullptr) {
+                    m_pPrebalancingSequence->OutOfLock(1);
+                }
+                break;
+            case CSilenceWatch::Finding::eSpeaksAgain:
+                // Its answer brings lock and speed, and goes on with the chain. A request that is still out
+                // serves as well.
+                if (m_pCommunicationIF != nullptr) {
+                    m_pCommunicationIF->QueryModuleState();
+                }
+                break;
+        }
     }
 }

@@ -190,7 +190,8 @@ LRESULT CPreBalancingMainWnd::OnRawData(WPARAM wParam, LPARAM lParam) {
     const CBufferGuard Guard(static_cast<std::uint16_t>(Buffer[0] | (Buffer[1] << 8U)));
     const std::span<const std::uint8_t> Frame = Buffer.subspan(eHeader);
     if (m_pCommunicationIF != nullptr && !Frame.empty() && Frame[0] != eReservedCommand) {
-        m_SilenceWatch.OnFrame();
+        const bool bSlave = Frame.size() > 1 && Frame[1] != m_ModuleAddress;
+        m_SilenceWatches[bSlave ? 1 : 0].OnFrame();
         m_pCommunicationIF->PutReceivedModuleData(Frame.data(), static_cast<std::uint32_t>(Frame.size()));
     }
     return 0;

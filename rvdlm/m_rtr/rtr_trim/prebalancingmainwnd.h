@@ -1,4 +1,5 @@
 #pragma once
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -197,5 +198,6 @@ private:
     std::unique_ptr<CPreBalInterfaceToNCWarnings> m_pInterfaceToNCWarnings;
     CWeightPositionStore m_WeightPositions;
     std::int32_t m_Menu = -1;  ///< last given to SetMenu
-    CSilenceWatch m_SilenceWatch;
+    /// Of the module and, in a pair, of the slave: one that speaks doesn't cover for one that is silent.
+    std::array<CSilenceWatch, 2> m_SilenceWatches;
 };

@@ -1,0 +1,146 @@
+// Many random rotors of two coupled planes in every combination of senses, judged by the rotor's physics.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cmath>
+#include <complex>
+#include <random>
+
+#include "simulator/rotor.h"
+#include "tests/system/whattheoryallows.h"
+#include "tests/system/wholerun.h"
+
+namespace {
+
+using Complex = std::complex<double>;
+using Procedure = COptions::Procedure;
+using Residuals = std::array<double, 2>;
+using Theory::COUNT_ERROR;
+using Theory::DEGREE_ERROR;
+using Theory::TEST_WEIGHT;
+
+/// What theory allows to be left in each plane. With A the influence (counts per weight), B its inverse and U
+/// the correction: A U + R = 0 is solved with a reading that is off by up to COUNT_ERROR, and with influences
+/// that are off by up to 2 COUNT_ERROR / TEST_WEIGHT each. What is left is B times the sum of both, taken row
+/// by row at its largest; the products of two errors are covered by the factor. Then the positions of the
+/// plane are rounded.
+Residuals GetBounds(const CRotorFile& rRotor, const Residuals& rCorrection) {
+    std::array<std::array<Complex, 2>, 2> A;
+    for (std::size_t i = 0; i < 2; ++i) {
+        for (std::size_t j = 0; j < 2; ++j) {
+            const CRotorFile::CInfluence& rInfluence = rRotor.m_Influence[i][j];
+            A[i][j] = std::polar(rInfluence.m_Amplitude, rInfluence.m_PhaseDeg * Theory::PI / 180.0);
+        }
+    }
+    const double Determinant = std::abs(A[0][0] * A[1][1] - A[0][1] * A[1][0]);
+    const double Error = COUNT_ERROR + 2.0 * COUNT_ERROR / TEST_WEIGHT * (rCorrection[0] + rCorrection[1]);
+    const auto Bound = [&](Complex Other1, Complex Other2) {
+        return 1.2 * (std::abs(Other1) + std::abs(Other2)) / Determinant * Error + DEGREE_ERROR;
+    };
+    return {Bound(A[1][1], A[0][1]), Bound(A[0][0], A[1][0])};
+}
+
+struct CCombination {
+    CRotorFile::Modules m_Modules;
+    CRotorFile::Sense m_Rotation;
+    std::array<CRotorFile::Sense, 2> m_Scales;
+};
+
+/// A rotor without noise, whose planes feel each other less than themselves.
+CRotorFile MakeRandomRotor(std::mt19937_64& rGenerator, const CCombination& rCombination) {
+    const auto Uniform = [&](double Low, double High) { return Theory::Uniform(rGenerator, Low, High); };
+    CRotorFile Rotor = CRotorFile::GetBuiltIn(rCombination.m_Modules);
+    Rotor.m_NoiseCounts = 0.0;
+    Rotor.m_Rotation = rCombination.m_Rotation;
+    Rotor.m_RampRpmPerS = 3000.0;
+    for (std::size_t i = 0; i < 2; ++i) {
+        Rotor.m_Planes[i].m_Scale = rCombination.m_Scales[i];
+        Rotor.m_Planes[i].m_Unbalance = {Uniform(0.05, 1.5), Uniform(0.0, 360.0)};
+        Rotor.m_Influence[i][i] = {Uniform(150.0, 900.0), Uniform(0.0, 360.0)};
+    }
+    const double Smaller = std::min(Rotor.m_Influence[0][0].m_Amplitude, Rotor.m_Influence[1][1].m_Amplitude);
+    for (std::size_t i = 0; i < 2; ++i) {
+        Rotor.m_Influence[i][1 - i] = {Uniform(0.0, 0.6) * Smaller, Uniform(0.0, 360.0)};
+    }
+    return Rotor;
+}
+
+std::string NameOf(const testing::TestParamInfo<CCombination>& rInfo) {
+    const auto SenseName = [](CRotorFile::Sense Value) {
+        return std::string(Value == CRotorFile::eClockwise ? "Cw" : "Ccw");
+    };
+    return std::string(rInfo.param.m_Modules == CRotorFile::eLanner ? "Lanner" : "KestrelPair") + "Rotation" +
+           SenseName(rInfo.param.m_Rotation) + "Scales" + SenseName(rInfo.param.m_Scales[0]) +
+           SenseName(rInfo.param.m_Scales[1]);
+}
+
+std::vector<CCombination> MakeCombinations() {
+    constexpr std::array SENSES = {CRotorFile::eClockwise, CRotorFile::eCounterClockwise};
+    std::vector<CCombination> Combinations;
+    for (const CRotorFile::Modules Modules : {CRotorFile::eKestrelPair, CRotorFile::eLanner}) {
+        for (const CRotorFile::Sense Rotation : SENSES) {
+            for (const CRotorFile::Sense Scale1 : SENSES) {
+                for (const CRotorFile::Sense Scale2 : SENSES) {
+                    Combinations.push_back({Modules, Rotation, {Scale1, Scale2}});
+                }
+            }
+        }
+    }
+    return Combinations;
+}
+
+class EveryTwoPlaneCombination : public testing::TestWithParam<CCombination> {};
+
+#if defined(__SANITIZE_ADDRESS__)
+constexpr int NUMBER_OF_ROTORS = 5;
+#else
+constexpr int NUMBER_OF_ROTORS = 200;
+#endif
+
+}  // namespace
+
+// Pre-balancing, then a disturbance of the rotor, then re-balancing. Every other run starts with the spindle
+// turning; every other Lanner module has its sensors exchanged. With a scale that counts counter-clockwise
+// the feature flag for the order of the weights is on.
+TEST_P(EveryTwoPlaneCombination, RandomRotorsAreBalancedWithinWhatTheoryAllows) {
+    const CCombination& rCombination = GetParam();
+    std::mt19937_64 Generator(20240202);
+    for (int i = 0; i < NUMBER_OF_ROTORS; ++i) {
+        CWholeRun Run(MakeRandomRotor(Generator, rCombination));
+        Run.m_Rotor.m_bSwap = rCombination.m_Modules == CRotorFile::eLanner && i / 2 % 2 == 1;
+        Run.m_Options.m_Mode = "two-plane";
+        if (rCombination.m_Scales[0] == CRotorFile::eCounterClockwise ||
+            rCombination.m_Scales[1] == CRotorFile::eCounterClockwise) {
+            Run.WriteSettings("PreBalancingConsistentWeightOrder=\"1\"");
+        }
+        Run.m_Options.m_bShowPage = i == 0;  // the first one with all painting
+        const std::string Where = "rotor " + std::to_string(i);
+
+        Residuals AfterPrebalancing{};
+        Run.OnSituation = [&](const CSituation& rSituation, CConsoleSession& rSession) {
+            if (rSituation.m_Progress.m_State == "PreBalanceMeasurement") {
+                for (std::size_t Plane = 0; Plane < 2; ++Plane) {
+                    AfterPrebalancing[Plane] =
+                        std::abs(rSession.GetSimulator()->GetRotor().GetResidual(Plane));
+                }
+            }
+        };
+        Run.Run(Procedure::ePrebalanceAndRebalance, i % 2 == 1);
+        ASSERT_TRUE(Run.GetResult() == "RebalSuccess" || Run.GetResult() == "RebalOverTarget")
+            << Where << ": " << Run.GetResult();
+        EXPECT_TRUE(Run.GetAssertions().empty()) << Where << ": " << Run.GetAssertions().front();
+        const Residuals Bounds = GetBounds(Run.m_Rotor, {Run.m_Rotor.m_Planes[0].m_Unbalance.m_Amount,
+                                                         Run.m_Rotor.m_Planes[1].m_Unbalance.m_Amount});
+        // The re-balancing measures what is left and the disturbance (0.1), so the influence's error hardly
+        // counts.
+        const Residuals LaterBounds =
+            GetBounds(Run.m_Rotor, {AfterPrebalancing[0] + 0.1, AfterPrebalancing[1] + 0.1});
+        for (std::size_t Plane = 0; Plane < 2; ++Plane) {
+            EXPECT_LE(AfterPrebalancing[Plane], Bounds[Plane]) << Where << " plane " << Plane + 1;
+            EXPECT_LE(std::abs(Run.m_Residuals[Plane]), LaterBounds[Plane])
+                << Where << " plane " << Plane + 1;
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(WholeRun, EveryTwoPlaneCombination, testing::ValuesIn(MakeCombinations()), NameOf);
