@@ -68,7 +68,7 @@ void CSet::Log() const {
     if (m_SetParams) {
         m_SetParams->Log();
     }
-    for (const std::size_t nPlane : {0, 1}) {
+    for (std::size_t nPlane = 0; nPlane < m_Planes.size(); ++nPlane) {
         if (const CPlane* const pPlane = FindPlane(nPlane)) {
             pPlane->Log();
         }
