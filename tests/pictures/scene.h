@@ -1,4 +1,5 @@
 #pragma once
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -44,6 +45,11 @@ struct CScene {
     bool m_bColorize = false;  ///< the feature flag PreBalancingColorizeFinalUnbalance
     bool m_bGallery = false;   ///< also shown in the gallery
 };
+
+/// What a failed test calls it.
+inline void PrintTo(const CScene& rScene, std::ostream* pStream) {
+    *pStream << rScene.m_Name;
+}
 
 /// All scenes, each with a name of its own.
 const std::vector<CScene>& GetScenes();

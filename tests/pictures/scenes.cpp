@@ -211,10 +211,10 @@ void AddSizes(std::vector<CScene>& rScenes) {
 void AddTwoPlanes(std::vector<CScene>& rScenes) {
     const auto Add = [&rScenes](CScene Scene) { rScenes.push_back(std::move(Scene)); };
     Add(InGallery(Page("two-planes", "Two planes, one with weights and one with screws",
-                       {Weights(222, 274), Screws(12, ThreeScrews())})));
-    Add(InGallery(
-        Page("two-planes-first", "Only at plane 1 something is to be done",
-             {In(Method::eTestUnbalance, Weights(30, 180)), In(Method::eInactive, Weights(0, 180))})));
+                       {Weights(222, 274), Turning(eCounterClockwise, Screws(12, ThreeScrews()))})));
+    Add(InGallery(Page("two-planes-first", "Only at plane 1 something is to be done",
+                       {In(Method::eTestUnbalance, Weights(30, 180)),
+                        Turning(eCounterClockwise, In(Method::eInactive, Weights(0, 180)))})));
     Add(Sized(320, 240,
               MeasuringPage("two-planes-small", "Two planes on a small page",
                             {Live(Weights(0, 180), 123.0, 61.0, 118.0),

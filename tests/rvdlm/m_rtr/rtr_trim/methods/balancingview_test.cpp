@@ -7,22 +7,22 @@
 
 #include "rvdlm/m_rtr/rtr_trim/methods/planebalancingmethod.h"
 #include "tests/support/logcapture.h"
+#include "tests/support/pagecolors.h"
 #include "tests/support/pixels.h"
 #include "tests/support/testinstallation.h"
 
 namespace {
 
+using PageColors::c_Black;
+using PageColors::c_FinalBad;
+using PageColors::c_FinalGood;
+using PageColors::c_Ink;
+using PageColors::c_Panel;
+using PageColors::c_Ring;
+using PageColors::c_Stale;
+using PageColors::c_White;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-constexpr COLORREF c_Panel = RGB(0xEC, 0xE9, 0xD8);
-constexpr COLORREF c_Ring = RGB(0xC0, 0xC0, 0xC0);
-constexpr COLORREF c_Ink = RGB(0x00, 0x38, 0x68);
-constexpr COLORREF c_FinalGood = RGB(0x00, 0x68, 0x38);
-constexpr COLORREF c_FinalBad = RGB(0xCE, 0x00, 0x00);
-constexpr COLORREF c_Stale = RGB(0xA0, 0xA0, 0xA0);
-constexpr COLORREF c_Black = RGB(0, 0, 0);
-constexpr COLORREF c_White = RGB(255, 255, 255);
 
 class CTestView : public CBalancingView {
 public:

@@ -4,17 +4,17 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/logcapture.h"
+#include "tests/support/pagecolors.h"
 #include "tests/support/pixels.h"
 #include "tests/support/testinstallation.h"
 
 namespace {
 
+using PageColors::c_Ink;
+using PageColors::c_Panel;
+using PageColors::c_Ring;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-constexpr COLORREF c_Panel = RGB(0xEC, 0xE9, 0xD8);
-constexpr COLORREF c_Ring = RGB(0xC0, 0xC0, 0xC0);
-constexpr COLORREF c_Ink = RGB(0x00, 0x38, 0x68);
 
 class CTestView : public CWeightBalancingView {
 public:
