@@ -67,4 +67,20 @@ TEST(Vector, DegreesIntoFewerRowsThrow) {
     }
 }
 
+// (3 + 4i)(1 - 2i) = 11 - 2i.
+TEST(Vector, FactorTimesVectorIsTheComplexProduct) {
+    const math::matrix<double> Product = math::MakeFactor(3.0, 4.0) * math::MakeVector(1.0, -2.0);
+    EXPECT_EQ(Product.RowNo(), 2U);
+    EXPECT_EQ(Product.ColNo(), 1U);
+    EXPECT_EQ(Product(0, 0), 11.0);
+    EXPECT_EQ(Product(1, 0), -2.0);
+}
+
+TEST(Vector, NullHasItsSizeAndZeros) {
+    const math::matrix<double> Null = math::MakeNull(4, 1);
+    EXPECT_EQ(Null.RowNo(), 4U);
+    EXPECT_EQ(Null.ColNo(), 1U);
+    EXPECT_EQ(Null.Norm(), 0.0);
+}
+
 }  // namespace

@@ -154,8 +154,11 @@ struct CPhysics {
         return Sum;
     }
     std::array<Complex, 2> Read(const Matrix& rAngles1, const Matrix& rAngles2) const {
-        const std::array<Complex, 2> w = {m_Unbalance[0] + Weights(0, rAngles1),
-                                          m_Unbalance[1] + Weights(1, rAngles2)};
+        return ReadFitted(Weights(0, rAngles1), Weights(1, rAngles2));
+    }
+    /// With the vectors of what is fitted.
+    std::array<Complex, 2> ReadFitted(Complex Fitted1, Complex Fitted2) const {
+        const std::array<Complex, 2> w = {m_Unbalance[0] + Fitted1, m_Unbalance[1] + Fitted2};
         std::array<Complex, 2> Reading;
         for (std::size_t i = 0; i < 2; ++i) {
             const Complex Sum = m_Influence[i][0] * std::conj(w[0]) + m_Influence[i][1] * std::conj(w[1]);
@@ -234,6 +237,31 @@ TEST_P(EverySense, CompensationIsThatOfThePhysics) {
         Later.SetMatricesAndGetRebalanceResult(Result.m_InvA, Produced(0), Produced(1), UA1, UA2);
         EXPECT_NEAR(std::abs(std::conj(ToComplex(UA1)) + Worn.m_Unbalance[0]), 0.0, eTolerance) << i;
         EXPECT_NEAR(std::abs(std::conj(ToComplex(UA2)) + Worn.m_Unbalance[1]), 0.0, eTolerance) << i;
+    }
+}
+
+// Weights in one plane and screws in the other, whose test is one unit in hole 1, at 0 of either scale. The
+// weights start opposed, and the mathematics must know: else their sum would count as 2 in direction 0.
+TEST_P(EverySense, WeightsBesideScrewsAreCompensated) {
+    for (int i = 0; i < 200; ++i) {
+        const CPhysics Rotor = MakeRotor();
+        const bool bWeightsFirst = i % 2 == 0;
+        const Matrix Positions = MakeVector(30, 180);
+        const Complex Unit = 1.0;
+        const Complex Test1 = bWeightsFirst ? Rotor.Weights(0, Positions) : Unit;
+        const Complex Test2 = bWeightsFirst ? Unit : Rotor.Weights(1, Positions);
+        CTwoPlaneBalancingMath Math(eSamples);
+        Math.SetRotationDirectionPlane1(Rotor.m_Rotation);
+        Math.SetRawUnbalanceVectors(Rotor.m_Scaling[0], Rotor.m_Scaling[1]);
+        const CResult Result = RunMath(
+            Math, {Rotor.ReadFitted(0, 0), Rotor.ReadFitted(Test1, 0), Rotor.ReadFitted(Test1, Test2)},
+            bWeightsFirst ? &Positions : nullptr, bWeightsFirst ? nullptr : &Positions, Rotor.m_Scaling[0],
+            Rotor.m_Scaling[1]);
+        constexpr double eTolerance = 0.02;
+        EXPECT_NEAR(std::abs(std::conj(ToComplex(Result.m_UA1)) + Rotor.m_Unbalance[0]), 0.0, eTolerance)
+            << i;
+        EXPECT_NEAR(std::abs(std::conj(ToComplex(Result.m_UA2)) + Rotor.m_Unbalance[1]), 0.0, eTolerance)
+            << i;
     }
 }
 
