@@ -1,9 +1,12 @@
 #pragma once
 #include <cstdint>
+#include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "platform/rvcom/bytelink.h"
 #include "platform/rvmdb/prebaldatabase.h"
 
 /// What the command line asks for.
@@ -30,6 +33,9 @@ struct COptions {
     /// Whether anybody looks at the page: a hidden page isn't painted. For many whole runs, not on the
     /// command line.
     bool m_bShowPage = true;
+    /// Makes the module's end of a simulated line from the real one: to record or replay what is on it. For
+    /// whole runs in tests, not on the command line.
+    std::function<std::unique_ptr<IFByteLink>(std::unique_ptr<IFByteLink>)> m_WrapLink;
     /// The window module; empty: beside the running program. For programs elsewhere, not on the command line.
     std::string m_ModuleLibrary;
 

@@ -177,7 +177,8 @@ void CConsoleSession::OpenLink(const CRotorFile* pRotor) {
         }
         m_pSimulator->Open();
         m_pMachine = m_pSimulator.get();
-        rvCOM::SetLink(std::move(Pair.m_pFirst));
+        rvCOM::SetLink(m_Options.m_WrapLink ? m_Options.m_WrapLink(std::move(Pair.m_pFirst))
+                                            : std::move(Pair.m_pFirst));
         // Opened through the loop: a question asked before would be lost.
         IFEventLoop::Current().RunUntil([] { return rvCOM::IsLinkOpen(); }, eLinkTimeout);
         return;

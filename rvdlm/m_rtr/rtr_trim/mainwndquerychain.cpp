@@ -148,6 +148,9 @@ void CPreBalancingMainWnd::OnModuleState(Reason Why, const std::uint32_t* /*pUIL
     const bool bPlane1 = Mode != CPreBalDatabase::eModePlane2;
     const bool bPlane2 = Mode == CPreBalDatabase::eModePlane2 || Mode == CPreBalDatabase::eModeTwoPlane;
     if (pWrongState != nullptr && *pWrongState != 0) {
+        for (CSilenceWatch& rWatch : m_SilenceWatches) {
+            rWatch.OnWrongState();
+        }
         const bool bSequence = EnsureSequence();
         RV_ASSERT(g_pLog, bSequence, "impossible");
         if (bSequence) {
@@ -218,6 +221,7 @@ void CPreBalancingMainWnd::PleaseQueryXYValuesNOW() {
 }
 
 void CPreBalancingMainWnd::WatchForSilence() {
+    bool bAskForState = false;
     for (CSilenceWatch& rWatch : m_SilenceWatches) {
         switch (rWatch.Tick(m_CurrentRPM != 0)) {
             case CSilenceWatch::Finding::eNothing:
@@ -229,13 +233,15 @@ void CPreBalancingMainWnd::WatchForSilence() {
                     m_pPrebalancingSequence->OutOfLock(1);
                 }
                 break;
+            case CSilenceWatch::Finding::eStateIsOld:
             case CSilenceWatch::Finding::eSpeaksAgain:
-                // Its answer brings lock and speed, and goes on with the chain. A request that is still out
-                // serves as well.
-                if (m_pCommunicationIF != nullptr) {
-                    m_pCommunicationIF->QueryModuleState();
-                }
+                bAskForState = true;
                 break;
         }
+    }
+    // Its answer brings lock and speed, and goes on with the chain. A request that is still out serves as
+    // well.
+    if (bAskForState && m_pCommunicationIF != nullptr) {
+        m_pCommunicationIF->QueryModuleState();
     }
 }

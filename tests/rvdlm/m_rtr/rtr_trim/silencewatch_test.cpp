@@ -54,3 +54,50 @@ TEST(SilenceWatch, StateIsAskedForWhenFramesComeAgainAndAnewUntilItIsKnown) {
     EXPECT_FALSE(Watch.IsSilent());
     EXPECT_EQ(TickWithFrame(), Finding::eNothing);
 }
+
+namespace {
+
+/// A tick in which frames have come, as long as the line works.
+Finding TickWithFrame(CSilenceWatch& rWatch, bool bTurning = true) {
+    rWatch.OnFrame();
+    return rWatch.Tick(bTurning);
+}
+
+}  // namespace
+
+TEST(SilenceWatch, StateIsAskedForAfterTwoSecondsWithoutAReport) {
+    CSilenceWatch Watch;
+    Watch.OnModuleState();
+    for (int nRound = 0; nRound < 3; ++nRound) {
+        for (int i = 0; i < 7; ++i) {
+            EXPECT_EQ(TickWithFrame(Watch), Finding::eNothing) << 250 * (i + 1) << " ms";
+        }
+        EXPECT_EQ(TickWithFrame(Watch), Finding::eStateIsOld) << "repeated until it comes";
+    }
+    for (int i = 0; i < 7; ++i) {
+        TickWithFrame(Watch);
+    }
+    Watch.OnModuleState();
+    EXPECT_EQ(TickWithFrame(Watch), Finding::eNothing);
+}
+
+TEST(SilenceWatch, StateOfAModuleAtRestIsNotAskedFor) {
+    CSilenceWatch Watch;
+    for (int i = 0; i < 20; ++i) {
+        EXPECT_EQ(TickWithFrame(Watch, false), Finding::eNothing);
+    }
+}
+
+// Each answer would break off anew what is broken off already.
+TEST(SilenceWatch, WrongStateIsNotAskedForAgain) {
+    CSilenceWatch Watch;
+    Watch.OnWrongState();
+    for (int i = 0; i < 20; ++i) {
+        EXPECT_EQ(TickWithFrame(Watch), Finding::eNothing);
+    }
+    Watch.OnModuleState();
+    for (int i = 0; i < 7; ++i) {
+        TickWithFrame(Watch);
+    }
+    EXPECT_EQ(TickWithFrame(Watch), Finding::eStateIsOld);
+}
