@@ -1,0 +1,470 @@
+// The argument, for the search to give what the enumeration gives.
+//
+// The enumeration has one state: the squared deviation S of its best placement, at first eStart. It takes a
+// placement of deviation D if S - D > eMargin, as computed. Rounding is monotonic, so:
+//
+// (1) Once a placement of deviation D has been met, S - D <= eMargin. So a later one of deviation D or more
+//     is never taken. Of equal weights only the table's first entry can matter: exchanging an entry for the
+//     first of its weight gives the same sum earlier.
+// (2) A walk in the order of the enumeration keeps a number Low with S >= Low, first unknown S: all
+//     placements met of deviation less than Low have been considered. A placement with D >= Low leaves that
+//     true whether it is taken or not, so it needs no look at all. One with Low - D > eMargin is surely
+//     taken, since S >= Low; from there on S = D is known, and the rest is the enumeration's own rule. One in
+//     between may be taken or not; either way S >= D, so Low becomes D.
+// (3) So a walk may begin with any Low = Bound in place of the unknown past, if it looks at every placement
+//     of deviation less than Low, in order. If it ends without a sure acceptance (a chain of near-ties), it
+//     is repeated with a larger Bound; with Bound >= eStart the state is known from the start.
+// (4) With S known and S <= eMargin nothing is better by the margin, and the walk ends.
+// (5) Within a set of holes placements are found in another order. They are sorted into the enumeration's
+//     before the rule is applied, and by (1) those that an earlier one equals or beats may be dropped.
+//
+// A good Bound makes the search fast, but has no part in its being right.
+//
+// What isn't looked at lies outside the disc of radius sqrt(Low) around the target. All sums computed here
+// err by less than some 30 units in the last place of the largest length that occurs (three weights and the
+// target); so does the deviation that the enumeration computes. m_Rounding is more than ten times that, and
+// is added to the radius twice. The candidates that remain are judged by the enumeration's own expressions in
+// their own order of operations; the project is compiled without contraction of floating-point expressions.
+//
+// Geometry: the sums that a set of holes reaches lie in a hexagon, the meeting of three strips, each the
+// range of the sum's cross product with one of the directions. With one weight fixed the other two follow
+// from the target by Cramer's rule, up to reach / |sin| of the angle between them.
+#include "rvdlm/m_rtr/rtr_trim/methods/screwsearch.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <utility>
+
+namespace {
+
+using CVector = CScrewSearch::CVector;
+
+constexpr double ePi = 3.141592653589793;
+
+double Cross(CVector a, CVector b) {
+    return a.x * b.y - a.y * b.x;
+}
+
+double Dot(CVector a, CVector b) {
+    return a.x * b.x + a.y * b.y;
+}
+
+CVector Less(CVector a, double Factor, CVector b) {
+    return {a.x - Factor * b.x, a.y - Factor * b.y};
+}
+
+/// A range that is narrowed by bounds.
+struct CRange {
+    double m_Low;
+    double m_High;
+
+    void AtLeast(double Value) { m_Low = std::max(m_Low, Value); }
+    void AtMost(double Value) { m_High = std::min(m_High, Value); }
+    bool IsEmpty() const { return m_Low > m_High; }
+    /// x such that Low <= a - b * x <= High. Slack for the rounding of the quotients.
+    void Clip(double a, double b, double Low, double High, double Slack) {
+        constexpr double eParallel = 1e-9;
+        if (std::abs(b) < eParallel) {
+            return;  // x has next to no influence here: what is lost is only some pruning
+        }
+        const double Inverse = 1.0 / b;
+        const double First = (a - Low) * Inverse;
+        const double Second = (a - High) * Inverse;
+        AtLeast(std::min(First, Second) - Slack);
+        AtMost(std::max(First, Second) + Slack);
+    }
+};
+
+}  // namespace
+
+CScrewSearch::CScrewSearch(std::span<const double> Table, bool bThreeScrews, int nHoles)
+    : m_Weights(Table.first(std::min<std::size_t>(Table.size(), std::numeric_limits<std::uint16_t>::max()))),
+      m_bThree(bThreeScrews),
+      m_nHoles(nHoles > 0 ? static_cast<std::uint16_t>(nHoles) : 0),
+      m_Table(Table.begin(), Table.end()) {
+    if (m_Weights.GetSize() == 0 || m_nHoles == 0) {
+        return;
+    }
+    m_Largest = std::max(std::abs(m_Weights.GetMin()), std::abs(m_Weights.GetMax()));
+    for (std::size_t i = 0; i < m_nHoles; ++i) {
+        const double Angle = static_cast<double>(i) * (360.0 / static_cast<double>(m_nHoles)) * ePi / 180;
+        m_Directions.push_back({std::cos(Angle), std::sin(Angle)});
+        const double AtMin = m_Directions[i].y * m_Weights.GetMin();
+        const double AtMax = m_Directions[i].y * m_Weights.GetMax();
+        m_CrossLow.push_back(std::min(AtMin, AtMax));
+        m_CrossHigh.push_back(std::max(AtMin, AtMax));
+    }
+    m_Cross.resize(m_nHoles);
+    m_Along.resize(m_nHoles);
+    m_MaxAlong.resize(m_nHoles);
+}
+
+CVector CScrewSearch::GetSum(const CHoles& rHoles, const std::array<double, eMaxScrews>& rWeights) const {
+    const CVector u1 = m_Directions[rHoles[0]];
+    const CVector u2 = m_Directions[rHoles[1]];
+    CVector Sum{rWeights[1] * u2.x + rWeights[0] * u1.x, rWeights[1] * u2.y + rWeights[0] * u1.y};
+    if (m_bThree) {
+        const CVector u3 = m_Directions[rHoles[2]];
+        Sum.x += rWeights[2] * u3.x;
+        Sum.y += rWeights[2] * u3.y;
+    }
+    return Sum;
+}
+
+double CScrewSearch::GetDeviation(CVector Sum) const {
+    const double DeltaX = Sum.x - m_Target.x;
+    const double DeltaY = Sum.y - m_Target.y;
+    return DeltaX * DeltaX + DeltaY * DeltaY;
+}
+
+void CScrewSearch::SetTarget(CVector Target) {
+    m_Target = Target;
+    m_Length = std::hypot(Target.x, Target.y);
+    m_Axis = m_Length > 0.0 ? CVector{Target.x / m_Length, Target.y / m_Length} : CVector{1.0, 0.0};
+    const double Scale = 3.0 * m_Largest + m_Length;
+    // The bounds work with squares and need finite numbers. Far beyond all tons that a machine can turn, the
+    // enumeration itself is good enough.
+    constexpr double eAbsurd = 1e12;
+    m_bPlain = !(Scale < eAbsurd);
+    m_Rounding = 1e-13 * Scale;
+    for (std::size_t i = 0; i < m_nHoles; ++i) {
+        m_Cross[i] = Cross(m_Directions[i], Target);
+        m_Along[i] = Dot(m_Directions[i], m_Axis);
+        m_MaxAlong[i] = std::max(m_Along[i] * m_Weights.GetMin(), m_Along[i] * m_Weights.GetMax());
+    }
+}
+
+std::optional<CScrewSearch::CPlacement> CScrewSearch::Find(CVector Target) {
+    const std::size_t nScrews = m_bThree ? 3 : 2;
+    if (m_Weights.GetSize() == 0 || m_nHoles < nScrews || !std::isfinite(Target.x) ||
+        !std::isfinite(Target.y)) {
+        return std::nullopt;  // no placement, or none with a deviation that is a number
+    }
+    SetTarget(Target);
+    const double Estimate = m_bPlain ? eStart : EstimateBest();
+    // Clear of the margin, and of rounding where the estimate is large.
+    double Window = 4.0 * eMargin + 1e-14 * Estimate;
+    while (!Walk(Estimate + Window)) {
+        Window = Window * 8.0;
+    }
+    return m_Best;
+}
+
+template <typename F>
+void CScrewSearch::ForEachSet(std::size_t n, F Visit) const {
+    for (std::size_t h1 = 0; h1 < n; ++h1) {
+        for (std::size_t h2 = h1 + 1; h2 < n; ++h2) {
+            const std::size_t nLast = m_bThree ? n : h2 + 2;  // two screws: one pass, whatever h3
+            for (std::size_t h3 = h2 + 1; h3 < nLast; ++h3) {
+                if (!Visit(CHoles{h1, h2, h3})) {
+                    return;
+                }
+            }
+        }
+    }
+}
+
+double CScrewSearch::EstimateBest() {
+    // Sets of holes at regular distances through the walk.
+    constexpr std::size_t eSamples = 64;
+    const std::size_t n = m_nHoles;
+    const std::size_t nSets = m_bThree ? n * (n - 1) / 2 * (n - 2) / 3 : n * (n - 1) / 2;
+    const std::size_t nStride = nSets / eSamples + 1;
+    double Best = std::numeric_limits<double>::infinity();
+    m_Reach = 0.0;
+    std::size_t nUntilSample = nStride / 2;
+    ForEachSet(m_nHoles, [&](const CHoles& rHoles) {
+        if (nUntilSample-- == 0) {
+            nUntilSample = nStride - 1;
+            if (CanReach(rHoles)) {
+                Best = std::min(Best, EstimateInSet(rHoles));
+            }
+        }
+        return true;
+    });
+    const double Spacing =
+        (m_Weights.GetMax() - m_Weights.GetMin()) / static_cast<double>(m_Weights.GetSize());
+    if (Best <= Spacing * Spacing) {
+        return Best;
+    }
+    // Hardly or not in reach: then the holes that lie nearest to the target's direction hold the best
+    // placement.
+    constexpr std::size_t eNear = 6;
+    const double Turns = std::atan2(m_Target.y, m_Target.x) / (2.0 * ePi);
+    const auto Nearest = static_cast<std::size_t>(std::floor((Turns + 1.0) * static_cast<double>(n)));
+    const std::size_t nNear = std::min(eNear, n);
+    std::vector<std::size_t> Near;
+    for (std::size_t i = 0; i < nNear; ++i) {
+        Near.push_back((Nearest + n * eNear + i - (nNear / 2 - 1)) % n);
+    }
+    std::sort(Near.begin(), Near.end());
+    ForEachSet(nNear, [&](const CHoles& rPlaces) {
+        m_Reach = std::sqrt(Best);
+        const CHoles Holes{Near[rPlaces[0]], Near[rPlaces[1]], m_bThree ? Near[rPlaces[2]] : 0};
+        if (CanReach(Holes)) {
+            Best = std::min(Best, EstimateInSet(Holes));
+        }
+        return true;
+    });
+    return Best;
+}
+
+double CScrewSearch::EstimateInSet(const CHoles& rHoles) {
+    std::array<double, eMaxScrews> Weights{};
+    if (!m_bThree) {
+        return EstimatePair(rHoles, Weights, {0, 0, 1}, m_Target);
+    }
+    constexpr std::size_t eTries = 16;
+    const std::size_t nStep = m_Weights.GetSize() / eTries + 1;
+    double Best = std::numeric_limits<double>::infinity();
+    for (std::size_t i = 0; i < m_Weights.GetSize(); i += nStep) {
+        // From the heaviest downwards: it counts most where the target is hardly in reach.
+        Weights[0] = m_Weights.GetWeight(m_Weights.GetSize() - 1 - i);
+        Best = std::min(Best, EstimatePair(rHoles, Weights, {0, 1, 2},
+                                           Less(m_Target, Weights[0], GetDirection(rHoles[0]))));
+    }
+    return Best;
+}
+
+double CScrewSearch::EstimatePair(const CHoles& rHoles, std::array<double, eMaxScrews>& rWeights,
+                                  CRoles Roles, CVector Rest) const {
+    // One of the two from the real-valued solution, the other then as near as it gets; and the other way
+    // round, since out of reach only one of the two limits may be the right one.
+    double Best = std::numeric_limits<double>::infinity();
+    for (const auto& [First, Second] : {std::pair{Roles.b, Roles.c}, std::pair{Roles.c, Roles.b}}) {
+        const CVector u1 = GetDirection(rHoles[First]);
+        const CVector u2 = GetDirection(rHoles[Second]);
+        const double Sine = Cross(u1, u2);
+        const double Exact = Sine != 0.0 ? Cross(Rest, u2) / Sine : 0.0;
+        rWeights[First] = m_Weights.GetWeight(m_Weights.FindNearest(Exact));
+        const CVector Remainder = Less(Rest, rWeights[First], u1);
+        rWeights[Second] = m_Weights.GetWeight(m_Weights.FindNearest(Dot(Remainder, u2)));
+        Best = std::min(Best, GetDeviation(GetSum(rHoles, rWeights)));
+    }
+    return Best;
+}
+
+void CScrewSearch::SetLow(double Low) {
+    m_Low = Low;
+    const double Radius = std::sqrt(Low);
+    m_Reach = Radius + 2.0 * m_Rounding;
+    // Sets of holes as they usually are, two of them at a good angle, go through the filter. It is marked
+    // anew when much of it would be idle.
+    const double Usual = 2.0 * m_Reach;
+    const double Present = m_Weights.GetTolerance();
+    if (!(Present >= Usual && Present < 4.0 * Usual)) {
+        m_Weights.SetTolerance(2.0 * Usual);
+    }
+}
+
+bool CScrewSearch::Walk(double Bound) {
+    m_Best.reset();
+    m_bKnown = m_bPlain || Bound >= eStart;
+    SetLow(m_bKnown ? eStart : Bound);
+    ForEachSet(m_nHoles, [this](const CHoles& rHoles) {
+        if (m_bPlain) {
+            SearchEverything(rHoles);
+        } else if (CanReach(rHoles)) {
+            SearchSet(rHoles);
+        }
+        return !IsDecided();
+    });
+    return m_bKnown;
+}
+
+bool CScrewSearch::CanReach(const CHoles& rHoles) const {
+    // Cross products of the sum with each of the directions; direction i x direction j is the sine for j - i.
+    const std::size_t d12 = rHoles[1] - rHoles[0];
+    const double* pLow = m_CrossLow.data();
+    const double* pHigh = m_CrossHigh.data();
+    const double t1 = m_Cross[rHoles[0]];
+    const double t2 = m_Cross[rHoles[1]];
+    const double Most = m_MaxAlong[rHoles[0]] + m_MaxAlong[rHoles[1]];
+    if (!m_bThree) {
+        return t1 >= pLow[d12] - m_Reach && t1 <= pHigh[d12] + m_Reach && t2 >= -pHigh[d12] - m_Reach &&
+               t2 <= -pLow[d12] + m_Reach && Most >= m_Length - m_Reach;
+    }
+    const std::size_t d13 = rHoles[2] - rHoles[0];
+    const std::size_t d23 = rHoles[2] - rHoles[1];
+    const double t3 = m_Cross[rHoles[2]];
+    return t1 >= pLow[d12] + pLow[d13] - m_Reach && t1 <= pHigh[d12] + pHigh[d13] + m_Reach &&
+           t2 >= pLow[d23] - pHigh[d12] - m_Reach && t2 <= pHigh[d23] - pLow[d12] + m_Reach &&
+           t3 >= -pHigh[d13] - pHigh[d23] - m_Reach && t3 <= -pLow[d13] - pLow[d23] + m_Reach &&
+           Most + m_MaxAlong[rHoles[2]] >= m_Length - m_Reach;
+}
+
+void CScrewSearch::SearchSet(const CHoles& rHoles) {
+    if (m_bThree) {
+        SearchTriple(rHoles);
+    } else {
+        std::array<std::size_t, eMaxScrews> Indices{};
+        SearchPair(rHoles, Indices, {2, 0, 1}, m_Target);
+    }
+    Decide(rHoles);
+}
+
+void CScrewSearch::SearchTriple(const CHoles& rHoles) {
+    // The widest angle for the two that are solved for. Then the two coefficients below are at most 1.
+    const double s12 = std::abs(m_Directions[rHoles[1] - rHoles[0]].y);
+    const double s13 = std::abs(m_Directions[rHoles[2] - rHoles[0]].y);
+    const double s23 = std::abs(m_Directions[rHoles[2] - rHoles[1]].y);
+    const CRoles Roles = s23 >= s12 && s23 >= s13 ? CRoles{0, 1, 2}
+                         : s13 >= s12             ? CRoles{1, 0, 2}
+                                                  : CRoles{2, 0, 1};
+    const CVector ua = GetDirection(rHoles[Roles.a]);
+    const CVector ub = GetDirection(rHoles[Roles.b]);
+    const CVector uc = GetDirection(rHoles[Roles.c]);
+    const double Inverse = 1.0 / Cross(ub, uc);
+    // Real-valued weights of b and c by the weight of a: Ab - Bb * a, Ac - Bc * a.
+    const double Ab = -m_Cross[rHoles[Roles.c]] * Inverse;
+    const double Bb = Cross(ua, uc) * Inverse;
+    const double Ac = m_Cross[rHoles[Roles.b]] * Inverse;
+    const double Bc = Cross(ub, ua) * Inverse;
+    const double Slack = m_Reach * std::abs(Inverse);
+
+    const double Min = m_Weights.GetMin();
+    const double Max = m_Weights.GetMax();
+    CRange Range{Min, Max};
+    Range.Clip(Ab, Bb, Min - Slack, Max + Slack, m_Rounding);
+    Range.Clip(Ac, Bc, Min - Slack, Max + Slack, m_Rounding);
+    if (Range.IsEmpty()) {
+        return;
+    }
+    const auto [From, To] = m_Weights.Find(Range.m_Low, Range.m_High);
+    std::array<std::size_t, eMaxScrews> Indices{};
+    const auto SolveFor = [&](std::size_t Index) {
+        Indices[Roles.a] = Index;
+        SearchPair(rHoles, Indices, Roles, Less(m_Target, m_Weights.GetWeight(Index), ua));
+    };
+    if (Slack <= m_Weights.GetTolerance()) {
+        m_Weights.Filter(Ab, Bb, From, To, SolveFor);
+        return;
+    }
+    for (std::size_t i = From; i < To; ++i) {
+        SolveFor(i);
+    }
+}
+
+void CScrewSearch::SearchPair(const CHoles& rHoles, std::array<std::size_t, eMaxScrews>& rIndices,
+                              CRoles Roles, CVector Rest) {
+    const CVector ub = GetDirection(rHoles[Roles.b]);
+    const CVector uc = GetDirection(rHoles[Roles.c]);
+    CRange Range{m_Weights.GetMin(), m_Weights.GetMax()};
+    constexpr double eOpposite = 1e-6;
+    const double Sine = Cross(ub, uc);
+    if (std::abs(Sine) > eOpposite) {
+        const double Inverse = 1.0 / Sine;
+        const double Exact = Cross(Rest, uc) * Inverse;
+        const double Slack = m_Reach * std::abs(Inverse);
+        Range.AtLeast(Exact - Slack);
+        Range.AtMost(Exact + Slack);
+    }
+    // Along the target's direction the two must bring what is missing to the disc's near side.
+    const double Along = m_Along[rHoles[Roles.b]];
+    const double Missing = Dot(Rest, m_Axis) - m_Reach - m_MaxAlong[rHoles[Roles.c]];
+    constexpr double eAcross = 1e-3;
+    if (Along > eAcross) {
+        Range.AtLeast(Missing / Along);
+    } else if (Along < -eAcross) {
+        Range.AtMost(Missing / Along);
+    }
+    if (Range.IsEmpty()) {
+        return;
+    }
+    const auto [FromB, ToB] = m_Weights.Find(Range.m_Low, Range.m_High);
+    for (std::size_t b = FromB; b < ToB; ++b) {
+        const CVector Remainder = Less(Rest, m_Weights.GetWeight(b), ub);
+        const double Off = Cross(uc, Remainder);
+        const double Room = m_Reach * m_Reach - Off * Off;
+        if (Room < 0.0) {
+            continue;
+        }
+        const double Middle = Dot(uc, Remainder);
+        const double Half = std::sqrt(Room) + m_Rounding;
+        if (Middle + Half < m_Weights.GetMin() || Middle - Half > m_Weights.GetMax()) {
+            continue;
+        }
+        const auto [FromC, ToC] = m_Weights.Find(Middle - Half, Middle + Half);
+        rIndices[Roles.b] = b;
+        for (std::size_t c = FromC; c < ToC; ++c) {
+            rIndices[Roles.c] = c;
+            Consider(rHoles, rIndices);
+        }
+    }
+}
+
+void CScrewSearch::SearchEverything(const CHoles& rHoles) {
+    const std::size_t n = m_Weights.GetSize();
+    std::array<std::size_t, eMaxScrews> i{};
+    for (i[0] = 0; i[0] < n; ++i[0]) {
+        for (i[1] = 0; i[1] < n; ++i[1]) {
+            for (i[2] = 0; i[2] < (m_bThree ? n : 1); ++i[2]) {
+                Consider(rHoles, i);
+            }
+        }
+    }
+    Decide(rHoles);
+}
+
+void CScrewSearch::Consider(const CHoles& rHoles, const std::array<std::size_t, eMaxScrews>& rIndices) {
+    const std::array<double, eMaxScrews> Weights = {
+        m_Weights.GetWeight(rIndices[0]), m_Weights.GetWeight(rIndices[1]), m_Weights.GetWeight(rIndices[2])};
+    const double Deviation = GetDeviation(GetSum(rHoles, Weights));
+    if (!(Deviation < m_Low)) {
+        return;
+    }
+    std::uint64_t Key = 0;
+    for (const std::size_t Index : rIndices) {
+        Key = Key << 16U | m_Weights.GetEntry(Index);
+    }
+    m_Candidates.push_back({Deviation, Key});
+    if (m_Candidates.size() >= m_CompactAt) {
+        Compact();
+    }
+}
+
+void CScrewSearch::Compact() {
+    constexpr std::size_t eFew = 4096;
+    std::sort(m_Candidates.begin(), m_Candidates.end(),
+              [](const CCandidate& rLeft, const CCandidate& rRight) { return rLeft.m_Key < rRight.m_Key; });
+    double Record = std::numeric_limits<double>::infinity();
+    std::erase_if(m_Candidates, [&Record](const CCandidate& rCandidate) {
+        if (rCandidate.m_Deviation < Record) {
+            Record = rCandidate.m_Deviation;
+            return false;
+        }
+        return true;
+    });
+    m_CompactAt = std::max(eFew, 2 * m_Candidates.size());
+}
+
+void CScrewSearch::Decide(const CHoles& rHoles) {
+    if (m_Candidates.empty()) {
+        return;
+    }
+    Compact();
+    double Low = m_Low;
+    for (const CCandidate& rCandidate : m_Candidates) {
+        if (Low - rCandidate.m_Deviation > eMargin) {
+            m_bKnown = true;
+            CPlacement Placement;
+            std::array<double, eMaxScrews> Weights{};
+            for (std::size_t i = 0; i < eMaxScrews; ++i) {
+                Placement.m_Holes[i] = static_cast<std::uint16_t>(rHoles[i]);
+                Placement.m_Entries[i] = static_cast<std::uint16_t>(rCandidate.m_Key >> (16 * (2 - i)));
+                Weights[i] = m_Table[Placement.m_Entries[i]];
+            }
+            Placement.m_Sum = GetSum(rHoles, Weights);
+            Placement.m_Delta = {Placement.m_Sum.x - m_Target.x, Placement.m_Sum.y - m_Target.y};
+            m_Best = Placement;
+            Low = rCandidate.m_Deviation;
+        } else if (!m_bKnown && rCandidate.m_Deviation < Low) {
+            Low = rCandidate.m_Deviation;
+        }
+    }
+    m_Candidates.clear();
+    if (Low < m_Low) {
+        SetLow(Low);
+    }
+}

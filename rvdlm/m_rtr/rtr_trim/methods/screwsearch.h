@@ -1,0 +1,112 @@
+#pragma once
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "rvdlm/m_rtr/rtr_trim/methods/screwweights.h"
+
+/// Finds the placement of two or three screws of a table in a ring of equally spaced holes whose vector sum
+/// comes closest to a target.
+///
+/// The result is by definition, and in every bit, that of this enumeration of all placements: holes h1 < h2 <
+/// h3 from the outermost loop inwards, then the table's entries s1, s2, s3; a placement replaces the best so
+/// far only if its squared deviation is less by more than eMargin, beginning from eStart. How the search gets
+/// there without the enumeration is told, with the proof, in the .cpp.
+class CScrewSearch {
+public:
+    /// Squared grams by which a placement must be better.
+    static constexpr double eMargin = 2.220446049250313e-13;
+    /// A placement with a deviation from (100000, 100000) on is none.
+    static constexpr double eStart = 100000.0 * 100000.0 + 100000.0 * 100000.0;
+    static constexpr std::size_t eMaxScrews = 3;
+
+    struct CVector {
+        double x = 0.0;
+        double y = 0.0;
+    };
+    struct CPlacement {
+        std::array<std::uint16_t, eMaxScrews> m_Holes{};    ///< from 0, hole 0 on the x axis
+        std::array<std::uint16_t, eMaxScrews> m_Entries{};  ///< of the table
+        CVector m_Sum;                                      ///< grams
+        CVector m_Delta;                                    ///< sum less target
+    };
+
+    /// Weights of the table in grams, in its order. bThreeScrews false: two. Table and holes count in 16
+    /// bits.
+    CScrewSearch(std::span<const double> Table, bool bThreeScrews, int nHoles);
+
+    /// The placement for a target in grams; none if there is none, or all are too far away.
+    std::optional<CPlacement> Find(CVector Target);
+
+private:
+    using CHoles = std::array<std::size_t, eMaxScrews>;
+
+    /// A placement in the present set of holes that may count.
+    struct CCandidate {
+        double m_Deviation;   ///< squared
+        std::uint64_t m_Key;  ///< the three entries; rises in the order of the enumeration
+    };
+    /// How the screws of a set of holes share the work: a is fixed, b and c follow from it.
+    struct CRoles {
+        std::size_t a, b, c;  ///< index in CHoles
+    };
+
+    CVector GetDirection(std::size_t Hole) const { return m_Directions[Hole]; }
+    /// Sum and squared deviation by the expressions of the definition.
+    CVector GetSum(const CHoles& rHoles, const std::array<double, eMaxScrews>& rWeights) const;
+    double GetDeviation(CVector Sum) const;
+
+    void SetTarget(CVector Target);
+    /// Calls Visit for every set out of n holes in the order of the enumeration, until it returns false.
+    template <typename F>
+    void ForEachSet(std::size_t n, F Visit) const;
+    /// A squared deviation that some placement has.
+    double EstimateBest();
+    double EstimateInSet(const CHoles& rHoles);
+    double EstimatePair(const CHoles& rHoles, std::array<double, eMaxScrews>& rWeights, CRoles Roles,
+                        CVector Rest) const;
+    /// One walk over all sets of holes. False if the walk can't tell the result.
+    bool Walk(double Bound);
+    void SetLow(double Low);
+    bool IsDecided() const { return m_bKnown && m_Low <= eMargin; }
+    bool CanReach(const CHoles& rHoles) const;
+    void SearchSet(const CHoles& rHoles);
+    void SearchTriple(const CHoles& rHoles);
+    void SearchPair(const CHoles& rHoles, std::array<std::size_t, eMaxScrews>& rIndices, CRoles Roles,
+                    CVector Rest);
+    void SearchEverything(const CHoles& rHoles);
+    void Consider(const CHoles& rHoles, const std::array<std::size_t, eMaxScrews>& rIndices);
+    void Compact();
+    void Decide(const CHoles& rHoles);
+
+    CScrewWeights m_Weights;
+    bool m_bThree;
+    std::size_t m_nHoles;
+    std::vector<double> m_Table;
+    std::vector<CVector> m_Directions;  ///< per hole
+    /// Per distance d of two holes: range of weight * sin(angle between them).
+    std::vector<double> m_CrossLow;
+    std::vector<double> m_CrossHigh;
+    double m_Largest = 0.0;  ///< absolute weight
+
+    // Of a Find.
+    CVector m_Target;
+    CVector m_Axis;                  ///< unit vector towards the target
+    double m_Length = 0.0;           ///< of the target
+    std::vector<double> m_Cross;     ///< per hole: its direction x target
+    std::vector<double> m_Along;     ///< per hole: its direction . axis
+    std::vector<double> m_MaxAlong;  ///< per hole: the most that a screw adds along the axis
+    double m_Rounding = 0.0;         ///< well above the rounding error of any length
+    bool m_bPlain = false;           ///< numbers too large for the bounds: nothing is pruned
+
+    // Of a walk.
+    double m_Low = 0.0;     ///< the enumeration's state is at least this, and exactly this if it is known
+    bool m_bKnown = false;  ///< the enumeration's state is known
+    double m_Reach = 0.0;   ///< radius around the target in which placements count, rounding included
+    std::optional<CPlacement> m_Best;
+    std::vector<CCandidate> m_Candidates;
+    std::size_t m_CompactAt = 0;
+};
