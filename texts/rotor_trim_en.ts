@@ -221,6 +221,16 @@
         <extracomment>Warning; PB_CANNOT_BALANCE1 follows in the same line</extracomment>
         <translation>Re-balancing impossible.</translation>
     </message>
+    <message id="PB_SCREW_TABLE_EMPTY">
+        <source>The screw table is empty; it can't be balanced with.</source>
+        <extracomment>Message box; the name of the table follows in brackets</extracomment>
+        <translation>The screw table is empty; it can't be balanced with.</translation>
+    </message>
+    <message id="PB_SCREW_TABLE_BAD_WEIGHT">
+        <source>A weight in the screw table is negative or not a number; it can't be balanced with.</source>
+        <extracomment>Message box; the name of the table follows in brackets</extracomment>
+        <translation>A weight in the screw table is negative or not a number; it can't be balanced with.</translation>
+    </message>
     <message id="PB_UNBAL_OVER_LIMIT_TEXT">
         <source>The unbalance is over the target.</source>
         <extracomment>Warning after the final measurement</extracomment>

@@ -1,7 +1,9 @@
 #pragma once
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <vector>
 
 /// Where a running procedure stands, for the host: its report, its progress line, a reader for people who
 /// can't see the page. Filled by the module's window on message WM_RV_QUERYPROGRESS with a pointer to this in
@@ -25,4 +27,12 @@ struct CPreBalProgress {
         double m_AngleDeg = 0.0;
     };
     std::array<CReading, 2> m_Readings;
+    /// A screw that the procedure shows.
+    struct CScrew {
+        std::uint32_t m_Hole = 0;  ///< from 1, clockwise as seen from the plane's end, whatever the scale
+        double m_Grams = 0.0;      ///< exact; a notification has hundredths
+    };
+    /// The screws on show per plane, none that isn't placed; no list for a plane that has no screws as its
+    /// means.
+    std::array<std::optional<std::vector<CScrew>>, 2> m_Screws;
 };

@@ -17,6 +17,35 @@ void CPlaneBalancingMethod::PaintPlaneTitle(CDC* pDC, const CRect& rRect, int Pl
     }
 }
 
+void CPlaneBalancingMethod::PaintByMode(CDC* pDC, const CRect& rRect, bool bRedrawAll,
+                                        const PaintView& rPaintView) const {
+    const int Saved = pDC->SaveDC();
+    switch (m_DisplayMode) {
+        case eEmpty:
+            RV_ASSERT(RtrTrim::g_pLog, bRedrawAll, "must be TRUE!");
+            break;
+        case eNeutralPosition:
+        case eTestUnbalance:
+        case eUACompensation:
+        case eInactive:
+            RV_ASSERT(RtrTrim::g_pLog, bRedrawAll, "must be TRUE!");
+            rPaintView(nullptr, nullptr, nullptr);
+            if (m_DisplayMode == eInactive) {
+                CBalancingView::DrawInactive(pDC, rRect);
+            }
+            break;
+        case eMeasurementValues: {
+            double Magnitude = 0.0;
+            double Angle = 0.0;
+            double LastMagnitude = 0.0;
+            m_MovingAverage.GetValues(&Magnitude, &Angle, &LastMagnitude, nullptr, nullptr);
+            rPaintView(&Magnitude, &Angle, &LastMagnitude);
+            break;
+        }
+    }
+    pDC->RestoreDC(Saved);
+}
+
 const char* CPlaneBalancingMethod::DisplayModeToString(DisplayMode Mode) {
     static constexpr std::array s_Names = {"eEmpty",         "eNeutralPosition", "eInactive",
                                            "eTestUnbalance", "eUACompensation",  "eMeasurementValues"};

@@ -1,10 +1,13 @@
 #pragma once
 #include <cstdint>
+#include <functional>
 
 #include "platform/rvmdb/typebase.h"
 #include "platform/window/rect.h"
+#include "rvdlm/m_rtr/rtr_trim/methods/screw.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/keyaction.h"
 #include "rvlib/math/matrix.h"
+#include "rvlib/rvbas/array.h"
 #include "rvlib/rvbas/xymovingaverage.h"
 
 class CDC;
@@ -58,6 +61,8 @@ public:
     /// Writes the positions of this plane into the notification.
     virtual void FillNotification(CPreBalNotification& rNotification) = 0;
     virtual void GetWeightPositions(int& rAngleWeight1, int& rAngleWeight2) = 0;
+    /// The screws that are on show, holes counted clockwise; null for means that are no screws.
+    virtual const Base::CWDArray<CScrew>* GetScrews() const { return nullptr; }
 
     /// Takes a live sample in counts.
     void AddMeasurementValue(std::int16_t x, std::int16_t y) { m_MovingAverage.AddValue(x, y); }
@@ -69,4 +74,11 @@ public:
     CXYMovingAverage m_MovingAverage;
     DisplayMode m_DisplayMode = eEmpty;
     int m_MeasurementDisplayState = eNormal;  ///< written by the sequences
+
+protected:
+    /// Paints a view: with the live measurement, or without it (all null).
+    using PaintView =
+        std::function<void(const double* pMagnitude, const double* pAngle, const double* pLastMagnitude)>;
+    /// What the present mode shows. Only the live measurement may be painted without the rest.
+    void PaintByMode(CDC* pDC, const CRect& rRect, bool bRedrawAll, const PaintView& rPaintView) const;
 };

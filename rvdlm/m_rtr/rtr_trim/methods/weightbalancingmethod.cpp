@@ -343,35 +343,14 @@ void CWeightBalancingMethod::CorrectWeights(int Step, int Old1, int Old2) {
 }
 
 void CWeightBalancingMethod::Paint(CDC* pDC, const CRect& rRect, bool bRedrawAll) {
-    const int Saved = pDC->SaveDC();
     m_Angle1 = m_AngleWeight1;
     m_Angle2 = m_AngleWeight2;
-    switch (m_DisplayMode) {
-        case eEmpty:
-            RV_ASSERT(RtrTrim::g_pLog, bRedrawAll, "must be TRUE!");
-            break;
-        case eNeutralPosition:
-        case eTestUnbalance:
-        case eUACompensation:
-        case eInactive:
-            RV_ASSERT(RtrTrim::g_pLog, bRedrawAll, "must be TRUE!");
-            CWeightBalancingView::Paint(pDC, rRect, nullptr, nullptr, nullptr, true,
-                                        m_MeasurementDisplayState);
-            if (m_DisplayMode == eInactive) {
-                DrawInactive(pDC, rRect);
-            }
-            break;
-        case eMeasurementValues: {
-            double Magnitude = 0.0;
-            double Angle = 0.0;
-            double LastMagnitude = 0.0;
-            m_MovingAverage.GetValues(&Magnitude, &Angle, &LastMagnitude, nullptr, nullptr);
-            CWeightBalancingView::Paint(pDC, rRect, &Magnitude, &Angle, &LastMagnitude, bRedrawAll,
-                                        m_MeasurementDisplayState);
-            break;
-        }
-    }
-    pDC->RestoreDC(Saved);
+    PaintByMode(pDC, rRect, bRedrawAll,
+                [&](const double* pMagnitude, const double* pAngle, const double* pLastMagnitude) {
+                    CWeightBalancingView::Paint(pDC, rRect, pMagnitude, pAngle, pLastMagnitude,
+                                                pMagnitude == nullptr || bRedrawAll,
+                                                m_MeasurementDisplayState);
+                });
 }
 
 void CWeightBalancingMethod::FillNotification(CPreBalNotification& rNotification) {

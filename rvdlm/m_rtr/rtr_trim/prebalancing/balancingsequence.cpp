@@ -147,6 +147,15 @@ void CBalancingSequence::GetProgress(CPreBalProgress& rProgress) const {
         rReading.m_bShown = true;
         rReading.m_bComplete = rAverage.GetValuesComplete() != 0;
         rAverage.GetValues(&rReading.m_Amplitude, &rReading.m_AngleDeg, nullptr, nullptr, nullptr);
+        if (const Base::CWDArray<CScrew>* pScrews = rPlane.m_pMethod->GetScrews()) {
+            std::vector<CPreBalProgress::CScrew> Screws;
+            for (const CScrew& rScrew : *pScrews) {
+                if (rScrew.m_Hole != 0) {
+                    Screws.push_back({rScrew.m_Hole, rScrew.m_Weight});
+                }
+            }
+            rProgress.m_Screws.at(rPlane.m_Sensor) = Screws;
+        }
     }
 }
 

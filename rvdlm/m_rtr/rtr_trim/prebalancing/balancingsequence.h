@@ -99,7 +99,7 @@ protected:
     struct CPlaneRecord {
         CompensationMethod m_Used;
         std::function<const PreBalDB::CWeightCompensationTableEntry&()> CreateWeights;
-        std::function<const PreBalDB::CScrewCompensationTableEntry&()> CreateScrews;
+        std::function<PreBalDB::CScrewCompensationTableEntry&()> CreateScrews;
     };
     /// A plane with the means of its record. PlaneIndex: 0 first, 1 second, as the method draws and reports
     /// it, whatever the sensor. A record of neither kind is asserted, and gets weights.

@@ -1,16 +1,63 @@
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/procedurechoice.h"
 
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include "platform/rvldb/gettext.h"
+#include "platform/window/messagebox.h"
 #include "rvdlm/m_rtr/rtr_trim/log.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/singleplanebalancing.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/twoplanebalancing.h"
 
 using PreBalDB::CPreBalDatabase;
+using PreBalDB::CScrewCompensationTableEntry;
 using RtrTrim::g_pLog;
+
+namespace {
+
+/// What keeps a screw table from being used, as a text for the operator; empty if nothing does.
+std::string FindFault(const CScrewCompensationTableEntry& rScrews) {
+    const Base::CWDArray<PreBalDB::CScrew> Table = rScrews.GetScrewTable();
+    const bool bWeights = std::all_of(Table.begin(), Table.end(), [](const PreBalDB::CScrew& rScrew) {
+        return std::isfinite(rScrew.GetWeight()) && rScrew.GetWeight() >= 0.0;
+    });
+    if (!Table.IsEmpty() && bWeights) {
+        return {};
+    }
+    return GetText(Table.IsEmpty() ? "PB_SCREW_TABLE_EMPTY" : "PB_SCREW_TABLE_BAD_WEIGHT") + " (" +
+           rScrews.GetScrewTableName() + ")";
+}
+
+/// Whether the means of the mode's planes can be worked with. If not, log and operator are told.
+bool CanBalance(const PreBalDB::CPreBalBaseTableEntry& rEntry, bool bTwoPlane) {
+    std::array<const CScrewCompensationTableEntry*, 2> Screws{};
+    if (const auto* pPlanes = rEntry.GetTwoPlane(); bTwoPlane && pPlanes != nullptr) {
+        Screws = {pPlanes->GetPlane1ScrewCompensationTableEntry(),
+                  pPlanes->GetPlane2ScrewCompensationTableEntry()};
+    } else if (const auto* pPlane = rEntry.GetSinglePlane(); !bTwoPlane && pPlane != nullptr) {
+        Screws = {pPlane->GetScrewCompensationTableEntry(), nullptr};
+    }
+    for (const CScrewCompensationTableEntry* pScrews : Screws) {
+        const std::string Fault = pScrews != nullptr ? FindFault(*pScrews) : std::string();
+        if (!Fault.empty()) {
+            RV_ERROR(g_pLog, "nothing is started: %s", Fault.c_str());
+            ShowMessageBox(Fault, "Error");
+            return false;
+        }
+    }
+    return true;
+}
+
+}  // namespace
 
 std::unique_ptr<CPreBalancing> MakeProcedure(CPreBalDatabase::BalancingMode Mode,
                                              CPreBalMainWndInterface* pMainWnd,
                                              PreBalDB::CPreBalBaseTableEntry& rEntry,
                                              const std::string& rSetName) {
+    if (!CanBalance(rEntry, Mode == CPreBalDatabase::eModeTwoPlane)) {
+        return nullptr;
+    }
     switch (Mode) {
         case CPreBalDatabase::eModePlane1:
             return std::make_unique<CSinglePlaneBalancing>(pMainWnd, 0, rEntry, rSetName);

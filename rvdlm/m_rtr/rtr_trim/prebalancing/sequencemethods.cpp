@@ -1,5 +1,6 @@
 // The means of a plane, as the configuration names them.
 #include "rvdlm/m_rtr/rtr_trim/log.h"
+#include "rvdlm/m_rtr/rtr_trim/methods/screwbalancingmethod.h"
 #include "rvdlm/m_rtr/rtr_trim/methods/weightbalancingmethod.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/balancingsequence.h"
 
@@ -15,15 +16,11 @@ CBalancingSequence::CPlane CBalancingSequence::MakePlane(std::size_t Sensor, uns
     switch (rRecord.m_Used) {
         case PreBalDB::CCompensationTableEntry::eWeights:
             break;
-        case PreBalDB::CCompensationTableEntry::eScrews: {
-            // TODO: the screw method belongs here. Until it exists a plane with screws is run with weights;
-            // the configuration keeps its screws, so the entry is one of its own.
-            RV_ASSERT_FAIL(RtrTrim::g_pLog, "inconsistent database");
-            PreBalDB::CWeightCompensationTableEntry Entry;
-            Entry.SetScalingDirection(rRecord.CreateScrews().GetScalingDirection());
-            Plane.m_pMethod = MakeWeights(Entry);
+        case PreBalDB::CCompensationTableEntry::eScrews:
+            Plane.m_pMethod = std::make_unique<CScrewBalancingMethod>(rRecord.CreateScrews(), PlaneIndex,
+                                                                      m_pEntry->GetNumberOfSamples());
+            Plane.m_CompensationMethod = rRecord.m_Used;
             return Plane;
-        }
         default:
             RV_ASSERT_FAIL(RtrTrim::g_pLog, "inconsistent database");
             break;

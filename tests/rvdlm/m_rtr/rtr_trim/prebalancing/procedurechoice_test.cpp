@@ -2,9 +2,14 @@
 
 #include <gmock/gmock.h>
 
+#include <limits>
+
+#include "platform/rvldb/gettext.h"
 #include "platform/system/virtualeventloop.h"
+#include "platform/window/messagebox.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/singleplanebalancing.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/twoplanebalancing.h"
+#include "tests/rvdlm/m_rtr/rtr_trim/screwentry.h"
 #include "tests/support/fakemainwnd.h"
 #include "tests/support/logcapture.h"
 #include "tests/support/testinstallation.h"
@@ -56,6 +61,35 @@ TEST_F(CProcedureChoiceTest, AnUnknownModeIsPlaneOneAfterAWarning) {
     EXPECT_NE(dynamic_cast<CSinglePlaneBalancing*>(pProcedure.get()), nullptr);
     EXPECT_THAT(m_Log.GetTexts("Warning"),
                 ElementsAre("no valid pointer, creating default: CSinglePlaneBalancing(...)!"));
+}
+
+// The screws are the test's own, so that the table is what the message names.
+TEST_F(CProcedureChoiceTest, AScrewTableThatCantBeUsedStartsNothingAndTheOperatorIsTold) {
+    using Table = Base::CWDArray<PreBalDB::CScrew>;
+    const std::pair<Table, std::string> Cases[] = {
+        {{}, "PB_SCREW_TABLE_EMPTY"},
+        {{{"", 1.0}, {"", -0.5}}, "PB_SCREW_TABLE_BAD_WEIGHT"},
+        {{{"", std::numeric_limits<double>::infinity()}}, "PB_SCREW_TABLE_BAD_WEIGHT"},
+    };
+    for (const auto& [rTable, rKey] : Cases) {
+        CScrewEntry Entry(rTable);
+        TakeShownMessages();
+        m_Log.Clear();
+        EXPECT_EQ(MakeProcedure(CPreBalDatabase::eModePlane1, &m_MainWnd, Entry.Base(), ""), nullptr);
+        const std::string Text = GetText(rKey) + " (table)";
+        const std::vector<CShownMessage> Shown = TakeShownMessages();
+        ASSERT_EQ(Shown.size(), 1U);
+        EXPECT_EQ(Shown.front().m_Text, Text);
+        EXPECT_THAT(m_Log.GetTexts("Error"), ElementsAre(HasSubstr(Text)));
+        EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
+    }
+}
+
+TEST_F(CProcedureChoiceTest, ScrewsThatCanBeUsedMakeAProcedure) {
+    CScrewEntry Entry({{"nothing", 0.0}, {"one", 1.0}});
+    EXPECT_NE(MakeProcedure(CPreBalDatabase::eModePlane1, &m_MainWnd, Entry.Base(), ""), nullptr);
+    EXPECT_THAT(TakeShownMessages(), IsEmpty());
+    EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
 }
 
 }  // namespace

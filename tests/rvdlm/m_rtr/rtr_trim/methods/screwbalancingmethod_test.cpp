@@ -1,0 +1,284 @@
+#include "rvdlm/m_rtr/rtr_trim/methods/screwbalancingmethod.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+#include "platform/rvopc/prebalinterfacefromnctestweight.h"
+#include "platform/system/virtualeventloop.h"
+#include "platform/window/dc.h"
+#include "rvdlm/m_rtr/rtr_trim/prebalnotification.h"
+#include "tests/rvdlm/m_rtr/rtr_trim/screwentry.h"
+#include "tests/support/logcapture.h"
+#include "tests/support/opcstate.h"
+#include "tests/support/testinstallation.h"
+
+namespace {
+
+using PreBalDB::CTypeBase;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using Key = CKeyActions;
+using Method = CScrewBalancingMethod;
+using Table = Base::CWDArray<PreBalDB::CScrew>;
+using Fitted = Base::CWDArray<CScrew>;
+
+math::matrix<double> Vector(double x, double y) {
+    math::matrix<double> Result(2, 1);
+    Result(0, 0) = x;
+    Result(1, 0) = y;
+    return Result;
+}
+
+Table MakeTable(int nScrews) {
+    Table Result;
+    for (int i = 1; i <= nScrews; ++i) {
+        Result.Add({"M" + std::to_string(i), static_cast<double>(i)});
+    }
+    return Result;
+}
+
+class ScrewBalancingMethod : public testing::Test {
+protected:
+    std::unique_ptr<Method> Make(const Table& rTable, unsigned Plane = 0, std::uint32_t nHoles = 12,
+                                 std::uint8_t nScrews = 2) {
+        m_pEntry.reset();
+        m_pEntry = std::make_unique<CScrewEntry>(rTable, nHoles, nScrews);
+        return std::make_unique<Method>(m_pEntry->Screws(), Plane, 3);
+    }
+    /// Name of the test screw that a new method offers.
+    std::string GetTestScrew(const Table& rTable) {
+        const auto pMethod = Make(rTable);
+        pMethod->SetDisplayMode(Method::eTestUnbalance);
+        EXPECT_EQ(pMethod->GetScrews()->GetSize(), 1U);
+        EXPECT_EQ((*pMethod->GetScrews())[0].m_Hole, 1);
+        EXPECT_EQ(m_pEntry->Screws().GetReferenceWeight(), (*pMethod->GetScrews())[0].m_Weight);
+        return (*pMethod->GetScrews())[0].m_Name;
+    }
+    void LinkTestWeight(const COpcValue& rValue) {
+        COpcDatabase::GetInstance()->SetOpcLinkItem(CPreBalInterfaceFromNcTestWeight::ms_pKey, "weight");
+        COPCConnection::CreateInstance()->Connect("", 0);
+        m_Opc.GetServer().Write("weight", rValue);
+    }
+
+    CTestInstallation m_Installation;
+    CVirtualEventLoop m_Loop;
+    CCleanOpcState m_Opc;
+    CLogCapture m_Log;
+    std::unique_ptr<CScrewEntry> m_pEntry;
+};
+
+TEST_F(ScrewBalancingMethod, StartsWithTheMiddleOfTheTable) {
+    EXPECT_EQ(GetTestScrew(MakeTable(5)), "M3");
+    EXPECT_EQ(GetTestScrew(MakeTable(4)), "M3");
+    EXPECT_EQ(GetTestScrew(MakeTable(1)), "M1");
+    EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
+}
+
+TEST_F(ScrewBalancingMethod, TheNCPresetsTheFirstScrewThatIsHeavyEnough) {
+    const std::pair<double, const char*> Cases[] = {{2.5, "M3"}, {3.000001, "M3"}, {10.0, "M3"},
+                                                    {0.0, "M1"}, {2.00002, "M3"},  {2.000009, "M2"}};
+    for (const auto& [Wanted, pName] : Cases) {
+        LinkTestWeight(Wanted);
+        EXPECT_EQ(GetTestScrew(MakeTable(3)), pName) << Wanted;
+    }
+    EXPECT_THAT(m_Log.GetTexts("Information"), Contains("Setting OPC TestWeight: 2/3g"));
+    EXPECT_EQ(COpcDatabase::GetInstance()->GetRefCount(), 0U);
+}
+
+TEST_F(ScrewBalancingMethod, WithoutAReadableLinkTheMiddleStays) {
+    EXPECT_EQ(GetTestScrew(MakeTable(5)), "M3");  // no connection
+    COPCConnection::CreateInstance()->Connect("", 0);
+    EXPECT_EQ(GetTestScrew(MakeTable(5)), "M3");  // no link
+    LinkTestWeight(std::string("heavy"));
+    EXPECT_EQ(GetTestScrew(MakeTable(5)), "M3");  // no number
+    EXPECT_EQ(COpcDatabase::GetInstance()->GetRefCount(), 0U);
+}
+
+TEST_F(ScrewBalancingMethod, KeysChangeTheTestScrewAndWrapAround) {
+    const auto pMethod = Make(MakeTable(3));
+    pMethod->SetDisplayMode(Method::eTestUnbalance);
+    const auto Press = [&](Key::KeyAction Action) {
+        EXPECT_TRUE(pMethod->KeyPressed(Action, 7));
+        EXPECT_EQ(pMethod->GetScrews()->GetSize(), 1U);
+        EXPECT_EQ(m_pEntry->Screws().GetReferenceWeight(), (*pMethod->GetScrews())[0].m_Weight);
+        return (*pMethod->GetScrews())[0].m_Name;
+    };
+    EXPECT_EQ(Press(Key::eIncrement), "M3");
+    EXPECT_EQ(Press(Key::eIncrement), "M1");
+    EXPECT_EQ(Press(Key::eDecrement), "M3");
+    EXPECT_EQ(Press(Key::eDecrement), "M2");
+    EXPECT_EQ(Press(Key::eNeutralPosition), "M2");  // any other key
+    EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
+}
+
+// Plain: the mode comes without its screw.
+TEST_F(ScrewBalancingMethod, ATestModeWithoutItsScrewIsAsserted) {
+    const auto pMethod = Make(MakeTable(3));
+    pMethod->SetPlainDisplayMode(Method::eTestUnbalance);
+    EXPECT_TRUE(pMethod->KeyPressed(Key::eIncrement, 0));
+    EXPECT_TRUE(pMethod->GetScrews()->IsEmpty());
+    EXPECT_EQ(m_pEntry->Screws().GetReferenceWeight(), 1.0);
+    EXPECT_THAT(m_Log.GetAssertions(), ElementsAre("more than one screw in testmode"));
+}
+
+TEST_F(ScrewBalancingMethod, TheNeutralKeyTakesComputedScrewsOut) {
+    const auto pMethod = Make(MakeTable(3));
+    pMethod->SetUA(Vector(2.0, 1.0), nullptr, true);
+    pMethod->SetDisplayMode(Method::eUACompensation);
+    EXPECT_EQ(pMethod->GetScrews()->GetSize(), 2U);
+    EXPECT_TRUE(pMethod->KeyPressed(Key::eIncrement, 0));
+    EXPECT_EQ(pMethod->GetScrews()->GetSize(), 2U);
+    EXPECT_TRUE(pMethod->KeyPressed(Key::eNeutralPosition, 0));
+    EXPECT_TRUE(pMethod->GetScrews()->IsEmpty());
+    EXPECT_TRUE(pMethod->GetUA() == Vector(0.0, 0.0));
+}
+
+TEST_F(ScrewBalancingMethod, KeysInOtherModesAreAsserted) {
+    const auto pMethod = Make(MakeTable(3));
+    pMethod->SetDisplayMode(Method::eInactive);
+    EXPECT_TRUE(pMethod->KeyPressed(Key::eIncrement, 0));
+    EXPECT_THAT(m_Log.GetAssertions(), ElementsAre("impossible"));
+}
+
+TEST_F(ScrewBalancingMethod, DisplayModesBringTheScrewsToTheirPosition) {
+    const auto pMethod = Make(MakeTable(3));
+    pMethod->SetUA(Vector(2.0, 1.0), nullptr, true);
+    pMethod->AddMeasurementValue(100, 0);
+    pMethod->SetDisplayMode(Method::eInactive);
+    EXPECT_EQ(pMethod->GetScrews()->GetSize(), 2U);
+    double Magnitude = -1.0;
+    pMethod->m_MovingAverage.GetValues(&Magnitude, nullptr, nullptr, nullptr, nullptr);
+    EXPECT_EQ(Magnitude, 0.0);  // a new mode begins a new average
+    pMethod->SetPlainDisplayMode(Method::eNeutralPosition);
+    EXPECT_EQ(pMethod->GetScrews()->GetSize(), 2U);
+    pMethod->SetDisplayMode(Method::eNeutralPosition);
+    EXPECT_TRUE(pMethod->GetScrews()->IsEmpty());
+    EXPECT_TRUE(pMethod->GetUA() == Vector(0.0, 0.0));
+}
+
+TEST_F(ScrewBalancingMethod, AVectorOfNothingNeedsNoSearch) {
+    const auto pMethod = Make(MakeTable(3));
+    pMethod->SetUA(Vector(2.0, 1.0), nullptr, true);
+    double Percent = 42.0;
+    EXPECT_TRUE(pMethod->SetUA(Vector(0.0, 0.0), &Percent, true));
+    EXPECT_TRUE(pMethod->GetScrews()->IsEmpty());
+    EXPECT_EQ(Percent, 42.0);
+    EXPECT_TRUE(pMethod->GetUA() == Vector(0.0, 0.0));
+}
+
+// With a reference weight of 2 g: 3 g in hole 1, and 1 g in hole 4, which is at 90 degrees.
+TEST_F(ScrewBalancingMethod, SetUAPlacesScrewsForTheReferenceWeight) {
+    const auto pMethod = Make(MakeTable(3));
+    m_pEntry->Screws().SetReferenceWeight(2.0);
+    double Percent = -1.0;
+    EXPECT_TRUE(pMethod->SetUA(Vector(1.5, 0.5), &Percent, true));
+    EXPECT_EQ(*pMethod->GetScrews(), (Fitted{{1, 3.0, "M3"}, {4, 1.0, "M1"}}));
+    EXPECT_EQ(Percent, 0.0);
+    const math::matrix<double> UA = pMethod->GetUA();
+    EXPECT_NEAR(UA(0, 0), 1.5, 1e-15);
+    EXPECT_NEAR(UA(1, 0), 0.5, 1e-15);
+}
+
+TEST_F(ScrewBalancingMethod, AShortageShowsInThePercentageOnly) {
+    const auto pMethod = Make(MakeTable(5));
+    double Percent = 0.0;
+    EXPECT_TRUE(pMethod->SetUA(Vector(20.0, 0.0), &Percent, true));
+    EXPECT_NEAR(Percent, (20.0 / 9.659258262890683 - 1.0) * 100, 1e-9);  // 2 * 5 * cos(15 degrees)
+    EXPECT_EQ(pMethod->GetScrews()->GetSize(), 2U);
+}
+
+TEST_F(ScrewBalancingMethod, MenusOfTheSteps) {
+    const auto pMethod = Make(MakeTable(3));
+    EXPECT_EQ(pMethod->GetTestUnbalanceMenu(), 33);
+    EXPECT_EQ(pMethod->GetTestUnbalanceChangeMenu(), 3);
+    EXPECT_EQ(pMethod->GetCommitChangeMenu(1), 12);
+    EXPECT_EQ(pMethod->GetCommitChangeMenu(2), 13);
+    EXPECT_EQ(pMethod->GetCheckWeightsMenu(1), 12);
+    EXPECT_EQ(pMethod->GetCheckWeightsMenu(2), 13);
+    EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
+    EXPECT_EQ(pMethod->GetNeutralPositionMenu(1), 0);
+    EXPECT_THAT(m_Log.GetAssertions(), ElementsAre("impossible"));
+}
+
+TEST_F(ScrewBalancingMethod, WhatIsForWeightsOnlyDoesNothing) {
+    const auto pMethod = Make(MakeTable(3));
+    EXPECT_EQ(pMethod->GetTestUnbalanceVectorInDeg(), nullptr);
+    pMethod->SetTestUnbalanceVectorInDeg(Vector(10.0, 20.0));
+    int Angle1 = 5;
+    int Angle2 = 6;
+    pMethod->GetWeightPositions(Angle1, Angle2);
+    EXPECT_EQ(Angle1, 5);
+    EXPECT_EQ(Angle2, 6);
+}
+
+TEST_F(ScrewBalancingMethod, TheScaleIsClockwiseWhateverTheConfigurationSays) {
+    Make(MakeTable(3));
+    m_pEntry->Screws().SetScalingDirection(CTypeBase::eCounterClockwise);
+    Method CounterClockwise(m_pEntry->Screws(), 0, 3);
+    EXPECT_EQ(CounterClockwise.GetScalingDirection(), CTypeBase::eClockwise);
+}
+
+TEST_F(ScrewBalancingMethod, TheNotificationHasAnglesAndHundredthsOfAGram) {
+    const auto pMethod = Make({{"", 1.25}, {"", 2.5}});
+    pMethod->SetUA(Vector(2.5, 1.25), nullptr, true);
+    ASSERT_EQ(*pMethod->GetScrews(), (Fitted{{1, 2.5, ""}, {4, 1.25, ""}}));
+    CPreBalNotification Notification;
+    Notification.m_WeightsPlane2 = {7, 7, 7};
+    pMethod->FillNotification(Notification);
+    EXPECT_THAT(Notification.m_AnglesPlane1, ElementsAre(0, 90, -1));
+    EXPECT_THAT(Notification.m_WeightsPlane1, ElementsAre(250, 125, 0));
+    EXPECT_THAT(Notification.m_WeightsPlane2, ElementsAre(7, 7, 7));
+}
+
+TEST_F(ScrewBalancingMethod, AnglesAndWeightsAreRounded) {
+    // 7 holes are 51.43 degrees apart; 1.125 g is exact in binary, its hundredths round up.
+    const auto pMethod = Make({{"", 1.125}}, 1, 7, 3);
+    pMethod->SetUA(Vector(1.0, 0.0), nullptr, true);
+    CPreBalNotification Notification;
+    pMethod->FillNotification(Notification);
+    for (std::size_t i = 0; i < 3; ++i) {
+        const int nHole = (*pMethod->GetScrews())[i].m_Hole;
+        constexpr int Angles[] = {0, 51, 103, 154, 206, 257, 309};
+        EXPECT_EQ(Notification.m_AnglesPlane2[i], Angles[nHole - 1]);
+        EXPECT_EQ(Notification.m_WeightsPlane2[i], 113);
+    }
+}
+
+TEST_F(ScrewBalancingMethod, WithoutHolesTheNotificationStays) {
+    const auto pMethod = Make(MakeTable(3), 0, 0);
+    CPreBalNotification Notification;
+    Notification.m_AnglesPlane1 = {1, 2, 3};
+    pMethod->FillNotification(Notification);
+    EXPECT_THAT(Notification.m_AnglesPlane1, ElementsAre(1, 2, 3));
+}
+
+TEST_F(ScrewBalancingMethod, AnEmptyTableIsAnInvalidArgumentWhereAScrewIsNeeded) {
+    const auto pMethod = Make({});
+    EXPECT_THROW(pMethod->SetDisplayMode(Method::eTestUnbalance), std::invalid_argument);
+    EXPECT_THROW(pMethod->SetUA(Vector(1.0, 0.0), nullptr, true), std::invalid_argument);
+    EXPECT_TRUE(pMethod->SetUA(Vector(0.0, 0.0), nullptr, true));
+}
+
+TEST_F(ScrewBalancingMethod, OnlyTheMeasurementMayBePaintedWithoutTheRest) {
+    const auto pMethod = Make(MakeTable(3));
+    CBitmap Bitmap(CSize(300, 300));
+    CDC DC(Bitmap);
+    const CRect Rect(0, 0, 300, 300);
+    for (const auto Mode : {Method::eEmpty, Method::eNeutralPosition, Method::eInactive,
+                            Method::eTestUnbalance, Method::eUACompensation}) {
+        pMethod->SetPlainDisplayMode(Mode);
+        pMethod->Paint(&DC, Rect, true);
+        EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
+        pMethod->Paint(&DC, Rect, false);
+        EXPECT_THAT(m_Log.GetAssertions(), ElementsAre("must be TRUE!")) << Mode;
+        m_Log.Clear();
+    }
+    pMethod->SetDisplayMode(Method::eMeasurementValues);
+    pMethod->Paint(&DC, Rect, false);
+    EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
+}
+
+}  // namespace
