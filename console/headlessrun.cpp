@@ -199,14 +199,14 @@ bool CHeadlessRun::RunProcedure(Softkeys::Action Start) {
         Print("final" + DescribeReadings(rSituation) +
               Format(", target %u", rSituation.m_Progress.m_TargetUnbalance));
     };
-    Operator.OnWeightsFitted = [this](std::size_t Plane, std::size_t Column,
-                                      const std::vector<int>& rAngles) {
-        m_Report.SetWeights(Column, rAngles);
-        std::string Text;
-        for (const int Angle : rAngles) {
-            Text += Format("%s%d°", Text.empty() ? "" : ", ", Angle);
+    Operator.SetHoleRings(m_rSession.GetHoleRings());
+    Operator.OnFitted = [this](const COperator::CFitting& rFitting) {
+        if (rFitting.m_bScrews) {
+            m_Report.SetScrews(rFitting.m_Column, rFitting.m_Screws);
+        } else {
+            m_Report.SetWeights(rFitting.m_Column, rFitting.m_Angles);
         }
-        Print(Format("weights of plane %zu to ", Plane + 1) + Text);
+        Print(COperator::Describe(rFitting));
     };
     m_ProgressTimerID = IFEventLoop::Current().SetTimer(PROGRESS_PERIOD, [this](std::uint32_t) {
         const CSituation Situation = m_rSession.Look();

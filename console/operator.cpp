@@ -1,5 +1,6 @@
 #include "console/operator.h"
 
+#include <cstdio>
 #include <utility>
 
 #include "platform/system/eventloop.h"
@@ -12,6 +13,17 @@ std::string DescribeAngles(const std::vector<int>& rAngles) {
         Text += (Text.empty() ? "" : ", ") + std::to_string(Angle) + "°";
     }
     return Text;
+}
+
+std::string DescribeScrews(const std::vector<CRotorScrew>& rScrews) {
+    std::string Text;
+    for (const CRotorScrew& rScrew : rScrews) {
+        char Grams[64];
+        std::snprintf(Grams, sizeof Grams, "%g", rScrew.m_Grams);
+        Text +=
+            (Text.empty() ? "" : ", ") + std::string(Grams) + " g in hole " + std::to_string(rScrew.m_Hole);
+    }
+    return Text.empty() ? "none" : Text;
 }
 
 }  // namespace
@@ -135,41 +147,59 @@ void COperator::SetSpeed(std::uint32_t RPM) {
 
 void COperator::FitWeights(const CSituation& rSituation) {
     m_ToFit.clear();
-    m_Columns.clear();
     for (std::size_t Plane = 0; Plane < rSituation.m_Progress.m_Readings.size(); ++Plane) {
-        m_ToFit.push_back(rSituation.GetAngles(Plane));
-        m_Columns.push_back(rSituation.GetColumn(Plane));
+        CFitting Fitting{Plane, rSituation.GetColumn(Plane), {}, rSituation.HasScrews(Plane), {}};
+        if (Fitting.m_bScrews) {
+            // No screw at all is a fitting too: those of the last run come out.
+            Fitting.m_Screws = rSituation.GetScrews(Plane, m_Rings.at(Plane));
+        } else {
+            Fitting.m_Angles = rSituation.GetAngles(Plane);
+        }
+        if (Fitting.m_bScrews || !Fitting.m_Angles.empty()) {
+            m_ToFit.push_back(std::move(Fitting));
+        }
     }
-    FitPlane(0);
+    FitFrom(0);
 }
 
-void COperator::FitPlane(std::size_t Plane) {
-    while (Plane < m_ToFit.size() && m_ToFit[Plane].empty()) {
-        ++Plane;
-    }
-    if (Plane == m_ToFit.size()) {
-        // Somebody else confirms by the softkey, or by starting the spindle, once the weights are where they
-        // belong.
+std::string COperator::Describe(const CFitting& rFitting) {
+    const std::string Plane = std::to_string(rFitting.m_Plane + 1);
+    return rFitting.m_bScrews ? "screws of plane " + Plane + ": " + DescribeScrews(rFitting.m_Screws)
+                              : "weights of plane " + Plane + " to " + DescribeAngles(rFitting.m_Angles);
+}
+
+void COperator::FitFrom(std::size_t Place) {
+    if (Place == m_ToFit.size()) {
+        // Somebody else confirms by the softkey, or by starting the spindle, once everything is where it
+        // belongs.
         if (m_pMachine != nullptr) {
             Confirm();
         }
         return;
     }
-    const std::vector<int>& rAngles = m_ToFit[Plane];
-    if (OnWeightsFitted) {
-        OnWeightsFitted(Plane, m_Columns[Plane], rAngles);
+    const CFitting& rFitting = m_ToFit[Place];
+    if (OnFitted) {
+        OnFitted(rFitting);
     }
     if (m_pMachine == nullptr) {
-        const std::string Text = "Please set the weights of plane " + std::to_string(Plane + 1) + " to " +
-                                 DescribeAngles(rAngles) + ", then start the spindle.";
+        const std::string Text = "Please set the " + Describe(rFitting) + ", then start the spindle.";
         if (std::exchange(m_LastSaid, Text) != Text) {
             m_rPanel.Say(Text);
         }
-        FitPlane(Plane + 1);
+        FitFrom(Place + 1);
         return;
     }
-    Command({{"weights", {{"plane", Plane + 1}, {"angles", rAngles}}}},
-            [this, Plane] { FitPlane(Plane + 1); });
+    const std::size_t Plane = rFitting.m_Plane + 1;
+    nlohmann::json Request;
+    if (rFitting.m_bScrews) {
+        Request["screws"] = {{"plane", Plane}, {"fitted", nlohmann::json::array()}};
+        for (const CRotorScrew& rScrew : rFitting.m_Screws) {
+            Request["screws"]["fitted"].push_back({{"hole", rScrew.m_Hole}, {"grams", rScrew.m_Grams}});
+        }
+    } else {
+        Request["weights"] = {{"plane", Plane}, {"angles", rFitting.m_Angles}};
+    }
+    Command(Request, [this, Place] { FitFrom(Place + 1); });
 }
 
 void COperator::Confirm() {

@@ -1,4 +1,5 @@
 #pragma once
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <nlohmann/json.hpp>
@@ -33,6 +34,8 @@ public:
     /// WorkingSpeed in rpm: for the measurement whose speed the procedure leaves to the operator. pMachine
     /// may be null.
     COperator(IFOperatorPanel& rPanel, IFMachine* pMachine, std::uint32_t WorkingSpeed);
+    /// The rings of holes of the machine's planes, for screws.
+    void SetHoleRings(const std::array<CHoleRing, 2>& rRings) { m_Rings = rRings; }
     ~COperator();
     COperator(const COperator&) = delete;
     COperator& operator=(const COperator&) = delete;
@@ -47,9 +50,17 @@ public:
     /// Just before a measurement is accepted by the softkey, and before the final verdict is.
     std::function<void(const CSituation&)> OnMeasurementAccepted;
     std::function<void(const CSituation&)> OnVerdictAccepted;
-    /// Plane of the machine, and its place among those of the procedure; both count from 0.
-    std::function<void(std::size_t Plane, std::size_t Column, const std::vector<int>& rAngles)>
-        OnWeightsFitted;
+    /// What is fitted to a plane of the machine, in place of what is there: weights or screws.
+    struct CFitting {
+        std::size_t m_Plane = 0;    ///< of the machine, from 0
+        std::size_t m_Column = 0;   ///< its place among the planes of the procedure, from 0
+        std::vector<int> m_Angles;  ///< of the weights
+        bool m_bScrews = false;
+        std::vector<CRotorScrew> m_Screws;
+    };
+    std::function<void(const CFitting&)> OnFitted;
+    /// "weights of plane 1 to 30°, 150°" or "screws of plane 1: 2.5 g in hole 1".
+    static std::string Describe(const CFitting& rFitting);
 
 private:
     /// Nothing new on the panel for so long means that the run is stuck, ms.
@@ -60,7 +71,8 @@ private:
     void Command(const nlohmann::json& rRequest, std::function<void()> OnDone);
     void SetSpeed(std::uint32_t RPM);
     void FitWeights(const CSituation& rSituation);
-    void FitPlane(std::size_t Plane);
+    /// Fits the planes from this place of m_ToFit on, then confirms.
+    void FitFrom(std::size_t Place);
     void Confirm();
     bool HasPanelChanged(const CSituation& rSituation);
 
@@ -71,9 +83,9 @@ private:
     Outcome m_Outcome = Outcome::eRunning;
     std::string m_Reason;
     std::optional<std::uint32_t> m_CommandedSpeed;
-    std::vector<std::vector<int>> m_ToFit;  ///< angles per plane of the machine
-    std::vector<std::size_t> m_Columns;     ///< of those planes
-    bool m_bBusy = false;                   ///< an answer of the machine is awaited
+    std::array<CHoleRing, 2> m_Rings;
+    std::vector<CFitting> m_ToFit;
+    bool m_bBusy = false;  ///< an answer of the machine is awaited
     std::string m_LastSaid;
     std::optional<CSituation> m_LastSeen;
     std::uint64_t m_LastChange = 0;

@@ -60,6 +60,8 @@ std::optional<COptions> ParseCommandLine(int argc, const char* const* argv, CCom
     App.add_option("--method", Options.m_Methods, "weights | screws, per plane")
         ->delimiter(',')
         ->check(CLI::IsMember({"weights", "screws"}));
+    App.add_option("--screws", Options.m_nScrews, "2 | 3 screws for a correction; default as configured")
+        ->check(CLI::IsMember({2, 3}));
     App.add_option("--procedure", Options.m_Procedure,
                    "prebalance (default) | rebalance | prebalance+rebalance")
         ->transform(CLI::CheckedTransformer(PROCEDURES));

@@ -20,7 +20,8 @@ struct COptions {
     std::string m_Modules;                  ///< empty: as the rotor file says
     std::vector<std::uint8_t> m_Addresses;  ///< empty: the family's defaults
     std::string m_Mode;                     ///< empty: plane1
-    std::vector<std::string> m_Methods;     ///< per plane; empty: weights
+    std::vector<std::string> m_Methods;     ///< per plane, one for all; empty: weights
+    int m_nScrews = 0;                      ///< that a correction places, 2 or 3; 0: as configured
     Procedure m_Procedure = Procedure::ePrebalance;
     std::string m_ConfigDirectory;  ///< empty: the user's own; a temporary one when headless
     std::string m_ReportFile;
@@ -30,6 +31,8 @@ struct COptions {
     /// Whether the spindle already turns when a procedure starts. For whole runs in tests, not on the command
     /// line.
     bool m_bStartTurning = false;
+    /// Weights of the screw table in grams; empty: as configured. Not on the command line either.
+    std::vector<double> m_ScrewTable;
     /// Whether anybody looks at the page: a hidden page isn't painted. For many whole runs, not on the
     /// command line.
     bool m_bShowPage = true;

@@ -78,11 +78,23 @@ void CRunReport::SetFinal(const CSituation& rSituation) {
     m_Final = ReadingsToJson(rSituation);
 }
 
-void CRunReport::SetWeights(std::size_t Plane, const std::vector<int>& rAngles) {
+nlohmann::ordered_json& CRunReport::GetPositions(std::size_t Plane) {
     while (m_Positions.size() <= Plane) {
         m_Positions.push_back(Json::object());
     }
-    m_Positions[Plane] = {{"weights", rAngles}};
+    return m_Positions[Plane];
+}
+
+void CRunReport::SetWeights(std::size_t Plane, const std::vector<int>& rAngles) {
+    GetPositions(Plane) = {{"weights", rAngles}};
+}
+
+void CRunReport::SetScrews(std::size_t Plane, const std::vector<CRotorScrew>& rScrews) {
+    Json Screws = Json::array();
+    for (const CRotorScrew& rScrew : rScrews) {
+        Screws.push_back({{"hole", rScrew.m_Hole}, {"grams", rScrew.m_Grams}});
+    }
+    GetPositions(Plane) = {{"screws", Screws}};
 }
 
 void CRunReport::SetCalibration(const std::string& rConfiguration, std::uint32_t CalibratedRPM,

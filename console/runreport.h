@@ -30,6 +30,8 @@ public:
     void SetFinal(const CSituation& rSituation);
     /// Angles of the weights fitted last, per plane from 0.
     void SetWeights(std::size_t Plane, const std::vector<int>& rAngles);
+    /// Screws fitted last, in the rotor's own holes.
+    void SetScrews(std::size_t Plane, const std::vector<CRotorScrew>& rScrews);
     /// What the run left in the machine database.
     void SetCalibration(const std::string& rConfiguration, std::uint32_t CalibratedRPM, std::uint32_t Target,
                         const math::matrix<double>& rInvA, const std::vector<math::matrix<double>>& rUA);
@@ -45,6 +47,7 @@ public:
     static const char* StepToString(std::int32_t Step);
 
 private:
+    nlohmann::ordered_json& GetPositions(std::size_t Plane);
     static nlohmann::ordered_json ReadingsToJson(const CSituation& rSituation);
 
     std::string m_Procedure = "prebalance";

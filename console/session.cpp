@@ -1,5 +1,6 @@
 #include "console/session.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <utility>
@@ -82,11 +83,6 @@ void RefuseWhatIsMissing(const COptions& rOptions, const CRotorFile* pRotor,
         throw CSessionError(std::string("--mode ") + MODE_NAMES.at(Mode) +
                             ": the rotor has one plane; give a rotor file with two");
     }
-    for (const std::string& rMethod : rOptions.m_Methods) {
-        if (rMethod != "weights") {
-            throw CSessionError("--method " + rMethod + ": this version knows weights only");
-        }
-    }
     const std::size_t nPlanesBalanced = Mode == CPreBalDatabase::eModeTwoPlane ? 2 : 1;
     if (rOptions.m_Methods.size() > nPlanesBalanced) {
         throw CSessionError("--method: one plane takes one method");
@@ -116,10 +112,50 @@ bool ConfigureRotation(PreBalDB::CPlaneBalancingTableEntry& rEntry, CTypeBase::D
     return Configure(rEntry, &Entry::GetRotationDirection, &Entry::SetRotationDirection, Value);
 }
 
-bool ConfigureScale(PreBalDB::CWeightCompensationTableEntry& rEntry, CRotorFile::Sense Scale) {
-    using Entry = PreBalDB::CWeightCompensationTableEntry;
+bool ConfigureScale(PreBalDB::CCompensationTableEntry& rEntry, CRotorFile::Sense Scale) {
+    using Entry = PreBalDB::CCompensationTableEntry;
     return Configure<Entry>(rEntry, &Entry::GetScalingDirection, &Entry::SetScalingDirection,
                             ToDirection(Scale));
+}
+
+/// The screw table of COptions::m_ScrewTable.
+constexpr const char* SCREW_TABLE = "Rotor";
+
+/// True if the table was another one.
+bool WriteScrewTable(CPreBalDatabase& rDatabase, const std::vector<double>& rWeights) {
+    Base::CWDArray<PreBalDB::CScrew> Screws;
+    for (const double Weight : rWeights) {
+        const PreBalDB::CScrew Nameless("", Weight);
+        Screws.Add({Nameless.GetWeightAsString() + " g", Weight});
+    }
+    PreBalDB::CScrewTableEntry& rTable = rDatabase.ReadScrewTable(SCREW_TABLE);
+    if (rTable.GetScrewArray() == Screws) {
+        return false;
+    }
+    rTable.SetScrewArray(Screws);
+    rDatabase.WriteScrewTable();
+    return true;
+}
+
+bool ConfigureScrews(PreBalDB::CScrewCompensationTableEntry& rScrews, const CRotorFile::CPlane& rPlane,
+                     const COptions& rOptions) {
+    const std::uint32_t nHoles = static_cast<std::uint32_t>(rPlane.m_Holes);
+    const auto nScrews =
+        rOptions.m_nScrews != 0 ? static_cast<std::uint8_t>(rOptions.m_nScrews) : rScrews.GetNumberOfScrews();
+    const std::string Table = rOptions.m_ScrewTable.empty() ? rScrews.GetScrewTableName() : SCREW_TABLE;
+    const bool bScale = ConfigureScale(rScrews, rPlane.m_Scale);
+    const bool bChanged = bScale || rScrews.GetNumberOfHoles() != nHoles ||
+                          rScrews.GetNumberOfScrews() != nScrews || rScrews.GetScrewTableName() != Table;
+    rScrews.SetNumberOfHoles(nHoles);
+    rScrews.SetNumberOfScrews(nScrews);
+    rScrews.SetScrewTableName(Table);
+    return bChanged;
+}
+
+CHoleRing MakeHoleRing(const PreBalDB::CScrewCompensationTableEntry* pScrews) {
+    return pScrews == nullptr ? CHoleRing()
+                              : CHoleRing{pScrews->GetNumberOfHoles(),
+                                          pScrews->GetScalingDirection() == CTypeBase::eCounterClockwise};
 }
 
 }  // namespace
@@ -235,10 +271,13 @@ void CConsoleSession::Commission() {
     }
     {
         CPreBalDatabase Database(MachineName);
+        // First: reading a table invalidates the configuration that was read.
+        const bool bTable =
+            !m_Options.m_ScrewTable.empty() && WriteScrewTable(Database, m_Options.m_ScrewTable);
         PreBalDB::CPreBalBaseTableEntry& rEntry = Database.ReadConfiguration(CONFIGURATION);
-        const bool bChanged = m_Mode == CPreBalDatabase::eModeTwoPlane ? CommissionTwoPlane(rEntry)
-                                                                       : CommissionSinglePlane(rEntry);
-        if (!bChanged) {
+        const bool bMeans = m_Mode == CPreBalDatabase::eModeTwoPlane ? CommissionTwoPlane(rEntry)
+                                                                     : CommissionSinglePlane(rEntry);
+        if (!bMeans && !bTable) {
             return;
         }
         rEntry.SetIsCalibrated(0);
@@ -255,19 +294,53 @@ bool CConsoleSession::CommissionSinglePlane(PreBalDB::CPreBalBaseTableEntry& rEn
     PreBalDB::CSinglePlaneBalancingTableEntry& rPlane = rEntry.CreateSinglePlane();
     // The rotor file tells the rotation as seen from plane 1's end.
     const bool bRotation = ConfigureRotation(rPlane, bPlane2 ? TurnAround(Rotation) : Rotation);
-    const bool bScale = ConfigureScale(rPlane.CreateWeightCompensationTableEntry(),
-                                       m_pRotor->m_Planes.at(bPlane2 ? 1 : 0).m_Scale);
-    return bRotation || bScale;
+    const CRotorFile::CPlane& rRotorPlane = m_pRotor->m_Planes.at(bPlane2 ? 1 : 0);
+    const auto Used = rPlane.GetUsedCompensationMethod();
+    const bool bMeans =
+        UsesScrews(0) ? ConfigureScrews(rPlane.CreateScrewCompensationTableEntry(), rRotorPlane, m_Options)
+                      : ConfigureScale(rPlane.CreateWeightCompensationTableEntry(), rRotorPlane.m_Scale);
+    return bRotation || bMeans || Used != rPlane.GetUsedCompensationMethod();
 }
 
 bool CConsoleSession::CommissionTwoPlane(PreBalDB::CPreBalBaseTableEntry& rEntry) const {
     PreBalDB::CTwoPlaneBalancingTableEntry& rPlanes = rEntry.CreateTwoPlane();
     const bool bRotation = ConfigureRotation(rPlanes, ToDirection(m_pRotor->m_Rotation));
-    const bool bScale1 = ConfigureScale(rPlanes.CreatePlane1WeightCompensationTableEntry(),
-                                        m_pRotor->m_Planes.front().m_Scale);
-    const bool bScale2 =
-        ConfigureScale(rPlanes.CreatePlane2WeightCompensationTableEntry(), m_pRotor->m_Planes.back().m_Scale);
-    return bRotation || bScale1 || bScale2;
+    const CRotorFile::CPlane& rPlane1 = m_pRotor->m_Planes.front();
+    const CRotorFile::CPlane& rPlane2 = m_pRotor->m_Planes.back();
+    const auto Used1 = rPlanes.GetPlane1UsedCompensationMethod();
+    const auto Used2 = rPlanes.GetPlane2UsedCompensationMethod();
+    const bool bMeans1 =
+        UsesScrews(0) ? ConfigureScrews(rPlanes.CreatePlane1ScrewCompensationTableEntry(), rPlane1, m_Options)
+                      : ConfigureScale(rPlanes.CreatePlane1WeightCompensationTableEntry(), rPlane1.m_Scale);
+    const bool bMeans2 =
+        UsesScrews(1) ? ConfigureScrews(rPlanes.CreatePlane2ScrewCompensationTableEntry(), rPlane2, m_Options)
+                      : ConfigureScale(rPlanes.CreatePlane2WeightCompensationTableEntry(), rPlane2.m_Scale);
+    return bRotation || bMeans1 || bMeans2 || Used1 != rPlanes.GetPlane1UsedCompensationMethod() ||
+           Used2 != rPlanes.GetPlane2UsedCompensationMethod();
+}
+
+bool CConsoleSession::UsesScrews(std::size_t Plane) const {
+    const std::vector<std::string>& rMethods = m_Options.m_Methods;
+    return !rMethods.empty() && rMethods.at(std::min(Plane, rMethods.size() - 1)) == "screws";
+}
+
+std::array<CHoleRing, 2> CConsoleSession::GetHoleRings() const {
+    std::array<CHoleRing, 2> Rings;
+    const std::string MachineName = GetMachineName();
+    if (MachineName.empty()) {
+        return Rings;
+    }
+    CPreBalDatabase Database(MachineName);
+    const PreBalDB::CPreBalBaseTableEntry& rEntry = Database.ReadConfiguration(CONFIGURATION);
+    if (const auto* pPlanes = rEntry.GetTwoPlane();
+        m_Mode == CPreBalDatabase::eModeTwoPlane && pPlanes != nullptr) {
+        Rings = {MakeHoleRing(pPlanes->GetPlane1ScrewCompensationTableEntry()),
+                 MakeHoleRing(pPlanes->GetPlane2ScrewCompensationTableEntry())};
+    } else if (const auto* pPlane = rEntry.GetSinglePlane(); pPlane != nullptr) {
+        Rings[m_Mode == CPreBalDatabase::eModePlane2 ? 1 : 0] =
+            MakeHoleRing(pPlane->GetScrewCompensationTableEntry());
+    }
+    return Rings;
 }
 
 void CConsoleSession::Close() {

@@ -1,4 +1,5 @@
 #pragma once
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -42,8 +43,10 @@ public:
     bool Initialise();
     /// Asks the module's window once to find its module; harmless when it has.
     void SendInit();
-    /// Brings the stored configuration in line with the rotor: rotation and scale sense, both as seen from
-    /// the end of the plane that is balanced. What differs makes a calibration void.
+    /// Brings the stored configuration in line with rotor and options: rotation and scale sense, both as seen
+    /// from the end of the plane that is balanced, means, and with screws the number of holes. What differs
+    /// makes a calibration void. A rotor file has no screw table: the configured one stays, on a new store
+    /// the default one.
     void Commission();
     /// Ends what runs, lets the module save, and closes the window.
     void Close();
@@ -63,6 +66,8 @@ public:
     std::uint32_t GetWorkingSpeed() const;
     /// Key of the module's database, empty before the module has found it.
     std::string GetMachineName() const;
+    /// The rings of holes per plane of the machine, as configured; without holes for a plane with weights.
+    std::array<CHoleRing, 2> GetHoleRings() const;
 
     /// Called when menu, activity, notification or warning have changed.
     std::function<void()> OnChanged;
@@ -79,6 +84,8 @@ private:
     /// Rotation and scale of one plane's compensation; whether anything differed.
     bool CommissionSinglePlane(PreBalDB::CPreBalBaseTableEntry& rEntry) const;
     bool CommissionTwoPlane(PreBalDB::CPreBalBaseTableEntry& rEntry) const;
+    /// Plane of the procedure, from 0.
+    bool UsesScrews(std::size_t Plane) const;
 
     COptions m_Options;
     CRotorFile::Modules m_Modules;

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "console/holering.h"
 #include "platform/window/prebalcodes.h"
 #include "platform/window/prebalprogress.h"
 
@@ -17,12 +18,20 @@ struct CNotification : CPreBalCodes {
     std::vector<int> GetAngles(std::size_t Plane) const {
         std::vector<int> Angles;
         for (std::size_t i = 0; i < eCorrections; ++i) {
-            const std::int32_t Angle = m_Values[2 + 2 * (Plane * eCorrections + i)];
+            const std::int32_t Angle = GetAngle(Plane, i);
             if (Angle >= 0) {
                 Angles.push_back(Angle);
             }
         }
         return Angles;
+    }
+    /// A correction of a plane; angle in degrees, below 0 if it isn't in use.
+    std::int32_t GetAngle(std::size_t Plane, std::size_t Correction) const {
+        return m_Values[2 + 2 * (Plane * eCorrections + Correction)];
+    }
+    /// Hundredths of a gram, with screws.
+    std::int32_t GetWeight(std::size_t Plane, std::size_t Correction) const {
+        return m_Values[3 + 2 * (Plane * eCorrections + Correction)];
     }
     friend bool operator==(const CNotification& rLeft, const CNotification& rRight) {
         return rLeft.m_Values == rRight.m_Values;
@@ -52,5 +61,28 @@ struct CSituation {
     std::vector<int> GetAngles(std::size_t Plane) const {
         return m_Progress.m_Readings.at(Plane).m_bShown ? m_Notification.GetAngles(GetColumn(Plane))
                                                         : std::vector<int>();
+    }
+    /// Whether a plane of the machine is balanced with screws.
+    bool HasScrews(std::size_t Plane) const { return m_Progress.m_Screws.at(Plane).has_value(); }
+    /// The screws asked for in a plane of the machine, as they are to be fitted to the rotor. Holes come from
+    /// the notification; so do weights, exact ones where the page tells them.
+    std::vector<CRotorScrew> GetScrews(std::size_t Plane, const CHoleRing& rRing) const {
+        std::vector<CRotorScrew> Screws;
+        const std::size_t Column = GetColumn(Plane);
+        for (std::size_t i = 0; i < CNotification::eCorrections; ++i) {
+            const std::int32_t Angle = m_Notification.GetAngle(Column, i);
+            if (Angle < 0 || rRing.m_nHoles == 0) {
+                continue;
+            }
+            const std::uint32_t Hole = rRing.GetModuleHole(Angle);
+            double Grams = m_Notification.GetWeight(Column, i) / 100.0;
+            if (HasScrews(Plane)) {
+                for (const CPreBalProgress::CScrew& rShown : *m_Progress.m_Screws.at(Plane)) {
+                    Grams = rShown.m_Hole == Hole ? rShown.m_Grams : Grams;
+                }
+            }
+            Screws.push_back({rRing.GetRotorHole(Hole), Grams});
+        }
+        return Screws;
     }
 };

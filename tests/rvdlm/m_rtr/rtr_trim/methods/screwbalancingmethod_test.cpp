@@ -66,7 +66,7 @@ protected:
     CTestInstallation m_Installation;
     CVirtualEventLoop m_Loop;
     CCleanOpcState m_Opc;
-    CLogCapture m_Log;
+    CLogCapture m_Log{true};
     std::unique_ptr<CScrewEntry> m_pEntry;
 };
 

@@ -16,6 +16,7 @@
 
 using PreBalDB::CPreBalDatabase;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 
 namespace {

@@ -29,11 +29,11 @@ TEST_F(SinglePlaneConstructionTest, WeightsOfTheConfiguration) {
     EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
 }
 
-// The screw method isn't there yet: the run is one with weights, and the configuration keeps its screws.
-TEST_F(SinglePlaneConstructionTest, ScrewsFallBackToWeightsForNow) {
+// With menu 0: screws have no neutral position to be changed.
+TEST_F(SinglePlaneConstructionTest, ScrewsOfTheConfiguration) {
     m_Entry.CreateSinglePlane().CreateScrewCompensationTableEntry().SetNumberOfHoles(7);
-    EXPECT_EQ(StartAndGetMenu(), 30);
-    EXPECT_THAT(m_Log.GetAssertions(), ElementsAre("inconsistent database"));
+    EXPECT_EQ(StartAndGetMenu(), 0);
+    EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
     ASSERT_NE(m_Entry.GetSinglePlane()->GetScrewCompensationTableEntry(), nullptr);
     EXPECT_EQ(m_Entry.GetSinglePlane()->GetScrewCompensationTableEntry()->GetNumberOfHoles(), 7U);
 }
