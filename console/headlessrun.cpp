@@ -183,6 +183,8 @@ bool CHeadlessRun::RunProcedure(Softkeys::Action Start) {
     BringSpindleToStart();
     m_rSession.SendAction(Start, Softkeys::eFlagNone);
     if (!m_rSession.Look().m_bRunning) {
+        // A message box that says why comes through the loop.
+        IFEventLoop::Current().RunUntil([] { return false; }, 1);
         Print(Start == Softkeys::eActionRebalance ? "The re-balancing was refused: the configuration isn't "
                                                     "calibrated. Run --procedure prebalance with the "
                                                     "same --config-dir first."

@@ -206,7 +206,7 @@ TEST(ScrewRun, AShortageOfCapacityWarnsAndTheRunGoesOn) {
 TEST(ScrewRun, ATableWithANegativeWeightStartsNothingAndSaysWhy) {
     CScrewRun Run(1.0, {1.0, -1.5, 2.0});
     EXPECT_EQ(Run.Run(Procedure::ePrebalance), eExitFailed);
-    EXPECT_TRUE(Run.HasLine("screw table"));
+    EXPECT_TRUE(Run.HasLine("screw table")) << testing::PrintToString(Run.m_Lines);
     EXPECT_TRUE(Run.GetAssertions().empty());
 }
 
