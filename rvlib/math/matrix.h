@@ -175,7 +175,7 @@ public:
                 throw matrix_error("matrixT::operator!: Inversion of a singular matrix");
             }
             if (p != 0) {
-                std::swap(b[k], b[p]);
+                std::swap(b[k], b[static_cast<std::size_t>(p)]);
             }
             const T a1 = a[k][k];
             for (std::uint32_t j = 0; j < Size; ++j) {

@@ -9,9 +9,9 @@ namespace Comm {
 template <class Machine>
 struct CCommonRow {
     std::uint8_t m_Command;  ///< of the answer
+    bool m_bIndication;      ///< the module sends such frames by itself, too
     /// Gets what lies behind the header. Nonzero if it reported a value.
     int (Machine::*m_pHandler)(std::span<const std::uint8_t> Payload, bool bIndication);
-    bool m_bIndication;      ///< the module sends such frames by itself, too
     const char* m_pCalling;  ///< format with the reason, before the callback in a failure
     void (*m_pFail)(Machine& rMachine, Reason Why);  ///< the callback with nulls
 };

@@ -14,12 +14,12 @@ CCommonStates::CCommonStates() : CCommonStatesT(Texts) {}
 
 std::span<const CCommonStates::Row> CCommonStates::GetRows() {
     static constexpr Row Rows[] = {
-        {0x11, &CCommonStates::ModuleIdentificationResponse, false,
+        {0x11, false, &CCommonStates::ModuleIdentificationResponse,
          "calling OnQueryModuleIdentification(%s, NULL)",
          &Comm::Fail<CCommonStates, &CCommonStates::OnQueryModuleIdentification>},
-        {0x1C, &CCommonStates::RPMDataReceiveHandler, true, "calling OnRPMData(%s, NULL, NULL)",
+        {0x1C, true, &CCommonStates::RPMDataReceiveHandler, "calling OnRPMData(%s, NULL, NULL)",
          &Comm::Fail<CCommonStates, &CCommonStates::OnRPMData>},
-        {0x1E, &CCommonStates::UnbalanceCoordinatesReceiveHandler, true,
+        {0x1E, true, &CCommonStates::UnbalanceCoordinatesReceiveHandler,
          "calling OnUnbalanceXYValues(%s, NULL, NULL, NULL)",
          &Comm::Fail<CCommonStates, &CCommonStates::OnUnbalanceXYValues>},
     };
