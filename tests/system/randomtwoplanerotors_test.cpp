@@ -7,6 +7,7 @@
 #include <random>
 
 #include "simulator/rotor.h"
+#include "tests/system/bestplacement.h"
 #include "tests/system/whattheoryallows.h"
 #include "tests/system/wholerun.h"
 
@@ -144,3 +145,77 @@ TEST_P(EveryTwoPlaneCombination, RandomRotorsAreBalancedWithinWhatTheoryAllows) 
 }
 
 INSTANTIATE_TEST_SUITE_P(WholeRun, EveryTwoPlaneCombination, testing::ValuesIn(MakeCombinations()), NameOf);
+
+namespace {
+
+/// Means of the two planes, and the senses in which a run of them is made.
+struct CPairOfMethods {
+    std::array<const char*, 2> m_Methods;
+    CCombination m_Combination;
+};
+
+std::vector<CPairOfMethods> MakePairs() {
+    constexpr std::array<std::array<const char*, 2>, 3> PAIRS = {
+        {{"weights", "screws"}, {"screws", "weights"}, {"screws", "screws"}}};
+    std::vector<CPairOfMethods> Pairs;
+    for (const auto& rMethods : PAIRS) {
+        for (const CCombination& rCombination : MakeCombinations()) {
+            // The scales' senses differ in half of the combinations; those with equal ones are enough here.
+            if (rCombination.m_Scales[0] == rCombination.m_Scales[1]) {
+                Pairs.push_back({rMethods, rCombination});
+            }
+        }
+    }
+    return Pairs;
+}
+
+std::string NameOfPair(const testing::TestParamInfo<CPairOfMethods>& rInfo) {
+    return std::string(rInfo.param.m_Methods[0]) + "_" + rInfo.param.m_Methods[1] + "_" +
+           NameOf(testing::TestParamInfo<CCombination>(rInfo.param.m_Combination, rInfo.index));
+}
+
+class EveryPairOfMethods : public testing::TestWithParam<CPairOfMethods> {};
+
+// 200 rotors for each pair, spread over the eight combinations.
+constexpr int NUMBER_PER_COMBINATION = NUMBER_OF_ROTORS >= 200 ? 25 : 2;
+
+}  // namespace
+
+// Screws in one plane or in both. A plane with screws is left with what the best placement for the measured
+// correction leaves: at most the best for the true one, plus twice the error of the measurement.
+TEST_P(EveryPairOfMethods, RandomRotorsAreBalancedWithinWhatTheTableAllows) {
+    const CPairOfMethods& rPair = GetParam();
+    const std::vector<double> Table = {0.5, 1.0, 1.5, 2.0, 2.5, 3.0};
+    std::mt19937_64 Generator(20240303);
+    for (int i = 0; i < NUMBER_PER_COMBINATION; ++i) {
+        CWholeRun Run(MakeRandomRotor(Generator, rPair.m_Combination));
+        Run.m_Options.m_Mode = "two-plane";
+        Run.m_Options.m_Methods = {rPair.m_Methods[0], rPair.m_Methods[1]};
+        Run.m_Options.m_ScrewTable = Table;
+        Run.m_Options.m_bShowPage = i == 0;
+        if (rPair.m_Combination.m_Scales[0] == CRotorFile::eCounterClockwise) {
+            Run.WriteSettings("PreBalancingConsistentWeightOrder=\"1\"");
+        }
+        const std::string Where = "rotor " + std::to_string(i);
+        Run.Run(Procedure::ePrebalance, i % 2 == 1);
+        ASSERT_TRUE(Run.GetResult() == "SetupSuccess" || Run.GetResult() == "SetupOverTarget")
+            << Where << ": " << Run.GetResult();
+        EXPECT_TRUE(Run.GetAssertions().empty()) << Where << ": " << Run.GetAssertions().front();
+        const Residuals Bounds = GetBounds(Run.m_Rotor, {Run.m_Rotor.m_Planes[0].m_Unbalance.m_Amount,
+                                                         Run.m_Rotor.m_Planes[1].m_Unbalance.m_Amount});
+        for (std::size_t Plane = 0; Plane < 2; ++Plane) {
+            double Bound = Bounds[Plane];
+            if (std::string(rPair.m_Methods[Plane]) == "screws") {
+                const CRotorFile::CPlane& rPlane = Run.m_Rotor.m_Planes[Plane];
+                const Complex Unbalance = std::polar(rPlane.m_Unbalance.m_Amount,
+                                                     rPlane.m_Unbalance.m_AngleDeg * Theory::PI / 180.0);
+                const double Best =
+                    BestPlacement::FindBest(Table, false, rPlane.m_Holes, -Unbalance).m_Deviation;
+                Bound = Best + 2.0 * (Bounds[Plane] - DEGREE_ERROR);
+            }
+            EXPECT_LE(std::abs(Run.m_Residuals[Plane]), Bound) << Where << " plane " << Plane + 1;
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(WholeRun, EveryPairOfMethods, testing::ValuesIn(MakePairs()), NameOfPair);
