@@ -33,14 +33,15 @@ bool HasDisplay() {
 
 /// The toolkit complains about a session without a runtime directory of its own.
 void ProvideRuntimeDirectory() {
-    if (qEnvironmentVariableIsEmpty("XDG_RUNTIME_DIR")) {
-        const std::filesystem::path Directory =
-            std::filesystem::temp_directory_path() / ("rotor-trim-runtime-" + std::to_string(getuid()));
-        std::error_code Ignored;
-        std::filesystem::create_directory(Directory, Ignored);
-        std::filesystem::permissions(Directory, std::filesystem::perms::owner_all, Ignored);
-        qputenv("XDG_RUNTIME_DIR", Directory.c_str());
+    if (!qEnvironmentVariableIsEmpty("XDG_RUNTIME_DIR")) {
+        return;
     }
+    std::error_code Error;
+    const std::filesystem::path Directory =
+        std::filesystem::temp_directory_path(Error) / ("rotor-trim-runtime-" + std::to_string(getuid()));
+    std::filesystem::create_directory(Directory, Error);
+    std::filesystem::permissions(Directory, std::filesystem::perms::owner_all, Error);
+    qputenv("XDG_RUNTIME_DIR", Directory.c_str());
 }
 
 /// The rotor to simulate, or that the external machine is said to carry; nothing if it isn't known. Throws
