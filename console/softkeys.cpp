@@ -17,6 +17,11 @@ constexpr CKey CHECK{eActionCheckWeights, eFlagNone, "SK_CHECK_WEIGHTS"};
 constexpr CKey REBALANCE{eActionRebalance, eFlagCommit, "SK_REBALANCE"};
 constexpr CKey INC_ACTIVE{eActionIncActiveWeight, eFlagIncrement, "SK_PLUS", true};
 constexpr CKey DEC_ACTIVE{eActionDecActiveWeight, eFlagDecrement, "SK_MINUS", true};
+constexpr CKey TOGGLE_PLANE{eActionTogglePlane, eFlagNone, "SK_TOGGLE_PLANE"};
+constexpr CKey DEC_WEIGHT1{eActionDecWeight1, eFlagDecrement, "SK_WEIGHT1_MINUS", true};
+constexpr CKey INC_WEIGHT1{eActionIncWeight1, eFlagIncrement, "SK_WEIGHT1_PLUS", true};
+constexpr CKey DEC_WEIGHT2{eActionDecWeight2, eFlagDecrement, "SK_WEIGHT2_MINUS", true};
+constexpr CKey INC_WEIGHT2{eActionIncWeight2, eFlagIncrement, "SK_WEIGHT2_PLUS", true};
 constexpr CKey SELECT_WEIGHT{eActionSelectWeight, eFlagNone, "SK_SELECT_WEIGHT"};
 constexpr CKey SELECT_STEP{eActionSelectStep, eFlagNone, "SK_SELECT_STEP"};
 
@@ -32,13 +37,12 @@ constexpr std::array STOP_WEIGHTS = {ADJUSTED, EXTRAS, END};
 constexpr std::array STOP_WEIGHTS_STORED = {ADJUSTED, EXTRAS, ADOPT, END};
 constexpr std::array NEUTRAL_WEIGHTS = {NEXT, EXTRAS, END};
 constexpr std::array NEUTRAL_WEIGHTS_STORED = {NEXT, EXTRAS, ADOPT, END};
-constexpr std::array CHANGE_BOTH = {NEXT,
-                                    CKey{eActionDecWeight1, eFlagDecrement, "SK_WEIGHT1_MINUS", true},
-                                    CKey{eActionIncWeight1, eFlagIncrement, "SK_WEIGHT1_PLUS", true},
-                                    CKey{eActionDecWeight2, eFlagDecrement, "SK_WEIGHT2_MINUS", true},
-                                    CKey{eActionIncWeight2, eFlagIncrement, "SK_WEIGHT2_PLUS", true},
-                                    END};
+constexpr std::array CHANGE_BOTH = {NEXT, DEC_WEIGHT1, INC_WEIGHT1, DEC_WEIGHT2, INC_WEIGHT2, END};
+constexpr std::array CHANGE_BOTH_OF_TWO_PLANES = {NEXT,        TOGGLE_PLANE, DEC_WEIGHT1, INC_WEIGHT1,
+                                                  DEC_WEIGHT2, INC_WEIGHT2,  END};
 constexpr std::array CHANGE_ACTIVE = {NEXT, SELECT_WEIGHT, SELECT_STEP, DEC_ACTIVE, INC_ACTIVE, END};
+constexpr std::array CHANGE_ACTIVE_OF_TWO_PLANES = {
+    NEXT, TOGGLE_PLANE, SELECT_WEIGHT, SELECT_STEP, DEC_ACTIVE, INC_ACTIVE, END};
 
 struct CMenu {
     std::int32_t m_Menu;
@@ -53,15 +57,15 @@ constexpr std::array MENUS = {
     CMenu{6, CHANGE_BOTH},
     CMenu{7, WAITING},
     CMenu{8, MEASURED_OR_SET},
-    CMenu{9, CHANGE_BOTH},
+    CMenu{9, CHANGE_BOTH_OF_TWO_PLANES},
     CMenu{14, STOP_SCREWS},
     CMenu{19, NEUTRAL_WEIGHTS_STORED},
-    // 20 to 23 and 24 to 27: which weight is active and how far it moves; the page says so, the keys are the
-    // same.
-    CMenu{20, CHANGE_ACTIVE},
-    CMenu{21, CHANGE_ACTIVE},
-    CMenu{22, CHANGE_ACTIVE},
-    CMenu{23, CHANGE_ACTIVE},
+    // 20 to 23 (two planes) and 24 to 27 (one): which weight is active and how far it moves; the page says
+    // so, the keys are the same.
+    CMenu{20, CHANGE_ACTIVE_OF_TWO_PLANES},
+    CMenu{21, CHANGE_ACTIVE_OF_TWO_PLANES},
+    CMenu{22, CHANGE_ACTIVE_OF_TWO_PLANES},
+    CMenu{23, CHANGE_ACTIVE_OF_TWO_PLANES},
     CMenu{24, CHANGE_ACTIVE},
     CMenu{25, CHANGE_ACTIVE},
     CMenu{26, CHANGE_ACTIVE},

@@ -19,6 +19,7 @@ enum Action : std::int32_t {
     eActionDecWeight1 = 4512,
     eActionIncWeight2 = 4513,
     eActionDecWeight2 = 4514,
+    eActionTogglePlane = 4515,
     eActionNeutralAdjusted = 4518,
     eActionAdoptPosition = 4519,
     eActionIncActiveWeight = 4520,

@@ -137,7 +137,8 @@ int main(int argc, char** argv) {
     App.add_option("--rotor", Options.m_Rotor, "rotor file; without it a built-in rotor");
     App.add_option("--modules", Options.m_Modules,
                    "kestrel, kestrel-pair or lanner in place of the rotor file's");
-    App.add_option("--addresses", Options.m_Addresses, "A[,B], the modules' addresses; 5 and 6 without it, 9 for lanner")
+    App.add_option("--addresses", Options.m_Addresses,
+                   "A[,B], the modules' addresses; 5 and 6 without it, 9 for lanner")
         ->delimiter(',');
     try {
         App.parse(argc, argv);

@@ -391,5 +391,10 @@
         <extracomment>Console: status line; the reason follows</extracomment>
         <translation>Keine Verbindung: %s</translation>
     </message>
+    <message id="SK_TOGGLE_PLANE">
+        <source>Other plane</source>
+        <extracomment>Softkey: make the other plane the active one</extracomment>
+        <translation>Andere Ebene</translation>
+    </message>
 </context>
 </TS>

@@ -391,5 +391,10 @@
         <extracomment>Console: status line; the reason follows</extracomment>
         <translation>No connection: %s</translation>
     </message>
+    <message id="SK_TOGGLE_PLANE">
+        <source>Other plane</source>
+        <extracomment>Softkey: make the other plane the active one</extracomment>
+        <translation>Other plane</translation>
+    </message>
 </context>
 </TS>

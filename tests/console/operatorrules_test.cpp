@@ -75,3 +75,12 @@ TEST(Softkeys, OnlyTheConfigurationStartsARun) {
     EXPECT_NE(Softkeys::FindKey(-1, Softkeys::eActionStart), nullptr);
     EXPECT_EQ(Softkeys::FindKey(4, Softkeys::eActionStart), nullptr);
 }
+
+TEST(Softkeys, MenusThatChangeWeightsOfTwoPlanesCanChangeThePlane) {
+    for (const std::int32_t Menu : {9, 20, 21, 22, 23}) {
+        EXPECT_NE(Softkeys::FindKey(Menu, Softkeys::eActionTogglePlane), nullptr) << "menu " << Menu;
+    }
+    for (const std::int32_t Menu : {6, 24, 25, 26, 27}) {
+        EXPECT_EQ(Softkeys::FindKey(Menu, Softkeys::eActionTogglePlane), nullptr) << "menu " << Menu;
+    }
+}
