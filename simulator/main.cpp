@@ -9,6 +9,7 @@
 #include <csignal>
 #include <cstdint>
 #include <cstdio>
+#include <exception>
 #include <memory>
 #include <optional>
 #include <string>
@@ -118,9 +119,7 @@ int RunSimulator(const COptions& rOptions, int SignalFile) {
     return nExit;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int Main(int argc, char** argv) {
     const int SignalFile = BlockEndSignals();
     QCoreApplication Application(argc, argv);
 
@@ -150,4 +149,14 @@ int main(int argc, char** argv) {
     const int nExit = RunSimulator(Options, SignalFile);
     close(SignalFile);
     return nExit;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return Main(argc, argv);
+    } catch (const std::exception& rError) {
+        return Fail(rError.what());
+    }
 }

@@ -80,6 +80,8 @@ void CScrewWeights::Filter(double A, double B, std::size_t From, std::size_t To,
             Places[i] = static_cast<std::int32_t>(Place);
         }
         for (std::size_t i = 0; i < nValues; i += eLanes) {
+            // nValues is a multiple of eLanes, so all four have been set above.
+            // NOLINTNEXTLINE(clang-analyzer-core.uninitialized.ArraySubscript)
             if ((pMarks[Places[i]] | pMarks[Places[i + 1]] | pMarks[Places[i + 2]] | pMarks[Places[i + 3]]) ==
                 0) {
                 continue;

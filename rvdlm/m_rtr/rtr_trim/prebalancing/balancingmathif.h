@@ -1,6 +1,5 @@
 #pragma once
 #include <cstdint>
-#include <utility>
 
 #include "platform/rvmdb/typebase.h"
 #include "rvlib/math/matrix.h"
@@ -74,9 +73,10 @@ public:
     /// corrects from here, unlike in one plane.
     virtual void GetRebalanceResult(Matrix& rUAPlane1, Matrix& rUAPlane2) = 0;
 
-    void SetMatricesAndGetRebalanceResult(Matrix InvA, Matrix UAPlane1, Matrix UAPlane2, Matrix& rUAPlane1,
+    void SetMatricesAndGetRebalanceResult(const Matrix& rInvA, const Matrix& rStoredUAPlane1,
+                                          const Matrix& rStoredUAPlane2, Matrix& rUAPlane1,
                                           Matrix& rUAPlane2) {
-        SetMathMatrices(std::move(InvA), std::move(UAPlane1), std::move(UAPlane2));
+        SetMathMatrices(rInvA, rStoredUAPlane1, rStoredUAPlane2);
         GetRebalanceResult(rUAPlane1, rUAPlane2);
     }
 };
