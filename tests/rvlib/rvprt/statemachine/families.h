@@ -117,7 +117,7 @@ private:
 /// A query, what must go over the line, and what must come of it.
 template <class Protocol>
 struct CExchange {
-    int (Protocol::*m_pQuery)();
+    int (*m_pQuery)(Protocol&);
     std::string m_Request;
     std::string m_Answer;
     std::string m_Unusable;  ///< answers the request too, but can't be decoded
@@ -144,17 +144,17 @@ struct CKestrelFamily {
 
     /// In the order of the main window's chain of queries.
     static std::vector<CExchange<Protocol>> GetExchanges() {
-        return {{&Protocol::QueryModuleIdentification, "11 01 05 08", Identification(5, 49),
-                 Identification(5, 48), "Identification", "12AB0F 305419896", "eQueryModuleIdentification",
-                 false},
-                {&Protocol::QueryActiveSet, "10 01 05 00", "10 05 01 00 02 01 00 00 01", "10 05 01 00 02 07",
-                 "Set", "2 1 1", "eSet", true},
-                {&Protocol::QueryModuleState, "08 01 05", "08 05 01 07 00 00 00 00", "08 05 01 07 00 80 00",
-                 "ModuleState", "7 000", "eQueryModuleState", true},
-                {&Protocol::QueryRPMData, "1C 01 05", "1C 05 01 B8 0B", "1C 05 01 B8", "RPM", "3000",
-                 "eQueryRPMData", true},
-                {&Protocol::QueryUnbalanceXYValues, "1E 01 05", "1E 05 01 20 01 80 FF", "1E 05 01 20 01 80",
-                 "XY", "288 65408", "eQueryUnbalanceCoordinates", true}};
+        return {{[](Protocol& r) { return r.QueryModuleIdentification(); }, "11 01 05 08",
+                 Identification(5, 49), Identification(5, 48), "Identification", "12AB0F 305419896",
+                 "eQueryModuleIdentification", false},
+                {[](Protocol& r) { return r.QueryActiveSet(); }, "10 01 05 00", "10 05 01 00 02 01 00 00 01",
+                 "10 05 01 00 02 07", "Set", "2 1 1", "eSet", true},
+                {[](Protocol& r) { return r.QueryModuleState(); }, "08 01 05", "08 05 01 07 00 00 00 00",
+                 "08 05 01 07 00 80 00", "ModuleState", "7 000", "eQueryModuleState", true},
+                {[](Protocol& r) { return r.QueryRPMData(); }, "1C 01 05", "1C 05 01 B8 0B", "1C 05 01 B8",
+                 "RPM", "3000", "eQueryRPMData", true},
+                {[](Protocol& r) { return r.QueryUnbalanceXYValues(); }, "1E 01 05", "1E 05 01 20 01 80 FF",
+                 "1E 05 01 20 01 80", "XY", "288 65408", "eQueryUnbalanceCoordinates", true}};
     }
 };
 
@@ -176,17 +176,18 @@ struct CLannerFamily {
     };
 
     static std::vector<CExchange<Protocol>> GetExchanges() {
-        return {{&Protocol::QueryModuleIdentification, "11 01 09 08", Identification(9, 49),
-                 Identification(9, 48), "Identification", "12AB0F 305419896", "eQueryModuleIdentification",
-                 false},
-                {&Protocol::QueryActiveSet, "10 01 09 02", "10 09 01 02 02 01 08 00 00 04 01 01 41",
-                 "10 09 01 02 02 07", "Set", "2 A", "eSet", true},
-                {&Protocol::QueryModuleState, "08 01 09", "08 09 01 01 00 00 00 00 08 00",
-                 "08 09 01 01 00 00 00 00 08", "ModuleState", "0 10", "eQueryModuleState", true},
-                {&Protocol::QueryRPMData, "1C 01 09", "1C 09 01 00 B8 0B", "1C 09 01 00 B8", "RPM",
-                 "plane 0 3000", "eQueryRPMData", true},
-                {&Protocol::QueryUnbalanceXYValues, "1E 01 09", "1E 09 01 01 20 01 80 FF",
-                 "1E 09 01 01 20 01 80", "XY", "plane 1 288 65408", "eQueryUnbalanceCoordinates", true}};
+        return {
+            {[](Protocol& r) { return r.QueryModuleIdentification(); }, "11 01 09 08", Identification(9, 49),
+             Identification(9, 48), "Identification", "12AB0F 305419896", "eQueryModuleIdentification",
+             false},
+            {[](Protocol& r) { return r.QueryActiveSet(); }, "10 01 09 02",
+             "10 09 01 02 02 01 08 00 00 04 01 01 41", "10 09 01 02 02 07", "Set", "2 A", "eSet", true},
+            {[](Protocol& r) { return r.QueryModuleState(); }, "08 01 09", "08 09 01 01 00 00 00 00 08 00",
+             "08 09 01 01 00 00 00 00 08", "ModuleState", "0 10", "eQueryModuleState", true},
+            {[](Protocol& r) { return r.QueryRPMData(); }, "1C 01 09", "1C 09 01 00 B8 0B", "1C 09 01 00 B8",
+             "RPM", "plane 0 3000", "eQueryRPMData", true},
+            {[](Protocol& r) { return r.QueryUnbalanceXYValues(); }, "1E 01 09", "1E 09 01 01 20 01 80 FF",
+             "1E 09 01 01 20 01 80", "XY", "plane 1 288 65408", "eQueryUnbalanceCoordinates", true}};
     }
 };
 

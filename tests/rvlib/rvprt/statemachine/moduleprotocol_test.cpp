@@ -30,7 +30,7 @@ protected:
             rTest(Loop, Module, rExchange);
         }
     }
-    static int Ask(Protocol& rModule, const Exchange& rExchange) { return (rModule.*rExchange.m_pQuery)(); }
+    static int Ask(Protocol& rModule, const Exchange& rExchange) { return rExchange.m_pQuery(rModule); }
     static void AskAgainFromTheFirstCallback(Protocol& rModule, const Exchange& rExchange) {
         rModule.m_OnCall = [&] {
             if (rModule.m_Calls.size() == 1) {
