@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "simulator/linesplitter.h"
+#include "platform/system/linesplitter.h"
 #include "simulator/machine.h"
 #include "simulator/timer.h"
 

@@ -10,7 +10,7 @@
 
 #include "platform/qt/listen.h"
 #include "platform/rvcom/endpoint.h"
-#include "simulator/linesplitter.h"
+#include "platform/system/linesplitter.h"
 #include "simulator/machine.h"
 
 using nlohmann::json;

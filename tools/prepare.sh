@@ -27,6 +27,24 @@ install_packages() {
     rm -f "$log"
 }
 
+# install_node_modules: what nc/ needs from npm, exactly as its lock file says, when that has changed.
+install_node_modules() {
+    local stamp=nc/node_modules/.installed log
+    cmp -s nc/package-lock.json "$stamp" && return 0
+    if ! { command -v node && command -v npm; } >/dev/null; then
+        install_packages tools/packages-node.txt || return 1
+    fi
+    say "Installing the npm packages of nc/"
+    log=$(mktemp)
+    if ! npm ci --prefix nc --no-audit --no-fund >"$log" 2>&1; then
+        cat "$log" >&2
+        say "Installing the npm packages failed; they are listed in nc/package.json."
+        return 1
+    fi
+    rm -f "$log"
+    cp nc/package-lock.json "$stamp"
+}
+
 # build PRESET TARGET...: configures build/PRESET when new and builds; the compiler's words are shown when it fails.
 build() {
     local preset=$1 log

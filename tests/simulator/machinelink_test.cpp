@@ -11,7 +11,7 @@
 #include "platform/qt/qteventloop.h"
 #include "platform/rvcom/bytelink.h"
 #include "platform/system/virtualeventloop.h"
-#include "simulator/linesplitter.h"
+#include "platform/system/linesplitter.h"
 #include "simulator/machineclient.h"
 #include "simulator/machineserver.h"
 #include "simulator/simulator.h"

@@ -1,4 +1,4 @@
-#include "simulator/linesplitter.h"
+#include "platform/system/linesplitter.h"
 
 #include <utility>
 

@@ -1,0 +1,2 @@
+// The NC simulator.
+process.exit(3);
