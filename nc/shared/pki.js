@@ -1,0 +1,93 @@
+// Certificates on disk: an application's own one, made at first start, and the pinned one of its peer.
+import { createHash } from 'node:crypto';
+import { chmod, mkdir, readFile, writeFile } from 'node:fs/promises';
+import { createRequire } from 'node:module';
+import { hostname } from 'node:os';
+import { join } from 'node:path';
+
+// Its form for import doesn't load on Node.js 18.
+const crypto = createRequire(import.meta.url)('node-opcua-crypto');
+
+const VALID_DAYS = 20 * 365; // a machine's lifetime: nobody renews certificates on a shop floor
+const KEY_BITS = 2048;
+
+/** SHA-256 of a certificate (DER) in hexadecimal digits. */
+export function fingerprintOf(certificate) {
+  return createHash('sha256').update(certificate).digest('hex');
+}
+
+/** The certificate (DER) of a PEM file, null if there is no such file. Throws if it holds no certificate. */
+export async function readCertificate(file) {
+  let text;
+  try {
+    text = await readFile(file, 'utf8');
+  } catch (error) {
+    if (error.code === 'ENOENT') {
+      return null;
+    }
+    throw new Error(`${file} can't be read (${error.code})`);
+  }
+  const match = /-----BEGIN CERTIFICATE-----([^-]+)-----END CERTIFICATE-----/.exec(text);
+  if (!match) {
+    throw new Error(`${file} holds no certificate in PEM form`);
+  }
+  return Buffer.from(match[1], 'base64');
+}
+
+/**
+ * Makes the directory, for this user only.
+ * @param {string} directory
+ */
+export async function openPki(directory) {
+  await mkdir(directory, { recursive: true, mode: 0o700 });
+  await chmod(directory, 0o700);
+}
+
+/**
+ * The application's own certificate and key, made when they are not there.
+ * @param {string} directory made by openPki
+ * @param {string} name of the application; part of its URI
+ * @returns {Promise<{certificateFile: string, privateKeyFile: string, applicationUri: string}>}
+ */
+export async function ownCertificate(directory, name) {
+  const certificateFile = join(directory, 'own.pem');
+  const privateKeyFile = join(directory, 'own-key.pem');
+  let certificate = await readCertificate(certificateFile);
+  if (certificate === null) {
+    const key = await crypto.generatePrivateKey(KEY_BITS);
+    const { privPem } = await crypto.privateKeyToPEM(key);
+    const { cert } = await crypto.createSelfSignedCertificate({
+      privateKey: key,
+      notBefore: new Date(Date.now() - 24 * 3600 * 1000), // clocks of machines differ
+      validity: VALID_DAYS,
+      subject: `CN=${name}`,
+      dns: [...new Set(['localhost', hostname()])],
+      ip: ['127.0.0.1'],
+      applicationUri: `urn:${hostname()}:${name}`,
+      purpose: crypto.CertificatePurpose.ForApplication,
+    });
+    // The key first: a certificate without its key would be taken for a finished pair at the next start.
+    await writeFile(privateKeyFile, privPem, { mode: 0o600 });
+    await writeFile(certificateFile, cert, { mode: 0o644 });
+    certificate = await readCertificate(certificateFile);
+  }
+  await chmod(privateKeyFile, 0o600);
+  // As it stands in the certificate: the host may have got another name since.
+  const { uniformResourceIdentifier } = crypto.exploreCertificate(certificate).tbsCertificate.extensions.subjectAltName;
+  return { certificateFile, privateKeyFile, applicationUri: uniformResourceIdentifier[0] };
+}
+
+/**
+ * Trusts a peer's certificate once, and only that one from then on.
+ * @param {string} file where the pinned certificate is kept
+ * @param {Buffer} certificate DER, the one the peer shows now
+ * @returns {Promise<'first' | 'same' | 'other'>} 'first' if it was pinned by this call
+ */
+export async function pin(file, certificate) {
+  const pinned = await readCertificate(file);
+  if (pinned !== null) {
+    return pinned.equals(certificate) ? 'same' : 'other';
+  }
+  await writeFile(file, crypto.toPem(certificate, 'CERTIFICATE') + '\n', { mode: 0o600 });
+  return 'first';
+}
