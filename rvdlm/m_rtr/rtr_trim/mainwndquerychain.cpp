@@ -2,6 +2,7 @@
 #include "platform/rvldb/gettext.h"
 #include "rvdlm/m_rtr/rtr_trim/log.h"
 #include "rvdlm/m_rtr/rtr_trim/moduleactions.h"
+#include "rvdlm/m_rtr/rtr_trim/prebalancing/warnings.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancingmainwnd.h"
 
 using PreBalDB::CPreBalDatabase;
@@ -11,10 +12,6 @@ using RtrTrim::g_pLog;
 namespace {
 
 constexpr std::uint8_t eUnknown = 255;
-
-// Warnings of AbortBalancing.
-constexpr std::uint32_t eSetChanged = 1;
-constexpr std::uint32_t eModuleStateChanged = 11;
 
 bool IsAnswerOrReport(Reason Why) {
     return Why == Comm::eSuccess || Why == Comm::eIndication;
@@ -94,7 +91,7 @@ void CPreBalancingMainWnd::OnSetRequest(Reason Why, const CSet* pSet) {
     }
     if (!IsSameSet(*pSet, m_Set) && EnsureSequence()) {
         RV_ERROR(g_pLog, "Set has been changed! calling AbortBalancing()...");
-        m_pPrebalancingSequence->AbortBalancing(eSetChanged);
+        m_pPrebalancingSequence->AbortBalancing(Warnings::eSetChanged);
     }
     if (m_Set.Number == eUnknown && !m_MachineName.empty()) {
         OnFirstSet(*pSet);
@@ -155,7 +152,7 @@ void CPreBalancingMainWnd::OnModuleState(Reason Why, const std::uint32_t* /*pUIL
         RV_ASSERT(g_pLog, bSequence, "impossible");
         if (bSequence) {
             RV_ERROR(g_pLog, "Module state has been changed! calling AbortBalancing()...");
-            m_pPrebalancingSequence->AbortBalancing(eModuleStateChanged);
+            m_pPrebalancingSequence->AbortBalancing(Warnings::eModuleStateChanged);
         }
     } else if ((bPlane1 && (pOutOfLockPlane1 == nullptr || pInvalidRPMPlane1 == nullptr)) ||
                (bPlane2 && (pOutOfLockPlane2 == nullptr || pInvalidRPMPlane2 == nullptr))) {

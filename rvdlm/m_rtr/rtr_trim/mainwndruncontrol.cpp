@@ -1,15 +1,10 @@
 // Start and end of procedures.
 #include "rvdlm/m_rtr/rtr_trim/log.h"
+#include "rvdlm/m_rtr/rtr_trim/menus.h"
+#include "rvdlm/m_rtr/rtr_trim/prebalancing/warnings.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancingmainwnd.h"
 
 using RtrTrim::g_pLog;
-
-namespace {
-
-constexpr std::uint32_t eFactorWarning = 9;
-constexpr WPARAM eNoMenu = static_cast<WPARAM>(-1);
-
-}  // namespace
 
 bool CPreBalancingMainWnd::IsCalibrated() const {
     return m_tabCtrl.IsCalibrated();
@@ -46,7 +41,7 @@ CPreBalancing* CPreBalancingMainWnd::StartPrebalancingSequence() {
         }
     }
     if (m_Set.RPMFactorPlane1 != 1 || m_Set.RPMFactorPlane2 != 1) {
-        m_pPrebalancingSequence->AbortBalancing(eFactorWarning);
+        m_pPrebalancingSequence->AbortBalancing(Warnings::eSetNotUsable);
     }
     return m_pPrebalancingSequence.get();
 }
@@ -62,8 +57,8 @@ void CPreBalancingMainWnd::TerminatePrebalancingSequence() {
         return;
     }
     m_pPrebalancingSequence.reset();
-    m_Menu = -1;
-    PostToParent(WM_RV_SETMENU, eNoMenu);
+    m_Menu = Menus::eNone;
+    PostToParent(WM_RV_SETMENU, static_cast<WPARAM>(m_Menu));
     // Read anew: the run changed the entry in memory, and only what was saved counts.
     m_tabCtrl.SendMessage(WM_RV_UPDATECONFIGURATION);
     RV_ASSERT(g_pLog, !m_tabCtrl.IsWindowVisible(), "wrong menu state!");
@@ -87,9 +82,9 @@ LRESULT CPreBalancingMainWnd::OnDestroyPending(WPARAM, LPARAM) {
     if (m_pPrebalancingSequence != nullptr) {
         bSaved = CommitAndSave();
         m_pPrebalancingSequence.reset();
-        m_Menu = -1;
+        m_Menu = Menus::eNone;
         if (CWnd* const pParent = GetParent()) {
-            pParent->SendMessage(WM_RV_SETMENU, eNoMenu);
+            pParent->SendMessage(WM_RV_SETMENU, static_cast<WPARAM>(m_Menu));
         }
         m_tabCtrl.SendMessage(WM_RV_UPDATECONFIGURATION);
     }

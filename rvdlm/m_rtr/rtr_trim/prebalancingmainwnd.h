@@ -14,6 +14,7 @@
 #include "rvdlm/m_rtr/rtr_trim/communication/iffromcommunication.h"
 #include "rvdlm/m_rtr/rtr_trim/communication/iftocommunication.h"
 #include "rvdlm/m_rtr/rtr_trim/mainwndmakers.h"
+#include "rvdlm/m_rtr/rtr_trim/menus.h"
 #include "rvdlm/m_rtr/rtr_trim/methods/weightpositionstore.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/prebalancing.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/prebalmainwndinterface.h"
@@ -197,7 +198,7 @@ private:
     std::unique_ptr<CPreBalInterfaceToNC> m_pInterfaceToNC;
     std::unique_ptr<CPreBalInterfaceToNCWarnings> m_pInterfaceToNCWarnings;
     CWeightPositionStore m_WeightPositions;
-    std::int32_t m_Menu = -1;  ///< last given to SetMenu
+    std::int32_t m_Menu = Menus::eNone;  ///< last given to SetMenu
     /// Of the module and, in a pair, of the slave: one that speaks doesn't cover for one that is silent.
     std::array<CSilenceWatch, 2> m_SilenceWatches;
 };

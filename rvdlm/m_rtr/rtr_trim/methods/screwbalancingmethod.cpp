@@ -7,18 +7,13 @@
 #include "platform/rvopc/opcdatabase.h"
 #include "platform/rvopc/prebalinterfacefromnctestweight.h"
 #include "rvdlm/m_rtr/rtr_trim/log.h"
+#include "rvdlm/m_rtr/rtr_trim/menus.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalnotification.h"
 #include "rvlib/math/matrixlog.h"
 
 using PreBalDB::CTypeBase;
 
 namespace {
-
-// Menus of the host.
-constexpr int eTestUnbalanceMenu = 33;
-constexpr int eTestUnbalanceChangeMenu = 3;
-constexpr int eScrewsMenuPlane1 = 12;
-constexpr int eScrewsMenuPlane2 = 13;
 
 constexpr std::uint16_t eTestHole = 1;
 
@@ -119,19 +114,19 @@ int CScrewBalancingMethod::GetNeutralPositionMenu(std::uint8_t /*Plane*/) {
 }
 
 int CScrewBalancingMethod::GetTestUnbalanceMenu() {
-    return eTestUnbalanceMenu;
+    return Menus::eTestScrew;
 }
 
 int CScrewBalancingMethod::GetTestUnbalanceChangeMenu() {
-    return eTestUnbalanceChangeMenu;
+    return Menus::eChangeTestScrew;
 }
 
 int CScrewBalancingMethod::GetCommitChangeMenu(std::uint8_t Plane) {
-    return Plane == 2 ? eScrewsMenuPlane2 : eScrewsMenuPlane1;
+    return Plane == 2 ? Menus::eScrewsPlane2 : Menus::eScrewsPlane1;
 }
 
 int CScrewBalancingMethod::GetCheckWeightsMenu(std::uint8_t Plane) {
-    return Plane == 2 ? eScrewsMenuPlane2 : eScrewsMenuPlane1;
+    return Plane == 2 ? Menus::eScrewsPlane2 : Menus::eScrewsPlane1;
 }
 
 const math::matrix<double>* CScrewBalancingMethod::GetTestUnbalanceVectorInDeg() {

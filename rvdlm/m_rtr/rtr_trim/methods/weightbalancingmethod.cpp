@@ -7,6 +7,7 @@
 
 #include "platform/window/dc.h"
 #include "rvdlm/m_rtr/rtr_trim/log.h"
+#include "rvdlm/m_rtr/rtr_trim/menus.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/prebalmainwndinterface.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalnotification.h"
 #include "rvlib/math/vector.h"
@@ -20,7 +21,6 @@ namespace {
 constexpr int eSelectWeight2 = 1;
 constexpr int eSelectStep10 = 2;
 
-constexpr int eTestUnbalanceMenu = 32;
 /// Change menus of the first and of the second plane, by the weight selection.
 constexpr std::array<std::array<int, 4>, 2> g_ChangeMenus = {{{24, 25, 26, 27}, {20, 21, 22, 23}}};
 /// The same in the old manner, where weights have keys of their own and steps don't change.
@@ -148,7 +148,7 @@ int CWeightBalancingMethod::GetCheckWeightsMenu(std::uint8_t Plane) {
 }
 
 int CWeightBalancingMethod::GetTestUnbalanceMenu() {
-    return eTestUnbalanceMenu;
+    return Menus::eTestWeights;
 }
 
 int CWeightBalancingMethod::GetTestUnbalanceChangeMenu() {

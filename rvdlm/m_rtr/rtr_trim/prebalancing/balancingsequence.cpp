@@ -3,15 +3,12 @@
 #include "platform/system/eventloop.h"
 #include "platform/window/prebalprogress.h"
 #include "rvdlm/m_rtr/rtr_trim/log.h"
+#include "rvdlm/m_rtr/rtr_trim/prebalancing/warnings.h"
 
 namespace {
 
 constexpr std::int32_t ePreBalancingActivity = 1;
 constexpr std::int32_t eReBalancingActivity = 2;
-
-// Warnings of the instruction view.
-constexpr std::uint32_t eCannotBalance = 5;
-constexpr std::uint32_t eRebalanceNotPossible = 7;
 
 }  // namespace
 
@@ -169,7 +166,8 @@ int CBalancingSequence::SetEvent(EVENTS Event) {
         RV_ERROR(RtrTrim::g_pLog, "Calculation failed in state %s: %s", m_rTables.GetStateText(m_State),
                  rError.what());
         StopMeasurement();
-        FailWithReset(m_Activity == eReBalancingActivity ? eRebalanceNotPossible : eCannotBalance);
+        FailWithReset(m_Activity == eReBalancingActivity ? Warnings::eRebalanceNotPossible
+                                                         : Warnings::eNoInfluence);
     }
     if (Result == 0 && Event != eCommitChanges) {
         RV_WARNING(RtrTrim::g_pLog, "Invalid Event %s in state %s received", GetEventText(Event),

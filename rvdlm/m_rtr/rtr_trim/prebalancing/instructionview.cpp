@@ -8,6 +8,7 @@
 #include "platform/window/dc.h"
 #include "rvdlm/m_rtr/rtr_trim/log.h"
 #include "rvdlm/m_rtr/rtr_trim/pagestyle.h"
+#include "rvdlm/m_rtr/rtr_trim/prebalancing/warnings.h"
 
 namespace {
 
@@ -33,8 +34,8 @@ struct CWarningText {
     const char* m_pSecond = nullptr;
 };
 
-/// By warning mode. The same numbers go to the NC.
-constexpr std::array<CWarningText, 12> c_Warnings{{
+/// By warning mode.
+constexpr std::array<CWarningText, Warnings::eCount> c_Warnings{{
     {CWarningText::eLiteral, "eNone"},                     // 0, never painted
     {CWarningText::eKey, "SET_SWITCH"},                    // 1
     {CWarningText::eKey, "PB_RUN_AT_SELECTED_RPM_TEXT"},   // 2
@@ -62,10 +63,10 @@ void CInstructionView::SetCurrentStep(std::uint32_t Step) {
 
 void CInstructionView::SetMode(std::uint32_t Mode) {
     m_Mode = Mode;
-    m_WarningMode = 0;
+    m_WarningMode = Warnings::eNone;
     m_Percent = 0.0;
     // Even if there was no warning: a new instruction tells the NC anew that all is well.
-    WarningModeChanged(0);
+    WarningModeChanged(Warnings::eNone);
 }
 
 void CInstructionView::SetWarningMode(std::uint32_t Mode, const double* pPercent) {
@@ -97,7 +98,8 @@ std::string CInstructionView::GetInstructionText() const {
 }
 
 std::string CInstructionView::GetWarningText() const {
-    return m_WarningMode != 0 ? WarningModeToLanguageString(m_WarningMode, m_Percent) : std::string();
+    return m_WarningMode != Warnings::eNone ? WarningModeToLanguageString(m_WarningMode, m_Percent)
+                                            : std::string();
 }
 
 std::string CInstructionView::ModeToLanguageString(std::uint32_t Mode) {
@@ -156,7 +158,7 @@ void CInstructionView::PaintBody(CDC& rDC, const CRect& rRect) const {
     Inner.DeflateRect(10, 5, 5, 10);
     int nInstruction = Inner.Width() / 38;
     int nWarning = Inner.Width() / 46;
-    if (m_WarningMode != 0) {
+    if (m_WarningMode != Warnings::eNone) {
         // In a low pane the two lines would lie upon each other: the warning then goes into the margin below,
         // and if that doesn't do, both get lower.
         constexpr int c_nMargin = 8;

@@ -4,20 +4,11 @@
 #include <cmath>
 
 #include "rvdlm/m_rtr/rtr_trim/log.h"
+#include "rvdlm/m_rtr/rtr_trim/menus.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/balancingsequence.h"
+#include "rvdlm/m_rtr/rtr_trim/prebalancing/warnings.h"
 
 namespace {
-
-constexpr std::int32_t eCompleteMenu = 0;
-constexpr std::int32_t eStartMenu = 0;
-constexpr std::int32_t eWaitMenu = 4;
-
-// Warnings of the instruction view.
-constexpr std::uint32_t eNoWarning = 0;
-constexpr std::uint32_t eImpossibleVerdict = 1;
-constexpr std::uint32_t eOutOfLockWarning = 3;
-constexpr std::uint32_t eCannotBalance = 5;
-constexpr std::uint32_t eCapacity = 6;
 
 // Verdicts on a test run.
 constexpr std::uint32_t eUsable = 0;
@@ -175,15 +166,15 @@ int CBalancingSequence::NeutralPosRPMStartHandler(EVENTS Event) {
 }
 
 void CBalancingSequence::ShowRPMStart(bool bEntry) {
-    SetWarningMode(m_NotLocked != 0 ? eOutOfLockWarning : eNoWarning);
+    SetWarningMode(m_NotLocked != 0 ? Warnings::eOutOfLock : Warnings::eNone);
     if (bEntry) {
         ShowDisplay();
     }
     if (m_NotLocked == 0 && m_InvalidRPM == 0) {
-        m_pMainWnd->SetMenu(eStartMenu);
+        m_pMainWnd->SetMenu(Menus::eConfirm);
         Notify(CPreBalNotification::eSetup, CPreBalNotification::eSetSpindleSpeed);
     } else {
-        m_pMainWnd->SetMenu(eWaitMenu);
+        m_pMainWnd->SetMenu(Menus::eWait);
         Notify(CPreBalNotification::eSetup, CPreBalNotification::eNone);
     }
 }
@@ -202,7 +193,7 @@ int CBalancingSequence::NeutralPosMeasurementHandler(EVENTS Event) {
         StoreNeutralRPM();
         return 1;
     }
-    if (Event == eKeyPressed && m_KeyAction == eNext && m_pMainWnd->GetMenu() == eCompleteMenu) {
+    if (Event == eKeyPressed && m_KeyAction == eNext && m_pMainWnd->GetMenu() == Menus::eConfirm) {
         ApplyNeutralPositionXYValues();
         StopMeasurement();
         return Enter(Sequence::eTestUnbalanceSpindleStop);
@@ -282,7 +273,7 @@ int CBalancingSequence::TestUnbalanceMeasurementHandler(EVENTS Event) {
         NotifyState();
         return 1;
     }
-    if (Event == eKeyPressed && m_KeyAction == eNext && m_pMainWnd->GetMenu() == eCompleteMenu) {
+    if (Event == eKeyPressed && m_KeyAction == eNext && m_pMainWnd->GetMenu() == Menus::eConfirm) {
         StopMeasurement();
         return FinishTestMeasurement();
     }
@@ -301,10 +292,11 @@ int CBalancingSequence::FinishTestMeasurement() {
             AdoptCalibration(Calibration);
             return Enter(Sequence::ePreBalanceSpindleStop);
         case eNoInfluence:
-            return FailWithReset(eCannotBalance);
+            return FailWithReset(Warnings::eNoInfluence);
         default:
             RV_ASSERT_FAIL(RtrTrim::g_pLog, "impossible");
-            return FailWithNoReturn(eImpossibleVerdict);
+            // Such a verdict has no warning of its own.
+            return FailWithNoReturn(Warnings::eSetChanged);
     }
 }
 
@@ -356,7 +348,7 @@ int CBalancingSequence::PreBalanceSetWeightsHandler(EVENTS Event) {
     switch (Event) {
         case eNewState:
             if (m_CompensationDifference > 0.0) {
-                SetWarningMode(eCapacity, &m_CompensationDifference);
+                SetWarningMode(Warnings::eCapacity, &m_CompensationDifference);
             }
             ShowState();
             return 1;

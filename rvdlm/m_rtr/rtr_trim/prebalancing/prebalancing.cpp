@@ -2,20 +2,10 @@
 
 #include "platform/window/prebalprogress.h"
 #include "rvdlm/m_rtr/rtr_trim/log.h"
+#include "rvdlm/m_rtr/rtr_trim/menus.h"
+#include "rvdlm/m_rtr/rtr_trim/prebalancing/warnings.h"
 #include "rvlib/settings/installation.h"
 #include "rvlib/settings/xmlconfig.h"
-
-namespace {
-
-constexpr std::int32_t eMeasurementLostMenu = 4;
-
-// Warnings of the instruction view; the NC knows the same numbers.
-constexpr std::uint32_t eNoWarning = 0;
-constexpr std::uint32_t eWrongRPM = 2;
-constexpr std::uint32_t eOutOfLock = 3;
-constexpr std::uint32_t eWrongRPMAndOutOfLock = 4;
-
-}  // namespace
 
 CPreBalancing::CPreBalancing(CPreBalMainWndInterface* pMainWnd, PreBalDB::CPreBalBaseTableEntry& rEntry,
                              const std::string& rSecondTitle)
@@ -48,25 +38,25 @@ void CPreBalancing::RepaintMeasurement() {
 }
 
 void CPreBalancing::OnMeasurementLost() {
-    m_pMainWnd->SetMenu(eMeasurementLostMenu);
+    m_pMainWnd->SetMenu(Menus::eWait);
     m_Notification.m_Action = CPreBalNotification::eMeasure;
     m_pMainWnd->PreBalNotification(m_Notification);
 }
 
 void CPreBalancing::ShowMeasurementOK() {
-    SetWarningMode(eNoWarning);
+    SetWarningMode(Warnings::eNone);
 }
 
 void CPreBalancing::ShowOutOfLockWarning() {
-    SetWarningMode(eOutOfLock);
+    SetWarningMode(Warnings::eOutOfLock);
 }
 
 void CPreBalancing::ShowWrongRPMWarning() {
-    SetWarningMode(eWrongRPM);
+    SetWarningMode(Warnings::eWrongRPM);
 }
 
 void CPreBalancing::ShowWrongRPMAndOutOfLockWarning() {
-    SetWarningMode(eWrongRPMAndOutOfLock);
+    SetWarningMode(Warnings::eWrongRPMAndOutOfLock);
 }
 
 void CPreBalancing::CurrentRPM(std::uint16_t wRPM) {

@@ -3,20 +3,14 @@
 #include <algorithm>
 
 #include "rvdlm/m_rtr/rtr_trim/log.h"
+#include "rvdlm/m_rtr/rtr_trim/menus.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/balancingsequence.h"
+#include "rvdlm/m_rtr/rtr_trim/prebalancing/warnings.h"
 
 namespace {
 
-constexpr std::int32_t eWaitMenu = 4;
-constexpr std::int32_t eCompleteMenu = 8;
-
+/// Instruction of the instruction view.
 constexpr std::uint32_t eMapWeightsMode = 9;
-
-// Warnings of the instruction view.
-constexpr std::uint32_t eNoWarning = 0;
-constexpr std::uint32_t eCapacity = 6;
-constexpr std::uint32_t eRebalanceNotPossible = 7;
-constexpr std::uint32_t eStopSpindle = 10;
 
 }  // namespace
 
@@ -27,7 +21,7 @@ int CBalancingSequence::ReBalanceCommitWeightsHandler(EVENTS Event) {
             const bool bCanRebalance =
                 CanRebalance("Commit Weights: ", "Compensation SetUA failed not enough capacity");
             ShowState();
-            return bCanRebalance ? 1 : FailWithReset(eRebalanceNotPossible);
+            return bCanRebalance ? 1 : FailWithReset(Warnings::eRebalanceNotPossible);
         }
         case eKeyPressed:
             if (m_KeyAction == eNext) {
@@ -72,12 +66,12 @@ int CBalancingSequence::ReBalanceMeasurement1Handler(EVENTS Event) {
         ShowMenu();
         NotifyState();
         if (!bCanRebalance) {
-            return FailWithReset(eRebalanceNotPossible);
+            return FailWithReset(Warnings::eRebalanceNotPossible);
         }
         StartMeasurement(m_RPM, m_NotLocked, 1);
         return 1;
     }
-    if (Event == eKeyPressed && m_pMainWnd->GetMenu() == eCompleteMenu) {
+    if (Event == eKeyPressed && m_pMainWnd->GetMenu() == Menus::eConfirmOrCheckWeights) {
         if (m_KeyAction == eNext) {
             StopMeasurement();
             return Enter(Sequence::eReBalanceSpindleStop);
@@ -109,7 +103,7 @@ int CBalancingSequence::ReBalanceSetWeightsHandler(EVENTS Event) {
             if (!SetUAOfPlanes(CalculateRebalance(), &Percent, true)) {
                 RV_WARNING(RtrTrim::g_pLog, "Compensation SetUA failed %.2lf%% failure (not enough capacity)",
                            Percent);
-                SetWarningMode(eCapacity, &Percent);
+                SetWarningMode(Warnings::eCapacity, &Percent);
             }
             ShowState();
             return 1;
@@ -153,11 +147,11 @@ int CBalancingSequence::ReBalanceCheckWeightsHandler(EVENTS Event) {
             if (m_InvalidRPM == 0) {
                 // The speed is on while weights should be looked at.
                 SetDisplayModes(CPlaneBalancingMethod::eInactive);
-                SetWarningMode(eStopSpindle);
-                m_pMainWnd->SetMenu(eWaitMenu);
+                SetWarningMode(Warnings::eStopSpindle);
+                m_pMainWnd->SetMenu(Menus::eWait);
             } else {
                 ShowForChange({Sequence::CShow::eFull, CPlaneBalancingMethod::eUACompensation});
-                SetWarningMode(eNoWarning);
+                SetWarningMode(Warnings::eNone);
                 ShowMenu();
             }
             return 1;
@@ -181,7 +175,7 @@ bool CBalancingSequence::CanRebalance(const char* pPrefix, const char* pRefused)
     if (SetUAOfPlanes(GetStoredUAs(), &Percent, false)) {
         return true;
     }
-    SetWarningMode(eCapacity, &Percent);
+    SetWarningMode(Warnings::eCapacity, &Percent);
     RV_WARNING(RtrTrim::g_pLog, "%sCompensation SetUA failed %.2lf%% failure (not enough capacity)", pPrefix,
                Percent);
     if (m_IgnoreRebalWeights != 0) {

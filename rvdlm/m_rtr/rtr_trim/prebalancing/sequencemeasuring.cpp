@@ -1,11 +1,10 @@
 // Measuring rules of CBalancingSequence, and its waiting for the calibrated speed.
 #include "rvdlm/m_rtr/rtr_trim/log.h"
+#include "rvdlm/m_rtr/rtr_trim/menus.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/balancingsequence.h"
+#include "rvdlm/m_rtr/rtr_trim/prebalancing/warnings.h"
 
 namespace {
-
-constexpr std::uint32_t eNoWarning = 0;
-constexpr std::uint32_t eOverTargetWarning = 8;
 
 /// What a measuring state does with its samples: wait until the window is complete and show a menu then, or
 /// judge every sample against the target.
@@ -17,12 +16,16 @@ struct CMeasuringRule {
     CPreBalNotification::Step m_StepOver;
 };
 constexpr CMeasuringRule g_MeasuringRules[] = {
-    {Sequence::eNeutralPosMeasurement, false, 0, CPreBalNotification::eSetup, {}},
-    {Sequence::eTestUnbalanceMeasurement, false, 0, CPreBalNotification::eSetup, {}},
-    {Sequence::ePreBalanceMeasurement, true, -1, CPreBalNotification::eSetupSuccess,
+    {Sequence::eNeutralPosMeasurement, false, Menus::eConfirm, CPreBalNotification::eSetup, {}},
+    {Sequence::eTestUnbalanceMeasurement, false, Menus::eConfirm, CPreBalNotification::eSetup, {}},
+    {Sequence::ePreBalanceMeasurement, true, Menus::eNone, CPreBalNotification::eSetupSuccess,
      CPreBalNotification::eSetupOverTarget},
-    {Sequence::eReBalanceMeasurement1, false, 8, CPreBalNotification::eReBalActive, {}},
-    {Sequence::eReBalanceMeasurement2, true, -1, CPreBalNotification::eRebalSuccess,
+    {Sequence::eReBalanceMeasurement1,
+     false,
+     Menus::eConfirmOrCheckWeights,
+     CPreBalNotification::eReBalActive,
+     {}},
+    {Sequence::eReBalanceMeasurement2, true, Menus::eNone, CPreBalNotification::eRebalSuccess,
      CPreBalNotification::eRebalOverTarget},
 };
 
@@ -150,7 +153,7 @@ void CBalancingSequence::TestTargetUnbalanceAndDisplayWarning(CPreBalNotificatio
             bPlaneWithin ? CPlaneBalancingMethod::eWithinTarget : CPlaneBalancingMethod::eOverTarget;
         bWithin = bWithin && bPlaneWithin;
     }
-    SetWarningMode(bWithin ? eNoWarning : eOverTargetWarning);
+    SetWarningMode(bWithin ? Warnings::eNone : Warnings::eOverTarget);
     const CPreBalNotification::Step Verdict = bWithin ? Within : Over;
     if (m_Notification.m_Step != Verdict) {
         // With the action that the state left: the NC sees one message a change of the verdict.
