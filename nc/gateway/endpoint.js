@@ -1,66 +1,112 @@
-// Whom the gateway speaks to: the server's endpoint with the security that the configuration asks for.
-import { join } from 'node:path';
-import * as pki from '../shared/pki.js';
-import { MessageSecurityMode, OPCUAClient, SecurityPolicy } from '../shared/opcua.js';
+// Which endpoint of the server is used, and whether its certificate is the one to trust.
+import opcua from './opcua.js';
+import { Refusal } from './reasons.js';
+import { fingerprintOf } from '../shared/pki.js';
 
-/** Longest wait for a step of setting up a connection, ms. */
-export const CONNECT_TIMEOUT = 5000;
-/** The library is not to try again by itself: the session above does, and tells about it. */
-export const ONE_ATTEMPT = { maxRetry: 0, initialDelay: 100, maxDelay: 100 };
+const { MessageSecurityMode, SecurityPolicy } = opcua;
 
-function describe(endpoint) {
-  return `${MessageSecurityMode[endpoint.securityMode]} ${endpoint.securityPolicyUri?.split('#')[1] ?? 'None'}`;
+const BINARY_TRANSPORT = 'http://opcfoundation.org/UA-Profile/Transport/uatcp-uasc-uabinary';
+
+/** Values of `security` in the configuration, and what they ask for. Nothing weaker is ever used instead. */
+const SECURITIES = new Map([
+  ['Basic256Sha256', { mode: MessageSecurityMode.SignAndEncrypt, policy: SecurityPolicy.Basic256Sha256 }],
+  ['Aes128_Sha256_RsaOaep', { mode: MessageSecurityMode.SignAndEncrypt, policy: SecurityPolicy.Aes128_Sha256_RsaOaep }],
+  ['Aes256_Sha256_RsaPss', { mode: MessageSecurityMode.SignAndEncrypt, policy: SecurityPolicy.Aes256_Sha256_RsaPss }],
+  ['None', { mode: MessageSecurityMode.None, policy: SecurityPolicy.None }],
+]);
+
+/**
+ * @param {string} name of the configuration
+ * @returns {{mode: number, policy: string}}
+ * @throws {Refusal} if there is no such security
+ */
+export function securityOf(name) {
+  const security = SECURITIES.get(name);
+  if (!security) {
+    throw new Refusal(`there is no security "${name}"`);
+  }
+  return security;
 }
 
-/** The endpoints that the server names, asked without security: they hold nothing secret, and are judged after. */
-async function askEndpoints(url, options) {
-  const client = OPCUAClient.create({ ...options, endpointMustExist: false, connectionStrategy: ONE_ATTEMPT });
-  try {
-    await client.connect(url);
-    return await client.getEndpoints();
-  } finally {
-    await client.disconnect();
+/** The first certificate of a chain (both DER): the server's own one. Empty if there is none. */
+export function firstOf(chain) {
+  const bytes = chain ?? Buffer.alloc(0);
+  // A sequence with a length of two bytes; any other length is no certificate.
+  const isCertificate = bytes.length > 4 && bytes[0] === 0x30 && bytes[1] === 0x82;
+  return isCertificate ? bytes.subarray(0, 4 + bytes.readUInt16BE(2)) : Buffer.alloc(0);
+}
+
+/** The fingerprint of the configuration in the form that fingerprintOf has; empty if none is configured. */
+function normalize(fingerprint) {
+  const digits = fingerprint.replace(/[\s:]/g, '').toLowerCase();
+  if (digits !== '' && !/^[0-9a-f]{64}$/.test(digits)) {
+    throw new Refusal('the configured fingerprint is not a SHA-256 in hexadecimal digits');
   }
+  return digits;
 }
 
 /**
- * The server's certificate, for a connection with SignAndEncrypt under a policy. It is trusted the first time and
- * only that one afterwards; a fingerprint known beforehand decides instead of the first time.
- * @param {object} settings as in the connect line
- * @param {object} options of the library's client
- * @param {(level: string, text: string) => void} log
- * @returns {Promise<Buffer>} DER
- * @throws with a reason for a person
+ * Chooses the endpoint that offers the security, with a certificate that is trusted.
+ * @param {import('node-opcua-client').EndpointDescription[]} endpoints what the server offers
+ * @param {{security: string, fingerprint: string}} settings
+ * @param {Buffer | null} pinned the certificate trusted at first, null if there is none yet
+ * @returns {import('node-opcua-client').EndpointDescription}
+ * @throws {Refusal} if there is none
  */
-export async function trustedCertificate(settings, options, log) {
-  const endpoints = await askEndpoints(settings.server, options);
-  const wanted = endpoints.find(
+export function chooseEndpoint(endpoints, { security, fingerprint }, pinned) {
+  const { mode, policy } = securityOf(security);
+  const offered = endpoints.filter(
     (endpoint) =>
-      endpoint.securityMode === MessageSecurityMode.SignAndEncrypt &&
-      endpoint.securityPolicyUri === SecurityPolicy[settings.security],
+      endpoint.securityMode === mode &&
+      endpoint.securityPolicyUri === policy &&
+      (endpoint.transportProfileUri ?? BINARY_TRANSPORT) === BINARY_TRANSPORT,
   );
-  if (!wanted) {
-    const offered = [...new Set(endpoints.map(describe))].join(', ') || 'nothing';
-    throw new Error(`the server offers no SignAndEncrypt with ${settings.security}, but ${offered}`);
+  if (offered.length === 0) {
+    const what = mode === MessageSecurityMode.None ? 'connections without security' : `${security} with SignAndEncrypt`;
+    throw new Refusal(`the server doesn't offer ${what}`);
   }
-  const certificate = wanted.serverCertificate;
-  const fingerprint = pki.fingerprintOf(certificate);
-  const expected = (settings.fingerprint ?? '').replace(/[^0-9a-f]/gi, '').toLowerCase();
-  if (expected !== '' && expected !== fingerprint) {
-    throw new Error(`the server's certificate has the fingerprint ${fingerprint}, not the one that is configured`);
+  if (mode === MessageSecurityMode.None) {
+    return offered[0];
   }
-  const file = join(settings.pki, 'server.pem');
-  switch (await pki.pin(file, certificate)) {
-    case 'other':
-      throw new Error(
-        `the server shows another certificate (fingerprint ${fingerprint}) than the one trusted; ` +
-          `if the NC got a new one, remove ${file}`,
-      );
-    case 'first':
-      log('warning', `the server's certificate is trusted from now on, fingerprint ${fingerprint}`);
-      break;
-    default:
-      break;
+  const withCertificate = offered.filter((endpoint) => firstOf(endpoint.serverCertificate).length > 0);
+  if (withCertificate.length === 0) {
+    throw new Refusal('the server shows no certificate');
   }
-  return certificate;
+  const shown = fingerprintOf(firstOf(withCertificate[0].serverCertificate));
+  const expected = normalize(fingerprint);
+  const named = withCertificate.filter(
+    (endpoint) => expected === '' || fingerprintOf(firstOf(endpoint.serverCertificate)) === expected,
+  );
+  if (named.length === 0) {
+    throw new Refusal(`the server's certificate is refused: its fingerprint is ${shown}, not the configured one`);
+  }
+  const trusted = named.find((endpoint) => !pinned || firstOf(endpoint.serverCertificate).equals(pinned));
+  if (!trusted) {
+    throw new Refusal(
+      `the server's certificate is refused: its fingerprint is ${shown}, but ${fingerprintOf(pinned)} was trusted ` +
+        'at the first connection; remove server.pem if the change is intended',
+    );
+  }
+  return trusted;
+}
+
+/**
+ * Watches over the opening of secure channels. The library takes security policy and certificate of an answer from the
+ * answer itself: without this, somebody in between could answer in the server's place without security.
+ * @param {import('node-opcua-client').OPCUAClient} client not yet connected
+ * @param {string} policy that was asked for
+ * @param {Buffer} certificate of the server, DER
+ * @param {() => void} onForged an answer came that isn't the server's
+ */
+export function guardChannel(client, policy, certificate, onForged) {
+  client.on('secure_channel_created', (channel) => {
+    channel.on('message', (response, messageType, header) => {
+      if (messageType !== 'OPN') {
+        return;
+      }
+      if (header.securityPolicyUri !== policy || !firstOf(header.senderCertificate).equals(certificate)) {
+        onForged();
+      }
+    });
+  });
 }

@@ -1,73 +1,72 @@
-// The OPC UA client of the module: opc-gateway SOCKET. Connects to the local socket that the module's side listens
-// on, takes orders there as JSON lines, and ends when it closes.
+// The OPC UA client of the module: opc-gateway SOCKET. Speaks JSON lines over the local socket; ends when that closes.
+import './silence.js';
 import { connect } from 'node:net';
 import { readObjects, writeObject } from '../shared/jsonlines.js';
 
-// The library explains itself at length there, and what was sent may be part of it.
-for (const channel of ['log', 'info', 'warn', 'error']) {
-  console[channel] = () => {};
-}
-const { Session } = await import('./session.js');
-
-const CLOSE_TIMEOUT = 1000;
+const BAD_ARGUMENTS = 3;
+const FAILED = 1;
+const CLOSING_LIMIT = 1000;
 
 function refuse(text) {
-  process.stderr.write(`${text}\n`);
-  process.exit(3);
+  process.stderr.write(`opc-gateway: ${text}\n`);
+  process.exit(BAD_ARGUMENTS);
 }
 
-if (process.argv.length !== 3) {
-  refuse('usage: opc-gateway SOCKET, the local socket to take orders from');
+if (process.argv.length !== 3 || process.argv[2] === '' || process.argv[2].startsWith('-')) {
+  refuse('usage: opc-gateway SOCKET');
 }
+
 const socket = connect(process.argv[2]);
-const report = (object) => writeObject(socket, object);
-const complain = (text) => report({ log: { level: 'error', text } });
-let session = null;
+const connected = new Promise((resolve) => {
+  socket.once('connect', resolve);
+  socket.once('error', (error) => refuse(`no socket to connect to at ${process.argv[2]} (${error.code})`));
+});
 
-const orders = {
-  connect(settings) {
-    if (session === null) {
-      session = new Session(settings, report);
-      session.run();
-    } else {
-      complain('a second connect is not taken');
-    }
-  },
-  ping: ({ id }) => report({ pong: { id } }),
-};
-for (const order of ['subscribe', 'unsubscribe', 'write', 'read']) {
-  orders[order] = (parameters) => {
-    if (session === null) {
-      complain(`${order} comes before connect`);
-    } else {
-      session[order](parameters);
-    }
-  };
-}
+// Loading takes longer than all else here.
+const [{ Session }, { makeReceiver }, { reasonOf }] = await Promise.all([
+  import('./session.js'),
+  import('./lines.js'),
+  import('./reasons.js'),
+  connected,
+]);
 
-function take(object) {
-  for (const [order, parameters] of Object.entries(object)) {
-    if (Object.hasOwn(orders, order) && parameters !== null && typeof parameters === 'object') {
-      orders[order](parameters);
-    } else {
-      complain(`${order.slice(0, 40)} is no order`);
-    }
+const tell = (line) => writeObject(socket, line);
+const session = new Session(tell);
+
+let isEnding = false;
+async function end(status) {
+  if (isEnding) {
+    return;
+  }
+  isEnding = true;
+  setTimeout(() => process.exit(status), CLOSING_LIMIT);
+  try {
+    await session.close();
+  } finally {
+    process.exit(status);
   }
 }
 
-async function end(status) {
-  setTimeout(() => process.exit(status), CLOSE_TIMEOUT);
-  await session?.close();
-  process.exit(status);
+// What the error says may have been sent; where it happened is enough. The module starts another gateway.
+process.on('uncaughtException', (error) => {
+  const places = String(error?.stack).split('\n').filter((line) => /^\s+at /.test(line));
+  const text = `opc-gateway fails: ${reasonOf(error)}; ${places.slice(0, 3).map((line) => line.trim()).join(' ')}`;
+  const leave = () => process.exit(FAILED);
+  setTimeout(leave, CLOSING_LIMIT);
+  if (socket.writable) {
+    socket.end(JSON.stringify({ log: { level: 'error', text } }) + '\n', leave);
+  } else {
+    leave();
+  }
+});
+
+socket.removeAllListeners('error');
+socket.on('error', () => {}); // followed by 'close'
+socket.on('close', () => end(0));
+socket.on('end', () => end(0));
+for (const name of ['SIGINT', 'SIGTERM']) {
+  process.on(name, () => end(0));
 }
 
-socket.on('error', (error) => refuse(`${process.argv[2]}: ${error.code}; it must be a socket that somebody listens on`));
-socket.on('close', () => end(0));
-readObjects(socket, take, (reason) => complain(`${reason} was left out`));
-
-// Whoever started this starts it again.
-process.on('uncaughtException', (error) => {
-  complain(`the gateway ends: ${String(error.message).split('\n')[0]}`);
-  end(1);
-});
-process.on('SIGTERM', () => end(0));
+const receiver = makeReceiver(session, tell);
+readObjects(socket, receiver.take, receiver.refuse);

@@ -1,114 +1,116 @@
-// Values as they stand on the local socket, {"int32": 5} and the like, and as OPC UA carries them.
-import { DataType, Variant, VariantArrayType } from '../shared/opcua.js';
+// Values on the socket and values of the server's nodes.
+import opcua from './opcua.js';
+import { Refusal } from './reasons.js';
 
-/** Integer types of OPC UA that a number without fraction can be written as, with their limits. */
-const INTEGERS = new Map([
-  [DataType.SByte, [-128, 127]],
-  [DataType.Byte, [0, 255]],
-  [DataType.Int16, [-32768, 32767]],
-  [DataType.UInt16, [0, 65535]],
-  [DataType.Int32, [-2147483648, 2147483647]],
-  [DataType.UInt32, [0, 4294967295]],
+const { DataType, Variant, VariantArrayType } = opcua;
+
+const INT32 = { lowest: -(2 ** 31), highest: 2 ** 31 - 1 };
+
+// What an int32 may become. Its bounds are enough for the wider types.
+const INTEGER_TYPES = new Map([
+  [DataType.SByte, { lowest: -128, highest: 127 }],
+  [DataType.Byte, { lowest: 0, highest: 255 }],
+  [DataType.Int16, { lowest: -32768, highest: 32767 }],
+  [DataType.UInt16, { lowest: 0, highest: 65535 }],
+  [DataType.Int32, INT32],
+  [DataType.UInt32, { lowest: 0, highest: INT32.highest }],
+  [DataType.Int64, INT32],
+  [DataType.UInt64, { lowest: 0, highest: INT32.highest }],
+  [DataType.Boolean, { lowest: 0, highest: 1 }],
 ]);
-const WIDE_INTEGERS = new Set([DataType.Int64, DataType.UInt64]);
-const [LOWEST, HIGHEST] = INTEGERS.get(DataType.Int32);
+const FLOATING_TYPES = new Map([
+  [DataType.Float, 3.4028234663852886e38],
+  [DataType.Double, Number.MAX_VALUE],
+]);
 
-function isInt32(value) {
-  return Number.isInteger(value) && value >= LOWEST && value <= HIGHEST;
+const isInt32 = (value) => Number.isInteger(value) && value >= INT32.lowest && value <= INT32.highest;
+
+const KINDS = {
+  int32: { isValid: isInt32, usualType: DataType.Int32 },
+  double: { isValid: Number.isFinite, usualType: DataType.Double },
+  string: { isValid: (value) => typeof value === 'string', usualType: DataType.String },
+  int32s: { isValid: (value) => Array.isArray(value) && value.every(isInt32), usualType: DataType.Int32 },
+};
+
+/** The kind of a typed value of the socket, and the bare value. Throws a Refusal if it isn't one. */
+function unpack(typed) {
+  const [kind, ...others] = Object.keys(typed ?? {});
+  if (!Object.hasOwn(KINDS, kind ?? '') || others.length > 0 || !KINDS[kind].isValid(typed[kind])) {
+    throw new Refusal('no typed value');
+  }
+  return { kind, value: typed[kind] };
 }
 
-function checkInt32(value) {
-  if (!isInt32(value)) {
-    throw new Error(`${JSON.stringify(value)} is no 32-bit integer`);
+function convertInteger(value, type) {
+  const bounds = INTEGER_TYPES.get(type);
+  if (bounds && value >= bounds.lowest && value <= bounds.highest) {
+    return type === DataType.Boolean ? value === 1 : value;
   }
-  return value;
-}
-
-/** An integer as that type; any type that isn't one for integers gets it as Int32, and the server judges. */
-function toInteger(value, type) {
-  const limits = INTEGERS.get(type);
-  if (!limits) {
-    return { dataType: DataType.Int32, value };
+  // Each int32 is a Double exactly, and a Float if it survives the rounding.
+  if (type === DataType.Double || (type === DataType.Float && Math.fround(value) === value)) {
+    return value;
   }
-  if (value < limits[0] || value > limits[1]) {
-    throw new Error(`${value} does not fit the node's type ${DataType[type]}`);
-  }
-  return { dataType: type, value };
+  throw new Refusal(`${value} doesn't fit the node's type ${DataType[type]}`);
 }
 
 /**
- * A value of the socket as a Variant.
- * @param {object} typed {"int32": 5}, {"double": 2.5}, {"string": "x"} or {"int32s": [1, 2]}
- * @param {number | null} type DataType of the node, null if not known; integers take it
- * @throws if the value isn't typed as above, or doesn't fit the node's type
+ * @param {object} typed value of the socket
+ * @param {number | undefined} type DataType of the node, undefined if the server doesn't tell
+ * @returns {import('node-opcua-client').Variant} of the node's type
+ * @throws {Refusal} if the value isn't one, or doesn't fit the type; tells value and type
  */
 export function toVariant(typed, type) {
-  const [[kind, value]] = Object.entries(typed ?? {}).concat([[undefined, undefined]]);
+  const { kind, value } = unpack(typed);
+  const dataType = type ?? KINDS[kind].usualType;
   switch (kind) {
     case 'int32':
-      return new Variant(toInteger(checkInt32(value), type));
+      return new Variant({ dataType, value: convertInteger(value, dataType) });
     case 'int32s': {
-      if (!Array.isArray(value)) {
-        throw new Error('int32s must be an array');
-      }
-      const elements = value.map((element) => toInteger(checkInt32(element), type));
-      return new Variant({
-        arrayType: VariantArrayType.Array,
-        dataType: elements[0]?.dataType ?? DataType.Int32,
-        value: elements.map((element) => element.value),
-      });
+      const values = value.map((element) => convertInteger(element, dataType));
+      return new Variant({ dataType, arrayType: VariantArrayType.Array, value: values });
     }
     case 'double':
-      return new Variant({ dataType: type === DataType.Float ? type : DataType.Double, value: Number(value) });
-    case 'string':
-      return new Variant({ dataType: DataType.String, value: String(value) });
+      if (Math.abs(value) <= FLOATING_TYPES.get(dataType)) {
+        return new Variant({ dataType, value });
+      }
+      break;
     default:
-      throw new Error('a value must be typed: int32, double, string or int32s');
+      if (dataType === DataType.String) {
+        return new Variant({ dataType, value });
+      }
   }
+  throw new Refusal(`${JSON.stringify(value).slice(0, 40)} doesn't fit the node's type ${DataType[dataType]}`);
 }
 
-/** 64-bit integers come as a pair of words. */
-function wideToNumber([high, low], type) {
-  const number = BigInt(high) * 4294967296n + BigInt(low);
-  return Number(type === DataType.Int64 ? BigInt.asIntN(64, number) : number);
-}
-
-function toNumber(value, type) {
-  if (type === DataType.Boolean) {
-    return value ? 1 : 0;
-  }
-  return WIDE_INTEGERS.has(type) && Array.isArray(value) ? wideToNumber(value, type) : Number(value);
-}
-
-function isIntegerType(type) {
-  return type === DataType.Boolean || INTEGERS.has(type) || WIDE_INTEGERS.has(type);
-}
+/** The number of an Int64 or UInt64, which the library holds as two halves. Only small ones are needed exactly. */
+const joinHalves = ([high, low], isSigned) => (isSigned ? high | 0 : high >>> 0) * 2 ** 32 + (low >>> 0);
 
 /**
- * A Variant as a value of the socket.
- * @throws if it is of another type than numbers, Booleans, texts, and arrays of integers
+ * @param {import('node-opcua-client').Variant} variant a node's value
+ * @returns {{int32: number} | {double: number}}
+ * @throws {Refusal} if it is anything but one number
  */
-export function fromVariant(variant) {
-  const { dataType, arrayType, value } = variant ?? {};
-  if (value !== null && value !== undefined) {
-    if (arrayType === VariantArrayType.Array && isIntegerType(dataType)) {
-      const numbers = Array.from(value, (element) => toNumber(element, dataType));
-      if (numbers.every(isInt32)) {
-        return { int32s: numbers };
-      }
-    } else if (arrayType === VariantArrayType.Scalar) {
-      if (isIntegerType(dataType)) {
-        const number = toNumber(value, dataType);
-        return isInt32(number) ? { int32: number } : { double: number };
-      }
-      if (dataType === DataType.Double || dataType === DataType.Float) {
-        return { double: value };
-      }
-      if (dataType === DataType.String) {
-        return { string: value };
-      }
-    }
+export function toTyped(variant) {
+  const { dataType, arrayType, value } = variant;
+  const name = DataType[dataType];
+  if (arrayType !== VariantArrayType.Scalar) {
+    throw new Refusal(`the node holds an array of ${name}, not a number`);
   }
-  const shape = arrayType === VariantArrayType.Scalar || arrayType === undefined ? '' : ' array';
-  throw new Error(`a value of type ${DataType[dataType ?? DataType.Null]}${shape} can't be used`);
+  if (dataType === DataType.Boolean) {
+    return { int32: value ? 1 : 0 };
+  }
+  if (INTEGER_TYPES.has(dataType)) {
+    const number = Array.isArray(value) ? joinHalves(value, dataType === DataType.Int64) : value;
+    if (!isInt32(number)) {
+      throw new Refusal(`the node's value ${number} of type ${name} doesn't fit an int32`);
+    }
+    return { int32: number };
+  }
+  if (FLOATING_TYPES.has(dataType)) {
+    if (!Number.isFinite(value)) {
+      throw new Refusal(`the node's value is ${value}`);
+    }
+    return { double: value };
+  }
+  throw new Refusal(dataType === DataType.Null ? 'the node holds no value' : `the node holds a ${name}, not a number`);
 }

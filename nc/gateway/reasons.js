@@ -1,0 +1,72 @@
+// Errors in words for the log of the module. A library's own texts never pass: they may repeat what was sent.
+import opcua from './opcua.js';
+import { TimeUp } from './timing.js';
+
+const { StatusCodes } = opcua;
+
+/** An error with a text of our own, which may be shown. */
+export class Refusal extends Error {}
+
+const WORDS = {
+  BadCertificateUntrusted: "the server doesn't trust the application's certificate (own.pem) yet",
+  BadIdentityTokenInvalid: 'the server rejects the login',
+  BadIdentityTokenRejected: 'the server rejects the login',
+  BadNodeIdInvalid: 'the server has no such node',
+  BadNodeIdUnknown: 'the server has no such node',
+  BadSecurityChecksFailed: "the server rejects the application's certificate (own.pem) or the security settings",
+  BadTypeMismatch: 'the node holds another type',
+  BadUserAccessDenied: 'the server rejects the login, or the user may not do this',
+  EACCES: 'a file or directory may not be used',
+  ECONNREFUSED: 'nothing listens at this address',
+  ECONNRESET: 'the server ended the connection',
+  EHOSTUNREACH: "the server's address can't be reached",
+  ENETUNREACH: "the server's network can't be reached",
+  ENOENT: 'a file or directory is missing',
+  ENOTFOUND: "the server's name is unknown",
+  ETIMEDOUT: "the server doesn't answer",
+};
+
+function codeOf(error) {
+  const serviceResult = error.response?.responseHeader?.serviceResult?.name;
+  if (serviceResult) {
+    return serviceResult;
+  }
+  if (/^E[A-Z]+$/.test(error.code ?? '')) {
+    return error.code;
+  }
+  const found = String(error.message).match(/\bBad[A-Z]\w+|\bE[A-Z]{4,}\b/g) ?? [];
+  return found.find((word) => word in StatusCodes || word in WORDS);
+}
+
+/**
+ * @param {unknown} error of the library, of Node.js or a Refusal
+ * @returns {string} what happened, without a word that the error's text might have from elsewhere
+ */
+export function reasonOf(error) {
+  if (error instanceof Refusal) {
+    return error.message;
+  }
+  if (error instanceof TimeUp) {
+    return "the server doesn't answer in time";
+  }
+  if (!(error instanceof Error)) {
+    return 'unknown failure';
+  }
+  const code = codeOf(error);
+  if (code) {
+    const text = code in WORDS ? `${WORDS[code]} (${code})` : code;
+    return error.path ? `${error.path}: ${text}` : text;
+  }
+  if (/time(d )?\s?out/i.test(error.message)) {
+    return "the server doesn't answer in time";
+  }
+  return 'the connection failed';
+}
+
+/**
+ * @param {import('node-opcua-client').StatusCode} status that is not good
+ * @returns {Refusal}
+ */
+export function badStatus(status) {
+  return new Refusal(status.name in WORDS ? `${WORDS[status.name]} (${status.name})` : status.name);
+}
