@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "simulator/faults.h"
-#include "simulator/timer.h"
+#include "platform/system/timer.h"
 
 class CRotor;
 class CSpindle;

@@ -61,7 +61,7 @@ void CMachineClient::Request(const json& rRequest, Done OnAnswer) {
 
 void CMachineClient::OnOpened() {
     m_bConnecting = false;
-    m_NextPauseMs = eFirstPauseMs;
+    m_Pause.Reset();
     m_Lines.Reset();
     for (const CPending& rPending : m_Pending) {
         m_pLink->Write(
@@ -109,11 +109,10 @@ void CMachineClient::Lose(const std::string& rWhy) {
         PostAnswer(std::move(rPending.m_OnAnswer), {{"error", "the connection to the machine at " +
                                                                   m_pLink->GetName() + " is lost: " + rWhy}});
     }
-    m_ReopenTimer.StartOnce(m_NextPauseMs, [this] {
+    m_ReopenTimer.StartOnce(m_Pause.Next(), [this] {
         m_bConnecting = true;
         m_pLink->Open();
     });
-    m_NextPauseMs = std::min(2 * m_NextPauseMs, eLongestPauseMs);
 }
 
 void CMachineClient::PostAnswer(Done OnAnswer, json Answer) {

@@ -4,9 +4,10 @@
 #include <memory>
 #include <string>
 
+#include "platform/system/growingpause.h"
 #include "platform/system/linesplitter.h"
+#include "platform/system/timer.h"
 #include "simulator/machine.h"
-#include "simulator/timer.h"
 
 class IFByteLink;
 
@@ -18,8 +19,6 @@ class IFByteLink;
 class CMachineClient : public IFMachine {
 public:
     static constexpr std::uint32_t eAnswerTimeoutMs = 5000;
-    static constexpr std::uint32_t eFirstPauseMs = 500;
-    static constexpr std::uint32_t eLongestPauseMs = 10000;
 
     /// For "tcp:HOST:PORT". Null with rError telling what would be right.
     static std::unique_ptr<CMachineClient> Create(const std::string& rDescription, std::string& rError);
@@ -52,7 +51,7 @@ private:
     std::deque<CPending> m_Pending;  ///< oldest first
     bool m_bConnecting = false;
     std::string m_Why;  ///< of the last loss
-    std::uint32_t m_NextPauseMs = eFirstPauseMs;
+    CGrowingPause m_Pause;
     CTimer m_ReopenTimer;
     CTimer m_AnswerTimer;
 };

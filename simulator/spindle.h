@@ -2,7 +2,7 @@
 #include <cstdint>
 #include <functional>
 
-#include "simulator/timer.h"
+#include "platform/system/timer.h"
 
 /// The spindle's drive: the speed follows the commanded one along a straight ramp. Stands at first. The phase
 /// lock of the electronics is lost while the speed changes and comes back 500 ms after; a standing spindle

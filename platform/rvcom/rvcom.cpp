@@ -1,7 +1,6 @@
 #include "platform/rvcom/rvcom.h"
 
 #include <algorithm>
-#include <array>
 #include <cinttypes>
 #include <span>
 #include <unordered_map>
@@ -12,6 +11,7 @@
 #include "platform/rvcom/linediscipline.h"
 #include "platform/rvlog/log.h"
 #include "platform/system/eventloop.h"
+#include "platform/system/growingpause.h"
 #include "platform/window/messages.h"
 #include "platform/window/wnd.h"
 
@@ -22,8 +22,6 @@ namespace {
 constexpr std::size_t eBufferHeader = 3;  ///< handle and one unused byte
 constexpr std::uint8_t eReservedCommand = 4;
 constexpr std::size_t eMaxBuffers = 65535;  ///< all handles but 0
-/// Pauses before the link is opened again, in ms; the last one repeats.
-constexpr std::array<std::uint32_t, 6> ReopenPauses = {500, 1000, 2000, 4000, 8000, 10000};
 /// A link that has held this long is sound: its next loss begins with the shortest pause again.
 constexpr std::uint64_t eSoundAfter = 10000;
 /// Bad frames are told in the log at most this often, in ms: a bad cable must not fill it.
@@ -85,7 +83,7 @@ private:
     CStatistics m_Statistics;
 
     std::uint32_t m_TimerID = 0;
-    std::size_t m_nPause = 0;        ///< index of the next pause
+    CGrowingPause m_Pause;
     std::uint64_t m_OpenedAt = 0;    ///< when the link was opened last
     bool m_bWasOpen = false;         ///< between OnOpened and OnClosed
     std::string m_LastReason;        ///< of the outage that lasts; told once
@@ -100,7 +98,7 @@ void CTransport::SetLink(std::unique_ptr<IFByteLink> pLink) {
         m_pLink->Close();
         m_pLink.reset();
     }
-    m_nPause = 0;
+    m_Pause.Reset();
     m_bWasOpen = false;
     m_LastReason.clear();
     if (pLink == nullptr) {
@@ -126,7 +124,7 @@ void CTransport::OnOpened() {
     m_OpenedAt = IFEventLoop::Current().Now();
     m_LastReason.clear();
     const char* pAgain = m_Statistics.m_LinkLost != 0 ? " again" : "";
-    if (m_nPause != 0) {
+    if (m_Pause.HasBegun()) {
         // As visible as the outage that it ends.
         RV_WARNING(g_pLog, "%s is open%s", m_pLink->GetName().c_str(), pAgain);
     } else {
@@ -140,7 +138,7 @@ void CTransport::OnClosed(const std::string& rReason) {
         m_bWasOpen = false;
         ++m_Statistics.m_LinkLost;
         if (IFEventLoop::Current().Now() - m_OpenedAt >= eSoundAfter) {
-            m_nPause = 0;
+            m_Pause.Reset();
         }
         ReportBadFrames(true);
         RV_WARNING(g_pLog, "%s is lost: %s", m_pLink->GetName().c_str(), rReason.c_str());
@@ -154,9 +152,7 @@ void CTransport::OnClosed(const std::string& rReason) {
 
 void CTransport::ReopenAfterPause() {
     StopTimer();
-    const std::uint32_t Pause = ReopenPauses[std::min(m_nPause, ReopenPauses.size() - 1)];
-    ++m_nPause;
-    m_TimerID = IFEventLoop::Current().SetTimer(Pause, [this](std::uint32_t) { Reopen(); });
+    m_TimerID = IFEventLoop::Current().SetTimer(m_Pause.Next(), [this](std::uint32_t) { Reopen(); });
     if (m_TimerID == 0) {
         RV_ERROR(g_pLog, "%s stays closed: no timer to open it again", m_pLink->GetName().c_str());
     }

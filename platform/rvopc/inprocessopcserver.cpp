@@ -14,7 +14,8 @@ const std::shared_ptr<CInProcessOpcServer>& CInProcessOpcServer::Find(const std:
     return rpServer;
 }
 
-bool CInProcessOpcServer::Write(const std::string& rItem, const COpcValue& rValue) {
+bool CInProcessOpcServer::Write(const std::string& rItem, const COpcValue& rValue,
+                                FailureHandler /*OnFailure*/) {
     if (m_Failing.contains(rItem)) {
         return false;
     }

@@ -16,7 +16,9 @@ public:
     /// The process's server of that name, made when new. Lives as long as the process.
     static const std::shared_ptr<CInProcessOpcServer>& Find(const std::string& rName);
 
-    bool Write(const std::string& rItem, const COpcValue& rValue) override;
+    /// Takes effect at once, so OnFailure is never called.
+    bool Write(const std::string& rItem, const COpcValue& rValue,
+               FailureHandler OnFailure = nullptr) override;
     std::optional<COpcValue> Read(const std::string& rItem) override;
     [[nodiscard]] std::shared_ptr<void> Subscribe(const std::string& rItem, std::uint32_t UpdateRate,
                                                   ChangeHandler Handler) override;

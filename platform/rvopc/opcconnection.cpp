@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "platform/rvopc/inprocessopcserver.h"
+#include "platform/rvopc/networkopcserver.h"
 
 namespace {
 
@@ -39,4 +40,13 @@ std::shared_ptr<COPCGroup> COPCConnection::CreateGroup(std::uint32_t UpdateRate,
 
 void COPCConnection::SetConnector(Connector MakeServer) {
     m_MakeServer = MakeServer ? std::move(MakeServer) : Connector(ConnectInProcess);
+}
+
+COPCConnection::Connector MakeNetworkConnector(const COpcConfiguration& rConfiguration,
+                                               const std::string& rPkiDirectory,
+                                               const std::string& rGatewayProgram) {
+    return [=](const std::string& /*rServer*/, int /*Flag*/) {
+        return std::make_shared<CNetworkOpcServer>(MakeOpcGateway(rGatewayProgram), rConfiguration,
+                                                   rPkiDirectory);
+    };
 }

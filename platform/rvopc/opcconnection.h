@@ -38,3 +38,12 @@ private:
     Connector m_MakeServer;
     std::shared_ptr<IFOpcServer> m_pServer;
 };
+
+struct COpcConfiguration;
+
+/// Connects over the network, through a gateway: the program at rGatewayProgram. rPkiDirectory holds the
+/// certificates. The server is what the configuration says, whatever its name; it is reached in the
+/// background, so a connection is there at once.
+COPCConnection::Connector MakeNetworkConnector(const COpcConfiguration& rConfiguration,
+                                               const std::string& rPkiDirectory,
+                                               const std::string& rGatewayProgram);

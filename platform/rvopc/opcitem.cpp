@@ -9,8 +9,17 @@ COpcItem::COpcItem(std::shared_ptr<COPCGroup> pGroup, std::string Name, const ch
       m_Name(std::move(Name)),
       m_Item(COpcDatabaseRef(pKey)->GetOpcLinkItem(pKey)) {}
 
+void COpcItem::SetFailureHandler(IFOpcServer::FailureHandler OnFailure) {
+    *m_pOnFailure = std::move(OnFailure);
+}
+
 int COpcItem::Write(const COpcValue& rValue) {
-    return m_pGroup->GetServer().Write(m_Item, rValue) ? 1 : 0;
+    const auto Failed = [rpOnFailure = std::weak_ptr(m_pOnFailure)] {
+        if (const auto pOnFailure = rpOnFailure.lock(); pOnFailure != nullptr && *pOnFailure) {
+            (*pOnFailure)();
+        }
+    };
+    return m_pGroup->GetServer().Write(m_Item, rValue, Failed) ? 1 : 0;
 }
 
 std::optional<COpcValue> COpcItem::Read() const {

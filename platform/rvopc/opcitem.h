@@ -13,6 +13,8 @@ public:
     COpcItem& operator=(const COpcItem&) = delete;
     /// Name that the owner gave, for the log.
     const std::string& GetName() const { return m_Name; }
+    /// Called through the event loop when a write that had been taken did not reach the server after all.
+    void SetFailureHandler(IFOpcServer::FailureHandler OnFailure);
 
 protected:
     /// The group must not be null.
@@ -30,4 +32,7 @@ private:
     std::string m_Name;
     std::string m_Item;
     std::shared_ptr<void> m_pSubscription;
+    /// Writes under way may outlive the item.
+    std::shared_ptr<IFOpcServer::FailureHandler> m_pOnFailure =
+        std::make_shared<IFOpcServer::FailureHandler>();
 };

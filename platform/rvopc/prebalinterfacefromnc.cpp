@@ -1,5 +1,6 @@
 #include "platform/rvopc/prebalinterfacefromnc.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <utility>
@@ -26,7 +27,7 @@ CPreBalInterfaceFromNC::CPreBalInterfaceFromNC(std::shared_ptr<COPCGroup> pGroup
 int CPreBalInterfaceFromNC::SetValueFromNC(std::int32_t Value) {
     const int Result = Write(Value);
     if (Result != 0) {
-        m_Echo = Value;
+        m_Echoes.push_back(Value);
     }
     return Result;
 }
@@ -36,8 +37,9 @@ void CPreBalInterfaceFromNC::OnChange(const COpcValue* pValue) {
         return;
     }
     const std::int32_t Request = ToRequest(*pValue);
-    if (m_Echo == Request) {
-        m_Echo.reset();
+    const auto Echo = std::ranges::find(m_Echoes, Request);
+    if (Echo != m_Echoes.end()) {
+        m_Echoes.erase(m_Echoes.begin(), Echo + 1);
         return;
     }
     m_pTarget->OnValueFromNCChanged(Request);

@@ -1,7 +1,7 @@
 #pragma once
 #include <cstdint>
+#include <deque>
 #include <memory>
-#include <optional>
 #include <string>
 
 #include "platform/rvopc/opcitem.h"
@@ -24,6 +24,7 @@ private:
     void OnChange(const COpcValue* pValue);
 
     CPreBalFromNCInterface* m_pTarget;
-    /// Our own answer, which the server reports back like any change: it must not count as a request.
-    std::optional<std::int32_t> m_Echo;
+    /// Our own answers, which the server reports back like any change: they must not count as requests. One
+    /// that the NC overwrote before the server looked never comes back, and goes with the next that does.
+    std::deque<std::int32_t> m_Echoes;
 };

@@ -37,6 +37,22 @@ std::unique_ptr<T> MakeLinkedItem(const char* pName, Arguments... MoreArguments)
                                MoreArguments...);
 }
 
+/// A write may fail at once, or later when the server is elsewhere: the same assertion either way.
+void CheckSent(int Sent, const char* pText) {
+    RV_ASSERT(g_pLog, Sent != 0, pText);
+}
+
+template <typename T>
+void WatchWrites(const std::unique_ptr<T>& rpItem, const char* pText) {
+    if (rpItem != nullptr) {
+        rpItem->SetFailureHandler([pText] { CheckSent(0, pText); });
+    }
+}
+
+constexpr const char* REQUEST_FAILED = "SetValueFromNC failed!";
+constexpr const char* NOTIFICATION_FAILED = "SetNCData failed!";
+constexpr const char* WARNING_FAILED = "SetWarningMode failed!";
+
 }  // namespace
 
 const CPreBalancingMainWnd::CRequest CPreBalancingMainWnd::ms_Requests[] = {
@@ -66,6 +82,9 @@ void CPreBalancingMainWnd::ConnectOpc() {
     m_pInterfaceToNC = MakeLinkedItem<CPreBalInterfaceToNC>("CPreBalancingMainWnd::CPreBalInterfaceToNC");
     m_pInterfaceToNCWarnings =
         MakeLinkedItem<CPreBalInterfaceToNCWarnings>("CPreBalancingMainWnd::CPreBalInterfaceToNCWarnings");
+    WatchWrites(m_pInterfaceFromNC, REQUEST_FAILED);
+    WatchWrites(m_pInterfaceToNC, NOTIFICATION_FAILED);
+    WatchWrites(m_pInterfaceToNCWarnings, WARNING_FAILED);
 }
 
 void CPreBalancingMainWnd::PreBalNotification(const CPreBalNotification& rNotification) {
@@ -76,8 +95,7 @@ void CPreBalancingMainWnd::PreBalNotification(const CPreBalNotification& rNotifi
     const int Encoded = rNotification.Encode(Data);
     RV_ASSERT(g_pLog, Encoded != 0, "CPreBalNotification::Encode() failed!");
     if (Encoded != 0) {
-        const int Sent = m_pInterfaceToNC->SetNCData(Data);
-        RV_ASSERT(g_pLog, Sent != 0, "SetNCData failed!");
+        CheckSent(m_pInterfaceToNC->SetNCData(Data), NOTIFICATION_FAILED);
     }
 }
 
@@ -88,8 +106,7 @@ void CPreBalancingMainWnd::SendStep(CPreBalNotification::Step Step) {
     }
     std::vector<std::int32_t> Data(CPreBalInterfaceToNC::eNumberOfValues, 0);
     Data.front() = Step;
-    const int Sent = m_pInterfaceToNC->SetNCData(Data);
-    RV_ASSERT(g_pLog, Sent != 0, "SetNCData failed!");
+    CheckSent(m_pInterfaceToNC->SetNCData(Data), NOTIFICATION_FAILED);
 }
 
 void CPreBalancingMainWnd::NotifyConfigurationShown(bool bCalibrated) {
@@ -101,14 +118,12 @@ void CPreBalancingMainWnd::WarningModeChanged(std::uint32_t Mode) {
         return;
     }
     PB_FLOW("WarningModeChanged: %d", static_cast<int>(Mode));
-    const int Sent = m_pInterfaceToNCWarnings->SetWarningMode(Mode);
-    RV_ASSERT(g_pLog, Sent != 0, "SetWarningMode failed!");
+    CheckSent(m_pInterfaceToNCWarnings->SetWarningMode(Mode), WARNING_FAILED);
 }
 
 void CPreBalancingMainWnd::ResetNotificationFromNC(std::int32_t nErrorCode) {
     if (m_pInterfaceFromNC != nullptr) {
-        const int Sent = m_pInterfaceFromNC->SetValueFromNC(nErrorCode);
-        RV_ASSERT(g_pLog, Sent != 0, "SetValueFromNC failed!");
+        CheckSent(m_pInterfaceFromNC->SetValueFromNC(nErrorCode), REQUEST_FAILED);
     }
 }
 

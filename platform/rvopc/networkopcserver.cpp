@@ -1,0 +1,297 @@
+#include "platform/rvopc/networkopcserver.h"
+
+#include <nlohmann/json.hpp>
+#include <utility>
+
+#include "platform/rvlog/log.h"
+#include "platform/system/eventloop.h"
+
+using nlohmann::json;
+
+namespace {
+
+CLogComponent* g_pLog = CLogComponent::Register("rvOPC", {});
+
+std::string ToLine(const char* pOrder, json Parameters) {
+    return json{{pOrder, std::move(Parameters)}}.dump(-1, ' ', false, json::error_handler_t::replace);
+}
+
+json ToJson(const COpcValue& rValue) {
+    struct {
+        json operator()(std::int32_t Value) const { return {{"int32", Value}}; }
+        json operator()(double Value) const { return {{"double", Value}}; }
+        json operator()(const std::string& rText) const { return {{"string", rText}}; }
+        json operator()(const std::vector<std::int32_t>& rValues) const { return {{"int32s", rValues}}; }
+    } const Convert;
+    return std::visit(Convert, rValue);
+}
+
+/// The value of an answer; nothing if the item can't be read.
+std::optional<COpcValue> ToValue(const json& rAnswer) {
+    const auto pValue = rAnswer.find("value");
+    if (pValue == rAnswer.end() || !pValue->is_object() || pValue->size() != 1) {
+        return std::nullopt;
+    }
+    const std::string Kind = pValue->begin().key();
+    const json& rValue = pValue->begin().value();
+    if (Kind == "int32") {
+        return rValue.get<std::int32_t>();
+    }
+    if (Kind == "double") {
+        return rValue.get<double>();
+    }
+    if (Kind == "string") {
+        return rValue.get<std::string>();
+    }
+    if (Kind == "int32s") {
+        return rValue.get<std::vector<std::int32_t>>();
+    }
+    return std::nullopt;
+}
+
+void Log(const json& rRecord) {
+    const std::string Level = rRecord.value("level", "");
+    const std::string Text = rRecord.value("text", "");
+    if (Level == "error") {
+        RV_ERROR(g_pLog, "gateway: %s", Text.c_str());
+    } else if (Level == "warning") {
+        RV_WARNING(g_pLog, "gateway: %s", Text.c_str());
+    } else {
+        RV_INFORMATION(g_pLog, "gateway: %s", Text.c_str());
+    }
+}
+
+}  // namespace
+
+CNetworkOpcServer::CNetworkOpcServer(std::unique_ptr<IFOpcGateway> pGateway,
+                                     const COpcConfiguration& rConfiguration,
+                                     const std::string& rPkiDirectory)
+    : m_pGateway(std::move(pGateway)),
+      m_ConnectLine(ToLine("connect", {{"server", rConfiguration.m_Server},
+                                       {"security", rConfiguration.m_Security},
+                                       {"fingerprint", rConfiguration.m_Fingerprint},
+                                       {"pki", rPkiDirectory},
+                                       {"user", rConfiguration.m_User},
+                                       {"password", rConfiguration.m_Password},
+                                       {"user_certificate", rConfiguration.m_UserCertificate},
+                                       {"user_key", rConfiguration.m_UserKey}})) {
+    m_pGateway->OnOpened = [this] { OnGatewayOpened(); };
+    m_pGateway->OnLine = [this](const std::string& rLine) { OnLine(rLine); };
+    m_pGateway->OnLost = [this](const std::string& rWhy) { OnLost(rWhy); };
+    m_pGateway->Start();
+}
+
+CNetworkOpcServer::~CNetworkOpcServer() {
+    *m_pAlive = false;
+}
+
+void CNetworkOpcServer::OnGatewayOpened() {
+    m_pGateway->SendLine(m_ConnectLine);
+    for (const auto& [Number, rpSubscription] : m_Subscriptions) {
+        if (const std::shared_ptr<CSubscription> pSubscription = rpSubscription.lock()) {
+            SendSubscription(*pSubscription);
+        }
+    }
+}
+
+void CNetworkOpcServer::OnLine(const std::string& rLine) {
+    // What comes is a program's of ours, but a program's all the same.
+    try {
+        const json Line = json::parse(rLine);
+        for (const auto& [Kind, rContent] : Line.items()) {
+            if (Kind == "state") {
+                rContent.at("connected").get<bool>() ? OnConnected() : OnLost(rContent.value("reason", ""));
+            } else if (Kind == "changed") {
+                OnChanged(rContent.at("id").get<Id>(), ToValue(rContent));
+            } else if (Kind == "written") {
+                OnWritten(rContent.at("id").get<Id>(), rContent.value("error", ""));
+            } else if (Kind == "value" && rContent.at("id").get<Id>() == m_ReadId) {
+                m_ReadAnswer.emplace(ToValue(rContent));
+            } else if (Kind == "log") {
+                Log(rContent);
+            }
+        }
+    } catch (const json::exception&) {
+        RV_ERROR(g_pLog, "the gateway sent a line that can't be understood: %.200s", rLine.c_str());
+    }
+}
+
+void CNetworkOpcServer::OnConnected() {
+    RV_INFORMATION(g_pLog, "connected to the NC");
+    m_State = State::eConnected;
+    m_LastReason.clear();
+    // In the order in which they were made: the NC must not see a step before the answer that precedes it.
+    std::map<std::uint32_t, std::pair<const std::string, CItem>*> ToWrite;
+    for (auto& rEntry : m_Items) {
+        const CItem& rItem = rEntry.second;
+        if (rItem.m_bUnsent || (rItem.m_nSubscriptions == 0 && rItem.m_Written)) {
+            ToWrite[rItem.m_Order] = &rEntry;
+        }
+    }
+    for (const auto& [Order, pEntry] : ToWrite) {
+        SendWrite(pEntry->first, pEntry->second, std::exchange(pEntry->second.m_OnFailure, nullptr));
+    }
+}
+
+void CNetworkOpcServer::OnLost(const std::string& rWhy) {
+    if (std::exchange(m_LastReason, rWhy) != rWhy) {
+        RV_WARNING(g_pLog, "no connection to the NC: %s", rWhy.c_str());
+    }
+    m_State = State::eLost;
+    for (auto& [rName, rItem] : m_Items) {
+        PostFailure(std::exchange(rItem.m_OnFailure, nullptr));
+    }
+    for (auto& [Number, rWrite] : std::exchange(m_Writes, {})) {
+        m_Items[rWrite.m_Item].m_bUnsent = true;
+        PostFailure(std::move(rWrite.m_OnFailure));
+    }
+    for (const auto& [Number, rpSubscription] : m_Subscriptions) {
+        if (const std::shared_ptr<CSubscription> pSubscription = rpSubscription.lock()) {
+            pSubscription->m_bFresh = true;
+        }
+    }
+}
+
+bool CNetworkOpcServer::IsNews(CItem& rItem, const COpcValue& rValue) {
+    if (rItem.m_bUnsent && !rItem.m_Known) {
+        return false;
+    }
+    if (rItem.m_Known == rValue) {
+        return false;
+    }
+    if (std::exchange(rItem.m_bUnsent, false)) {
+        PostFailure(std::exchange(rItem.m_OnFailure, nullptr));
+        // A write whose answer got lost may have arrived all the same.
+        return rItem.m_Written != rValue;
+    }
+    return true;
+}
+
+void CNetworkOpcServer::OnChanged(Id Subscription, std::optional<COpcValue> Value) {
+    const auto Position = m_Subscriptions.find(Subscription);
+    const std::shared_ptr<CSubscription> pSubscription =
+        Position != m_Subscriptions.end() ? Position->second.lock() : nullptr;
+    if (pSubscription == nullptr) {
+        return;  // ended while this was on its way
+    }
+    if (!Value) {
+        RV_WARNING(g_pLog, "%s can't be read", pSubscription->m_Item.c_str());
+        Post(pSubscription, std::nullopt);
+        return;
+    }
+    CItem& rItem = m_Items[pSubscription->m_Item];
+    const bool bLook = std::exchange(pSubscription->m_bFresh, false);
+    const bool bTell = bLook ? IsNews(rItem, *Value) : true;
+    rItem.m_Known = Value;
+    if (bTell) {
+        Post(pSubscription, std::move(Value));
+    }
+}
+
+void CNetworkOpcServer::OnWritten(Id Write, const std::string& rError) {
+    auto Node = m_Writes.extract(Write);
+    if (Node.empty()) {
+        return;
+    }
+    CPendingWrite& rWrite = Node.mapped();
+    CItem& rItem = m_Items[rWrite.m_Item];
+    if (rError.empty()) {
+        rItem.m_Known = rWrite.m_Value;
+        return;
+    }
+    RV_WARNING(g_pLog, "%s can't be written: %s", rWrite.m_Item.c_str(), rError.c_str());
+    rItem.m_bUnsent = true;
+    PostFailure(std::move(rWrite.m_OnFailure));
+}
+
+bool CNetworkOpcServer::Write(const std::string& rItem, const COpcValue& rValue, FailureHandler OnFailure) {
+    CItem& rState = m_Items[rItem];
+    rState.m_Written = rValue;
+    rState.m_Order = ++m_nWrites;
+    if (m_State == State::eConnected) {
+        SendWrite(rItem, rState, std::move(OnFailure));
+        return true;
+    }
+    rState.m_bUnsent = true;
+    if (m_State == State::eConnecting) {
+        rState.m_OnFailure = std::move(OnFailure);
+        return true;
+    }
+    return false;
+}
+
+void CNetworkOpcServer::SendWrite(const std::string& rItem, CItem& rState, FailureHandler OnFailure) {
+    rState.m_bUnsent = false;
+    const Id Number = ++m_LastId;
+    m_Writes[Number] = {rItem, *rState.m_Written, std::move(OnFailure)};
+    m_pGateway->SendLine(
+        ToLine("write", {{"id", Number}, {"node", rItem}, {"value", ToJson(*rState.m_Written)}}));
+}
+
+std::optional<COpcValue> CNetworkOpcServer::Read(const std::string& rItem) {
+    const std::uint64_t Deadline = IFEventLoop::Current().Now() + eReadTimeout;
+    const auto Wait = [&] {
+        const std::uint64_t Now = IFEventLoop::Current().Now();
+        return Now < Deadline && m_pGateway->Wait(static_cast<std::uint32_t>(Deadline - Now));
+    };
+    while (m_State == State::eConnecting && Wait()) {
+    }
+    if (m_State != State::eConnected) {
+        return std::nullopt;
+    }
+    m_ReadAnswer.reset();
+    m_ReadId = ++m_LastId;
+    m_pGateway->SendLine(ToLine("read", {{"id", m_ReadId}, {"node", rItem}}));
+    while (!m_ReadAnswer && m_State == State::eConnected && Wait()) {
+    }
+    m_ReadId = 0;
+    return std::exchange(m_ReadAnswer, std::nullopt).value_or(std::nullopt);
+}
+
+std::shared_ptr<void> CNetworkOpcServer::Subscribe(const std::string& rItem, std::uint32_t UpdateRate,
+                                                   ChangeHandler Handler) {
+    const auto End = [this, pAlive = m_pAlive](CSubscription* pSubscription) {
+        const std::unique_ptr<CSubscription> pOwned(pSubscription);
+        if (*pAlive) {
+            Unsubscribe(*pSubscription);
+        }
+    };
+    const std::shared_ptr<CSubscription> pSubscription(new CSubscription, End);
+    pSubscription->m_Id = ++m_LastId;
+    pSubscription->m_Item = rItem;
+    pSubscription->m_UpdateRate = UpdateRate;
+    pSubscription->m_Handler = std::move(Handler);
+    pSubscription->m_bFresh = m_State != State::eConnected;
+    m_Subscriptions[pSubscription->m_Id] = pSubscription;
+    ++m_Items[rItem].m_nSubscriptions;
+    SendSubscription(*pSubscription);
+    return pSubscription;
+}
+
+void CNetworkOpcServer::SendSubscription(const CSubscription& rSubscription) {
+    m_pGateway->SendLine(ToLine(
+        "subscribe",
+        {{"id", rSubscription.m_Id}, {"node", rSubscription.m_Item}, {"rate", rSubscription.m_UpdateRate}}));
+}
+
+void CNetworkOpcServer::Unsubscribe(const CSubscription& rSubscription) {
+    m_Subscriptions.erase(rSubscription.m_Id);
+    --m_Items[rSubscription.m_Item].m_nSubscriptions;
+    m_pGateway->SendLine(ToLine("unsubscribe", {{"id", rSubscription.m_Id}}));
+}
+
+void CNetworkOpcServer::Post(const std::weak_ptr<CSubscription>& rSubscription,
+                             std::optional<COpcValue> Value) {
+    IFEventLoop::Current().Post([rSubscription, Value = std::move(Value)] {
+        // Held during the call: a handler may end its own subscription.
+        if (const std::shared_ptr<CSubscription> pSubscription = rSubscription.lock()) {
+            pSubscription->m_Handler(Value ? &*Value : nullptr);
+        }
+    });
+}
+
+void CNetworkOpcServer::PostFailure(FailureHandler OnFailure) {
+    if (OnFailure) {
+        IFEventLoop::Current().Post(std::move(OnFailure));
+    }
+}
