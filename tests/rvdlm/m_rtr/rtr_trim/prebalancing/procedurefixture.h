@@ -175,6 +175,7 @@ private:
             Calibrate();
         }
         MakeAnew();
+        TakeCalls();
         switch (Role) {
             case Sequence::eNeutralPosSpindleStop:
                 return [this] { m_pSequence->StartPreBalancing(eSpeed, 0, 0); };

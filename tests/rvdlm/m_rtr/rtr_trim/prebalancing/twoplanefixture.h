@@ -124,7 +124,7 @@ protected:
         Make();
     }
 
-    /// A new procedure, idle.
+    /// A new procedure, idle; what it called while it was made is still to be taken.
     void Make() {
         Clear();
         auto pMethod1 = std::make_unique<CFakeMethod>(m_Entry.GetNumberOfSamples(), m_Wnd.m_Calls, 1);
@@ -141,7 +141,6 @@ protected:
         m_pMethod2->m_bHasPositions = m_Means2 == PreBalDB::CCompensationTableEntry::eWeights;
         m_pSequence = std::make_unique<CTwoPlaneProbe>(&m_Wnd, m_Means1, m_Means2, std::move(pMethod1),
                                                        std::move(pMethod2), std::move(pMath), m_Entry);
-        m_Wnd.m_Calls.clear();
     }
     void MakeAnew() override { Make(); }
     void SetComplete(bool bComplete) override { m_pMath->m_bComplete = {bComplete, bComplete}; }
