@@ -1,0 +1,80 @@
+import { ITEMS, describeKind, findItem, fits } from './items.js';
+
+/** A command that can't be carried out. */
+export class CommandError extends Error {}
+
+function itemOf(key) {
+  const item = findItem(key);
+  if (!item) {
+    throw new CommandError(`unknown item ${JSON.stringify(key)}, known: ${ITEMS.map(({ key }) => key).join(', ')}`);
+  }
+  return item;
+}
+
+function write(server, key, value) {
+  const item = itemOf(key);
+  if (!fits(item, value)) {
+    throw new CommandError(`${key} takes ${describeKind(item)}`);
+  }
+  server.write(key, value);
+}
+
+const JSON_COMMANDS = {
+  write: (server, { item, value }) => write(server, item, value),
+  remove: (server, { item }) => server.remove(itemOf(item).key),
+  restore: (server, { item }) => server.restore(itemOf(item).key),
+  retype: (server, { item, type }) => {
+    if (type !== 'String') {
+      throw new CommandError('an item can become a String only');
+    }
+    server.retype(itemOf(item).key);
+  },
+};
+
+/**
+ * Carries out a line of a program.
+ * @param {import('./server.js').NcServer} server
+ * @throws {CommandError}
+ */
+export function carryJson(server, line) {
+  let command;
+  try {
+    command = JSON.parse(line);
+  } catch {
+    throw new CommandError('the line is no valid JSON');
+  }
+  const [name, ...more] = Object.keys(command ?? {});
+  if (!Object.hasOwn(JSON_COMMANDS, name ?? '') || more.length > 0 || typeof command[name] !== 'object' || !command[name]) {
+    throw new CommandError(`a line is an object with one of ${Object.keys(JSON_COMMANDS).join(', ')}`);
+  }
+  JSON_COMMANDS[name](server, command[name]);
+}
+
+export const HELP = `write ITEM VALUE...  writes an item: write Request 1
+show                 what the items hold
+help                 this; end of input leaves the server running, Ctrl+C ends it
+items: ${ITEMS.map(({ key }) => key).join(', ')}`;
+
+/**
+ * Carries out a line of a person.
+ * @returns {string | undefined} what to say
+ * @throws {CommandError}
+ */
+export function carryText(server, line) {
+  const [name, key, ...rest] = line.trim().split(/[\s,]+/);
+  switch (name) {
+    case '':
+      return undefined;
+    case 'help':
+      return HELP;
+    case 'show':
+      return ITEMS.map((item) => `${item.key} ${[server.read(item.key)].flat().join(' ')}`).join('\n');
+    case 'write': {
+      const values = rest.map((text) => (text === '' ? NaN : Number(text)));
+      write(server, key, itemOf(key).size === undefined && values.length === 1 ? values[0] : values);
+      return undefined;
+    }
+    default:
+      throw new CommandError(`unknown command "${name}"; help lists the commands`);
+  }
+}

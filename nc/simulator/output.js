@@ -1,0 +1,38 @@
+/** What the program tells: lines for a person, or JSON lines for a program. */
+export class Output {
+  #json;
+  #stream;
+  #begin = performance.now();
+
+  /**
+   * @param {boolean} json
+   * @param {NodeJS.WritableStream} [stream]
+   */
+  constructor(json, stream = process.stdout) {
+    this.#json = json;
+    this.#stream = stream;
+  }
+
+  /** An event in words. */
+  say(text) {
+    if (this.#json) {
+      this.#put({ said: text });
+    } else {
+      const seconds = ((performance.now() - this.#begin) / 1000).toFixed(1);
+      this.#stream.write(`${seconds.padStart(8)} s  ${text}\n`);
+    }
+  }
+
+  /** An event for programs; a person gets the words, if there are any. */
+  tell(event, words) {
+    if (this.#json) {
+      this.#put(event);
+    } else if (words !== undefined) {
+      this.say(words);
+    }
+  }
+
+  #put(object) {
+    this.#stream.write(`${JSON.stringify(object)}\n`);
+  }
+}
