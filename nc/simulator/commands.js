@@ -34,17 +34,13 @@ const JSON_COMMANDS = {
 /**
  * Carries out a line of a program.
  * @param {import('./server.js').NcServer} server
+ * @param {object} command
  * @throws {CommandError}
  */
-export function carryJson(server, line) {
-  let command;
-  try {
-    command = JSON.parse(line);
-  } catch {
-    throw new CommandError('the line is no valid JSON');
-  }
-  const [name, ...more] = Object.keys(command ?? {});
-  if (!Object.hasOwn(JSON_COMMANDS, name ?? '') || more.length > 0 || typeof command[name] !== 'object' || !command[name]) {
+export function carryJson(server, command) {
+  const [name, ...more] = Object.keys(command);
+  const known = Object.hasOwn(JSON_COMMANDS, name ?? '') && typeof command[name] === 'object' && command[name] !== null;
+  if (!known || more.length > 0) {
     throw new CommandError(`a line is an object with one of ${Object.keys(JSON_COMMANDS).join(', ')}`);
   }
   JSON_COMMANDS[name](server, command[name]);

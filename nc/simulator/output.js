@@ -1,3 +1,5 @@
+import { writeObject } from '../shared/jsonlines.js';
+
 /** What the program tells: lines for a person, or JSON lines for a program. */
 export class Output {
   #json;
@@ -16,7 +18,7 @@ export class Output {
   /** An event in words. */
   say(text) {
     if (this.#json) {
-      this.#put({ said: text });
+      writeObject(this.#stream, { said: text });
     } else {
       const seconds = ((performance.now() - this.#begin) / 1000).toFixed(1);
       this.#stream.write(`${seconds.padStart(8)} s  ${text}\n`);
@@ -26,13 +28,9 @@ export class Output {
   /** An event for programs; a person gets the words, if there are any. */
   tell(event, words) {
     if (this.#json) {
-      this.#put(event);
+      writeObject(this.#stream, event);
     } else if (words !== undefined) {
       this.say(words);
     }
-  }
-
-  #put(object) {
-    this.#stream.write(`${JSON.stringify(object)}\n`);
   }
 }

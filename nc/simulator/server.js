@@ -1,11 +1,7 @@
 import { EventEmitter } from 'node:events';
-import { join } from 'node:path';
-import opcua from './opcua.js';
-import { Pin, ensureOwnCertificate } from './certificates.js';
-import { ClientCertificates } from './clientcertificates.js';
+import { fingerprintOf, openPki, ownCertificate, readCertificate } from '../shared/pki.js';
 import { ITEMS, findItem, fits, initialValue } from './items.js';
-
-const {
+import {
   DataType,
   MessageSecurityMode,
   OPCUAServer,
@@ -15,7 +11,8 @@ const {
   VariantArrayType,
   makeAccessLevelFlag,
   nodesets,
-} = opcua;
+} from './opcua.js';
+import { NO_CERTIFICATES, PinnedCertificates } from './pinnedcertificates.js';
 
 const APPLICATION = 'nc-simulator';
 const NAMESPACE = 'urn:corvane:pre-balancing';
@@ -43,7 +40,7 @@ function toVariant(item, value) {
  */
 export class NcServer extends EventEmitter {
   #server;
-  #own;
+  #fingerprint;
   #nodes = new Map();
   #values = new Map();
   #retyped = new Set();
@@ -66,20 +63,19 @@ export class NcServer extends EventEmitter {
   }
 
   async #start({ host, port, pki, user, unsecured = false, say }) {
-    this.#own = await ensureOwnCertificate(pki, APPLICATION);
-    const pin = new Pin(join(pki, 'client.pem'));
-    await pin.load();
-    const certificates = new ClientCertificates(this.#own, pin, say);
+    await openPki(pki);
+    const own = await ownCertificate(pki, APPLICATION);
+    this.#fingerprint = fingerprintOf(await readCertificate(own.certificateFile));
     this.#server = new OPCUAServer({
       host,
       hostname: host,
       port,
-      serverInfo: { applicationUri: this.#own.applicationUri, applicationName: { text: 'NC simulator', locale: 'en' } },
+      serverInfo: { applicationUri: own.applicationUri, applicationName: { text: 'NC simulator', locale: 'en' } },
       nodeset_filename: [nodesets.standard],
-      serverCertificateManager: certificates,
-      userCertificateManager: certificates,
-      certificateFile: this.#own.certificateFile,
-      privateKeyFile: this.#own.keyFile,
+      serverCertificateManager: new PinnedCertificates(own.privateKeyFile, 'client', say),
+      userCertificateManager: user ? NO_CERTIFICATES : new PinnedCertificates(own.privateKeyFile, 'user', say),
+      certificateFile: own.certificateFile,
+      privateKeyFile: own.privateKeyFile,
       securityModes: [MessageSecurityMode.SignAndEncrypt, ...(unsecured ? [MessageSecurityMode.None] : [])],
       securityPolicies: [...SECURE_POLICIES, ...(unsecured ? [SecurityPolicy.None] : [])],
       allowAnonymous: user === undefined,
@@ -171,7 +167,7 @@ export class NcServer extends EventEmitter {
 
   /** SHA-256 of the server's certificate. */
   get fingerprint() {
-    return this.#own.fingerprint;
+    return this.#fingerprint;
   }
 
   /** Node ids by key. */
