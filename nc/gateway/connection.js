@@ -1,14 +1,11 @@
 // One connection to the server: made, used, watched over until it is lost. Another one is a new object.
 import { readFile } from 'node:fs/promises';
 import { join } from 'node:path';
-import opcua from './opcua.js';
 import { chooseEndpoint, firstOf, guardChannel, securityOf } from './endpoint.js';
 import { Refusal, badStatus, reasonOf } from './reasons.js';
 import { Pause, TimeUp, within } from './timing.js';
 import { toTyped, toVariant } from './values.js';
-import { fingerprintOf, openPki, ownCertificate, pin, readCertificate } from '../shared/pki.js';
-
-const {
+import {
   AttributeIds,
   ClientMonitoredItem,
   DataType,
@@ -17,8 +14,9 @@ const {
   SecurityPolicy,
   TimestampsToReturn,
   UserTokenType,
-  VariableIds,
-} = opcua;
+  coerceNodeId,
+} from '../shared/opcua.js';
+import { fingerprintOf, openPki, ownCertificate, pin, readCertificate } from '../shared/pki.js';
 
 /** Why something is not even tried. */
 export const NO_CONNECTION = 'there is no connection to the server';
@@ -28,6 +26,8 @@ const NAME = 'opc-gateway';
 const OPENING_LIMIT = 15000;
 const ANSWER_LIMIT = 5000;
 const PING_INTERVAL = 2000;
+/** For the library, which watches over its socket in its own way: later than the above find out. */
+const SILENCE_LIMIT = 8000;
 const CLOSING_LIMIT = 700;
 const SESSION_TIMEOUT = 60000;
 /** How often the server tells that a subscription lives, when nothing changes. */
@@ -36,6 +36,8 @@ const KEEP_ALIVE = 2000;
 const LIFETIME = 30000;
 /** Longer than the shortest time in which an NC answers itself; changes that wait to be published are kept in order. */
 const QUEUE_SIZE = 100;
+/** Every server has this node. */
+const SERVER_STATE = coerceNodeId('i=2259');
 
 /** What the library asks its certificate manager. Trust is settled before, by the pin; the library keeps no store. */
 class NoCertificateStore {
@@ -103,7 +105,7 @@ const makeClient = (own, options) =>
     endpointMustExist: false, // servers announce names of theirs that mean nothing in the machine's network
     keepPendingSessionsOnDisconnect: true, // or a server that doesn't answer would hold up the end
     requestedSessionTimeout: SESSION_TIMEOUT,
-    transportTimeout: 2 * ANSWER_LIMIT,
+    transportTimeout: SILENCE_LIMIT,
     ...options,
   });
 
@@ -116,7 +118,7 @@ const SESSION_GONE = /\bBad(Session|SecureChannel|Connection|Subscription|NoSubs
 function nodeIdOf(text) {
   if (/^(ns=\d+;)?[isgb]=.+$/.test(text)) {
     try {
-      return opcua.coerceNodeId(text);
+      return coerceNodeId(text);
     } catch {
       // told below
     }
@@ -124,8 +126,8 @@ function nodeIdOf(text) {
   throw new Refusal(`"${text.slice(0, 80)}" is no node id`);
 }
 
-/** The number that a node holds. */
-function numberOf({ statusCode, value }) {
+/** The typed value that a node holds. */
+function typedOf({ statusCode, value }) {
   if (statusCode.isBad()) {
     throw badStatus(statusCode);
   }
@@ -177,6 +179,9 @@ export class Connection {
     const isSecure = mode !== MessageSecurityMode.None;
     if (!isSecure && settings.password !== '') {
       throw new Refusal('a password is not sent without security');
+    }
+    if (!settings.server.startsWith('opc.tcp://')) {
+      throw new Refusal('"server" must begin with opc.tcp://');
     }
     const identity = await makeIdentity(settings);
     await openPki(settings.pki);
@@ -230,7 +235,7 @@ export class Connection {
    * Reports a node's value and its changes.
    * @param {string} node
    * @param {number} rate at most every so many ms
-   * @param {(value: {int32: number} | {double: number}) => void} onValue
+   * @param {(value: object) => void} onValue
    * @param {(reason: string) => void} onError the value can't be read; if onValue doesn't follow, try anew
    * @returns {Promise<() => void>} ends it
    */
@@ -249,7 +254,7 @@ export class Connection {
         return;
       }
       try {
-        onValue(numberOf(dataValue));
+        onValue(typedOf(dataValue));
       } catch (error) {
         onError(reasonOf(error));
       }
@@ -269,11 +274,11 @@ export class Connection {
 
   /**
    * @param {string} node
-   * @returns {Promise<{int32: number} | {double: number}>}
+   * @returns {Promise<object>} typed value
    */
   async read(node) {
     const nodeId = nodeIdOf(node);
-    return numberOf(await this.#ask(this.#session.read({ nodeId, attributeId: AttributeIds.Value })));
+    return typedOf(await this.#ask(this.#session.read({ nodeId, attributeId: AttributeIds.Value })));
   }
 
   /**
@@ -351,11 +356,10 @@ export class Connection {
 
   /** A server that hangs keeps its socket open, so it is asked something now and then. */
   async #watch() {
-    const nodeId = opcua.makeNodeId(VariableIds.Server_ServerStatus_State);
     try {
       for (;;) {
         await this.#pause.wait(PING_INTERVAL);
-        await this.#ask(this.#session.read({ nodeId, attributeId: AttributeIds.Value }));
+        await this.#ask(this.#session.read({ nodeId: SERVER_STATE, attributeId: AttributeIds.Value }));
       }
     } catch (error) {
       this.#lose(reasonOf(error));

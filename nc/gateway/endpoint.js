@@ -1,9 +1,7 @@
 // Which endpoint of the server is used, and whether its certificate is the one to trust.
-import opcua from './opcua.js';
 import { Refusal } from './reasons.js';
+import { MessageSecurityMode, SecurityPolicy } from '../shared/opcua.js';
 import { fingerprintOf } from '../shared/pki.js';
-
-const { MessageSecurityMode, SecurityPolicy } = opcua;
 
 const BINARY_TRANSPORT = 'http://opcfoundation.org/UA-Profile/Transport/uatcp-uasc-uabinary';
 
@@ -36,6 +34,11 @@ export function firstOf(chain) {
   return isCertificate ? bytes.subarray(0, 4 + bytes.readUInt16BE(2)) : Buffer.alloc(0);
 }
 
+function describe({ securityMode, securityPolicyUri }) {
+  const policy = String(securityPolicyUri).split('#')[1] ?? 'an unknown policy';
+  return securityMode === MessageSecurityMode.None ? policy : `${policy} with ${MessageSecurityMode[securityMode]}`;
+}
+
 /** The fingerprint of the configuration in the form that fingerprintOf has; empty if none is configured. */
 function normalize(fingerprint) {
   const digits = fingerprint.replace(/[\s:]/g, '').toLowerCase();
@@ -63,7 +66,8 @@ export function chooseEndpoint(endpoints, { security, fingerprint }, pinned) {
   );
   if (offered.length === 0) {
     const what = mode === MessageSecurityMode.None ? 'connections without security' : `${security} with SignAndEncrypt`;
-    throw new Refusal(`the server doesn't offer ${what}`);
+    const others = [...new Set(endpoints.map(describe))].join(', ') || 'nothing';
+    throw new Refusal(`the server does not offer ${what}, but ${others}`);
   }
   if (mode === MessageSecurityMode.None) {
     return offered[0];

@@ -19,7 +19,7 @@ if (process.argv.length !== 3 || process.argv[2] === '' || process.argv[2].start
 const socket = connect(process.argv[2]);
 const connected = new Promise((resolve) => {
   socket.once('connect', resolve);
-  socket.once('error', (error) => refuse(`no socket to connect to at ${process.argv[2]} (${error.code})`));
+  socket.once('error', (error) => refuse(`nobody listens at ${process.argv[2]} (${error.code})`));
 });
 
 // Loading takes longer than all else here.

@@ -1,8 +1,6 @@
 // Errors in words for the log of the module. A library's own texts never pass: they may repeat what was sent.
-import opcua from './opcua.js';
 import { TimeUp } from './timing.js';
-
-const { StatusCodes } = opcua;
+import { StatusCodes } from '../shared/opcua.js';
 
 /** An error with a text of our own, which may be shown. */
 export class Refusal extends Error {}

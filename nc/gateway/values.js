@@ -1,8 +1,6 @@
 // Values on the socket and values of the server's nodes.
-import opcua from './opcua.js';
 import { Refusal } from './reasons.js';
-
-const { DataType, Variant, VariantArrayType } = opcua;
+import { DataType, Variant, VariantArrayType } from '../shared/opcua.js';
 
 const INT32 = { lowest: -(2 ** 31), highest: 2 ** 31 - 1 };
 
@@ -32,11 +30,16 @@ const KINDS = {
   int32s: { isValid: (value) => Array.isArray(value) && value.every(isInt32), usualType: DataType.Int32 },
 };
 
+const brief = (value) => String(JSON.stringify(value)).slice(0, 40);
+
 /** The kind of a typed value of the socket, and the bare value. Throws a Refusal if it isn't one. */
 function unpack(typed) {
   const [kind, ...others] = Object.keys(typed ?? {});
-  if (!Object.hasOwn(KINDS, kind ?? '') || others.length > 0 || !KINDS[kind].isValid(typed[kind])) {
-    throw new Refusal('no typed value');
+  if (!Object.hasOwn(KINDS, kind ?? '') || others.length > 0) {
+    throw new Refusal('a value must be typed: int32, double, string or int32s');
+  }
+  if (!KINDS[kind].isValid(typed[kind])) {
+    throw new Refusal(`${brief(typed[kind])} is no ${kind}`);
   }
   return { kind, value: typed[kind] };
 }
@@ -50,7 +53,7 @@ function convertInteger(value, type) {
   if (type === DataType.Double || (type === DataType.Float && Math.fround(value) === value)) {
     return value;
   }
-  throw new Refusal(`${value} doesn't fit the node's type ${DataType[type]}`);
+  throw new Refusal(`${value} does not fit the node's type ${DataType[type]}`);
 }
 
 /**
@@ -79,38 +82,51 @@ export function toVariant(typed, type) {
         return new Variant({ dataType, value });
       }
   }
-  throw new Refusal(`${JSON.stringify(value).slice(0, 40)} doesn't fit the node's type ${DataType[dataType]}`);
+  throw new Refusal(`${brief(value)} does not fit the node's type ${DataType[dataType]}`);
 }
 
-/** The number of an Int64 or UInt64, which the library holds as two halves. Only small ones are needed exactly. */
-const joinHalves = ([high, low], isSigned) => (isSigned ? high | 0 : high >>> 0) * 2 ** 32 + (low >>> 0);
+/** 64 bits come as two halves. Numbers beyond 2^53 lose their last digits; no item of the module is that large. */
+function joinHalves([high, low], isSigned) {
+  return (isSigned ? high | 0 : high >>> 0) * 2 ** 32 + (low >>> 0);
+}
+
+function toInteger(value, type) {
+  if (type === DataType.Boolean) {
+    return value ? 1 : 0;
+  }
+  return Array.isArray(value) ? joinHalves(value, type === DataType.Int64) : value;
+}
 
 /**
  * @param {import('node-opcua-client').Variant} variant a node's value
- * @returns {{int32: number} | {double: number}}
- * @throws {Refusal} if it is anything but one number
+ * @returns {object} typed value of the socket
+ * @throws {Refusal} if there is none for it; tells the type
  */
 export function toTyped(variant) {
   const { dataType, arrayType, value } = variant;
-  const name = DataType[dataType];
-  if (arrayType !== VariantArrayType.Scalar) {
-    throw new Refusal(`the node holds an array of ${name}, not a number`);
+  const isScalar = arrayType === VariantArrayType.Scalar;
+  const isInteger = INTEGER_TYPES.has(dataType);
+  if (isScalar && isInteger) {
+    const number = toInteger(value, dataType);
+    return isInt32(number) ? { int32: number } : { double: number };
   }
-  if (dataType === DataType.Boolean) {
-    return { int32: value ? 1 : 0 };
-  }
-  if (INTEGER_TYPES.has(dataType)) {
-    const number = Array.isArray(value) ? joinHalves(value, dataType === DataType.Int64) : value;
-    if (!isInt32(number)) {
-      throw new Refusal(`the node's value ${number} of type ${name} doesn't fit an int32`);
-    }
-    return { int32: number };
-  }
-  if (FLOATING_TYPES.has(dataType)) {
+  if (isScalar && FLOATING_TYPES.has(dataType)) {
     if (!Number.isFinite(value)) {
       throw new Refusal(`the node's value is ${value}`);
     }
     return { double: value };
   }
-  throw new Refusal(dataType === DataType.Null ? 'the node holds no value' : `the node holds a ${name}, not a number`);
+  if (isScalar && dataType === DataType.String && value !== null) {
+    return { string: value };
+  }
+  if (arrayType === VariantArrayType.Array && isInteger) {
+    const numbers = Array.from(value, (element) => toInteger(element, dataType));
+    if (numbers.every(isInt32)) {
+      return { int32s: numbers };
+    }
+  }
+  if (dataType === DataType.Null || value === null) {
+    throw new Refusal('the node holds no value');
+  }
+  throw new Refusal(`a value of type ${DataType[dataType]}${isScalar ? '' : ' array'} can't be used`);
 }

@@ -7,34 +7,56 @@ import { fileURLToPath } from 'node:url';
 import { readObjects, writeObject } from '../../shared/jsonlines.js';
 
 const MAIN = fileURLToPath(new URL('../../gateway/main.js', import.meta.url));
-const PATIENCE = 15000;
+const PATIENCE = 20000;
 
 export class GatewayProcess {
-  /** @param {string} directory for the socket */
+  /** @param {string} directory for the socket and the certificates */
   constructor(directory) {
     this.path = join(directory, 'gateway.sock');
+    this.pki = join(directory, 'pki');
     this.lines = []; // everything that came, in order
     this.output = ''; // what it printed
     this.waiting = [];
     this.taken = 0;
   }
 
-  async start() {
-    this.listener = createServer();
-    this.listener.listen(this.path);
-    await once(this.listener, 'listening');
-    this.process = spawn(process.execPath, [MAIN, this.path]);
-    this.exited = once(this.process, 'exit');
+  /**
+   * A process that is connected to a server, or has told why not.
+   * @param {string} directory
+   * @param {string} url of the server
+   * @param {object} [settings] what differs from a connection of anybody with security
+   */
+  static async connect(directory, url, settings = {}) {
+    const gateway = new GatewayProcess(directory);
+    await gateway.start();
+    gateway.connect(url, settings);
+    gateway.firstState = await gateway.next('state');
+    return gateway;
+  }
+
+  /** @param {object} [environment] variables besides those of this process */
+  async start(environment = {}) {
+    const listener = createServer();
+    listener.listen(this.path);
+    await once(listener, 'listening');
+    this.process = spawn(process.execPath, [MAIN, this.path], { env: { ...process.env, ...environment } });
+    this.exited = once(this.process, 'exit').then(([status, signal]) => signal ?? status);
     for (const stream of [this.process.stdout, this.process.stderr]) {
       stream.on('data', (bytes) => (this.output += bytes));
     }
-    [this.socket] = await once(this.listener, 'connection');
+    [this.socket] = await once(listener, 'connection', { signal: AbortSignal.timeout(PATIENCE) });
+    listener.close();
     this.socket.on('error', () => {});
     readObjects(this.socket, (line) => this.#came(line), (why) => this.#came({ broken: why }));
   }
 
   send(line) {
     writeObject(this.socket, line);
+  }
+
+  connect(url, settings = {}) {
+    const nothing = { fingerprint: '', user: '', password: '', user_certificate: '', user_key: '' };
+    this.send({ connect: { server: url, security: 'Basic256Sha256', pki: this.pki, ...nothing, ...settings } });
   }
 
   #came(line) {
@@ -45,10 +67,10 @@ export class GatewayProcess {
   /** The next line, after those waited for before, that the predicate accepts; its one member's content. */
   next(kind, accepts = () => true) {
     return new Promise((resolve, reject) => {
-      const timer = setTimeout(
-        () => reject(new Error(`no "${kind}" came; there were ${JSON.stringify(this.lines.slice(this.taken))}`)),
-        PATIENCE,
-      );
+      const timer = setTimeout(() => {
+        const last = JSON.stringify(this.lines.slice(-20));
+        reject(new Error(`no "${kind}" came in ${PATIENCE} ms; the last lines were ${last} ${this.output}`));
+      }, PATIENCE);
       const look = () => {
         for (let i = this.taken; i < this.lines.length; ++i) {
           const content = this.lines[i][kind];
@@ -66,9 +88,34 @@ export class GatewayProcess {
     });
   }
 
+  /** What is told next about a subscription. */
+  changed(id) {
+    return this.next('changed', (change) => change.id === id);
+  }
+
+  async write(node, value, id = 1) {
+    this.send({ write: { id, node, value } });
+    return await this.next('written', (answer) => answer.id === id);
+  }
+
+  async read(node, id = 1) {
+    this.send({ read: { id, node } });
+    return await this.next('value', (answer) => answer.id === id);
+  }
+
+  /** Lines of a kind that came so far. */
+  all(kind) {
+    return this.lines.filter((line) => line[kind] !== undefined).map((line) => line[kind]);
+  }
+
+  /** All that came out of it, to look for what must not be there. */
+  get everything() {
+    return JSON.stringify(this.lines) + this.output;
+  }
+
+  /** Closes the socket; the exit status. */
   async stop() {
     this.socket?.destroy();
-    this.listener?.close();
-    await this.exited;
+    return await this.exited;
   }
 }

@@ -1,18 +1,31 @@
 // A small OPC UA server for tests: what an NC might be, with each of its faults.
 import { createRequire } from 'node:module';
-import { join } from 'node:path';
 import { openPki, ownCertificate } from '../../shared/pki.js';
-import { DataType, MessageSecurityMode, OPCUACertificateManager, SecurityPolicy, Variant, VariantArrayType } from '../../shared/opcua.js';
+import {
+  DataType,
+  MessageSecurityMode,
+  SecurityPolicy,
+  StatusCodes,
+  Variant,
+  VariantArrayType,
+} from '../../shared/opcua.js';
 
-const { OPCUAServer } = createRequire(import.meta.url)('node-opcua-server');
+const require = createRequire(import.meta.url);
+const { OPCUAServer } = require('node-opcua-server');
+const { nodesets } = require('node-opcua-nodesets');
 
 /** Variables that every test server has: name, type, first value. */
 const VARIABLES = [
   ['Request', 'Int32', 0],
-  ['Short', 'Int16', 0],
+  ['SByte', 'SByte', 0],
   ['Byte', 'Byte', 0],
+  ['Short', 'Int16', 0],
+  ['UInt16', 'UInt16', 0],
+  ['UInt32', 'UInt32', 0],
   ['Wide', 'Int64', [0, 7]],
+  ['UInt64', 'UInt64', [0, 0]],
   ['Flag', 'Boolean', true],
+  ['Float', 'Float', 0],
   ['Weight', 'Double', 2.5],
   ['Text', 'String', 'abc'],
   ['Notification', 'Int32', [0, 0, 0]],
@@ -20,10 +33,53 @@ const VARIABLES = [
   ['Moment', 'DateTime', new Date(0)],
 ];
 
+const bPair = (type) => type === 'Int64' || type === 'UInt64';
+
+function variantOf(type, value) {
+  const bArray = Array.isArray(value) && !bPair(type);
+  return new Variant({
+    dataType: DataType[type],
+    arrayType: bArray ? VariantArrayType.Array : VariantArrayType.Scalar,
+    value,
+  });
+}
+
+/** In place of the library's store of certificates: trusts all, or of users' certificates one. */
+class Certificates {
+  referenceCounter = 0;
+  automaticallyAcceptUnknownCertificate = true;
+
+  constructor(privateKeyFile, directory, only = null) {
+    this.privateKey = privateKeyFile;
+    this.rootDir = directory;
+    this.only = only;
+  }
+
+  async initialize() {}
+  async dispose() {}
+  async trustCertificate() {}
+
+  async verifyCertificate() {
+    return 'Good';
+  }
+
+  async checkCertificate(certificate) {
+    return this.only === null || this.only.equals(certificate) ? StatusCodes.Good : StatusCodes.BadCertificateUntrusted;
+  }
+
+  getTrustStatus(certificate, done) {
+    this.checkCertificate(certificate).then((status) => done(null, status), done);
+  }
+}
+
 export class TestServer {
+  /** What clients wrote, in order: name, type, value. */
+  written = [];
+
   /**
    * @param {string} directory for its certificates
-   * @param {object} options of the library's server, and `users`: {name: password}, `modes`, `port`
+   * @param {object} options of the library's server, `users`: {name: password}, and `userCertificate` (DER), the only
+   *   one that may log in
    */
   constructor(directory, options = {}) {
     this.directory = directory;
@@ -33,21 +89,20 @@ export class TestServer {
   async start() {
     await openPki(this.directory);
     const { certificateFile, privateKeyFile, applicationUri } = await ownCertificate(this.directory, 'test-nc');
-    const { users, port = 0, ...options } = this.options;
+    const { users, userCertificate, port = 0, ...options } = this.options;
     this.server = new OPCUAServer({
       port,
-      hostname: '127.0.0.1',
       host: '127.0.0.1',
+      hostname: 'name-of-the-nc.invalid', // as an NC announces names that its clients can't resolve
       certificateFile,
       privateKeyFile,
+      nodeset_filename: [nodesets.standard],
       serverInfo: { applicationUri },
-      serverCertificateManager: new OPCUACertificateManager({
-        rootFolder: join(this.directory, 'library'),
-        automaticallyAcceptUnknownCertificate: true,
-      }),
+      serverCertificateManager: new Certificates(privateKeyFile, this.directory),
+      userCertificateManager: new Certificates(privateKeyFile, this.directory, userCertificate),
       securityModes: [MessageSecurityMode.SignAndEncrypt],
       securityPolicies: [SecurityPolicy.Basic256Sha256],
-      allowAnonymous: users === undefined,
+      allowAnonymous: users === undefined && userCertificate === undefined,
       userManager: { isValidUser: (name, password) => users?.[name] === password },
       ...options,
     });
@@ -58,22 +113,27 @@ export class TestServer {
     this.variables = new Map();
     VARIABLES.forEach((variable) => this.add(...variable));
     await this.server.start();
-    const endpoint = this.server.endpoints[0];
-    this.port = endpoint.port || new URL(this.server.getEndpointUrl()).port;
-    this.options.port = Number(this.port); // the next start takes the same
-    this.url = `opc.tcp://127.0.0.1:${this.port}`;
+    this.options.port = this.server.endpoints[0]._server.address().port; // the next start takes the same
+    this.url = `opc.tcp://127.0.0.1:${this.options.port}`;
     this.certificateFile = certificateFile;
   }
 
-  add(name, type, value) {
-    const bArray = Array.isArray(value) && type !== 'Int64';
+  /** Adds a variable; others: more options of the library. */
+  add(name, type, value, others = {}) {
     const variable = this.space.addVariable({
       componentOf: this.folder,
       browseName: name,
       nodeId: `s=${name}`,
       dataType: type,
-      valueRank: bArray ? 1 : -1,
+      valueRank: Array.isArray(value) && !bPair(type) ? 1 : -1,
+      minimumSamplingInterval: 0,
+      ...others,
     });
+    const writeValue = variable.writeValue.bind(variable);
+    variable.writeValue = (context, dataValue, ...rest) => {
+      this.written.push({ name, type: DataType[dataValue.value.dataType], value: dataValue.value.value });
+      return writeValue(context, dataValue, ...rest);
+    };
     this.variables.set(name, { variable, type });
     this.set(name, value);
   }
@@ -89,10 +149,13 @@ export class TestServer {
 
   set(name, value) {
     const { variable, type } = this.variables.get(name);
-    const bArray = Array.isArray(value) && type !== 'Int64';
-    variable.setValueFromSource(
-      new Variant({ dataType: DataType[type], arrayType: bArray ? VariantArrayType.Array : VariantArrayType.Scalar, value }),
-    );
+    variable.setValueFromSource(variantOf(type, value));
+  }
+
+  /** The NC can't tell the value: a status in its place. */
+  setStatus(name, status) {
+    const { variable, type } = this.variables.get(name);
+    variable.setValueFromSource(variantOf(type, 0), StatusCodes[status]);
   }
 
   get(name) {
