@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <optional>
 
+#include "console/ncwatch.h"
 #include "platform/rvlog/logcomponent.h"
 #include "platform/rvmdb/prebaldatabase.h"
 #include "platform/system/eventloop.h"
@@ -91,6 +92,9 @@ void CHeadlessRun::RecordLater() {
         if (*pAlive) {
             m_bRecordPending = false;
             Record();
+            if (m_pWatch != nullptr) {
+                m_pWatch->LookNow();  // the NC may start its next procedure before the next regular look
+            }
         }
     });
 }
@@ -192,23 +196,40 @@ bool CHeadlessRun::RunProcedure(Softkeys::Action Start) {
         return false;
     }
     COperator Operator(m_rSession, m_rSession.GetMachine(), m_rSession.GetWorkingSpeed());
-    Operator.OnMeasurementAccepted = [this](const CSituation& rSituation) {
+    const bool bFinished = Drive(Operator);
+    // Ends the procedure; a result that may be kept is kept.
+    m_rSession.SendAction(Softkeys::eActionEnd, Softkeys::eFlagCommit);
+    IFEventLoop::Current().RunUntil([this] { return m_rSession.GetHost().GetActivity() == 0; }, 1000);
+    return bFinished;
+}
+
+bool CHeadlessRun::RunNcProcedure() {
+    CNcWatch Watch([this] { return m_rSession.Look(); });
+    Watch.GetDriverLoss = GetNcLoss;
+    m_pWatch = &Watch;
+    const bool bFinished = Drive(Watch);
+    m_pWatch = nullptr;
+    return bFinished;
+}
+
+bool CHeadlessRun::Drive(CRunDriver& rDriver) {
+    rDriver.OnMeasurementAccepted = [this](const CSituation& rSituation) {
         m_Report.SetInitial(rSituation);
         Print("measured" + DescribeReadings(rSituation));
     };
-    Operator.OnVerdictAccepted = [this](const CSituation& rSituation) {
+    rDriver.OnVerdictAccepted = [this](const CSituation& rSituation) {
         m_Report.SetFinal(rSituation);
         Print("final" + DescribeReadings(rSituation) +
               Format(", target %u", rSituation.m_Progress.m_TargetUnbalance));
     };
-    Operator.SetHoleRings(m_rSession.GetHoleRings());
-    Operator.OnFitted = [this](const COperator::CFitting& rFitting) {
+    rDriver.SetHoleRings(m_rSession.GetHoleRings());
+    rDriver.OnFitted = [this](const CFitting& rFitting) {
         if (rFitting.m_bScrews) {
             m_Report.SetScrews(rFitting.m_Column, rFitting.m_Screws);
         } else {
             m_Report.SetWeights(rFitting.m_Column, rFitting.m_Angles);
         }
-        Print(COperator::Describe(rFitting));
+        Print(Describe(rFitting));
     };
     m_ProgressTimerID = IFEventLoop::Current().SetTimer(PROGRESS_PERIOD, [this](std::uint32_t) {
         const CSituation Situation = m_rSession.Look();
@@ -216,18 +237,15 @@ bool CHeadlessRun::RunProcedure(Softkeys::Action Start) {
             Print("reading" + DescribeReadings(Situation));
         }
     });
-    Operator.Start();
+    rDriver.Start();
     IFEventLoop::Current().RunUntil(
-        [&Operator] { return Operator.GetOutcome() != COperator::Outcome::eRunning; }, eRunTimeout);
+        [&rDriver] { return rDriver.GetOutcome() != CRunDriver::Outcome::eRunning; }, eRunTimeout);
     IFEventLoop::Current().KillTimer(std::exchange(m_ProgressTimerID, 0));
     Record();
-    const bool bFinished = Operator.GetOutcome() == COperator::Outcome::eFinished;
+    const bool bFinished = rDriver.GetOutcome() == CRunDriver::Outcome::eFinished;
     if (!bFinished) {
-        Print("The run has ended: " + Operator.GetReason());
+        Print("The run has ended: " + rDriver.GetReason());
     }
-    // Ends the procedure; a result that may be kept is kept.
-    m_rSession.SendAction(Softkeys::eActionEnd, Softkeys::eFlagCommit);
-    IFEventLoop::Current().RunUntil([this] { return m_rSession.GetHost().GetActivity() == 0; }, 1000);
     return bFinished;
 }
 
@@ -249,15 +267,24 @@ void CHeadlessRun::RecordCalibration() {
 }
 
 ExitCode CHeadlessRun::Run() {
+    const bool bPrebalance = m_rOptions.m_Procedure != COptions::Procedure::eRebalance;
+    const bool bRebalance = m_rOptions.m_Procedure != COptions::Procedure::ePrebalance;
     bool bFinished = true;
-    if (m_rOptions.m_Procedure != COptions::Procedure::eRebalance) {
-        bFinished = RunProcedure(Softkeys::eActionStart);
-    }
-    if (bFinished && m_rOptions.m_Procedure != COptions::Procedure::ePrebalance) {
-        if (m_rOptions.m_Procedure == COptions::Procedure::ePrebalanceAndRebalance) {
+    if (m_rOptions.IsDrivenByNc()) {
+        // The NC knows which procedures it wants, and in what order; here only their number counts.
+        for (int nToGo = (bPrebalance ? 1 : 0) + (bRebalance ? 1 : 0); nToGo > 0 && bFinished; --nToGo) {
+            bFinished = RunNcProcedure();
+        }
+    } else {
+        if (bPrebalance) {
+            bFinished = RunProcedure(Softkeys::eActionStart);
+        }
+        if (bFinished && bPrebalance && bRebalance) {
             DisturbRotor();
         }
-        bFinished = RunProcedure(Softkeys::eActionRebalance);
+        if (bFinished && bRebalance) {
+            bFinished = RunProcedure(Softkeys::eActionRebalance);
+        }
     }
     if (bFinished) {
         RecordCalibration();

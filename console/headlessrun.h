@@ -27,6 +27,8 @@ public:
     std::function<void(const std::string&)> OnProgress;
     /// Called when the situation has changed, after it was recorded: for tests that interfere with a run.
     std::function<void(const CSituation&)> OnSituation;
+    /// Why no NC drives any more, with --nc opcua; empty while one does.
+    std::function<std::string()> GetNcLoss;
 
 private:
     /// Longest that a procedure may take with a machine that answers, ms.
@@ -35,6 +37,10 @@ private:
     static constexpr std::uint32_t eSpinUpTimeout = 120000;
 
     bool RunProcedure(Softkeys::Action Start);
+    /// A procedure that the NC starts and ends.
+    bool RunNcProcedure();
+    /// Runs the loop until the driver has come to an outcome.
+    bool Drive(CRunDriver& rDriver);
     void BringSpindleToStart();
     /// The machine's unbalance changes a little, as a wheel's does by wear.
     void DisturbRotor();
@@ -51,6 +57,7 @@ private:
     std::shared_ptr<void> m_pLogGuard;
     std::uint32_t m_ProgressTimerID = 0;
     bool m_bRecordPending = false;
+    CRunDriver* m_pWatch = nullptr;  ///< while the NC drives
     std::uint32_t m_nPictures = 0;
     std::shared_ptr<bool> m_pAlive = std::make_shared<bool>(true);
 };

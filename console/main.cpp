@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 
+#include "console/companions.h"
 #include "console/headlessrun.h"
 #include "console/installation.h"
 #include "console/mainwindow.h"
@@ -77,8 +78,12 @@ void CheckOutputs(const COptions& rOptions) {
     }
 }
 
-int RunHeadless(const COptions& rOptions, CConsoleSession& rSession) {
+int RunHeadless(const COptions& rOptions, CConsoleSession& rSession, CCompanions* pCompanions) {
     CHeadlessRun Run(rSession, rOptions);
+    if (pCompanions != nullptr) {
+        pCompanions->OnSay = [&rSession](const std::string& rText) { rSession.Say(rText); };
+        Run.GetNcLoss = [pCompanions] { return pCompanions->GetNcLoss(); };
+    }
     ExitCode Result = eExitFailed;
     if (rSession.Initialise()) {
         rSession.Commission();
@@ -97,18 +102,55 @@ int RunHeadless(const COptions& rOptions, CConsoleSession& rSession) {
     return Result;
 }
 
-int RunOnScreen(CConsoleSession& rSession) {
+int RunOnScreen(CConsoleSession& rSession, CCompanions* pCompanions) {
     CMainWindow Window(rSession);
     const CMessageBoxPresenter Presenter(&Window);
+    if (pCompanions != nullptr) {
+        pCompanions->OnSay = [&rSession](const std::string& rText) { rSession.Say(rText); };
+    }
     Window.show();
     return QApplication::exec();
+}
+
+/// The NC that the installation is configured for. Throws CSessionError.
+std::optional<COpcSetup> ReadOpcSetup(const CConsoleInstallation& rInstallation) {
+    std::string Error;
+    auto Configuration = COpcSetup::Read((rInstallation.GetConfigDirectory() / "opc.json").string(), Error);
+    if (!Error.empty()) {
+        throw CSessionError(Error);
+    }
+    if (!Configuration) {
+        return std::nullopt;
+    }
+    return COpcSetup{*Configuration, (rInstallation.GetConfigDirectory() / "opcua").string(),
+                     COpcSetup::GetDefaultGateway()};
+}
+
+/// A session from the loop on. Throws CSessionError.
+int RunSession(COptions Options, const CConsoleInstallation& rInstallation) {
+    std::unique_ptr<IFEventLoop> pLoop;
+    if (Options.IsVirtualTime()) {
+        pLoop = std::make_unique<CVirtualEventLoop>();
+    } else {
+        pLoop = std::make_unique<CQtEventLoop>();
+    }
+    const std::optional<CRotorFile> Rotor = ReadRotor(Options);
+    const CRotorFile* const pRotor = Rotor ? &*Rotor : nullptr;
+    std::unique_ptr<CCompanions> pCompanions;
+    if (Options.IsDrivenByNc() && !Options.m_Opc) {
+        pCompanions = std::make_unique<CCompanions>(Options, pRotor);
+        Options = pCompanions->Complete(Options);
+    }
+    CConsoleSession Session(Options, pRotor, rInstallation.GetDatabaseFile().string());
+    return Options.m_bHeadless ? RunHeadless(Options, Session, pCompanions.get())
+                               : RunOnScreen(Session, pCompanions.get());
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
     CCommandLineEnd End;
-    const std::optional<COptions> Options = ParseCommandLine(argc, argv, End);
+    std::optional<COptions> Options = ParseCommandLine(argc, argv, End);
     if (!Options) {
         std::fprintf(End.m_ExitCode == 0 ? stdout : stderr, "%s\n", End.m_Text.c_str());
         return End.m_ExitCode;
@@ -123,21 +165,14 @@ int main(int argc, char** argv) {
     QApplication App(argc, argv);
     QApplication::setStyle(QStyleFactory::create("fusion"));
 
-    std::unique_ptr<IFEventLoop> pLoop;
-    if (Options->IsVirtualTime()) {
-        pLoop = std::make_unique<CVirtualEventLoop>();
-    } else {
-        pLoop = std::make_unique<CQtEventLoop>();
-    }
     try {
-        const std::optional<CRotorFile> Rotor = ReadRotor(*Options);
         CheckOutputs(*Options);
         const CConsoleInstallation Installation(Options->m_ConfigDirectory, Options->m_bHeadless);
         if (!CLogComponent::OpenFile(Installation.GetLogDirectory().string())) {
             return Refuse("The log can't be written in " + Installation.GetLogDirectory().string() + ".");
         }
-        CConsoleSession Session(*Options, Rotor ? &*Rotor : nullptr, Installation.GetDatabaseFile().string());
-        return Options->m_bHeadless ? RunHeadless(*Options, Session) : RunOnScreen(Session);
+        Options->m_Opc = ReadOpcSetup(Installation);
+        return RunSession(*Options, Installation);
     } catch (const std::runtime_error& rError) {
         return Refuse(rError.what());
     }

@@ -1,53 +1,133 @@
 #include "console/ncpanel.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "platform/rvopc/inprocessopcserver.h"
 #include "platform/rvopc/opcconnection.h"
 #include "platform/rvopc/opcdatabase.h"
 #include "platform/rvopc/prebalinterfacetonc.h"
 #include "platform/rvopc/prebalinterfacetoncwarnings.h"
+#include "platform/system/eventloop.h"
 
 namespace {
 
 constexpr const char* SERVER = "console";
-constexpr const char* NOTIFICATION_ITEM = "notification";
-constexpr const char* WARNING_ITEM = "warning";
-constexpr std::uint32_t UPDATE_RATE = 100;
+/// Items that no NC asked for stay in this process.
+constexpr const char* LOCAL_NOTIFICATION = "notification";
+constexpr const char* LOCAL_WARNING = "warning";
+
+/// The item linked to a key; linked to the local one when there was none.
+std::string LinkedItem(const char* pKey, const char* pLocal) {
+    COpcDatabase* const pDatabase = COpcDatabase::GetInstance();
+    if (pDatabase->GetOpcLinkItem(pKey).empty()) {
+        pDatabase->SetOpcLinkItem(pKey, pLocal);
+    }
+    return pDatabase->GetOpcLinkItem(pKey);
+}
 
 }  // namespace
 
-CNcPanel::CNcPanel() : m_pServer(CInProcessOpcServer::Find(SERVER)) {
-    COpcDatabase* pDatabase = COpcDatabase::GetInstance();
-    pDatabase->SetSelectedOpcServer(SERVER);
-    pDatabase->SetOpcLinkItem(CPreBalInterfaceToNC::ms_pKey, NOTIFICATION_ITEM);
-    pDatabase->SetOpcLinkItem(CPreBalInterfaceToNCWarnings::ms_pKey, WARNING_ITEM);
-    m_pNotifications = m_pServer->Subscribe(NOTIFICATION_ITEM, UPDATE_RATE, [this](const COpcValue* pValue) {
-        const auto* pNumbers = pValue != nullptr ? std::get_if<std::vector<std::int32_t>>(pValue) : nullptr;
-        if (pNumbers == nullptr || pNumbers->size() != CNotification::eSize) {
+/// Stands between the module's items and the server that carries them, and listens to what is written.
+class CNcPanel::CServer : public IFOpcServer {
+public:
+    CServer(CNcPanel& rPanel, std::string NotificationItem, std::string WarningItem)
+        : m_pPanel(&rPanel),
+          m_NotificationItem(std::move(NotificationItem)),
+          m_WarningItem(std::move(WarningItem)) {}
+
+    /// Null: everything stays in this process.
+    void SetNetwork(std::shared_ptr<IFOpcServer> pNetwork) { m_pNetwork = std::move(pNetwork); }
+    /// The panel goes; items of the module may live on for a moment.
+    void Forget() { m_pPanel = nullptr; }
+
+    bool Write(const std::string& rItem, const COpcValue& rValue, FailureHandler OnFailure) override {
+        Listen(rItem, rValue);
+        return FindCarrier(rItem).Write(rItem, rValue, std::move(OnFailure));
+    }
+    std::optional<COpcValue> Read(const std::string& rItem) override {
+        return FindCarrier(rItem).Read(rItem);
+    }
+    std::shared_ptr<void> Subscribe(const std::string& rItem, std::uint32_t UpdateRate,
+                                    ChangeHandler Handler) override {
+        return FindCarrier(rItem).Subscribe(rItem, UpdateRate, std::move(Handler));
+    }
+
+private:
+    void Listen(const std::string& rItem, const COpcValue& rValue) {
+        if (m_pPanel == nullptr) {
             return;
         }
-        std::copy(pNumbers->begin(), pNumbers->end(), m_Notification.m_Values.begin());
-        if (OnChanged) {
-            OnChanged();
+        const auto* pNumbers = std::get_if<std::vector<std::int32_t>>(&rValue);
+        const auto* pNumber = std::get_if<std::int32_t>(&rValue);
+        if (rItem == m_NotificationItem && pNumbers != nullptr) {
+            m_pPanel->TakeNotification(*pNumbers);
+        } else if (rItem == m_WarningItem && pNumber != nullptr) {
+            m_pPanel->TakeWarning(*pNumber);
         }
-    });
-    m_pWarnings = m_pServer->Subscribe(WARNING_ITEM, UPDATE_RATE, [this](const COpcValue* pValue) {
-        const auto* pNumber = pValue != nullptr ? std::get_if<std::int32_t>(pValue) : nullptr;
-        if (pNumber == nullptr) {
-            return;
+    }
+    IFOpcServer& FindCarrier(const std::string& rItem) {
+        const bool bLocal = m_pNetwork == nullptr || rItem == LOCAL_NOTIFICATION || rItem == LOCAL_WARNING;
+        return bLocal ? *CInProcessOpcServer::Find(SERVER) : *m_pNetwork;
+    }
+
+    CNcPanel* m_pPanel;
+    std::string m_NotificationItem;
+    std::string m_WarningItem;
+    std::shared_ptr<IFOpcServer> m_pNetwork;
+};
+
+CNcPanel::CNcPanel(const std::optional<COpcSetup>& rSetup) {
+    COpcDatabase* const pDatabase = COpcDatabase::GetInstance();
+    pDatabase->SetSelectedOpcServer(rSetup ? rSetup->m_Configuration.m_Server : SERVER);
+    if (rSetup) {
+        for (const auto& [rKey, rItem] : rSetup->m_Configuration.m_LinkItems) {
+            pDatabase->SetOpcLinkItem(rKey, rItem);
         }
-        m_Warning = static_cast<std::uint32_t>(*pNumber);
-        if (OnChanged) {
-            OnChanged();
-        }
-    });
+    }
+    m_pServer =
+        std::make_shared<CServer>(*this, LinkedItem(CPreBalInterfaceToNC::ms_pKey, LOCAL_NOTIFICATION),
+                                  LinkedItem(CPreBalInterfaceToNCWarnings::ms_pKey, LOCAL_WARNING));
+    COPCConnection::CreateInstance()->SetConnector(
+        [pServer = m_pServer, rSetup](const std::string& rServer, int Flag) {
+            if (rSetup) {
+                pServer->SetNetwork(MakeNetworkConnector(rSetup->m_Configuration, rSetup->m_PkiDirectory,
+                                                         rSetup->m_GatewayProgram)(rServer, Flag));
+            }
+            return pServer;
+        });
 }
 
 CNcPanel::~CNcPanel() {
-    m_pNotifications.reset();
-    m_pWarnings.reset();
+    *m_pAlive = false;
+    m_pServer->Forget();
     COPCConnection::CreateInstance()->Disconnect();
+    COPCConnection::CreateInstance()->SetConnector(nullptr);
     COpcDatabase::GetInstance()->Clear();
-    m_pServer->Reset();
+    CInProcessOpcServer::Find(SERVER)->Reset();
+}
+
+void CNcPanel::TakeNotification(const std::vector<std::int32_t>& rValues) {
+    CNotification Notification;
+    if (rValues.size() != CNotification::eSize) {
+        return;
+    }
+    std::ranges::copy(rValues, Notification.m_Values.begin());
+    Later([this, Notification] { m_Notification = Notification; });
+}
+
+void CNcPanel::TakeWarning(std::int32_t Warning) {
+    Later([this, Warning] { m_Warning = static_cast<std::uint32_t>(Warning); });
+}
+
+void CNcPanel::Later(std::function<void()> Take) {
+    IFEventLoop::Current().Post([this, pAlive = m_pAlive, Take = std::move(Take)] {
+        if (!*pAlive) {
+            return;
+        }
+        Take();
+        if (OnChanged) {
+            OnChanged();
+        }
+    });
 }

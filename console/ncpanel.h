@@ -2,17 +2,18 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <string>
+#include <optional>
 
+#include "console/opcsetup.h"
 #include "console/situation.h"
 
-class CInProcessOpcServer;
-
-/// The console's place in the NC's stead: an OPC server in this process with the module's items, whose
-/// notifications and warnings the console listens to. Must stand before the module's window is created.
+/// The console's place in the NC's stead: hears the notifications and warnings that the module publishes,
+/// whether an NC takes them over the network or nobody does. Must stand before the module's window is
+/// created.
 class CNcPanel {
 public:
-    CNcPanel();
+    /// Without a setup the module's items lie in this process.
+    explicit CNcPanel(const std::optional<COpcSetup>& rSetup);
     ~CNcPanel();
     CNcPanel(const CNcPanel&) = delete;
     CNcPanel& operator=(const CNcPanel&) = delete;
@@ -20,13 +21,19 @@ public:
     const CNotification& GetNotification() const { return m_Notification; }
     std::uint32_t GetWarning() const { return m_Warning; }
 
-    /// Called on each notification and each change of the warning.
+    /// Called through the event loop on each new notification and each change of the warning.
     std::function<void()> OnChanged;
 
 private:
-    std::shared_ptr<CInProcessOpcServer> m_pServer;
-    std::shared_ptr<void> m_pNotifications;
-    std::shared_ptr<void> m_pWarnings;
+    class CServer;
+
+    void TakeNotification(const std::vector<std::int32_t>& rValues);
+    void TakeWarning(std::int32_t Warning);
+    /// Takes it in when the module has finished what it is doing.
+    void Later(std::function<void()> Take);
+
+    std::shared_ptr<CServer> m_pServer;
     CNotification m_Notification;
     std::uint32_t m_Warning = 0;
+    std::shared_ptr<bool> m_pAlive = std::make_shared<bool>(true);
 };

@@ -32,23 +32,25 @@ bool AreReadingsComplete(const CSituation& rSituation) {
 
 }  // namespace
 
+bool IsVerdict(std::int32_t Step) {
+    constexpr std::array VERDICTS = {CNotification::eSetupSuccess, CNotification::eRebalSuccess,
+                                     CNotification::eSetupOverTarget, CNotification::eRebalOverTarget};
+    return std::ranges::find(VERDICTS, Step) != VERDICTS.end();
+}
+
 Deed ChooseDeed(const CSituation& rSituation) {
     if (!rSituation.m_bRunning) {
         return Deed::eWait;
     }
-    switch (rSituation.m_Notification.GetStep()) {
-        case CNotification::eFailure:
-            return Deed::eGiveUp;
-        case CNotification::eSetupSuccess:
-        case CNotification::eRebalSuccess:
-        case CNotification::eSetupOverTarget:
-        case CNotification::eRebalOverTarget:
-            return AreReadingsComplete(rSituation) ? Deed::eJudge : Deed::eWait;
-        case CNotification::eSetup:
-        case CNotification::eReBalActive:
-            break;
-        default:
-            return Deed::eWait;
+    const std::int32_t Step = rSituation.m_Notification.GetStep();
+    if (Step == CNotification::eFailure) {
+        return Deed::eGiveUp;
+    }
+    if (IsVerdict(Step)) {
+        return AreReadingsComplete(rSituation) ? Deed::eJudge : Deed::eWait;
+    }
+    if (Step != CNotification::eSetup && Step != CNotification::eReBalActive) {
+        return Deed::eWait;
     }
     const auto* pRule = std::ranges::find(RULES, rSituation.m_Notification.GetAction(), &CRule::m_Action);
     if (pRule == RULES.end()) {

@@ -15,3 +15,6 @@ enum class Deed {
 /// The rules of a patient operator: do what the action of the notification says; confirm only when the menu
 /// has the key; judge when the average of the final measurement is complete.
 Deed ChooseDeed(const CSituation& rSituation);
+
+/// Whether a step of a notification is the verdict at the end of a procedure.
+bool IsVerdict(std::int32_t Step);

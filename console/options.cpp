@@ -12,6 +12,11 @@ const std::map<std::string, COptions::Procedure> PROCEDURES = {
     {"prebalance+rebalance", COptions::Procedure::ePrebalanceAndRebalance},
 };
 
+const std::map<std::string, COptions::Nc> NCS = {
+    {"panel", COptions::Nc::ePanel},
+    {"opcua", COptions::Nc::eOpcUa},
+};
+
 /// What fits together can only be said when all options are known. Empty if all is well.
 std::string FindContradiction(const COptions& rOptions) {
     const bool bLink = rOptions.IsSimulated() || rOptions.m_Link.starts_with("serial:") ||
@@ -25,6 +30,9 @@ std::string FindContradiction(const COptions& rOptions) {
     if (!rOptions.m_Machine.empty() && rOptions.IsSimulated()) {
         return "--machine goes with an external link: with --link sim the machine is simulated in this "
                "process";
+    }
+    if (rOptions.m_TestWeight != 0.0 && !rOptions.IsDrivenByNc()) {
+        return "--test-weight goes with --nc opcua: at the panel the operator chooses the test screw";
     }
     const bool bPair = rOptions.m_Modules == "kestrel-pair";
     if (rOptions.m_Addresses.size() > 2 || (rOptions.m_Addresses.size() == 2 && !bPair)) {
@@ -71,6 +79,13 @@ std::optional<COptions> ParseCommandLine(int argc, const char* const* argv, CCom
     App.add_option("--screenshots", Options.m_ScreenshotDirectory, "PNG of the page at every step");
     App.add_flag("--real-time", Options.m_bRealTime,
                  "Real clock; --headless on the simulator runs in virtual time");
+    App.add_option("--nc", Options.m_Nc,
+                   "Who drives: panel (default) | opcua, the NC that cnf/opc.json names, or one that is "
+                   "simulated along with the machine")
+        ->transform(CLI::CheckedTransformer(NCS));
+    App.add_option("--test-weight", Options.m_TestWeight,
+                   "Grams of the test screw that the simulated NC asks for; with --nc opcua")
+        ->check(CLI::PositiveNumber);
 
     try {
         App.parse(argc, argv);

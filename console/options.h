@@ -6,11 +6,14 @@
 #include <string>
 #include <vector>
 
+#include "console/opcsetup.h"
 #include "platform/rvcom/bytelink.h"
 #include "platform/rvmdb/prebaldatabase.h"
 
 /// What the command line asks for.
 struct COptions {
+    /// Who drives a run.
+    enum class Nc { ePanel, eOpcUa };
     enum class Procedure { ePrebalance, eRebalance, ePrebalanceAndRebalance };
 
     bool m_bHeadless = false;
@@ -27,6 +30,13 @@ struct COptions {
     std::string m_ReportFile;
     std::string m_ScreenshotDirectory;
     bool m_bRealTime = false;
+    Nc m_Nc = Nc::ePanel;
+    /// In grams: what an NC that is started along with the console asks for; 0: nothing.
+    double m_TestWeight = 0.0;
+
+    /// The NC to connect to; nothing: none. From the installation's configuration, or from what was started
+    /// along with the console.
+    std::optional<COpcSetup> m_Opc;
 
     /// Whether the spindle already turns when a procedure starts. For whole runs in tests, not on the command
     /// line.
@@ -43,8 +53,12 @@ struct COptions {
     std::string m_ModuleLibrary;
 
     bool IsSimulated() const { return m_Link == "sim"; }
-    /// Virtual time is the default of a headless run on the simulator in this process.
-    bool IsVirtualTime() const { return m_bHeadless && IsSimulated() && !m_bRealTime; }
+    bool IsDrivenByNc() const { return m_Nc == Nc::eOpcUa; }
+    /// Virtual time is the default of a headless run on the simulator in this process. A network knows real
+    /// time only.
+    bool IsVirtualTime() const {
+        return m_bHeadless && IsSimulated() && !m_bRealTime && !m_Opc && !IsDrivenByNc();
+    }
 };
 
 /// Why the program ends before it begins.

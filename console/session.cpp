@@ -165,7 +165,8 @@ CConsoleSession::CConsoleSession(const COptions& rOptions, const CRotorFile* pRo
     : m_Options(rOptions),
       m_Modules(ChooseModules(rOptions, pRotor)),
       m_Mode(ChooseMode(rOptions, m_Modules)),
-      m_pRotor(pRotor) {
+      m_pRotor(pRotor),
+      m_NcPanel(rOptions.m_Opc) {
     RefuseWhatIsMissing(rOptions, pRotor, m_Mode);
     const std::vector<std::uint8_t>& rDefaults = GetFamily(m_Modules).m_Addresses;
     if (m_Options.m_Addresses.empty()) {

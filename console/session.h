@@ -91,7 +91,7 @@ private:
     CRotorFile::Modules m_Modules;
     PreBalDB::CPreBalDatabase::BalancingMode m_Mode;
     const CRotorFile* m_pRotor;
-    CNcPanel m_NcPanel;
+    CNcPanel m_NcPanel;  ///< before the module's window, which connects when it is created
     std::unique_ptr<CSimulator> m_pSimulator;
     std::unique_ptr<CMachineClient> m_pClient;
     IFMachine* m_pMachine = nullptr;

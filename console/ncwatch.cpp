@@ -1,0 +1,56 @@
+#include "console/ncwatch.h"
+
+#include "console/operatorrules.h"
+
+void CNcWatch::OnLook(const CSituation& rSituation) {
+    if (!rSituation.m_bRunning) {
+        if (m_Last) {
+            const CSituation Done = *m_Last;
+            Accept(Done);
+            const bool bJudged = IsVerdict(Done.m_Notification.GetStep());
+            const bool bFailed = Done.m_Notification.GetStep() == CNotification::eFailure;
+            m_Last.reset();
+            if (bJudged) {
+                End(Outcome::eFinished);
+            } else {
+                End(Outcome::eFailed, bFailed ? Done.m_Progress.m_Warning
+                                              : "the procedure was ended before the final measurement");
+            }
+        } else if (const std::string Loss = GetDriverLoss ? GetDriverLoss() : ""; !Loss.empty()) {
+            End(Outcome::eFailed, Loss);
+        }
+        return;
+    }
+    if (m_Last && m_Last->m_Progress.m_State != rSituation.m_Progress.m_State) {
+        Accept(*m_Last);
+    }
+    m_Last = rSituation;
+    if (const std::string Loss = GetDriverLoss ? GetDriverLoss() : ""; !Loss.empty()) {
+        End(Outcome::eFailed, Loss);
+    }
+}
+
+void CNcWatch::Accept(const CSituation& rDone) {
+    if (IsVerdict(rDone.m_Notification.GetStep())) {
+        if (OnVerdictAccepted) {
+            OnVerdictAccepted(rDone);
+        }
+        return;
+    }
+    switch (rDone.m_Notification.GetAction()) {
+        case CNotification::eMeasurementValuesOK:
+            if (OnMeasurementAccepted) {
+                OnMeasurementAccepted(rDone);
+            }
+            break;
+        case CNotification::eSetWeights:
+            for (const CFitting& rFitting : FindFittings(rDone, GetHoleRings())) {
+                if (OnFitted) {
+                    OnFitted(rFitting);
+                }
+            }
+            break;
+        default:
+            break;
+    }
+}

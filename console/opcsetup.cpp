@@ -1,0 +1,160 @@
+#include "console/opcsetup.h"
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <string_view>
+
+#include "platform/rvopc/prebalinterfacefromnc.h"
+#include "platform/rvopc/prebalinterfacefromncrotationdirection.h"
+#include "platform/rvopc/prebalinterfacefromnctargetunbalance.h"
+#include "platform/rvopc/prebalinterfacefromnctestweight.h"
+#include "platform/rvopc/prebalinterfacetonc.h"
+#include "platform/rvopc/prebalinterfacetoncwarnings.h"
+#include "platform/system/files.h"
+#include "simulator/jsonfields.h"
+
+namespace fs = std::filesystem;
+using nlohmann::json;
+
+namespace {
+
+constexpr std::size_t eMaxText = 1024;
+constexpr std::size_t eFingerprintDigits = 64;
+
+constexpr std::array<std::string_view, 4> POLICIES = {"Basic256Sha256", "Aes128_Sha256_RsaOaep",
+                                                      "Aes256_Sha256_RsaPss", "None"};
+constexpr std::string_view UNSECURED = "None";
+
+constexpr std::array<std::string_view, 7> LINK_KEYS = {
+    CPreBalInterfaceFromNC::ms_pKey,
+    CPreBalInterfaceToNC::ms_pKey,
+    CPreBalInterfaceToNCWarnings::ms_pKey,
+    CPreBalInterfaceFromNcTestWeight::ms_pKey,
+    CPreBalInterfaceFromNcTargetUnbalance::ms_pKey,
+    CPreBalInterfaceFromNcRotationDirection::ms_pKey,
+    // Deliberately another one: only this one makes the module connect.
+    "PreBalInterfaceFromNCRotationDirection",
+};
+
+std::string ReadFingerprint(const CJsonFields& rFields) {
+    const std::string Given = rFields.GetText("fingerprint", "", eMaxText);
+    std::string Digits;
+    for (const char Character : Given) {
+        if (std::string_view(" :").find(Character) == std::string_view::npos) {
+            Digits += Character;
+        }
+    }
+    const bool bHexadecimal = Digits.find_first_not_of("0123456789abcdefABCDEF") == std::string::npos;
+    if (!Digits.empty() && (!bHexadecimal || Digits.size() != eFingerprintDigits)) {
+        CJsonFields::Refuse("fingerprint", "the SHA-256 of a certificate, 64 hexadecimal digits", Given);
+    }
+    return Digits;
+}
+
+std::string ReadServer(const CJsonFields& rFields) {
+    rFields.Require("server");
+    std::string Server = rFields.GetText("server", "", eMaxText);
+    constexpr std::string_view Scheme = "opc.tcp://";
+    if (!Server.starts_with(Scheme) || Server.size() == Scheme.size() ||
+        Server.find_first_of(" \t\n") != std::string::npos) {
+        CJsonFields::Refuse("server", "an endpoint, for example opc.tcp://192.168.214.1:4840", Server);
+    }
+    return Server;
+}
+
+/// Files are told relative to the one that names them.
+std::string ReadFileName(const CJsonFields& rFields, std::string_view Name, const fs::path& rDirectory) {
+    const std::string File = rFields.GetText(Name, "", eMaxText);
+    if (File.empty()) {
+        return File;
+    }
+    const fs::path Path = rDirectory / File;
+    if (!Files::IsFile(Path.string())) {
+        CJsonFields::Refuse(rFields.GetPath(Name), "a file that exists", Path.string());
+    }
+    return Path.string();
+}
+
+std::map<std::string, std::string> ReadLinkItems(const CJsonFields& rFields) {
+    std::map<std::string, std::string> LinkItems;
+    if (const json* pItems = rFields.Get("items")) {
+        const CJsonFields Items(*pItems, "items", LINK_KEYS);
+        for (const std::string_view Key : LINK_KEYS) {
+            const std::string Node = Items.GetText(Key, "", eMaxText);
+            if (!Node.empty()) {
+                LinkItems.emplace(Key, Node);
+            }
+        }
+    }
+    return LinkItems;
+}
+
+COpcConfiguration FromJson(const json& rValue, const fs::path& rDirectory) {
+    const CJsonFields Fields(
+        rValue, "",
+        {"server", "security", "fingerprint", "user", "password", "user_certificate", "user_key", "items"});
+    COpcConfiguration Result;
+    Result.m_Server = ReadServer(Fields);
+    Result.m_Security = POLICIES.at(Fields.GetChoice("security", 0, POLICIES));
+    Result.m_Fingerprint = ReadFingerprint(Fields);
+    Result.m_User = Fields.GetText("user", "", eMaxText);
+    Result.m_Password = Fields.GetText("password", "", eMaxText);
+    Result.m_UserCertificate = ReadFileName(Fields, "user_certificate", rDirectory);
+    Result.m_UserKey = ReadFileName(Fields, "user_key", rDirectory);
+    Result.m_LinkItems = ReadLinkItems(Fields);
+    if (Result.m_User.empty() != Result.m_Password.empty()) {
+        throw CJsonError("user and password go together: give both, or neither");
+    }
+    if (Result.m_UserCertificate.empty() != Result.m_UserKey.empty()) {
+        throw CJsonError("user_certificate and user_key go together: give both, or neither");
+    }
+    if (!Result.m_User.empty() && !Result.m_UserCertificate.empty()) {
+        throw CJsonError("a login is by user and password or by user_certificate: give one of them");
+    }
+    if (Result.m_Security == UNSECURED && !Result.m_Password.empty()) {
+        throw CJsonError(
+            "a password would cross the network in the clear: leave it out, or take another security than "
+            "None");
+    }
+    return Result;
+}
+
+bool CanOthersRead(const std::string& rFile) {
+    constexpr fs::perms Others = fs::perms::group_read | fs::perms::others_read;
+    return (fs::status(rFile).permissions() & Others) != fs::perms::none;
+}
+
+}  // namespace
+
+std::optional<COpcConfiguration> COpcSetup::Read(const std::string& rFile, std::string& rError) {
+    rError.clear();
+    std::error_code Ignored;
+    if (!fs::exists(rFile, Ignored)) {
+        return std::nullopt;
+    }
+    const auto Contents = Files::ReadAll(rFile);
+    if (!Contents) {
+        rError = rFile + " can't be read";
+        return std::nullopt;
+    }
+    try {
+        COpcConfiguration Result = FromJson(json::parse(*Contents), fs::path(rFile).parent_path());
+        if (!Result.m_Password.empty() && CanOthersRead(rFile)) {
+            rError = rFile + " holds a password and can be read by others: chmod 600 it";
+            return std::nullopt;
+        }
+        return Result;
+    } catch (const json::exception&) {
+        // The parser quotes what it read, which may be the password.
+        rError = rFile + " is no valid JSON";
+    } catch (const CJsonError& rException) {
+        rError = rFile + ": " + rException.what();
+    }
+    return std::nullopt;
+}
+
+std::string COpcSetup::GetDefaultGateway() {
+    return Files::ToNative(Files::GetProgramDirectory()) + "/opc-gateway";
+}

@@ -1,0 +1,95 @@
+#include "console/rundriver.h"
+
+#include <cstdio>
+#include <utility>
+
+#include "platform/system/eventloop.h"
+
+namespace {
+
+std::string DescribeAngles(const std::vector<int>& rAngles) {
+    std::string Text;
+    for (const int Angle : rAngles) {
+        Text += (Text.empty() ? "" : ", ") + std::to_string(Angle) + "°";
+    }
+    return Text;
+}
+
+std::string DescribeScrews(const std::vector<CRotorScrew>& rScrews) {
+    std::string Text;
+    for (const CRotorScrew& rScrew : rScrews) {
+        char Grams[64];
+        std::snprintf(Grams, sizeof Grams, "%g", rScrew.m_Grams);
+        Text +=
+            (Text.empty() ? "" : ", ") + std::string(Grams) + " g in hole " + std::to_string(rScrew.m_Hole);
+    }
+    return Text.empty() ? "none" : Text;
+}
+
+}  // namespace
+
+std::string Describe(const CFitting& rFitting) {
+    const std::string Plane = std::to_string(rFitting.m_Plane + 1);
+    return rFitting.m_bScrews ? "screws of plane " + Plane + ": " + DescribeScrews(rFitting.m_Screws)
+                              : "weights of plane " + Plane + " to " + DescribeAngles(rFitting.m_Angles);
+}
+
+std::vector<CFitting> FindFittings(const CSituation& rSituation, const std::array<CHoleRing, 2>& rRings) {
+    std::vector<CFitting> Fittings;
+    for (std::size_t Plane = 0; Plane < rSituation.m_Progress.m_Readings.size(); ++Plane) {
+        CFitting Fitting{Plane, rSituation.GetColumn(Plane), {}, rSituation.HasScrews(Plane), {}};
+        if (Fitting.m_bScrews) {
+            // No screw at all is a fitting too: those of the last run come out.
+            Fitting.m_Screws = rSituation.GetScrews(Plane, rRings.at(Plane));
+        } else {
+            Fitting.m_Angles = rSituation.GetAngles(Plane);
+        }
+        if (Fitting.m_bScrews || !Fitting.m_Angles.empty()) {
+            Fittings.push_back(std::move(Fitting));
+        }
+    }
+    return Fittings;
+}
+
+void CRunDriver::Start() {
+    m_Outcome = Outcome::eRunning;
+    m_LastChange = IFEventLoop::Current().Now();
+    m_TimerID = IFEventLoop::Current().SetTimer(eLookPeriod, [this](std::uint32_t) { LookNow(); });
+}
+
+void CRunDriver::Stop() {
+    if (m_TimerID != 0) {
+        IFEventLoop::Current().KillTimer(std::exchange(m_TimerID, 0));
+    }
+}
+
+void CRunDriver::End(Outcome Result, std::string Reason) {
+    m_Outcome = Result;
+    m_Reason = std::move(Reason);
+    Stop();
+}
+
+void CRunDriver::LookNow() {
+    if (m_TimerID == 0) {
+        return;
+    }
+    const CSituation Situation = m_Look();
+    const std::uint64_t Now = IFEventLoop::Current().Now();
+    if (HasPanelChanged(Situation)) {
+        m_LastChange = Now;
+    } else if (IsImpatient() && Now - m_LastChange > ePatience) {
+        End(Outcome::eStuck, "nothing has changed for " + std::to_string(ePatience / 1000) + " s in state " +
+                                 Situation.m_Progress.m_State + ": \"" + Situation.m_Progress.m_Instruction +
+                                 "\"; is the module connected and the spindle free to turn?");
+        return;
+    }
+    OnLook(Situation);
+}
+
+bool CRunDriver::HasPanelChanged(const CSituation& rSituation) {
+    const bool bChanged = !m_LastSeen || m_LastSeen->m_Progress.m_State != rSituation.m_Progress.m_State ||
+                          m_LastSeen->m_Menu != rSituation.m_Menu ||
+                          !(m_LastSeen->m_Notification == rSituation.m_Notification);
+    m_LastSeen = rSituation;
+    return bChanged;
+}
