@@ -3,8 +3,10 @@ import { createInterface } from 'node:readline';
 import { readObjects } from '../shared/jsonlines.js';
 import { ArgumentError } from './arguments.js';
 import { CommandError, carryJson, carryText } from './commands.js';
+import { MachineLink } from './machinelink.js';
 import { describeChange } from './notification.js';
 import { Output } from './output.js';
+import { ExitStatus, PartProgram } from './partprogram.js';
 import { NcServer } from './server.js';
 
 /** Resolves when the program is asked to end. */
@@ -62,6 +64,28 @@ async function startServer(options, output) {
   }
 }
 
+async function reach(endpoint) {
+  try {
+    return await MachineLink.connect(endpoint);
+  } catch (error) {
+    throw new ArgumentError(`${error.message}; --machine takes the control link of a machine that runs`);
+  }
+}
+
+function tellOf(server, options, output) {
+  const listening = {
+    url: server.url,
+    port: server.address.port,
+    fingerprint: server.fingerprint,
+    items: server.nodeIds,
+  };
+  output.tell({ listening }, `listening at ${server.url}, certificate ${server.fingerprint}`);
+  server.on('changed', (item, value) => output.tell({ changed: { item, value } }, describeChange(item, value)));
+  if (options.json || options.machine === undefined) {
+    readCommands(options, server, output);
+  }
+}
+
 /**
  * @param {ReturnType<import('./arguments.js').readArguments>} options
  * @returns {Promise<number>} exit status
@@ -69,29 +93,24 @@ async function startServer(options, output) {
  */
 export async function run(options) {
   const output = new Output(options.json);
+  const say = (text) => output.say(text);
+  const machine = options.machine && (await reach(options.machine));
   const server = await startServer(options, output);
   const asked = untilAsked(options);
-  server.on('changed', (item, value) => output.tell({ changed: { item, value } }, describeChange(item, value)));
-  output.tell(
-    {
-      listening: {
-        url: server.url,
-        port: server.address.port,
-        fingerprint: server.fingerprint,
-        items: server.nodeIds,
-      },
-    },
-    `listening at ${server.url}, certificate ${server.fingerprint}`,
-  );
-  if (options.testWeight !== undefined) {
-    server.write('TestWeight', options.testWeight);
+  tellOf(server, options, output);
+  let status;
+  if (machine) {
+    const program = new PartProgram({ ...options, items: server, machine, say });
+    status = await Promise.race([program.run(options.procedures), asked.then(() => ExitStatus.failed)]);
+  } else {
+    if (options.testWeight !== undefined) {
+      server.write('TestWeight', options.testWeight);
+    }
+    await asked;
+    status = ExitStatus.ended;
   }
-  if (options.json || options.machine === undefined) {
-    readCommands(options, server, output);
-  }
-  await asked;
-  const status = 0;
   output.tell({ done: { exit: status } });
+  machine?.close();
   await server.stop();
   return status;
 }
