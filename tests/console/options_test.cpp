@@ -118,3 +118,25 @@ TEST(OptionsTest, HelpEndsWithoutAnError) {
     EXPECT_EQ(End.m_ExitCode, 0);
     EXPECT_NE(End.m_Text.find("--headless"), std::string::npos);
 }
+
+TEST(OptionsTest, ARunDrivenByAnNcTakesRealTime) {
+    EXPECT_TRUE(ParseGood({"--headless"}).IsVirtualTime());
+    const auto Options = ParseGood({"--headless", "--nc", "opcua", "--test-weight", "2.5"});
+    EXPECT_TRUE(Options.IsDrivenByNc());
+    EXPECT_FALSE(Options.IsVirtualTime());
+    EXPECT_EQ(Options.m_TestWeight, 2.5);
+    EXPECT_FALSE(ParseGood({"--nc", "panel"}).IsDrivenByNc());
+}
+
+/// An NC that is configured is spoken to whoever drives, so virtual time is out of the question.
+TEST(OptionsTest, ANetworkKnowsRealTimeOnly) {
+    auto Options = ParseGood({"--headless"});
+    Options.m_Opc.emplace();
+    EXPECT_FALSE(Options.IsVirtualTime());
+}
+
+TEST(OptionsTest, TheTestWeightIsTheNcsToAskFor) {
+    EXPECT_NE(ParseBad({"--test-weight", "2.5"}).find("--nc opcua"), std::string::npos);
+    ParseBad({"--nc", "opcua", "--test-weight", "-1"});
+    EXPECT_NE(ParseBad({"--nc", "telepathy"}).find("telepathy"), std::string::npos);
+}
