@@ -1,4 +1,5 @@
 // One connection to the server: made, used, watched over until it is lost. Another one is a new object.
+import { createPrivateKey } from 'node:crypto';
 import { readFile } from 'node:fs/promises';
 import { join } from 'node:path';
 import { chooseEndpoint, firstOf, guardChannel, securityOf } from './endpoint.js';
@@ -73,6 +74,11 @@ async function makeIdentity(settings) {
       throw new Refusal(`${settings.user_certificate} is missing`);
     }
     const privateKey = await readFile(settings.user_key, 'utf8');
+    try {
+      createPrivateKey(privateKey);
+    } catch {
+      throw new Refusal(`${settings.user_key} holds no private key in PEM form, or one with a password`);
+    }
     return { type: UserTokenType.Certificate, certificateData: certificate, privateKey };
   }
   if (user !== '') {

@@ -14,6 +14,7 @@ const WORDS = {
   BadSecurityChecksFailed: "the server rejects the application's certificate (own.pem) or the security settings",
   BadTypeMismatch: 'the node holds another type',
   BadUserAccessDenied: 'the server rejects the login, or the user may not do this',
+  BadUserSignatureInvalid: "the user's key does not belong to the user's certificate",
   EACCES: 'a file or directory may not be used',
   ECONNREFUSED: 'nothing listens at this address',
   ECONNRESET: 'the server ended the connection',

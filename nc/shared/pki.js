@@ -1,6 +1,6 @@
 // Certificates on disk: an application's own one, made at first start, and the pinned one of its peer.
 import { createHash } from 'node:crypto';
-import { chmod, mkdir, readFile, writeFile } from 'node:fs/promises';
+import { chmod, mkdir, open, readFile, rename, rm } from 'node:fs/promises';
 import { createRequire } from 'node:module';
 import { hostname } from 'node:os';
 import { join } from 'node:path';
@@ -32,6 +32,20 @@ export async function readCertificate(file) {
     throw new Error(`${file} holds no certificate in PEM form`);
   }
   return Buffer.from(match[1], 'base64');
+}
+
+/** Writes a file so that it is there whole or not at all: machines are switched off without warning. */
+async function writeWhole(file, text, mode) {
+  const part = `${file}.part`;
+  await rm(part, { force: true }); // its mode might be another one
+  const handle = await open(part, 'wx', mode);
+  try {
+    await handle.writeFile(text);
+    await handle.sync();
+  } finally {
+    await handle.close();
+  }
+  await rename(part, file);
 }
 
 /**
@@ -67,11 +81,15 @@ export async function ownCertificate(directory, name) {
       purpose: crypto.CertificatePurpose.ForApplication,
     });
     // The key first: a certificate without its key would be taken for a finished pair at the next start.
-    await writeFile(privateKeyFile, privPem, { mode: 0o600 });
-    await writeFile(certificateFile, cert, { mode: 0o644 });
+    await writeWhole(privateKeyFile, privPem, 0o600);
+    await writeWhole(certificateFile, cert, 0o644);
     certificate = await readCertificate(certificateFile);
   }
-  await chmod(privateKeyFile, 0o600);
+  try {
+    await chmod(privateKeyFile, 0o600);
+  } catch (error) {
+    throw new Error(`${certificateFile} is there without its key ${privateKeyFile} (${error.code})`);
+  }
   // As it stands in the certificate: the host may have got another name since.
   const { uniformResourceIdentifier } = crypto.exploreCertificate(certificate).tbsCertificate.extensions.subjectAltName;
   return { certificateFile, privateKeyFile, applicationUri: uniformResourceIdentifier[0] };
@@ -88,6 +106,6 @@ export async function pin(file, certificate) {
   if (pinned !== null) {
     return pinned.equals(certificate) ? 'same' : 'other';
   }
-  await writeFile(file, crypto.toPem(certificate, 'CERTIFICATE') + '\n', { mode: 0o600 });
+  await writeWhole(file, crypto.toPem(certificate, 'CERTIFICATE') + '\n', 0o600);
   return 'first';
 }
