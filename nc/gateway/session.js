@@ -7,6 +7,8 @@ import { Pause, within } from './timing.js';
 const FIRST_PAUSE = 500;
 const LONGEST_PAUSE = 10000;
 const WRITE_LIMIT = 5000;
+/** A subscription may be so slow, or so broken, that the others don't wait for it. */
+const TELLING_LIMIT = 5000;
 /** How often it is looked whether a node that was missing has come back. */
 const RETRY_INTERVAL = 5000;
 
@@ -18,6 +20,7 @@ class Item {
   #tell;
   #error;
   #stop = () => {};
+  #settle = () => {};
   #connection = null;
 
   constructor({ id, node, rate }, tell) {
@@ -27,8 +30,15 @@ class Item {
     this.#tell = tell;
   }
 
-  /** Begins anew over a connection; null ends it. */
+  /**
+   * Begins anew over a connection; null ends it.
+   * @returns {Promise<void>} settles when the value, or why it can't be read, has been told
+   */
   async attach(connection) {
+    this.#settle(); // nobody need wait for what ends here
+    const told = new Promise((resolve) => {
+      this.#settle = resolve;
+    });
     this.#stop();
     this.#stop = () => {};
     this.#connection = connection;
@@ -44,6 +54,7 @@ class Item {
       if (isCurrent) {
         this.#error = undefined;
         this.#tell({ changed: { id: this.#id, value } });
+        this.#settle();
       }
     };
     // The same trouble is told once, however often it is tried again.
@@ -51,6 +62,7 @@ class Item {
       if (isCurrent && error !== this.#error) {
         this.#error = error;
         this.#tell({ changed: { id: this.#id, error } });
+        this.#settle();
       }
     };
     try {
@@ -68,6 +80,7 @@ class Item {
         onError(reasonOf(error));
       }
     }
+    await told;
   }
 
   /** If the node can't be read, begins anew: the server may have one of this name again. */
@@ -187,9 +200,11 @@ export class Session {
   /** Serves the module over a connection until that is lost. */
   async #use(connection) {
     this.#connection = connection;
-    this.#tell({ state: { connected: true } });
-    for (const item of this.#items.values()) {
-      item.attach(connection);
+    // The module compares what it wrote last with what the NC holds now, before it writes anything.
+    const told = Promise.all([...this.#items.values()].map((item) => item.attach(connection)));
+    await Promise.race([within(told, TELLING_LIMIT).catch(() => {}), connection.lost]);
+    if (!connection.isLost) {
+      this.#tell({ state: { connected: true } });
     }
     const retry = setInterval(() => {
       for (const item of this.#items.values()) {

@@ -4,6 +4,7 @@ import { spawnSync } from 'node:child_process';
 import { join } from 'node:path';
 import { afterEach, beforeEach, test } from 'node:test';
 import { fileURLToPath } from 'node:url';
+import { provideCertificate } from './support/certificates.js';
 import { GatewayProcess } from './support/gatewayprocess.js';
 import { makeDirectory, removeDirectory } from './support/temporary.js';
 
@@ -22,6 +23,7 @@ afterEach(async () => {
 
 async function start() {
   gateway = new GatewayProcess(directory);
+  await provideCertificate(gateway.pki, 'opc-gateway');
   await gateway.start();
 }
 

@@ -2,34 +2,41 @@
 import assert from 'node:assert/strict';
 import { chmod, readFile, rm, stat, writeFile } from 'node:fs/promises';
 import { join } from 'node:path';
-import { describe, test } from 'node:test';
+import { after, before, describe, test } from 'node:test';
 import { MessageSecurityMode, SecurityPolicy } from '../shared/opcua.js';
-import { fingerprintOf, openPki, ownCertificate, readCertificate } from '../shared/pki.js';
+import { fingerprintOf, readCertificate } from '../shared/pki.js';
+import { provideCertificate } from './support/certificates.js';
 import { GatewayProcess } from './support/gatewayprocess.js';
 import { startIntermediary } from './support/intermediary.js';
 import { makeDirectory, removeDirectory } from './support/temporary.js';
 import { TestServer } from './support/testserver.js';
 
-/** A server and gateways of one test. */
+/** A directory and gateways of one test, and a server, of its own or not. */
 class Context {
   #gateways = [];
 
-  static async make(t, options) {
+  static async make(t, server) {
     const context = new Context();
     context.directory = await makeDirectory();
-    context.server = new TestServer(join(context.directory, 'server'), options);
+    context.server = server;
     t.after(async () => {
       await Promise.all(context.#gateways.map((gateway) => gateway.stop()));
-      await context.server.stop();
       await removeDirectory(context.directory);
     });
-    await context.server.start();
     return context;
   }
 
   async connect(settings) {
     const gateway = await GatewayProcess.connect(this.directory, this.server.url, settings);
     this.#gateways.push(gateway);
+    return gateway;
+  }
+
+  /** A gateway that has no certificate yet, nor a connection. */
+  async start(environment) {
+    const gateway = new GatewayProcess(this.directory);
+    this.#gateways.push(gateway);
+    await gateway.start(environment);
     return gateway;
   }
 
@@ -46,9 +53,56 @@ class Context {
   }
 }
 
+const PASSWORD = 'correct horse battery';
+const POLICIES = ['Basic256Sha256', 'Aes128_Sha256_RsaOaep', 'Aes256_Sha256_RsaPss'];
+
+let home;
+/** Servers that the tests share: one of all secure policies, one with logins, one of too little security. */
+let strict;
+let closed;
+let weak;
+/** Files of a user whom `closed` knows. */
+let known;
+
+async function startServer(name, options) {
+  const server = new TestServer(join(home, name), options);
+  await provideCertificate(server.directory, 'test-nc');
+  await server.start();
+  return server;
+}
+
+async function makeUser(name) {
+  const directory = join(home, name);
+  await provideCertificate(directory, name);
+  return { user_certificate: join(directory, 'own.pem'), user_key: join(directory, 'own-key.pem') };
+}
+
+before(async () => {
+  home = await makeDirectory();
+  known = await makeUser('known');
+  strict = await startServer('strict', { securityPolicies: POLICIES.map((policy) => SecurityPolicy[policy]) });
+  closed = await startServer('closed', {
+    users: { balancing: PASSWORD },
+    userCertificate: await readCertificate(known.user_certificate),
+  });
+  weak = await startServer('weak', {
+    securityModes: [MessageSecurityMode.None, MessageSecurityMode.Sign],
+    securityPolicies: [SecurityPolicy.None, SecurityPolicy.Basic256Sha256],
+  });
+});
+
+after(async () => {
+  for (const server of [strict, closed, weak]) {
+    await server?.stop();
+  }
+  await removeDirectory(home);
+});
+
 describe('security', { concurrency: 2 }, () => {
   test('the first certificate is trusted with a warning, another one later is refused', async (t) => {
-    const context = await Context.make(t);
+    const server = await startServer('changing');
+    t.after(() => server.stop());
+    const context = await Context.make(t, server);
     const gateway = await context.connect();
     const fingerprint = await context.fingerprint();
     const warnings = gateway.all('log').filter(({ level }) => level === 'warning');
@@ -57,9 +111,9 @@ describe('security', { concurrency: 2 }, () => {
     const pinned = await readCertificate(join(gateway.pki, 'server.pem'));
     assert.equal(fingerprintOf(pinned), fingerprint);
 
-    await context.server.stop();
-    await rm(context.server.directory, { recursive: true });
-    await context.server.start(); // makes itself a new certificate
+    await server.stop();
+    await rm(server.directory, { recursive: true });
+    await server.start(); // makes itself a new certificate
     const other = await context.fingerprint();
     assert.notEqual(other, fingerprint);
     const { reason } = await gateway.next('state', (state) => /certificate/.test(state.reason));
@@ -73,7 +127,7 @@ describe('security', { concurrency: 2 }, () => {
   });
 
   test('a fingerprint that is configured decides', async (t) => {
-    const context = await Context.make(t);
+    const context = await Context.make(t, strict);
     const wrong = await context.refusal({ fingerprint: '00'.repeat(32) });
     assert.match(wrong, new RegExp(`fingerprint is ${await context.fingerprint()}, not the configured one`));
     await assert.rejects(stat(join(context.directory, 'pki', 'server.pem')), { code: 'ENOENT' });
@@ -83,100 +137,77 @@ describe('security', { concurrency: 2 }, () => {
   });
 
   test('user and password are checked, and the password is nowhere to be read', async (t) => {
-    const password = 'correct horse battery';
-    const context = await Context.make(t, { users: { balancing: password } });
+    const context = await Context.make(t, closed);
     const gateways = [];
-    for (const [user, given] of [['balancing', `${password}!`], ['nobody', password], ['balancing', password]]) {
+    for (const [user, given] of [['balancing', `${PASSWORD}!`], ['nobody', PASSWORD], ['balancing', PASSWORD]]) {
       const gateway = await context.connect({ user, password: given });
       gateways.push(gateway);
       assert.equal(gateway.firstState.connected, gateways.length === 3);
     }
     assert.match(gateways[0].firstState.reason, /rejects the login/);
     assert.match(await context.refusal(), /takes no login without a user/);
-    assert.match(await context.refusal({ user: 'x', password, security: 'None' }), /without security/);
+    assert.match(await context.refusal({ user: 'x', password: PASSWORD, security: 'None' }), /without security/);
     for (const gateway of gateways) {
-      assert.ok(!gateway.everything.includes(password), gateway.everything);
+      assert.ok(!gateway.everything.includes(PASSWORD), gateway.everything);
     }
   });
 
   test('the password is not to be read even if the environment asks the library to tell all', async (t) => {
-    const password = 'correct horse battery';
-    const context = await Context.make(t, { users: { balancing: password } });
-    const gateway = new GatewayProcess(context.directory);
-    t.after(() => gateway.stop());
-    await gateway.start({
+    const context = await Context.make(t, closed);
+    const gateway = await context.start({
       DEBUG: 'ALL',
       NODEOPCUADEBUG: 'TRANSPORT,HELACK,CHUNK,CLIENT{REQUEST},CLIENT{RESPONSE},CLIENT',
       NODEOPCUA_LOG_LEVEL: '7',
       NODEOPCUACHECKTIMEOUT: '1',
     });
-    gateway.connect(context.server.url, { user: 'balancing', password });
+    gateway.connect(context.server.url, { user: 'balancing', password: PASSWORD });
     assert.equal((await gateway.next('state')).connected, true);
-    gateway.socket.write(`{"connect": {"password": "${password}"}}\n{"password": "${password}"\n`);
+    gateway.socket.write(`{"connect": {"password": "${PASSWORD}"}}\n{"password": "${PASSWORD}"\n`);
     await gateway.next('log', ({ text }) => /wrong server/.test(text));
     await gateway.next('log', ({ text }) => /no JSON/.test(text));
     assert.equal(gateway.output, '');
-    assert.ok(!gateway.everything.includes(password));
+    assert.ok(!gateway.everything.includes(PASSWORD));
   });
 
   test('a certificate of the user logs in, another one does not', async (t) => {
-    const users = await makeDirectory();
-    t.after(() => removeDirectory(users));
-    const make = async (name) => {
-      const directory = join(users, name);
-      await openPki(directory);
-      const { certificateFile, privateKeyFile } = await ownCertificate(directory, name);
-      return { user_certificate: certificateFile, user_key: privateKeyFile };
-    };
-    const known = await make('known');
-    const unknown = await make('unknown');
-    const context = await Context.make(t, { userCertificate: await readCertificate(known.user_certificate) });
+    const unknown = await makeUser('unknown');
+    const context = await Context.make(t, closed);
     assert.deepEqual((await context.connect(known)).firstState, { connected: true });
     assert.match(await context.refusal(unknown), /rejects the login/);
     assert.match(await context.refusal({ ...known, user_key: unknown.user_key }), /key does not belong/);
-    const missing = join(users, 'missing.pem');
+    const missing = join(home, 'missing.pem');
     assert.match(await context.refusal({ ...known, user_certificate: missing }), /missing\.pem is missing/);
     assert.match(await context.refusal({ ...known, user_key: missing }), /missing\.pem: .*ENOENT/);
     const secret = 'MIIEvQ this is secret';
-    await writeFile(join(users, 'broken.pem'), secret);
-    const broken = await context.connect({ ...known, user_key: join(users, 'broken.pem') });
+    await writeFile(join(home, 'broken.pem'), secret);
+    const broken = await context.connect({ ...known, user_key: join(home, 'broken.pem') });
     assert.match(broken.firstState.reason, /broken\.pem holds no private key/);
     assert.ok(!broken.everything.includes(secret));
   });
 
   test('each policy that can be configured works, at a server that offers all', async (t) => {
-    const policies = ['Basic256Sha256', 'Aes128_Sha256_RsaOaep', 'Aes256_Sha256_RsaPss'];
-    const context = await Context.make(t, {
-      securityModes: [MessageSecurityMode.None, MessageSecurityMode.Sign, MessageSecurityMode.SignAndEncrypt],
-      securityPolicies: ['None', ...policies].map((policy) => SecurityPolicy[policy]),
-    });
-    for (const security of policies) {
+    const context = await Context.make(t, strict);
+    for (const security of POLICIES) {
       const gateway = await context.connect({ security });
       assert.deepEqual(gateway.firstState, { connected: true });
       assert.deepEqual(await gateway.write(context.server.node('Request'), { int32: 1 }), { id: 1 });
-      const [channel] = context.server.server.endpoints[0].getChannels();
-      assert.equal(channel.securityMode, MessageSecurityMode.SignAndEncrypt);
-      assert.equal(channel.securityPolicy, SecurityPolicy[security]);
+      const channels = strict.server.endpoints[0].getChannels();
+      const { securityMode } = channels.find(({ securityPolicy }) => securityPolicy === SecurityPolicy[security]);
+      assert.equal(securityMode, MessageSecurityMode.SignAndEncrypt);
       await gateway.stop();
     }
   });
 
   test('a weaker security than asked for is not taken', async (t) => {
-    const context = await Context.make(t, {
-      securityModes: [MessageSecurityMode.None, MessageSecurityMode.Sign],
-      securityPolicies: [SecurityPolicy.None, SecurityPolicy.Basic256Sha256],
-    });
+    const context = await Context.make(t, weak);
     const reason = await context.refusal();
-    assert.match(reason, /does not offer Basic256Sha256 with SignAndEncrypt, but .*Basic256Sha256 with Sign\b/);
+    assert.match(reason, /does not offer Basic256Sha256 with SignAndEncrypt, but .*\bNone\b/);
+    assert.match(reason, /but .*Basic256Sha256 with Sign\b/);
     assert.match(await context.refusal({ security: 'Aes256_Sha256_RsaPss' }), /does not offer Aes256_Sha256_RsaPss/);
   });
 
   test('no security is taken only when asked for, with a warning at each start', async (t) => {
-    const context = await Context.make(t, {
-      securityModes: [MessageSecurityMode.None],
-      securityPolicies: [SecurityPolicy.None],
-    });
-    assert.match(await context.refusal(), /does not offer Basic256Sha256 with SignAndEncrypt, but None/);
+    const context = await Context.make(t, weak);
     const gateway = await context.connect({ security: 'None' });
     assert.deepEqual(gateway.firstState, { connected: true });
     assert.match(gateway.all('log')[0].text, /neither encrypted nor signed/);
@@ -185,12 +216,12 @@ describe('security', { concurrency: 2 }, () => {
   });
 
   test('a server that offers security is not used without when that is asked for', async (t) => {
-    const context = await Context.make(t);
+    const context = await Context.make(t, strict);
     assert.match(await context.refusal({ security: 'None' }), /does not offer connections without security/);
   });
 
   test('somebody in between who answers without security in the place of the server is noticed', async (t) => {
-    const context = await Context.make(t);
+    const context = await Context.make(t, strict);
     const intermediary = await startIntermediary(context.server.options.port);
     t.after(() => intermediary.stop());
     const gateway = await GatewayProcess.connect(context.directory, intermediary.url);
@@ -203,8 +234,10 @@ describe('security', { concurrency: 2 }, () => {
   });
 
   test('certificates are for this user only, and stay over starts', async (t) => {
-    const context = await Context.make(t);
-    const gateway = await context.connect();
+    const context = await Context.make(t, strict);
+    const gateway = await context.start();
+    gateway.connect(strict.url);
+    assert.deepEqual(await gateway.next('state'), { connected: true });
     const mode = async (name) => (await stat(join(gateway.pki, name))).mode & 0o777;
     assert.equal(await mode('.'), 0o700);
     assert.equal(await mode('own-key.pem'), 0o600);
@@ -214,8 +247,9 @@ describe('security', { concurrency: 2 }, () => {
     await gateway.stop();
     await chmod(gateway.pki, 0o755);
     await chmod(join(gateway.pki, 'own-key.pem'), 0o644);
-    const again = await context.connect();
-    assert.deepEqual(again.firstState, { connected: true });
+    const again = await context.start();
+    again.connect(strict.url);
+    assert.deepEqual(await again.next('state'), { connected: true });
     assert.equal(await mode('.'), 0o700);
     assert.equal(await mode('own-key.pem'), 0o600);
     assert.equal(await readFile(join(gateway.pki, 'own.pem'), 'utf8'), before);

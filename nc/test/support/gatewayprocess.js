@@ -5,6 +5,7 @@ import { createServer } from 'node:net';
 import { join } from 'node:path';
 import { fileURLToPath } from 'node:url';
 import { readObjects, writeObject } from '../../shared/jsonlines.js';
+import { provideCertificate } from './certificates.js';
 
 const MAIN = fileURLToPath(new URL('../../gateway/main.js', import.meta.url));
 const PATIENCE = 20000;
@@ -28,6 +29,7 @@ export class GatewayProcess {
    */
   static async connect(directory, url, settings = {}) {
     const gateway = new GatewayProcess(directory);
+    await provideCertificate(gateway.pki, 'opc-gateway');
     await gateway.start();
     gateway.connect(url, settings);
     gateway.firstState = await gateway.next('state');

@@ -4,7 +4,10 @@ import { once } from 'node:events';
 import { argv } from 'node:process';
 import { createInterface } from 'node:readline';
 import { fileURLToPath } from 'node:url';
+import { provideCertificate } from './certificates.js';
 
+/** In the certificate. */
+const NAME = 'test-nc';
 const SELF = fileURLToPath(import.meta.url);
 
 if (argv[1] === SELF && argv.length === 4) {
@@ -17,6 +20,7 @@ if (argv[1] === SELF && argv.length === 4) {
 export class ServerProcess {
   static async start(directory, port = 0) {
     const server = new ServerProcess();
+    await provideCertificate(directory, NAME);
     server.process = spawn(process.execPath, [SELF, directory, String(port)], { stdio: ['ignore', 'pipe', 'ignore'] });
     server.exited = once(server.process, 'exit');
     for await (const line of createInterface({ input: server.process.stdout })) {
