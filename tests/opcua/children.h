@@ -1,0 +1,30 @@
+#pragma once
+#include <filesystem>
+#include <fstream>
+#include <set>
+#include <string>
+
+/// Processes that a process has started, and those that these have started in turn. Their numbers are only
+/// good until they end.
+inline std::set<int> FindChildren(int Pid) {
+    std::set<int> Found;
+    std::ifstream In("/proc/" + std::to_string(Pid) + "/task/" + std::to_string(Pid) + "/children");
+    for (int Child = 0; In >> Child;) {
+        Found.insert(Child);
+        Found.merge(FindChildren(Child));
+    }
+    return Found;
+}
+
+inline std::string ReadCommandLine(int Pid) {
+    std::ifstream In("/proc/" + std::to_string(Pid) + "/cmdline");
+    return {std::istreambuf_iterator<char>(In), {}};
+}
+
+/// Whether a process is there and has not ended; one that nobody has buried yet has.
+inline bool IsAlive(int Pid) {
+    std::ifstream In("/proc/" + std::to_string(Pid) + "/stat");
+    const std::string Stat{std::istreambuf_iterator<char>(In), {}};
+    const std::size_t Name = Stat.rfind(')');
+    return Name != std::string::npos && Stat.at(Name + 2) != 'Z';
+}

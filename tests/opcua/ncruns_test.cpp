@@ -1,0 +1,150 @@
+// Runs in which nobody presses a key: console, rotor simulator, gateway and NC simulator as processes of
+// their own. They run side by side, since each takes its time.
+#include <gmock/gmock.h>
+#include <signal.h>
+
+#include <QProcess>
+#include <QTemporaryDir>
+#include <fstream>
+#include <map>
+#include <memory>
+
+#include "platform/qt/qteventloop.h"
+#include "simulator/machineclient.h"
+#include "tests/opcua/children.h"
+#include "tests/opcua/ncserver.h"
+
+using nlohmann::json;
+using testing::IsEmpty;
+
+namespace {
+
+constexpr int RUN_TIMEOUT = 240000;
+/// A spindle that is quick to turn.
+constexpr const char* QUICK = R"("ramp_rpm_per_s": 100000)";
+
+class CNcRun {
+public:
+    CNcRun(const std::string& rRotor, const QStringList& rArguments) {
+        const QString Rotor = m_Directory.filePath("rotor.json");
+        std::ofstream(Rotor.toStdString()) << "{" << QUICK << rRotor << "}";
+        m_Console.setProcessChannelMode(QProcess::MergedChannels);
+        m_Console.start(
+            TEST_BIN_DIR "/console",
+            QStringList{"--headless", "--nc", "opcua", "--rotor", Rotor, "--config-dir",
+                        m_Directory.filePath("root"), "--report", m_Directory.filePath("report.json")} +
+                rArguments);
+    }
+    ~CNcRun() {
+        m_Console.kill();
+        m_Console.waitForFinished();
+    }
+
+    /// The report, when the run has ended.
+    json Finish() {
+        EXPECT_TRUE(m_Console.waitForFinished(RUN_TIMEOUT));
+        m_Output = m_Console.readAll().toStdString();
+        std::ifstream In(m_Directory.filePath("report.json").toStdString());
+        return json::parse(In, nullptr, false);
+    }
+    int GetExitCode() const { return m_Console.exitCode(); }
+    const std::string& GetOutput() const { return m_Output; }
+    QProcess& GetConsole() { return m_Console; }
+    QString GetFile(const char* pName) const { return m_Directory.filePath(pName); }
+
+private:
+    QTemporaryDir m_Directory;
+    QProcess m_Console;
+    std::string m_Output;
+};
+
+/// All runs, begun together.
+class CNcRunsTest : public testing::Test {
+protected:
+    static void SetUpTestSuite() {
+        ms_Runs["weights"] = std::make_unique<CNcRun>("", QStringList{"--procedure", "prebalance+rebalance"});
+        ms_Runs["screws"] = std::make_unique<CNcRun>(
+            R"(, "planes": [{"unbalance": {"amount": 2.4, "angle_deg": 77}}], "scale": ["ccw"])",
+            QStringList{"--method", "screws", "--test-weight", "3.2"});
+    }
+    static void TearDownTestSuite() { ms_Runs.clear(); }
+    static inline std::map<std::string, std::unique_ptr<CNcRun>> ms_Runs;
+};
+
+}  // namespace
+
+TEST_F(CNcRunsTest, WeightsArePrebalancedAndRebalanced) {
+    CNcRun& rRun = *ms_Runs.at("weights");
+    const json Report = rRun.Finish();
+    ASSERT_TRUE(Report.is_object()) << rRun.GetOutput();
+    EXPECT_EQ(rRun.GetExitCode(), 0) << rRun.GetOutput();
+    EXPECT_EQ(Report["result"], "RebalSuccess");
+    EXPECT_THAT(Report["assertions"], IsEmpty());
+    EXPECT_EQ(Report["calibrated_rpm"], 3000);
+    // 0.8 of a weight at 150 counts a weight: what was there, and what is left, by the sensor.
+    EXPECT_NEAR(Report["initial"][0]["amplitude"].get<double>(), 120.0, 3.0);
+    EXPECT_LT(Report["final"][0]["amplitude"].get<double>(), 5.0);
+    EXPECT_NE(rRun.GetOutput().find("NC: "), std::string::npos);
+}
+
+/// The first screw of the table that is at least as heavy as the NC asks for.
+TEST_F(CNcRunsTest, ScrewsBeginWithTheTestWeightThatTheNcAsksFor) {
+    CNcRun& rRun = *ms_Runs.at("screws");
+    const json Report = rRun.Finish();
+    ASSERT_TRUE(Report.is_object()) << rRun.GetOutput();
+    EXPECT_LE(rRun.GetExitCode(), 1) << rRun.GetOutput();
+    EXPECT_THAT(Report["assertions"], IsEmpty());
+    EXPECT_NE(rRun.GetOutput().find("screws of plane 1: 4 g in hole 1"), std::string::npos)
+        << rRun.GetOutput();
+    // 150 counts a gram: what the screws of the table leave of 360 counts is a fraction.
+    EXPECT_NEAR(Report["initial"][0]["amplitude"].get<double>(), 360.0, 5.0);
+    EXPECT_LT(Report["final"][0]["amplitude"].get<double>(), 60.0);
+}
+
+/// However the console ends, its companions do too.
+TEST(NcCompanions, NothingIsLeftRunningWhenTheConsoleIsKilled) {
+    CQtEventLoop Loop;
+    CNcRun Run("", {});
+    std::string Output;
+    ASSERT_TRUE(CNcServer::RunUntil(
+        [&] {
+            Output += Run.GetConsole().readAll().toStdString();
+            return Output.find("step 1/11") != std::string::npos;
+        },
+        60000))
+        << Output;
+    const std::set<int> Children = FindChildren(static_cast<int>(Run.GetConsole().processId()));
+    EXPECT_GE(Children.size(), 3U);  // rotor simulator, NC simulator, gateway
+    Run.GetConsole().kill();
+    EXPECT_TRUE(CNcServer::RunUntil([&] { return std::none_of(Children.begin(), Children.end(), IsAlive); },
+                                    CNcServer::ePatience));
+}
+
+/// What is on the rotor is asked of the machine itself, not of the module.
+TEST(NcRun, TheMachineIsLeftBalanced) {
+    CQtEventLoop Loop;
+    QTemporaryDir Directory;
+    QProcess Machine;
+    const QString Rotor = Directory.filePath("machine.json");
+    std::ofstream(Rotor.toStdString()) << "{" << QUICK << "}";
+    Machine.start(TEST_BIN_DIR "/simulator",
+                  {"--frames", "tcp:127.0.0.1:0", "--machine", "tcp:127.0.0.1:0", "--rotor", Rotor});
+    std::map<QString, QString> Links;
+    while (Links.size() < 2 && (Machine.canReadLine() || Machine.waitForReadyRead(CNcServer::ePatience))) {
+        const QStringList Words = QString::fromUtf8(Machine.readLine()).trimmed().split(" on ");
+        Links[Words.front()] = Words.back();
+    }
+    {
+        CNcRun Run("", {"--link", Links["frames"], "--machine", Links["machine"]});
+        ASSERT_TRUE(Run.Finish().is_object()) << Run.GetOutput();
+        EXPECT_EQ(Run.GetExitCode(), 0) << Run.GetOutput();
+    }
+    std::string Error;
+    const auto pMachine = CMachineClient::Create(Links["machine"].toStdString(), Error);
+    std::optional<json> State;
+    pMachine->Request({{"state", json::object()}}, [&](const json& rAnswer) { State = rAnswer; });
+    ASSERT_TRUE(CNcServer::RunUntil([&] { return State.has_value(); }, CNcServer::ePatience));
+    EXPECT_LT(State->at("residual").at(0).at("amount").get<double>(), 0.04) << *State;
+    Machine.kill();
+    Machine.waitForFinished();
+}
