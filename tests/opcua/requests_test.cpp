@@ -147,8 +147,7 @@ TEST_F(CRequestsTest, ARequestOlderThanTheModuleIsNotObeyed) {
     m_Nc.Write("Request", 1);
     Open();
     ASSERT_TRUE(m_pSession->Initialise());
-    ASSERT_TRUE(
-        m_Nc.Next("changed", [](const json& r) { return r["item"] == "Request" && r["value"] == 0; }));
+    ASSERT_TRUE(m_Nc.NextValue("Request", [](const json& r) { return r == 0; }));
     EXPECT_FALSE(IsRunning());
     EXPECT_EQ(m_Nc.Ask(1), eDone);
 }
