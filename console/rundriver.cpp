@@ -78,9 +78,13 @@ void CRunDriver::LookNow() {
     if (HasPanelChanged(Situation)) {
         m_LastChange = Now;
     } else if (IsImpatient() && Now - m_LastChange > ePatience) {
-        End(Outcome::eStuck, "nothing has changed for " + std::to_string(ePatience / 1000) + " s in state " +
-                                 Situation.m_Progress.m_State + ": \"" + Situation.m_Progress.m_Instruction +
-                                 "\"; is the module connected and the spindle free to turn?");
+        const std::string Time = std::to_string(ePatience / 1000) + " s";
+        End(Outcome::eStuck, Situation.m_bRunning
+                                 ? "nothing has changed for " + Time + " in state " +
+                                       Situation.m_Progress.m_State + ": \"" +
+                                       Situation.m_Progress.m_Instruction +
+                                       "\"; is the module connected and the spindle free to turn?"
+                                 : "no procedure was started for " + Time);
         return;
     }
     OnLook(Situation);
