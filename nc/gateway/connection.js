@@ -30,11 +30,12 @@ const PING_INTERVAL = 2000;
 /** For the library, which watches over its socket in its own way: later than the above find out. */
 const SILENCE_LIMIT = 8000;
 const CLOSING_LIMIT = 700;
-const SESSION_TIMEOUT = 60000;
+/** A server counts sessions that were cut off until then, and may allow but a few. Longer than three updates. */
+const SESSION_TIMEOUT = 20000;
 /** How often the server tells that a subscription lives, when nothing changes. */
 const KEEP_ALIVE = 2000;
 /** How long the server keeps a subscription of a gateway that died. */
-const LIFETIME = 30000;
+const LIFETIME = 20000;
 /** Longer than the shortest time in which an NC answers itself; changes that wait to be published are kept in order. */
 const QUEUE_SIZE = 100;
 /** Every server has this node. */

@@ -2,7 +2,7 @@
 
 const isId = (value) => typeof value === 'string' || Number.isFinite(value);
 const isText = (value) => typeof value === 'string';
-const isRate = (value) => Number.isFinite(value) && value >= 10 && value <= 10000;
+const isRate = (value) => Number.isFinite(value) && value >= 10 && value <= 5000;
 const isObject = (value) => value !== null && typeof value === 'object' && !Array.isArray(value);
 
 const LINES = {

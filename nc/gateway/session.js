@@ -6,6 +6,8 @@ import { Pause, within } from './timing.js';
 
 const FIRST_PAUSE = 500;
 const LONGEST_PAUSE = 10000;
+/** A connection that held so long was a good one: the next trouble is a new one. */
+const SOUND = 5000;
 const WRITE_LIMIT = 5000;
 /** A subscription may be so slow, or so broken, that the others don't wait for it. */
 const TELLING_LIMIT = 5000;
@@ -181,8 +183,11 @@ export class Session {
       let reason;
       try {
         await connection.open(settings, (level, text) => this.#log(level, text));
-        pause = FIRST_PAUSE;
+        const start = performance.now();
         reason = await this.#use(connection);
+        if (performance.now() - start >= SOUND) {
+          pause = FIRST_PAUSE;
+        }
       } catch (error) {
         reason = reasonOf(error);
       }

@@ -26,7 +26,8 @@ test('an int32 becomes each integer type up to its limits, and nothing beyond', 
     }
   }
   for (const type of ['UInt32', 'UInt64']) {
-    assert.throws(() => toVariant({ int32: -1 }, DataType[type]), new RegExp(`-1 does not fit the node's type ${type}`));
+    const refused = new RegExp(`-1 does not fit the node's type ${type}`);
+    assert.throws(() => toVariant({ int32: -1 }, DataType[type]), refused);
     assert.deepEqual(toTyped(toVariant({ int32: 2147483647 }, DataType[type])), { int32: 2147483647 });
   }
   for (const value of [-2147483648, -1, 0, 2147483647]) {

@@ -31,7 +31,8 @@ function readMessages(stream, onMessage) {
 }
 
 /**
- * Opens channels with security by an answer without: the server's own to a channel without security, said again with the nonce that it lacks.
+ * Opens channels with security by an answer without: the server's own to a channel without security, said again, with
+ * the nonce that it lacks.
  * @param {number} port of the server
  */
 export async function startIntermediary(port) {
