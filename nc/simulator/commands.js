@@ -64,7 +64,7 @@ export function carryText(server, line) {
     case 'help':
       return HELP;
     case 'show':
-      return ITEMS.map((item) => `${item.key} ${[server.read(item.key)].flat().join(' ')}`).join('\n');
+      return ITEMS.map((item) => `${item.key} ${[server.read(item.key) ?? 'nothing'].flat().join(' ')}`).join('\n');
     case 'write': {
       const values = rest.map((text) => (text === '' ? NaN : Number(text)));
       write(server, key, itemOf(key).size === undefined && values.length === 1 ? values[0] : values);

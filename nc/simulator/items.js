@@ -6,7 +6,10 @@
 /** Values of a notification: step, action, and angle and weight of three corrections in each of two planes. */
 export const NOTIFICATION_SIZE = 14;
 
-/** @typedef {{key: string, type: 'Int32' | 'Double', size?: number, description: string}} Item */
+/**
+ * A wish of the NC has no value until somebody writes one: zero would be a test weight of nothing.
+ * @typedef {{key: string, type: 'Int32' | 'Double', size?: number, isWish?: boolean, description: string}} Item
+ */
 
 /** @type {readonly Item[]} */
 export const ITEMS = Object.freeze([
@@ -23,13 +26,28 @@ export const ITEMS = Object.freeze([
     description: 'Module to NC: step, action, then angle and weight of three corrections in plane 1 and in plane 2.',
   },
   { key: 'Warning', type: 'Int32', description: 'Module to NC: number of the warning, 0 none.' },
-  { key: 'TestWeight', type: 'Double', description: 'NC to module: the test screw is to weigh this, grams.' },
-  { key: 'TargetUnbalance', type: 'Double', description: 'NC to module: target of the balancing.' },
-  { key: 'RotationDirection', type: 'Int32', description: 'NC to module: 0 clockwise, 1 counter-clockwise.' },
+  {
+    key: 'TestWeight',
+    type: 'Double',
+    isWish: true,
+    description: 'NC to module: the test screw is to weigh this, grams.',
+  },
+  { key: 'TargetUnbalance', type: 'Double', isWish: true, description: 'NC to module: target of the balancing.' },
+  {
+    key: 'RotationDirection',
+    type: 'Int32',
+    isWish: true,
+    description: 'NC to module: 0 clockwise, 1 counter-clockwise.',
+  },
 ]);
 
-/** What an item holds before anybody has written it. */
-export const initialValue = (item) => (item.size === undefined ? 0 : new Array(item.size).fill(0));
+/** What an item holds before anybody has written it; undefined for nothing. */
+export function initialValue(item) {
+  if (item.isWish) {
+    return undefined;
+  }
+  return item.size === undefined ? 0 : new Array(item.size).fill(0);
+}
 
 const MAX_INT32 = 2 ** 31 - 1;
 const isInt32 = (value) => Number.isInteger(value) && value >= -MAX_INT32 - 1 && value <= MAX_INT32;

@@ -227,11 +227,11 @@ export class PartProgram {
       if (Math.abs(state.speed - speed) < 0.5 && (speed === 0 || state.lock !== false)) {
         return;
       }
-      if (!told) {
+      if (!told && state.commanded !== speed) {
         this.#say(speed === 0 ? 'stops the spindle' : `runs the spindle at ${speed} rpm`);
         await this.#machine.request({ speed });
-        told = true;
       }
+      told = true;
       if (state.speed !== last) {
         this.#module.sign(); // a slow spindle isn't a silent module
         last = state.speed;

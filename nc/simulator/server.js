@@ -117,10 +117,18 @@ export class NcServer extends EventEmitter {
       accessLevel: readWrite,
       userAccessLevel: readWrite,
       minimumSamplingInterval: 0,
-      value: toVariant(item, this.#values.get(item.key)),
     });
     this.#nodes.set(item.key, node);
+    this.#show(item);
     this.#watchWrites(item, node);
+  }
+
+  /** What the item holds goes to its node. */
+  #show(item) {
+    const value = this.#values.get(item.key);
+    const variant = toVariant(item, value ?? 0);
+    const status = value === undefined ? StatusCodes.BadWaitingForInitialData : StatusCodes.Good;
+    this.#nodes.get(item.key)?.setValueFromSource(variant, status);
   }
 
   /** A client's writes pass here: what an item can't hold is refused, what it takes is told. */
@@ -175,7 +183,7 @@ export class NcServer extends EventEmitter {
     return Object.fromEntries(ITEMS.map((item) => [item.key, `ns=${NAMESPACE_INDEX};${idOf(item)}`]));
   }
 
-  /** Value of an item, whether clients can see the item or not. */
+  /** Value of an item, whether clients can see the item or not; undefined if it has none. */
   read(key) {
     return this.#values.get(key);
   }
@@ -188,7 +196,7 @@ export class NcServer extends EventEmitter {
     }
     this.#values.set(key, value);
     if (!this.#retyped.has(key)) {
-      this.#nodes.get(key)?.setValueFromSource(toVariant(item, value));
+      this.#show(item);
     }
   }
 
@@ -210,7 +218,7 @@ export class NcServer extends EventEmitter {
       this.#makeNode(item);
     } else if (this.#retyped.delete(key)) {
       this.#setType(node, item.type, item.size);
-      node.setValueFromSource(toVariant(item, this.#values.get(key)));
+      this.#show(item);
     }
   }
 
@@ -220,7 +228,7 @@ export class NcServer extends EventEmitter {
     if (node && !this.#retyped.has(key)) {
       this.#retyped.add(key);
       this.#setType(node, 'String');
-      node.setValueFromSource({ dataType: DataType.String, value: JSON.stringify(this.#values.get(key)) });
+      node.setValueFromSource({ dataType: DataType.String, value: JSON.stringify(this.#values.get(key) ?? null) });
     }
   }
 

@@ -1,16 +1,27 @@
 // The NC simulator's OPC UA server, seen by generic clients and by the program that started it.
 import assert from 'node:assert/strict';
+import { cpSync, writeFileSync } from 'node:fs';
 import { mkdtemp, rm, stat } from 'node:fs/promises';
-import { writeFileSync } from 'node:fs';
 import { tmpdir } from 'node:os';
 import { join } from 'node:path';
 import { after, before, describe, it } from 'node:test';
+import { openPki, ownCertificate } from '../shared/pki.js';
 import { OpcClient } from './support/opcclient.js';
 import { SimulatorProcess } from './support/simulatorprocess.js';
 
 let root;
-before(async () => (root = await mkdtemp(join(tmpdir(), 'nc-simulator-'))));
+before(async () => {
+  root = await mkdtemp(join(tmpdir(), 'nc-simulator-'));
+  await openPki(join(root, 'seed'));
+  await ownCertificate(join(root, 'seed'), 'nc-simulator');
+});
 after(() => rm(root, { recursive: true, force: true }));
+
+/** Directory of a server that has its key and has met nobody: making keys takes long. */
+function pkiFor(name) {
+  cpSync(join(root, 'seed'), join(root, name), { recursive: true });
+  return join(root, name);
+}
 
 const ITEMS = ['Request', 'Notification', 'Warning', 'TestWeight', 'TargetUnbalance', 'RotationDirection'];
 const SAMPLE = [3, 4, 30, -1, 210, -1, -1, -1, 0, 0, 0, 0, 0, 0];
@@ -20,7 +31,7 @@ describe('a generic client', () => {
   let client;
   let items;
   before(async () => {
-    simulator = new SimulatorProcess(join(root, 'server'));
+    simulator = new SimulatorProcess(pkiFor('server'));
     const listening = await simulator.next('listening');
     items = listening.items;
     client = await OpcClient.connect(join(root, 'client'), listening.url);
@@ -39,6 +50,12 @@ describe('a generic client', () => {
       assert.match((await client.read(nodeId, 'Description')).value.text, /\w{3}/);
       assert.equal((await client.read(nodeId, 'UserAccessLevel')).value, 3); // read and write
     }
+  });
+
+  it('reads zeros of the interface, and nothing where the NC has no wish', async () => {
+    const states = await Promise.all(ITEMS.map((name) => client.read(items[name])));
+    assert.deepEqual(states.slice(0, 3).map(({ value }) => value), [0, new Array(14).fill(0), 0]);
+    assert.deepEqual(states.map(({ status }) => status), [...Array(3).fill('Good'), ...Array(3).fill('BadWaitingForInitialData')]);
   });
 
   it('writes and reads every item, and the program hears of it', async () => {
@@ -119,7 +136,7 @@ describe('a generic client', () => {
 
 describe('security', () => {
   it('trusts the first client for good, and rejects others with a word about it', async () => {
-    const pki = join(root, 'pinning');
+    const pki = join(root, 'pinning'); // makes its own key
     for (const round of ['first', 'after a new start']) {
       const simulator = new SimulatorProcess(pki);
       const { url } = await simulator.next('listening');
@@ -137,7 +154,7 @@ describe('security', () => {
   });
 
   it('offers three secure policies, and none without security', async () => {
-    const simulator = new SimulatorProcess(join(root, 'policies'));
+    const simulator = new SimulatorProcess(pkiFor('policies'));
     const { url, items } = await simulator.next('listening');
     for (const policy of ['Basic256Sha256', 'Aes128_Sha256_RsaOaep', 'Aes256_Sha256_RsaPss']) {
       const client = await OpcClient.connect(join(root, 'client'), url, { policy });
@@ -150,7 +167,7 @@ describe('security', () => {
   });
 
   it('takes clients without security if told so', async () => {
-    const simulator = new SimulatorProcess(join(root, 'unsecured'), '--security', 'none');
+    const simulator = new SimulatorProcess(pkiFor('unsecured'), '--security', 'none');
     const { url, items } = await simulator.next('listening');
     const client = await OpcClient.connect(join(root, 'client'), url, { policy: 'None', mode: 'None' });
     assert.equal(await client.write(items.Request, 'Int32', 1), 'Good');
@@ -161,7 +178,7 @@ describe('security', () => {
   it('lets in the one user with the password only', async () => {
     const file = join(root, 'password');
     writeFileSync(file, 'open sesame\n', { mode: 0o600 });
-    const simulator = new SimulatorProcess(join(root, 'users'), '--user', 'balancing', '--password-file', file);
+    const simulator = new SimulatorProcess(pkiFor('users'), '--user', 'balancing', '--password-file', file);
     const { url, items } = await simulator.next('listening');
     const logIn = (user) => OpcClient.connect(join(root, 'client'), url, { user });
     await assert.rejects(logIn(undefined));
@@ -176,7 +193,7 @@ describe('security', () => {
 
 describe('the end', () => {
   it('comes at SIGTERM with a client connected, at once', async () => {
-    const simulator = new SimulatorProcess(join(root, 'sigterm'));
+    const simulator = new SimulatorProcess(pkiFor('sigterm'));
     const { url } = await simulator.next('listening');
     const client = await OpcClient.connect(join(root, 'client'), url);
     simulator.process.kill('SIGTERM');
