@@ -98,7 +98,7 @@ void CNetworkOpcServer::OnLine(const std::string& rLine) {
     // What comes is a program's of ours, but a program's all the same.
     try {
         const json Line = json::parse(rLine);
-        for (const auto& [Kind, rContent] : Line.items()) {
+        for (const auto& [Kind, rContent] : Line.get_ref<const json::object_t&>()) {
             if (Kind == "state") {
                 rContent.at("connected").get<bool>() ? OnConnected() : OnLost(rContent.value("reason", ""));
             } else if (Kind == "changed") {
@@ -139,11 +139,11 @@ void CNetworkOpcServer::OnLost(const std::string& rWhy) {
     }
     m_State = State::eLost;
     for (auto& [rName, rItem] : m_Items) {
+        rItem.m_Told.reset();
         PostFailure(std::exchange(rItem.m_OnFailure, nullptr));
     }
     for (auto& [Number, rWrite] : std::exchange(m_Writes, {})) {
-        m_Items[rWrite.m_Item].m_bUnsent = true;
-        PostFailure(std::move(rWrite.m_OnFailure));
+        OnWriteFailed(rWrite);
     }
     for (const auto& [Number, rpSubscription] : m_Subscriptions) {
         if (const std::shared_ptr<CSubscription> pSubscription = rpSubscription.lock()) {
@@ -181,9 +181,11 @@ void CNetworkOpcServer::OnChanged(Id Subscription, std::optional<COpcValue> Valu
     }
     CItem& rItem = m_Items[pSubscription->m_Item];
     const bool bLook = std::exchange(pSubscription->m_bFresh, false);
-    const bool bTell = bLook ? IsNews(rItem, *Value) : true;
+    // What one subscription was told is news for the item's others too.
+    const bool bTell = !bLook || rItem.m_Told == Value || IsNews(rItem, *Value);
     rItem.m_Known = Value;
     if (bTell) {
+        rItem.m_Told = Value;
         Post(pSubscription, std::move(Value));
     }
 }
@@ -194,13 +196,22 @@ void CNetworkOpcServer::OnWritten(Id Write, const std::string& rError) {
         return;
     }
     CPendingWrite& rWrite = Node.mapped();
-    CItem& rItem = m_Items[rWrite.m_Item];
-    if (rError.empty()) {
-        rItem.m_Known = rWrite.m_Value;
+    if (!rError.empty()) {
+        RV_WARNING(g_pLog, "%s can't be written: %s", rWrite.m_Item.c_str(), rError.c_str());
+        OnWriteFailed(rWrite);
         return;
     }
-    RV_WARNING(g_pLog, "%s can't be written: %s", rWrite.m_Item.c_str(), rError.c_str());
-    rItem.m_bUnsent = true;
+    if (const auto Item = m_Items.find(rWrite.m_Item); Item != m_Items.end()) {
+        Item->second.m_Known = rWrite.m_Value;
+    }
+}
+
+void CNetworkOpcServer::OnWriteFailed(CPendingWrite& rWrite) {
+    // A value that a later one has followed is not worth another attempt.
+    const auto Item = m_Items.find(rWrite.m_Item);
+    if (Item != m_Items.end() && Item->second.m_Order == rWrite.m_Order) {
+        Item->second.m_bUnsent = true;
+    }
     PostFailure(std::move(rWrite.m_OnFailure));
 }
 
@@ -223,7 +234,7 @@ bool CNetworkOpcServer::Write(const std::string& rItem, const COpcValue& rValue,
 void CNetworkOpcServer::SendWrite(const std::string& rItem, CItem& rState, FailureHandler OnFailure) {
     rState.m_bUnsent = false;
     const Id Number = ++m_LastId;
-    m_Writes[Number] = {rItem, *rState.m_Written, std::move(OnFailure)};
+    m_Writes[Number] = {rItem, *rState.m_Written, rState.m_Order, std::move(OnFailure)};
     m_pGateway->SendLine(
         ToLine("write", {{"id", Number}, {"node", rItem}, {"value", ToJson(*rState.m_Written)}}));
 }
@@ -276,7 +287,11 @@ void CNetworkOpcServer::SendSubscription(const CSubscription& rSubscription) {
 
 void CNetworkOpcServer::Unsubscribe(const CSubscription& rSubscription) {
     m_Subscriptions.erase(rSubscription.m_Id);
-    --m_Items[rSubscription.m_Item].m_nSubscriptions;
+    const auto Item = m_Items.find(rSubscription.m_Item);
+    if (--Item->second.m_nSubscriptions == 0) {
+        PostFailure(std::move(Item->second.m_OnFailure));
+        m_Items.erase(Item);
+    }
     m_pGateway->SendLine(ToLine("unsubscribe", {{"id", rSubscription.m_Id}}));
 }
 

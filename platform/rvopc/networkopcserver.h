@@ -23,6 +23,9 @@
 ///   request.
 /// - What was written to a shared item before the first connection came about replaces what the item holds,
 ///   which is not told: it was there before we were ready.
+/// - When the last subscription of an item ends, what is known of the item is forgotten with it: nobody is
+/// left
+///   to answer a request, so none may be overwritten.
 ///
 /// While a connection stands, every change is told in order, our own writes among them: when both sides write
 /// at once, what matters is the order in which the server took it.
@@ -54,6 +57,7 @@ private:
     /// What is known of an item.
     struct CItem {
         std::optional<COpcValue> m_Known;    ///< that the server holds: last told or written
+        std::optional<COpcValue> m_Told;     ///< last told since the connection was made
         std::optional<COpcValue> m_Written;  ///< last value to be written
         bool m_bUnsent = false;              ///< m_Written has not reached the server
         std::uint32_t m_Order = 0;           ///< of m_Written among the items
@@ -70,6 +74,7 @@ private:
     struct CPendingWrite {
         std::string m_Item;
         COpcValue m_Value;
+        std::uint32_t m_Order = 0;  ///< of the write among all
         FailureHandler m_OnFailure;
     };
 
@@ -79,6 +84,7 @@ private:
     void OnLost(const std::string& rWhy);
     void OnChanged(Id Subscription, std::optional<COpcValue> Value);
     void OnWritten(Id Write, const std::string& rError);
+    void OnWriteFailed(CPendingWrite& rWrite);
     /// What the first look at a shared item after a new connection means; true if it is news.
     static bool IsNews(CItem& rItem, const COpcValue& rValue);
     void SendWrite(const std::string& rItem, CItem& rState, FailureHandler OnFailure);

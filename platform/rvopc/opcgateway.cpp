@@ -59,6 +59,7 @@ private:
     void OnConnection();
     void OnBytes();
     void TakeLine(const std::string& rLine);
+    void TakeRest();
     void LogOutput();
     void Watch();
     /// Gives this gateway up and starts another one after a pause.
@@ -118,6 +119,10 @@ void COpcGateway::Launch() {
     QObject::connect(m_pProcess.get(), &QProcess::readyRead, m_pProcess.get(), [this] { LogOutput(); });
     QObject::connect(m_pProcess.get(), &QProcess::finished, m_pProcess.get(),
                      [this](int Code, QProcess::ExitStatus Status) {
+                         TakeRest();
+                         if (m_pProcess == nullptr) {
+                             return;  // given up for what it said last
+                         }
                          Lose(Status == QProcess::CrashExit ? "it was killed"
                                                             : "it ended with status " + std::to_string(Code));
                      });
@@ -139,6 +144,7 @@ void COpcGateway::OnConnection() {
             continue;
         }
         m_pSocket = pSocket;
+        m_Lines.Reset();
         m_HeardAt = IFEventLoop::Current().Now();
         QObject::connect(pSocket, &QLocalSocket::readyRead, pSocket, [this] { OnBytes(); });
         QObject::connect(pSocket, &QLocalSocket::disconnected, pSocket,
@@ -158,6 +164,9 @@ void COpcGateway::OnBytes() {
 }
 
 void COpcGateway::TakeLine(const std::string& rLine) {
+    if (m_pSocket == nullptr) {
+        return;  // followed the one for which the gateway was given up
+    }
     ++m_nLines;
     m_HeardAt = IFEventLoop::Current().Now();
     m_LastReason.clear();
@@ -166,6 +175,15 @@ void COpcGateway::TakeLine(const std::string& rLine) {
     }
     if (OnLine) {
         OnLine(rLine);
+    }
+}
+
+/// Its end may be noticed before its last words, which tell why.
+void COpcGateway::TakeRest() {
+    if (m_pSocket != nullptr) {
+        QObject::disconnect(m_pSocket, &QLocalSocket::disconnected, nullptr, nullptr);
+    }
+    while (m_pSocket != nullptr && m_pSocket->waitForReadyRead(0)) {
     }
 }
 
@@ -215,15 +233,13 @@ bool COpcGateway::Wait(std::uint32_t Milliseconds) {
 }
 
 void COpcGateway::Lose(const std::string& rWhy) {
-    const bool bServed = m_pSocket != nullptr;
     EndProcess(0);
     m_WatchTimer.Stop();
-    m_Lines.Reset();
     if (std::exchange(m_LastReason, rWhy) != rWhy) {
         RV_WARNING(g_pLog, "the OPC UA gateway is lost and started again: %s", rWhy.c_str());
     }
     m_LaunchTimer.StartOnce(m_Pause.Next(), [this] { Launch(); });
-    if (bServed && OnLost) {
+    if (OnLost) {
         OnLost(rWhy);
     }
 }

@@ -20,7 +20,7 @@ public:
     /// A gateway is there. It is a new one: it knows nothing of what was sent before.
     std::function<void()> OnOpened;
     std::function<void(const std::string& rLine)> OnLine;
-    /// The gateway has gone; another one is on its way.
+    /// The gateway has gone, or none could be started; another attempt is on its way.
     std::function<void(const std::string& rWhy)> OnLost;
 };
 

@@ -1,6 +1,8 @@
 // Requests of the NC with their answers, and what it is told.
 #include <gmock/gmock.h>
 
+#include <map>
+
 #include "tests/rvdlm/m_rtr/rtr_trim/mainwndfixture.h"
 
 using testing::Contains;
@@ -12,12 +14,53 @@ namespace {
 const COpcValue eDone{0};
 const COpcValue eRefused{-1};
 
+/// A server elsewhere as the window sees it: takes every write, and tells a failure or a change when the test
+/// says so.
+class CDistantOpcServer : public IFOpcServer {
+public:
+    bool Write(const std::string& rItem, const COpcValue& rValue, FailureHandler OnFailure) override {
+        m_Written[rItem].push_back(rValue);
+        m_OnFailure[rItem] = std::move(OnFailure);
+        return true;
+    }
+    std::optional<COpcValue> Read(const std::string&) override { return std::nullopt; }
+    std::shared_ptr<void> Subscribe(const std::string&, std::uint32_t, ChangeHandler Handler) override {
+        m_pHandler = std::make_shared<ChangeHandler>(std::move(Handler));
+        return m_pHandler;
+    }
+    /// A change of the request item.
+    void Report(std::int32_t Value) const {
+        const COpcValue Changed(Value);
+        (*m_pHandler)(&Changed);
+    }
+    /// The last write of the item fails after all.
+    void Fail(const std::string& rItem) { m_OnFailure.at(rItem)(); }
+
+    std::map<std::string, std::vector<COpcValue>> m_Written;
+    std::map<std::string, FailureHandler> m_OnFailure;
+    std::shared_ptr<ChangeHandler> m_pHandler;
+};
+
 class CMainWndNCTest : public CMainWndFixture {
 protected:
     CMainWndNCTest() { LinkOpc(); }
     static void Link(const char* pKey, const char* pItem) {
         COpcDatabase::GetInstance()->SetOpcLinkItem(pKey, pItem);
     }
+};
+
+/// The window, connected to a server elsewhere.
+class CMainWndDistantNCTest : public CMainWndFixture {
+protected:
+    CMainWndDistantNCTest() {
+        COPCConnection::CreateInstance()->SetConnector([this](const std::string&, int) { return m_pServer; });
+        LinkOpc();
+        Open();
+        m_pServer->m_Written.clear();
+    }
+    const std::vector<COpcValue>& GetAnswers() { return m_pServer->m_Written["PreBalInterfaceFromNC"]; }
+
+    const std::shared_ptr<CDistantOpcServer> m_pServer = std::make_shared<CDistantOpcServer>();
 };
 
 class CMainWndOpcTest : public CMainWndFixture {
@@ -93,6 +136,51 @@ TEST_F(CMainWndOpcTest, AConnectionOnHandServesTheItems) {
     EXPECT_EQ(GetStep(), 1);
 }
 
+// With a connection on hand the request and notification items are no reason to connect, and the others find
+// it standing: either way nobody is asked for a server a second time.
+TEST_F(CMainWndOpcTest, AConnectionOnHandIsNotMadeAgain) {
+    int nAsked = 0;
+    COPCConnection::CreateInstance()->SetConnector([&](const std::string&, int) {
+        ++nAsked;
+        return std::make_shared<CInProcessOpcServer>();
+    });
+    COPCConnection::CreateInstance()->Connect("", 0);
+    LinkOpc();
+    Create();
+    EXPECT_EQ(nAsked, 1);
+}
+
+TEST_F(CMainWndOpcTest, AConnectionOnHandWithoutLinkItemsIsNotUsed) {
+    COPCConnection::CreateInstance()->Connect("", 0);
+    Open();
+    m_pWnd->WarningModeChanged(3);
+    EXPECT_EQ(m_Opc.GetServer().GetSubscriptionCount(), 0U);
+    EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
+}
+
+TEST_F(CMainWndOpcTest, TheRequestItemAloneIsServed) {
+    COpcDatabase::GetInstance()->SetOpcLinkItem("PreBalInterfaceFromNC", "PreBalInterfaceFromNC");
+    Open();
+    Request(1);
+    m_pWnd->PreBalNotification(CPreBalNotification());
+    m_pWnd->WarningModeChanged(3);
+    EXPECT_EQ(GetAnswer(), eDone);
+    EXPECT_THAT(GetSequenceCalls(), ElementsAre("StartPreBalancing 65535 1 1"));
+    EXPECT_EQ(m_Opc.GetServer().Read("PreBalInterfaceToNC"), std::nullopt);
+    EXPECT_EQ(m_Opc.GetServer().Read("PreBalInterfaceToNCWarnings"), std::nullopt);
+    EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
+}
+
+TEST_F(CMainWndOpcTest, TheNotificationItemAloneIsServed) {
+    COpcDatabase::GetInstance()->SetOpcLinkItem("PreBalInterfaceToNC", "PreBalInterfaceToNC");
+    Open();
+    EXPECT_EQ(GetStep(), 1);
+    m_pWnd->OnValueFromNCChanged(5);
+    m_pWnd->WarningModeChanged(3);
+    EXPECT_EQ(m_Opc.GetServer().Read("PreBalInterfaceFromNC"), std::nullopt);
+    EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
+}
+
 TEST_F(CMainWndOpcTest, OnlyLinkedItemsAreMade) {
     COpcDatabase::GetInstance()->SetOpcLinkItem("PreBalInterfaceToNCWarnings", "warnings");
     Open();
@@ -154,6 +242,128 @@ TEST_F(CMainWndNCTest, WritesThatFailAreAssertedAndTheRunGoesOn) {
     EXPECT_THAT(GetSequenceCalls(), Contains("KeyPressed eNext"));
 }
 
+TEST_F(CMainWndNCTest, ANotificationThatIsRefusedAtOnceIsAsserted) {
+    Open();
+    m_Opc.GetServer().SetFailing("PreBalInterfaceToNC", true);
+    m_pWnd->PreBalNotification(CPreBalNotification());
+    EXPECT_THAT(m_Log.GetAssertions(), ElementsAre("SetNCData failed!"));
+}
+
+TEST_F(CMainWndNCTest, AStepThatIsRefusedAtOnceIsAsserted) {
+    Open();
+    m_Opc.GetServer().SetFailing("PreBalInterfaceToNC", true);
+    m_pWnd->GetDlgItem(101)->SendMessage(WM_RV_CALIBRATEDCHANGED, 1);
+    EXPECT_THAT(m_Log.GetAssertions(), ElementsAre("SetNCData failed!"));
+}
+
+TEST_F(CMainWndNCTest, AWarningThatIsRefusedAtOnceIsAsserted) {
+    Open();
+    m_Opc.GetServer().SetFailing("PreBalInterfaceToNCWarnings", true);
+    m_pWnd->WarningModeChanged(3);
+    EXPECT_THAT(m_Log.GetAssertions(), ElementsAre("SetWarningMode failed!"));
+}
+
+TEST_F(CMainWndNCTest, AnAnswerThatIsRefusedAtOnceIsAssertedAndTheRequestIsCarriedOut) {
+    Open();
+    m_Opc.GetServer().SetFailing("PreBalInterfaceFromNC", true);
+    m_pWnd->OnValueFromNCChanged(1);
+    EXPECT_THAT(m_Log.GetAssertions(), ElementsAre("SetValueFromNC failed!"));
+    EXPECT_NE(m_pWnd->GetSequence(), nullptr);
+}
+
+TEST_F(CMainWndDistantNCTest, ANotificationThatFailsLaterIsAssertedOnce) {
+    m_pWnd->PreBalNotification(CPreBalNotification());
+    EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
+    m_pServer->Fail("PreBalInterfaceToNC");
+    EXPECT_THAT(m_Log.GetAssertions(), ElementsAre("SetNCData failed!"));
+}
+
+TEST_F(CMainWndDistantNCTest, AWarningThatFailsLaterIsAssertedOnce) {
+    m_pWnd->WarningModeChanged(3);
+    EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
+    m_pServer->Fail("PreBalInterfaceToNCWarnings");
+    EXPECT_THAT(m_Log.GetAssertions(), ElementsAre("SetWarningMode failed!"));
+}
+
+TEST_F(CMainWndDistantNCTest, AnAnswerThatFailsLaterIsAssertedOnceAndTheRunGoesOn) {
+    m_pServer->Report(1);
+    EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
+    m_pServer->Fail("PreBalInterfaceFromNC");
+    EXPECT_THAT(m_Log.GetAssertions(), ElementsAre("SetValueFromNC failed!"));
+    EXPECT_NE(m_pWnd->GetSequence(), nullptr);
+    m_pServer->Report(3);
+    EXPECT_THAT(GetSequenceCalls(), Contains("KeyPressed eNext"));
+}
+
+TEST_F(CMainWndDistantNCTest, AWriteThatFailsAfterTheWindowHasGoneIsNobodysConcern) {
+    m_pWnd->WarningModeChanged(3);
+    m_pWnd.reset();
+    m_pServer->Fail("PreBalInterfaceToNCWarnings");
+    EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
+}
+
+// Both answers are on their way before the server reports the first one.
+TEST_F(CMainWndDistantNCTest, ARefusalAndADoneInARowAreNoRequests) {
+    m_pServer->Report(3);
+    m_pServer->Report(1);
+    m_pServer->Report(-1);
+    m_pServer->Report(0);
+    EXPECT_THAT(GetAnswers(), ElementsAre(eRefused, eDone));
+    EXPECT_THAT(m_Log.GetTexts("Warning"), IsEmpty());
+}
+
+TEST_F(CMainWndDistantNCTest, TwoRefusalsInARowAreNoRequests) {
+    m_pServer->Report(3);
+    m_pServer->Report(4);
+    m_pServer->Report(-1);
+    m_pServer->Report(-1);
+    EXPECT_THAT(GetAnswers(), ElementsAre(eRefused, eRefused));
+    EXPECT_THAT(m_Log.GetTexts("Warning"), IsEmpty());
+}
+
+// The NC writes its next request before the server looks: the answer between is never reported.
+TEST_F(CMainWndDistantNCTest, AnAnswerThatIsNeverReportedSwallowsNoRequest) {
+    m_pServer->Report(1);
+    m_pServer->Report(3);
+    m_pServer->Report(3);
+    m_pServer->Report(4);
+    EXPECT_THAT(GetAnswers(), ElementsAre(eDone, eDone, eDone, eDone));
+    EXPECT_EQ(m_pWnd->GetSequence(), nullptr);
+    m_pServer->Report(0);
+    m_pServer->Report(1);
+    EXPECT_NE(m_pWnd->GetSequence(), nullptr);
+}
+
+TEST_F(CMainWndDistantNCTest, AnAnswerThatFailedSwallowsNoRequest) {
+    m_pServer->Report(3);
+    m_pServer->Fail("PreBalInterfaceFromNC");
+    m_pServer->Report(1);
+    m_pServer->Report(0);
+    m_pServer->Report(3);
+    EXPECT_THAT(GetAnswers(), ElementsAre(eRefused, eDone, eDone));
+    EXPECT_THAT(GetSequenceCalls(), ElementsAre("StartPreBalancing 65535 1 1", "KeyPressed eNext"));
+}
+
+// A request from before the module was ready must not start a run when it is.
+TEST_F(CMainWndNCTest, WhatStandsInTheItemBeforeTheModuleIsReadyIsReplacedAndDoesNothing) {
+    m_Opc.GetServer().Write("PreBalInterfaceFromNC", 1);
+    Open();
+    EXPECT_EQ(GetAnswer(), eDone);
+    EXPECT_EQ(m_pWnd->GetSequence(), nullptr);
+    Request(1);
+    EXPECT_NE(m_pWnd->GetSequence(), nullptr);
+}
+
+TEST_F(CMainWndNCTest, ZeroInARunDoesNotDisturbIt) {
+    Open();
+    Act(102);
+    Forget();
+    m_pWnd->OnValueFromNCChanged(0);
+    EXPECT_THAT(GetSequenceCalls(), IsEmpty());
+    EXPECT_NE(m_pWnd->GetSequence(), nullptr);
+    EXPECT_THAT(m_Log.GetTexts("Warning"), IsEmpty());
+}
+
 TEST_F(CMainWndNCTest, AnIdleItemIsNotAnswered) {
     Open();
     m_Opc.GetServer().SetFailing("PreBalInterfaceFromNC", true);
@@ -175,6 +385,18 @@ TEST_F(CMainWndNCTest, RequestOneSavesTheConfigurationFirst) {
     Request(1);
     PreBalDB::CPreBalDatabase Database(m_pWnd->GetMachineName());
     EXPECT_EQ(Database.ReadConfiguration("Default").GetTargetUnbalance(), 23U);
+}
+
+TEST_F(CMainWndNCTest, RequestsStartWithTheSpeedAndFlagsOnHand) {
+    OpenCalibrated();
+    ReportState(0, 1);
+    ReportRPM(0, 1500);
+    Forget();
+    Request(1);
+    Request(4);
+    Request(2);
+    EXPECT_THAT(GetSequenceCalls(),
+                ElementsAre("StartPreBalancing 1500 0 1", "CommitChanges", "StartReBalancing 1500 0 1"));
 }
 
 TEST_F(CMainWndNCTest, RequestOneInARunIsRefusedAndDoesNotDisturbIt) {
@@ -209,6 +431,14 @@ TEST_F(CMainWndNCTest, RequestTwoStartsAReBalancing) {
     EXPECT_EQ(GetAnswer(), eDone);
     EXPECT_THAT(GetSequenceCalls(), ElementsAre("StartReBalancing 65535 1 1"));
     EXPECT_THAT(m_Log.GetTexts("Information"), Contains("NC Notification: Calling StartReBalancing()..."));
+}
+
+TEST_F(CMainWndNCTest, RequestTwoSavesTheConfigurationFirst) {
+    OpenCalibrated();
+    m_pWnd->GetTabs().GetCurrentBaseEntry()->SetTargetUnbalance(23);
+    Request(2);
+    PreBalDB::CPreBalDatabase Database(m_pWnd->GetMachineName());
+    EXPECT_EQ(Database.ReadConfiguration("Default").GetTargetUnbalance(), 23U);
 }
 
 TEST_F(CMainWndNCTest, RequestTwoWithoutCalibrationIsRefused) {
@@ -311,6 +541,16 @@ TEST_F(CMainWndNCTest, RequestFourWithoutRunIsRefused) {
     Open();
     Request(4);
     EXPECT_EQ(GetAnswer(), eRefused);
+}
+
+TEST_F(CMainWndNCTest, AnUnknownRequestInARunDoesNotDisturbIt) {
+    Open();
+    Act(102);
+    Forget();
+    Request(5);
+    EXPECT_EQ(GetAnswer(), eRefused);
+    EXPECT_THAT(GetSequenceCalls(), IsEmpty());
+    EXPECT_NE(m_pWnd->GetSequence(), nullptr);
 }
 
 TEST_F(CMainWndNCTest, UnknownRequestsAreRefusedWithAWarning) {
