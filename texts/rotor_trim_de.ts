@@ -231,6 +231,11 @@
         <extracomment>Message box; the name of the table follows in brackets</extracomment>
         <translation>In der Schraubentabelle ist ein Gewicht negativ oder keine Zahl; damit kann nicht gewuchtet werden.</translation>
     </message>
+    <message id="PB_TOO_FEW_HOLES">
+        <source>The ring has fewer holes than screws are to be placed; it can't be balanced with.</source>
+        <extracomment>Message box; the numbers of holes and of screws follow in brackets</extracomment>
+        <translation>Der Ring hat weniger Löcher, als Schrauben zu setzen sind; damit kann nicht gewuchtet werden.</translation>
+    </message>
     <message id="PB_UNBAL_OVER_LIMIT_TEXT">
         <source>The unbalance is over the target.</source>
         <extracomment>Warning after the final measurement</extracomment>

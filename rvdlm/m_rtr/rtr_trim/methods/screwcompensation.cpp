@@ -42,7 +42,7 @@ bool CScrewCompensation::UA2Screws(math::matrix<double> UA, Base::CWDArray<CScre
         Vector.imag(-Vector.imag());
     }
     m_ReferenceWeight = ReferenceWeight;
-    rScrews.SetSize(rScrews.GetSize() + (m_NumberOfScrews == eThreeScrews ? 3 : 2));
+    rScrews.SetSize(rScrews.GetSize() + GetScrewCount(m_NumberOfScrews));
     Search(Vector, rScrews, pPerCentCompensationDifference, rUA);
     for (std::size_t i = 0; i < rScrews.GetSize(); ++i) {
         PB_MATH("Screw %d (hole: %d, weight: %.2lf)", static_cast<int>(i), rScrews[i].m_Hole,

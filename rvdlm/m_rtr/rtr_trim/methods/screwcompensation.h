@@ -27,6 +27,9 @@ public:
     bool UA2Screws(math::matrix<double> UA, Base::CWDArray<CScrew>& rScrews,
                    double* pPerCentCompensationDifference, math::matrix<double>& rUA, double ReferenceWeight);
 
+    /// How many screws a configured number stands for.
+    static constexpr unsigned GetScrewCount(int NumberOfScrews) { return NumberOfScrews == 3 ? 3 : 2; }
+
 protected:
     ~CScrewCompensation() = default;
     unsigned GetPlane() const { return m_Plane; }

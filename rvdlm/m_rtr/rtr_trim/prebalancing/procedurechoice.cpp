@@ -7,6 +7,7 @@
 #include "platform/rvldb/gettext.h"
 #include "platform/window/messagebox.h"
 #include "rvdlm/m_rtr/rtr_trim/log.h"
+#include "rvdlm/m_rtr/rtr_trim/methods/screwcompensation.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/singleplanebalancing.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/twoplanebalancing.h"
 
@@ -16,17 +17,23 @@ using RtrTrim::g_pLog;
 
 namespace {
 
-/// What keeps a screw table from being used, as a text for the operator; empty if nothing does.
+/// What keeps screws from being used, as a text for the operator; empty if nothing does.
 std::string FindFault(const CScrewCompensationTableEntry& rScrews) {
     const Base::CWDArray<PreBalDB::CScrew> Table = rScrews.GetScrewTable();
     const bool bWeights = std::all_of(Table.begin(), Table.end(), [](const PreBalDB::CScrew& rScrew) {
         return std::isfinite(rScrew.GetWeight()) && rScrew.GetWeight() >= 0.0;
     });
-    if (!Table.IsEmpty() && bWeights) {
-        return {};
+    if (Table.IsEmpty() || !bWeights) {
+        return GetText(Table.IsEmpty() ? "PB_SCREW_TABLE_EMPTY" : "PB_SCREW_TABLE_BAD_WEIGHT") + " (" +
+               rScrews.GetScrewTableName() + ")";
     }
-    return GetText(Table.IsEmpty() ? "PB_SCREW_TABLE_EMPTY" : "PB_SCREW_TABLE_BAD_WEIGHT") + " (" +
-           rScrews.GetScrewTableName() + ")";
+    // The mathematics would find no placement, and the operator would see an empty ring as the correction.
+    const std::uint32_t nScrews = CScrewCompensation::GetScrewCount(rScrews.GetNumberOfScrews());
+    if (rScrews.GetNumberOfHoles() < nScrews) {
+        return GetText("PB_TOO_FEW_HOLES") + " (" + std::to_string(rScrews.GetNumberOfHoles()) + " / " +
+               std::to_string(nScrews) + ")";
+    }
+    return {};
 }
 
 /// Whether the means of the mode's planes can be worked with. If not, log and operator are told.

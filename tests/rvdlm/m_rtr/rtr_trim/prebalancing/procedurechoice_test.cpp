@@ -86,10 +86,52 @@ TEST_F(CProcedureChoiceTest, AScrewTableThatCantBeUsedStartsNothingAndTheOperato
     }
 }
 
+TEST_F(CProcedureChoiceTest, FewerHolesThanScrewsStartNothingAndTheOperatorIsTold) {
+    struct CCase {
+        std::uint32_t m_nHoles;
+        std::uint8_t m_nScrews;
+        std::string m_Numbers;
+    };
+    // Any number of screws but 3 stands for 2.
+    const CCase Cases[] = {{0, 2, " (0 / 2)"}, {1, 2, " (1 / 2)"}, {0, 3, " (0 / 3)"},
+                           {2, 3, " (2 / 3)"}, {1, 0, " (1 / 2)"}, {1, 7, " (1 / 2)"}};
+    for (const CCase& rCase : Cases) {
+        CScrewEntry Entry({{"one", 1.0}}, rCase.m_nHoles, rCase.m_nScrews);
+        TakeShownMessages();
+        m_Log.Clear();
+        EXPECT_EQ(MakeProcedure(CPreBalDatabase::eModePlane1, &m_MainWnd, Entry.Base(), ""), nullptr);
+        const std::string Text = GetText("PB_TOO_FEW_HOLES") + rCase.m_Numbers;
+        const std::vector<CShownMessage> Shown = TakeShownMessages();
+        ASSERT_EQ(Shown.size(), 1U);
+        EXPECT_EQ(Shown.front().m_Text, Text);
+        EXPECT_THAT(m_Log.GetTexts("Error"), ElementsAre(HasSubstr(Text)));
+        EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
+    }
+}
+
+TEST_F(CProcedureChoiceTest, TooFewHolesInEitherOfTwoPlanesStartNothing) {
+    for (const bool bSecond : {false, true}) {
+        CScrewEntry Entry({{"one", 1.0}});
+        auto& rPlanes = Entry.Base().CreateTwoPlane();
+        auto& rScrews1 = rPlanes.CreatePlane1ScrewCompensationTableEntry();
+        auto& rScrews2 = rPlanes.CreatePlane2ScrewCompensationTableEntry();
+        rScrews1.SetScrewTableName("table");
+        rScrews2.SetScrewTableName("table");
+        EXPECT_NE(MakeProcedure(CPreBalDatabase::eModeTwoPlane, &m_MainWnd, Entry.Base(), ""), nullptr);
+        EXPECT_THAT(TakeShownMessages(), IsEmpty());
+        (bSecond ? rScrews2 : rScrews1).SetNumberOfHoles(1);
+        EXPECT_EQ(MakeProcedure(CPreBalDatabase::eModeTwoPlane, &m_MainWnd, Entry.Base(), ""), nullptr);
+        EXPECT_EQ(TakeShownMessages().size(), 1U);
+    }
+}
+
+// With as many holes as screws there is a placement, the only one.
 TEST_F(CProcedureChoiceTest, ScrewsThatCanBeUsedMakeAProcedure) {
-    CScrewEntry Entry({{"nothing", 0.0}, {"one", 1.0}});
-    EXPECT_NE(MakeProcedure(CPreBalDatabase::eModePlane1, &m_MainWnd, Entry.Base(), ""), nullptr);
-    EXPECT_THAT(TakeShownMessages(), IsEmpty());
+    for (const std::uint8_t nScrews : {std::uint8_t{2}, std::uint8_t{3}}) {
+        CScrewEntry Entry({{"nothing", 0.0}, {"one", 1.0}}, nScrews, nScrews);
+        EXPECT_NE(MakeProcedure(CPreBalDatabase::eModePlane1, &m_MainWnd, Entry.Base(), ""), nullptr);
+        EXPECT_THAT(TakeShownMessages(), IsEmpty());
+    }
     EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
 }
 
