@@ -5,7 +5,8 @@
 // of 2000 mixed ones (random, near zero, at and beyond the limit of what is in reach), in ms. Each target is
 // measured three times and the least counts, so that what else the machine does stays out. Plain is the
 // enumeration with sines and cosines at hand, timed over a few of the outer holes and scaled up; Ratio is how
-// much longer it takes than the median.
+// much longer it takes than the median. Heap is the most that one search has on the heap, from its
+// construction to its result, over 200 of the mixed targets.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -16,6 +17,7 @@
 #include <vector>
 
 #include "rvdlm/m_rtr/rtr_trim/methods/screwsearch.h"
+#include "tests/support/countingnew.h"
 
 namespace {
 
@@ -86,6 +88,20 @@ double MeasureSearch(CScrewSearch& rSearch, Vector Target) {
     return Least;
 }
 
+/// Bytes on the heap at the most.
+std::size_t MeasureHeap(const std::vector<double>& rTable, CTargets& rTargets) {
+    constexpr std::size_t HEAP_TARGETS = 200;
+    std::size_t nMost = 0;
+    for (std::size_t i = 0; i < HEAP_TARGETS; ++i) {
+        const Vector Target = rTargets.MakeMixed(i);
+        const CHeapCount Count;
+        CScrewSearch Search(rTable, true, HOLES);
+        benchmark::DoNotOptimize(Search.Find(Target));
+        nMost = std::max(nMost, Count.GetPeak());
+    }
+    return nMost;
+}
+
 /// Time of the whole enumeration, from a part of its sets of holes.
 double MeasurePlain(const std::vector<double>& rTable, Vector Target) {
     constexpr int SETS = HOLES * (HOLES - 1) * (HOLES - 2) / 6;
@@ -137,6 +153,7 @@ void BM_Search(benchmark::State& rState) {
     rState.counters["Worst_ms"] = Worst;
     rState.counters["Plain_ms"] = Plain;
     rState.counters["Ratio"] = Plain / Median;
+    rState.counters["Heap_KB"] = static_cast<double>(MeasureHeap(Table, Targets)) / 1024.0;
 }
 BENCHMARK(BM_Search)->Arg(20)->Arg(50)->Arg(100)->Arg(200)->Iterations(1)->Unit(benchmark::kMillisecond);
 

@@ -17,6 +17,10 @@
 // (4) With S known and S <= eMargin nothing is better by the margin, and the walk ends.
 // (5) Within a set of holes placements are found in another order. They are sorted into the enumeration's
 //     before the rule is applied, and by (1) those that an earlier one equals or beats may be dropped.
+// (6) If those left are more than there is room for, the set is searched anew in two slices, the placements
+// of
+//     the enumeration's first half and then those of its second; and so on. Each slice is decided before the
+//     next is searched, so the order stays that of the enumeration.
 //
 // A good Bound makes the search fast, but has no part in its being right.
 //
@@ -78,11 +82,12 @@ struct CRange {
 
 }  // namespace
 
-CScrewSearch::CScrewSearch(std::span<const double> Table, bool bThreeScrews, int nHoles)
+CScrewSearch::CScrewSearch(std::span<const double> Table, bool bThreeScrews, int nHoles, std::size_t nRoom)
     : m_Weights(Table.first(std::min<std::size_t>(Table.size(), std::numeric_limits<std::uint16_t>::max()))),
       m_bThree(bThreeScrews),
       m_nHoles(nHoles > 0 ? static_cast<std::uint16_t>(nHoles) : 0),
-      m_Table(Table.begin(), Table.end()) {
+      m_Table(Table.begin(), Table.end()),
+      m_nRoom(nRoom) {
     if (m_Weights.GetSize() == 0 || m_nHoles == 0) {
         return;
     }
@@ -263,9 +268,7 @@ bool CScrewSearch::Walk(double Bound) {
     m_bKnown = m_bPlain || Bound >= eStart;
     SetLow(m_bKnown ? eStart : Bound);
     ForEachSet(m_nHoles, [this](const CHoles& rHoles) {
-        if (m_bPlain) {
-            SearchEverything(rHoles);
-        } else if (CanReach(rHoles)) {
+        if (m_bPlain || CanReach(rHoles)) {
             SearchSet(rHoles);
         }
         return !IsDecided();
@@ -295,13 +298,35 @@ bool CScrewSearch::CanReach(const CHoles& rHoles) const {
 }
 
 void CScrewSearch::SearchSet(const CHoles& rHoles) {
-    if (m_bThree) {
+    SearchSlice(rHoles, 0, (std::uint64_t{m_Table.size()} << 32U) - 1);
+}
+
+void CScrewSearch::SearchSlice(const CHoles& rHoles, std::uint64_t First, std::uint64_t Last) {
+    m_First = First;
+    m_Last = Last;
+    m_bFull = false;
+    if (m_bPlain) {
+        SearchEverything(rHoles);
+    } else if (m_bThree) {
         SearchTriple(rHoles);
     } else {
-        std::array<std::size_t, eMaxScrews> Indices{};
-        SearchPair(rHoles, Indices, {2, 0, 1}, m_Target);
+        SearchTwo(rHoles);
     }
-    Decide(rHoles);
+    if (!m_bFull) {
+        Decide(rHoles);
+        return;
+    }
+    m_Candidates.clear();
+    const std::uint64_t Middle = First + (Last - First) / 2;
+    SearchSlice(rHoles, First, Middle);
+    if (!IsDecided()) {
+        SearchSlice(rHoles, Middle + 1, Last);
+    }
+}
+
+void CScrewSearch::SearchTwo(const CHoles& rHoles) {
+    std::array<std::size_t, eMaxScrews> Indices{};
+    SearchPair(rHoles, Indices, {2, 0, 1}, m_Target);
 }
 
 void CScrewSearch::SearchTriple(const CHoles& rHoles) {
@@ -404,28 +429,31 @@ void CScrewSearch::SearchEverything(const CHoles& rHoles) {
             }
         }
     }
-    Decide(rHoles);
 }
 
 void CScrewSearch::Consider(const CHoles& rHoles, const std::array<std::size_t, eMaxScrews>& rIndices) {
     const std::array<double, eMaxScrews> Weights = {
         m_Weights.GetWeight(rIndices[0]), m_Weights.GetWeight(rIndices[1]), m_Weights.GetWeight(rIndices[2])};
     const double Deviation = GetDeviation(GetSum(rHoles, Weights));
-    if (!(Deviation < m_Low)) {
+    if (!(Deviation < m_Low) || m_bFull) {
         return;
     }
     std::uint64_t Key = 0;
     for (const std::size_t Index : rIndices) {
         Key = Key << 16U | m_Weights.GetEntry(Index);
     }
+    if (Key < m_First || Key > m_Last) {
+        return;
+    }
     m_Candidates.push_back({Deviation, Key});
-    if (m_Candidates.size() >= m_CompactAt) {
+    if (m_Candidates.size() >= m_nRoom) {
         Compact();
+        // Half of it must be free again, or there would be next to nothing but sorting.
+        m_bFull = m_Candidates.size() > m_nRoom / 2;
     }
 }
 
 void CScrewSearch::Compact() {
-    constexpr std::size_t eFew = 4096;
     std::sort(m_Candidates.begin(), m_Candidates.end(),
               [](const CCandidate& rLeft, const CCandidate& rRight) { return rLeft.m_Key < rRight.m_Key; });
     double Record = std::numeric_limits<double>::infinity();
@@ -436,7 +464,6 @@ void CScrewSearch::Compact() {
         }
         return true;
     });
-    m_CompactAt = std::max(eFew, 2 * m_Candidates.size());
 }
 
 void CScrewSearch::Decide(const CHoles& rHoles) {

@@ -15,6 +15,9 @@
 /// h3 from the outermost loop inwards, then the table's entries s1, s2, s3; a placement replaces the best so
 /// far only if its squared deviation is less by more than eMargin, beginning from eStart. How the search gets
 /// there without the enumeration is told, with the proof, in the .cpp.
+///
+/// Memory: the table and what is prepared of it (some 20 KB and 40 bytes an entry), and room for candidates
+/// (192 KB while it grows), which is used in full only by tables of less than a microgram.
 class CScrewSearch {
 public:
     /// Squared grams by which a placement must be better.
@@ -22,6 +25,8 @@ public:
     /// A placement with a deviation from (100000, 100000) on is none.
     static constexpr double eStart = 100000.0 * 100000.0 + 100000.0 * 100000.0;
     static constexpr std::size_t eMaxScrews = 3;
+    /// Candidates that are kept at a time.
+    static constexpr std::size_t eRoom = 8192;
 
     struct CVector {
         double x = 0.0;
@@ -35,8 +40,8 @@ public:
     };
 
     /// Weights of the table in grams, in its order. bThreeScrews false: two. Table and holes count in 16
-    /// bits.
-    CScrewSearch(std::span<const double> Table, bool bThreeScrews, int nHoles);
+    /// bits. nRoom, 2 or more, limits the memory and not the result.
+    CScrewSearch(std::span<const double> Table, bool bThreeScrews, int nHoles, std::size_t nRoom = eRoom);
 
     /// The placement for a target in grams; none if there is none, or all are too far away.
     std::optional<CPlacement> Find(CVector Target);
@@ -74,6 +79,9 @@ private:
     bool IsDecided() const { return m_bKnown && m_Low <= eMargin; }
     bool CanReach(const CHoles& rHoles) const;
     void SearchSet(const CHoles& rHoles);
+    /// The same for the keys from First to Last.
+    void SearchSlice(const CHoles& rHoles, std::uint64_t First, std::uint64_t Last);
+    void SearchTwo(const CHoles& rHoles);
     void SearchTriple(const CHoles& rHoles);
     void SearchPair(const CHoles& rHoles, std::array<std::size_t, eMaxScrews>& rIndices, CRoles Roles,
                     CVector Rest);
@@ -107,6 +115,11 @@ private:
     bool m_bKnown = false;  ///< the enumeration's state is known
     double m_Reach = 0.0;   ///< radius around the target in which placements count, rounding included
     std::optional<CPlacement> m_Best;
+
+    // Of a slice.
+    std::size_t m_nRoom;
+    std::uint64_t m_First = 0;
+    std::uint64_t m_Last = 0;
     std::vector<CCandidate> m_Candidates;
-    std::size_t m_CompactAt = 0;
+    bool m_bFull = false;  ///< candidates were left out
 };

@@ -21,13 +21,14 @@ struct CCase {
     int m_nHoles = 0;
     double m_X = 0.0;
     double m_Y = 0.0;
+    std::size_t m_nRoom = CScrewSearch::eRoom;
 };
 
 std::string Describe(const CCase& rCase) {
-    char Text[64];
+    char Text[128];
     std::string Result = rCase.m_bThree ? "3 screws, " : "2 screws, ";
-    std::snprintf(Text, sizeof Text, "%d holes, target (%a, %a), table", rCase.m_nHoles, rCase.m_X,
-                  rCase.m_Y);
+    std::snprintf(Text, sizeof Text, "%d holes, room %zu, target (%a, %a), table", rCase.m_nHoles,
+                  rCase.m_nRoom, rCase.m_X, rCase.m_Y);
     Result += Text;
     for (const double Weight : rCase.m_Table) {
         std::snprintf(Text, sizeof Text, " %a", Weight);
@@ -39,7 +40,7 @@ std::string Describe(const CCase& rCase) {
 /// Same screws and same bits.
 bool IsSame(const CCase& rCase) {
     const auto Expected = SearchPlainly(rCase.m_Table, rCase.m_bThree, rCase.m_nHoles, rCase.m_X, rCase.m_Y);
-    CScrewSearch Search(rCase.m_Table, rCase.m_bThree, rCase.m_nHoles);
+    CScrewSearch Search(rCase.m_Table, rCase.m_bThree, rCase.m_nHoles, rCase.m_nRoom);
     const auto Found = Search.Find({rCase.m_X, rCase.m_Y});
     if (!Expected || !Found) {
         return !Expected && !Found;
@@ -77,6 +78,10 @@ public:
             std::sort(Case.m_Table.begin(), Case.m_Table.end());
         }
         MakeTarget(Case);
+        // Next to no room: the placements are searched in slices.
+        if (Pick(2) == 0) {
+            Case.m_nRoom = static_cast<std::size_t>(2 + Pick(12));
+        }
         return Case;
     }
 
