@@ -2,11 +2,21 @@
 
 #include <algorithm>
 #include <limits>
+#include <set>
 #include <sstream>
+#include <vector>
 
 using nlohmann::json;
 
 namespace {
+
+std::string Shorten(std::string Text, std::size_t nMax) {
+    if (Text.size() > nMax) {
+        Text.resize(nMax);
+        Text += "...";
+    }
+    return Text;
+}
 
 /// A value as it is quoted in a message: short, and valid text whatever it holds. Lists and objects aren't
 /// written out: writing recurses, and they may be nested as deeply as a peer likes.
@@ -18,12 +28,16 @@ std::string Quote(const json& rValue) {
     if (rValue.is_object()) {
         return "an object";
     }
-    std::string Text = rValue.dump(-1, ' ', true, json::error_handler_t::replace);
-    if (Text.size() > eMaxQuoted) {
-        Text.resize(eMaxQuoted);
-        Text += "...";
-    }
-    return Text;
+    return Shorten(rValue.dump(-1, ' ', true, json::error_handler_t::replace), eMaxQuoted);
+}
+
+/// Why a text is no JSON, without the library's own numbering, and without all that it quotes.
+std::string GetReason(const json::exception& rException) {
+    constexpr std::size_t eMaxReason = 200;
+    const std::string_view What = rException.what();
+    const std::size_t nBegin = What.find("] ");
+    return Shorten(std::string(nBegin == std::string_view::npos ? What : What.substr(nBegin + 2)),
+                   eMaxReason);
 }
 
 std::string ToText(double Value) {
@@ -51,6 +65,27 @@ std::string Size(std::size_t nMin, std::size_t nMax) {
 
 }  // namespace
 
+json ParseJson(std::string_view Text, bool bComments) {
+    std::vector<std::set<std::string>> Names;  // of the objects that are open
+    const auto Check = [&Names](int /*nDepth*/, json::parse_event_t Event, const json& rParsed) {
+        if (Event == json::parse_event_t::object_start) {
+            Names.emplace_back();
+        } else if (Event == json::parse_event_t::object_end) {
+            Names.pop_back();
+        } else if (Event == json::parse_event_t::key &&
+                   !Names.back().insert(rParsed.get<std::string>()).second) {
+            throw CJsonError("field " + Quote(rParsed) + " stands twice in one object");
+        }
+        return true;
+    };
+    constexpr bool bAllowExceptions = true;
+    try {
+        return json::parse(Text, Check, bAllowExceptions, bComments);
+    } catch (const json::exception& rException) {
+        throw CJsonError("not valid JSON: " + GetReason(rException));
+    }
+}
+
 CJsonFields::CJsonFields(const json& rValue, std::string Path, Names Known)
     : m_rValue(rValue), m_Path(std::move(Path)) {
     if (!rValue.is_object()) {
@@ -59,7 +94,8 @@ CJsonFields::CJsonFields(const json& rValue, std::string Path, Names Known)
     }
     for (const auto& [Name, Value] : rValue.items()) {
         if (std::find(Known.begin(), Known.end(), Name) == Known.end()) {
-            throw CJsonError("unknown field " + Quote(GetPath(Name)) + ", known here: " + Join(Known));
+            throw CJsonError("unknown field " + Quote(GetPath(Name)) +
+                             ", known here: " + (Known.empty() ? "none" : Join(Known)));
         }
     }
 }

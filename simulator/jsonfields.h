@@ -14,6 +14,10 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+/// A text as JSON. Throws CJsonError for a text that is none, for a number that is too large, and for a field
+/// that stands twice in an object: one of the two values would be lost without a word.
+nlohmann::json ParseJson(std::string_view Text, bool bComments);
+
 /// The fields of one JSON object, read strictly: an unknown field, a wrong type or a value out of range
 /// throws CJsonError. Rotor files and requests of the control link are read through this one class, so that
 /// both refuse with the same words.

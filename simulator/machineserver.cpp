@@ -11,6 +11,7 @@
 #include "platform/qt/listen.h"
 #include "platform/rvcom/endpoint.h"
 #include "platform/system/linesplitter.h"
+#include "simulator/jsonfields.h"
 #include "simulator/machine.h"
 
 using nlohmann::json;
@@ -65,10 +66,12 @@ private:
             return;
         }
         const Slot nSlot = TakeSlot();
-        constexpr bool bAllowExceptions = false;
-        const json Request = json::parse(rLine, nullptr, bAllowExceptions);
-        if (Request.is_discarded()) {
-            Settle(nSlot, {{"error", "the line is no valid JSON; send for example {\"speed\": 3000}"}});
+        json Request;
+        try {
+            constexpr bool bComments = false;
+            Request = ParseJson(rLine, bComments);
+        } catch (const CJsonError& rError) {
+            Settle(nSlot, {{"error", std::string(rError.what()) + "; send for example {\"speed\": 3000}"}});
             return;
         }
         m_rServer.m_rMachine.Request(Request, [pWeak = weak_from_this(), nSlot](const json& rAnswer) {

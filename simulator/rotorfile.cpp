@@ -143,12 +143,9 @@ std::optional<CRotorFile> CRotorFile::Read(const std::string& rPath, std::string
 
 std::optional<CRotorFile> CRotorFile::Parse(const std::string& rText, std::string& rError,
                                             std::optional<Modules> Family) {
-    constexpr bool bAllowExceptions = true;
-    constexpr bool bIgnoreComments = true;
+    constexpr bool bComments = true;
     try {
-        return FromJson(json::parse(rText, nullptr, bAllowExceptions, bIgnoreComments), Family);
-    } catch (const json::exception& rException) {
-        rError = std::string("not valid JSON: ") + rException.what();
+        return FromJson(ParseJson(rText, bComments), Family);
     } catch (const CJsonError& rException) {
         rError = rException.what();
     }

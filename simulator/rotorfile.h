@@ -5,8 +5,8 @@
 #include <vector>
 
 /// A rotor on its spindle as a JSON file describes it. Missing fields take the values of the built-in rotor;
-/// `//` comments are allowed. An unknown field, a wrong type or an impossible value is an error that names it
-/// by its path and says what would be right.
+/// `//` comments are allowed. An unknown field, one that stands twice, a wrong type or an impossible value
+/// is an error that names it by its path and says what would be right.
 ///
 /// A file with one plane for a single-plane machine, two for a two-plane one. The number of planes is that of
 /// the first list given among planes, influence, scale and holes, else what the modules measure; all lists

@@ -10,8 +10,8 @@
 
 #include "platform/qt/qteventloop.h"
 #include "platform/rvcom/bytelink.h"
-#include "platform/system/virtualeventloop.h"
 #include "platform/system/linesplitter.h"
+#include "platform/system/virtualeventloop.h"
 #include "simulator/machineclient.h"
 #include "simulator/machineserver.h"
 #include "simulator/simulator.h"
@@ -311,8 +311,43 @@ TEST_F(MachineServerTest, ABadLineIsAnsweredAndTheConnectionGoesOn) {
     Connect(Socket);
     EXPECT_THAT(
         Exchange(Socket, "not json\n{\"speed\": \"x\"}\n\n   \n{\"speed\":600}\r\n", 3),
-        ElementsAre(R"({"error":"the line is no valid JSON; send for example {\"speed\": 3000}"})",
-                    R"({"error":"speed must be a number from 0 to 65535, not \"x\""})", R"({"ok":true})"));
+        ElementsAre(
+            testing::AllOf(testing::StartsWith(R"({"error":"not valid JSON: parse error at line 1, )"),
+                           testing::EndsWith(R"(; send for example {\"speed\": 3000}"})")),
+            R"({"error":"speed must be a number from 0 to 65535, not \"x\""})", R"({"ok":true})"));
+}
+
+TEST_F(MachineServerTest, NumbersBeyondAllBoundsAndThoseThatAreNoneAreRefused) {
+    QTcpSocket Socket;
+    Connect(Socket);
+    EXPECT_THAT(
+        Exchange(Socket, "{\"speed\": 1e999}\n{\"speed\": NaN}\n{\"speed\": -Infinity}\n{\"speed\":600}\n",
+                 4),
+        ElementsAre(testing::HasSubstr("number overflow"), testing::HasSubstr("not valid JSON"),
+                    testing::HasSubstr("not valid JSON"), R"({"ok":true})"));
+}
+
+TEST_F(MachineServerTest, AFieldThatStandsTwiceIsRefused) {
+    QTcpSocket Socket;
+    Connect(Socket);
+    EXPECT_THAT(
+        Exchange(Socket, "{\"speed\": 1000, \"speed\": 2000}\n{\"state\": {\"x\": 1}}\n", 2),
+        ElementsAre(
+            R"({"error":"field \"speed\" stands twice in one object; send for example {\"speed\": 3000}"})",
+            R"({"error":"unknown field \"state.x\", known here: none"})"));
+}
+
+// What a message quotes of a line stays short, whatever the line.
+TEST_F(MachineServerTest, TheAnswerToALongLineIsShort) {
+    QTcpSocket Socket;
+    Connect(Socket);
+    const std::string Digits(60000, '9');
+    const std::string Text(60000, 'x');
+    for (const std::string& rAnswer : Exchange(
+             Socket, "{\"speed\": " + Digits + "}\n{\"speed\": \"" + Text + "\n{\"" + Text + "\": 1}\n", 3)) {
+        EXPECT_LT(rAnswer.size(), 400U);
+        EXPECT_THAT(rAnswer, testing::StartsWith(R"({"error":)"));
+    }
 }
 
 TEST_F(MachineServerTest, AnOverlongLineIsRefusedAndTheConnectionGoesOn) {

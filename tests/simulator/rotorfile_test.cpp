@@ -204,7 +204,27 @@ TEST(RotorFileTest, BrokenJsonTellsWhere) {
     EXPECT_THAT(ParseBad(R"({"speed_rpm": })"),
                 testing::AllOf(StartsWith("not valid JSON"), HasSubstr("line 1")));
     EXPECT_THAT(ParseBad(""), StartsWith("not valid JSON"));
-    EXPECT_THAT(ParseBad(R"({"speed_rpm": 1e999})"), StartsWith("not valid JSON"));
+    EXPECT_THAT(ParseBad(R"({"speed_rpm": 1e999})"), StartsWith("not valid JSON: number overflow"));
+    EXPECT_THAT(ParseBad(R"({"speed_rpm": NaN})"), StartsWith("not valid JSON"));
+    EXPECT_LT(ParseBad("{\"modules\": \"" + std::string(100000, 'x')).size(), 300U) << "not all is quoted";
+}
+
+TEST(RotorFileTest, AFieldThatStandsTwiceInOneObjectIsAnError) {
+    EXPECT_EQ(ParseBad(R"({"speed_rpm": 1000, "speed_rpm": 2000})"),
+              "field \"speed_rpm\" stands twice in one object");
+    EXPECT_EQ(ParseBad(R"({"planes": [{"unbalance": {"amount": 1, "angle_deg": 2, "amount": 1}}]})"),
+              "field \"amount\" stands twice in one object");
+    // In two objects it may.
+    EXPECT_EQ(ParseGood(R"({"modules": "lanner", "planes": [{"unbalance": {}}, {"unbalance": {}}]})")
+                  .m_Planes.size(),
+              2U);
+}
+
+TEST(RotorFileTest, NestingWithoutEndIsAnErrorAndDoesNoHarm) {
+    constexpr std::size_t eDepth = 200000;
+    EXPECT_THAT(ParseBad(std::string(eDepth, '[')), StartsWith("not valid JSON"));
+    EXPECT_EQ(ParseBad("{\"planes\": " + std::string(eDepth, '[') + std::string(eDepth, ']') + "}"),
+              "planes[0] must be an object with the fields unbalance, not an array of 1");
 }
 
 TEST(RotorFileTest, NestingWithoutEndIsRefusedInFewWords) {
