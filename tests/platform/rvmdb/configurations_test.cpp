@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "tests/platform/rvmdb/databasefixture.h"
+#include "tests/platform/rvmdb/makematrix.h"
 #include "tests/support/logcapture.h"
 
 using namespace PreBalDB;
@@ -16,17 +17,6 @@ using testing::IsEmpty;
 namespace {
 
 using Limits = std::numeric_limits<double>;
-
-math::matrix<double> Make(std::uint32_t nRows, std::uint32_t nColumns,
-                          std::initializer_list<double> Elements) {
-    math::matrix<double> Matrix(nRows, nColumns);
-    std::uint32_t i = 0;
-    for (const double Element : Elements) {
-        Matrix(i / nColumns, i % nColumns) = Element;
-        ++i;
-    }
-    return Matrix;
-}
 
 std::vector<std::uint64_t> GetBits(const math::matrix<double>& rMatrix) {
     std::vector<std::uint64_t> Bits = {rMatrix.RowNo(), rMatrix.ColNo()};
@@ -55,8 +45,8 @@ CPreBalBaseTableEntry& MakeCalibrated(CPreBalDatabase& rDatabase, const std::str
     CSinglePlaneBalancingTableEntry& rSingle = rEntry.CreateSinglePlane();
     rSingle.SetProximitySwitchInput(CTypeBase::ePlane1);
     rSingle.SetSensorAdaption(3);
-    rSingle.SetInvA(Make(2, 2, {InvA, -0.25, 0.25, InvA}));
-    rSingle.SetUA(Make(2, 1, {1.5, -2.5}));
+    rSingle.SetInvA(MakeMatrix(2, 2, {InvA, -0.25, 0.25, InvA}));
+    rSingle.SetUA(MakeMatrix(2, 1, {1.5, -2.5}));
     rSingle.CreateWeightCompensationTableEntry().SetPlane(CTypeBase::ePlane1);
     return rEntry;
 }
@@ -140,8 +130,8 @@ TEST_P(CConfigurationTest, EveryFieldOfOnePlaneWithWeightsComesBack) {
         rSingle.SetRotationDirection(CTypeBase::eCounterClockwise);
         rSingle.SetProximitySwitchInput(CTypeBase::ePlane2);
         rSingle.SetSensorAdaption(254);
-        rSingle.SetInvA(Make(2, 2, {1, 2, 3, 4}));
-        rSingle.SetUA(Make(2, 1, {5, 6}));
+        rSingle.SetInvA(MakeMatrix(2, 2, {1, 2, 3, 4}));
+        rSingle.SetUA(MakeMatrix(2, 1, {5, 6}));
         rSingle.CreateWeightCompensationTableEntry().SetScalingDirection(CTypeBase::eCounterClockwise);
         EXPECT_NE(pDatabase->WriteConfiguration(), 0);
     }
@@ -153,8 +143,8 @@ TEST_P(CConfigurationTest, EveryFieldOfOnePlaneWithWeightsComesBack) {
     EXPECT_EQ(rSingle.GetRotationDirection(), CTypeBase::eCounterClockwise);
     EXPECT_EQ(rSingle.GetProximitySwitchInput(), CTypeBase::ePlane2);
     EXPECT_EQ(rSingle.GetSensorAdaption(), 254);
-    EXPECT_EQ(rSingle.GetInvA(), Make(2, 2, {1, 2, 3, 4}));
-    EXPECT_EQ(rSingle.GetUA(), Make(2, 1, {5, 6}));
+    EXPECT_EQ(rSingle.GetInvA(), MakeMatrix(2, 2, {1, 2, 3, 4}));
+    EXPECT_EQ(rSingle.GetUA(), MakeMatrix(2, 1, {5, 6}));
     EXPECT_EQ(rSingle.GetUsedCompensationMethod(), CCompensationTableEntry::eWeights);
     EXPECT_EQ(rSingle.GetWeightCompensationTableEntry()->GetScalingDirection(), CTypeBase::eCounterClockwise);
 }
@@ -172,8 +162,8 @@ TEST_P(CConfigurationTest, EveryFieldOfTwoPlanesWithWeightsAndScrewsComesBack) {
         rTwo.SetPlane1SensorAdaption(1);
         rTwo.SetPlane2SensorAdaption(2);
         rTwo.SetInvA(InvA);
-        rTwo.SetUAPlane1(Make(2, 1, {1, 2}));
-        rTwo.SetUAPlane2(Make(2, 1, {3, 4}));
+        rTwo.SetUAPlane1(MakeMatrix(2, 1, {1, 2}));
+        rTwo.SetUAPlane2(MakeMatrix(2, 1, {3, 4}));
         rTwo.CreatePlane1WeightCompensationTableEntry().SetScalingDirection(CTypeBase::eCounterClockwise);
         CScrewCompensationTableEntry& rScrew = rTwo.CreatePlane2ScrewCompensationTableEntry();
         rScrew.SetPlane(CTypeBase::ePlane2);
@@ -194,8 +184,8 @@ TEST_P(CConfigurationTest, EveryFieldOfTwoPlanesWithWeightsAndScrewsComesBack) {
     EXPECT_EQ(rTwo.GetPlane1SensorAdaption(), 1);
     EXPECT_EQ(rTwo.GetPlane2SensorAdaption(), 2);
     EXPECT_EQ(rTwo.GetInvA(), InvA);
-    EXPECT_EQ(rTwo.GetUAPlane1(), Make(2, 1, {1, 2}));
-    EXPECT_EQ(rTwo.GetUAPlane2(), Make(2, 1, {3, 4}));
+    EXPECT_EQ(rTwo.GetUAPlane1(), MakeMatrix(2, 1, {1, 2}));
+    EXPECT_EQ(rTwo.GetUAPlane2(), MakeMatrix(2, 1, {3, 4}));
     ASSERT_EQ(rTwo.GetPlane1UsedCompensationMethod(), CCompensationTableEntry::eWeights);
     EXPECT_EQ(rTwo.GetPlane1WeightCompensationTableEntry()->GetScalingDirection(),
               CTypeBase::eCounterClockwise);
@@ -209,8 +199,8 @@ TEST_P(CConfigurationTest, EveryFieldOfTwoPlanesWithWeightsAndScrewsComesBack) {
 }
 
 TEST_P(CConfigurationTest, MatricesComeBackBitByBit) {
-    const auto InvA = Make(2, 2, {-0.0, Limits::denorm_min(), 0.1, -Limits::max()});
-    const auto UA = Make(2, 1, {Limits::min(), -1.0 / 3.0});
+    const auto InvA = MakeMatrix(2, 2, {-0.0, Limits::denorm_min(), 0.1, -Limits::max()});
+    const auto UA = MakeMatrix(2, 1, {Limits::min(), -1.0 / 3.0});
     {
         const auto pDatabase = Open();
         CSinglePlaneBalancingTableEntry& rSingle = pDatabase->ReadConfiguration("Wheel").CreateSinglePlane();

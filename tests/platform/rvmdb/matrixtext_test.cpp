@@ -1,5 +1,7 @@
 #include "platform/rvmdb/matrixtext.h"
 
+#include "tests/platform/rvmdb/makematrix.h"
+
 #include <gtest/gtest.h>
 
 #include <bit>
@@ -12,17 +14,6 @@ using PreBalDB::MatrixFromText;
 using PreBalDB::MatrixToText;
 
 namespace {
-
-math::matrix<double> Make(std::uint32_t nRows, std::uint32_t nColumns,
-                          std::initializer_list<double> Elements) {
-    math::matrix<double> Matrix(nRows, nColumns);
-    std::uint32_t i = 0;
-    for (const double Element : Elements) {
-        Matrix(i / nColumns, i % nColumns) = Element;
-        ++i;
-    }
-    return Matrix;
-}
 
 /// Bits, not values: 0.0 and -0.0 are equal and not the same.
 void ExpectSameBits(const math::matrix<double>& rLeft, const math::matrix<double>& rRight) {
@@ -39,17 +30,17 @@ void ExpectSameBits(const math::matrix<double>& rLeft, const math::matrix<double
 }  // namespace
 
 TEST(MatrixText, IsWhatAPersonCanRead) {
-    EXPECT_EQ(MatrixToText(Make(2, 2, {0.5, -0.0, 0.0, -12.25})), "2x2: 0.5 -0; 0 -12.25");
-    EXPECT_EQ(MatrixToText(Make(2, 1, {1.0, 0.1})), "2x1: 1; 0.1");
+    EXPECT_EQ(MatrixToText(MakeMatrix(2, 2, {0.5, -0.0, 0.0, -12.25})), "2x2: 0.5 -0; 0 -12.25");
+    EXPECT_EQ(MatrixToText(MakeMatrix(2, 1, {1.0, 0.1})), "2x1: 1; 0.1");
 }
 
 TEST(MatrixText, RoundTripKeepsEveryBit) {
     using Limits = std::numeric_limits<double>;
     const auto Matrix =
-        Make(4, 4,
-             {0.0, -0.0, Limits::denorm_min(), -Limits::denorm_min(), Limits::min(), Limits::max(),
-              Limits::lowest(), Limits::epsilon(), 0.1, 1.0 / 3.0, 1e23, std::nextafter(1.0, 2.0),
-              123456789.0, -100000000.0, Limits::infinity(), -Limits::infinity()});
+        MakeMatrix(4, 4,
+                   {0.0, -0.0, Limits::denorm_min(), -Limits::denorm_min(), Limits::min(), Limits::max(),
+                    Limits::lowest(), Limits::epsilon(), 0.1, 1.0 / 3.0, 1e23, std::nextafter(1.0, 2.0),
+                    123456789.0, -100000000.0, Limits::infinity(), -Limits::infinity()});
     const auto Back = MatrixFromText(MatrixToText(Matrix));
     ASSERT_TRUE(Back);
     ExpectSameBits(*Back, Matrix);
@@ -58,7 +49,7 @@ TEST(MatrixText, RoundTripKeepsEveryBit) {
 TEST(MatrixText, RoundTripKeepsAnyBits) {
     std::mt19937_64 Random(7);
     for (int i = 0; i < 5000; ++i) {
-        auto Matrix = Make(2, 1, {0.0, 0.0});
+        auto Matrix = MakeMatrix(2, 1, {0.0, 0.0});
         for (std::uint32_t nRow = 0; nRow < 2; ++nRow) {
             const double Element = std::bit_cast<double>(Random());
             Matrix(nRow, 0) = std::isnan(Element) ? 0.0 : Element;
@@ -70,7 +61,7 @@ TEST(MatrixText, RoundTripKeepsAnyBits) {
 }
 
 TEST(MatrixText, NotANumberStaysNotANumber) {
-    const auto Back = MatrixFromText(MatrixToText(Make(1, 1, {std::nan("")})));
+    const auto Back = MatrixFromText(MatrixToText(MakeMatrix(1, 1, {std::nan("")})));
     ASSERT_TRUE(Back);
     EXPECT_TRUE(std::isnan((*Back)(0, 0)));
 }

@@ -9,6 +9,7 @@
 #include "platform/system/virtualeventloop.h"
 #include "platform/window/dc.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalnotification.h"
+#include "rvlib/math/vector.h"
 #include "tests/rvdlm/m_rtr/rtr_trim/screwentry.h"
 #include "tests/support/logcapture.h"
 #include "tests/support/opcstate.h"
@@ -16,6 +17,7 @@
 
 namespace {
 
+using math::MakeVector;
 using PreBalDB::CTypeBase;
 using testing::Contains;
 using testing::ElementsAre;
@@ -24,13 +26,6 @@ using Key = CKeyActions;
 using Method = CScrewBalancingMethod;
 using Table = Base::CWDArray<PreBalDB::CScrew>;
 using Fitted = Base::CWDArray<CScrew>;
-
-math::matrix<double> Vector(double x, double y) {
-    math::matrix<double> Result(2, 1);
-    Result(0, 0) = x;
-    Result(1, 0) = y;
-    return Result;
-}
 
 Table MakeTable(int nScrews) {
     Table Result;
@@ -126,14 +121,14 @@ TEST_F(ScrewBalancingMethod, ATestModeWithoutItsScrewIsAsserted) {
 
 TEST_F(ScrewBalancingMethod, TheNeutralKeyTakesComputedScrewsOut) {
     const auto pMethod = Make(MakeTable(3));
-    pMethod->SetUA(Vector(2.0, 1.0), nullptr, true);
+    pMethod->SetUA(MakeVector(2.0, 1.0), nullptr, true);
     pMethod->SetDisplayMode(Method::eUACompensation);
     EXPECT_EQ(pMethod->GetScrews()->GetSize(), 2U);
     EXPECT_TRUE(pMethod->KeyPressed(Key::eIncrement, 0));
     EXPECT_EQ(pMethod->GetScrews()->GetSize(), 2U);
     EXPECT_TRUE(pMethod->KeyPressed(Key::eNeutralPosition, 0));
     EXPECT_TRUE(pMethod->GetScrews()->IsEmpty());
-    EXPECT_TRUE(pMethod->GetUA() == Vector(0.0, 0.0));
+    EXPECT_TRUE(pMethod->GetUA() == MakeVector(0.0, 0.0));
 }
 
 TEST_F(ScrewBalancingMethod, KeysInOtherModesAreAsserted) {
@@ -145,7 +140,7 @@ TEST_F(ScrewBalancingMethod, KeysInOtherModesAreAsserted) {
 
 TEST_F(ScrewBalancingMethod, DisplayModesBringTheScrewsToTheirPosition) {
     const auto pMethod = Make(MakeTable(3));
-    pMethod->SetUA(Vector(2.0, 1.0), nullptr, true);
+    pMethod->SetUA(MakeVector(2.0, 1.0), nullptr, true);
     pMethod->AddMeasurementValue(100, 0);
     pMethod->SetDisplayMode(Method::eInactive);
     EXPECT_EQ(pMethod->GetScrews()->GetSize(), 2U);
@@ -156,17 +151,17 @@ TEST_F(ScrewBalancingMethod, DisplayModesBringTheScrewsToTheirPosition) {
     EXPECT_EQ(pMethod->GetScrews()->GetSize(), 2U);
     pMethod->SetDisplayMode(Method::eNeutralPosition);
     EXPECT_TRUE(pMethod->GetScrews()->IsEmpty());
-    EXPECT_TRUE(pMethod->GetUA() == Vector(0.0, 0.0));
+    EXPECT_TRUE(pMethod->GetUA() == MakeVector(0.0, 0.0));
 }
 
 TEST_F(ScrewBalancingMethod, AVectorOfNothingNeedsNoSearch) {
     const auto pMethod = Make(MakeTable(3));
-    pMethod->SetUA(Vector(2.0, 1.0), nullptr, true);
+    pMethod->SetUA(MakeVector(2.0, 1.0), nullptr, true);
     double Percent = 42.0;
-    EXPECT_TRUE(pMethod->SetUA(Vector(0.0, 0.0), &Percent, true));
+    EXPECT_TRUE(pMethod->SetUA(MakeVector(0.0, 0.0), &Percent, true));
     EXPECT_TRUE(pMethod->GetScrews()->IsEmpty());
     EXPECT_EQ(Percent, 42.0);
-    EXPECT_TRUE(pMethod->GetUA() == Vector(0.0, 0.0));
+    EXPECT_TRUE(pMethod->GetUA() == MakeVector(0.0, 0.0));
 }
 
 // With a reference weight of 2 g: 3 g in hole 1, and 1 g in hole 4, which is at 90 degrees.
@@ -174,7 +169,7 @@ TEST_F(ScrewBalancingMethod, SetUAPlacesScrewsForTheReferenceWeight) {
     const auto pMethod = Make(MakeTable(3));
     m_pEntry->Screws().SetReferenceWeight(2.0);
     double Percent = -1.0;
-    EXPECT_TRUE(pMethod->SetUA(Vector(1.5, 0.5), &Percent, true));
+    EXPECT_TRUE(pMethod->SetUA(MakeVector(1.5, 0.5), &Percent, true));
     EXPECT_EQ(*pMethod->GetScrews(), (Fitted{{1, 3.0, "M3"}, {4, 1.0, "M1"}}));
     EXPECT_EQ(Percent, 0.0);
     const math::matrix<double> UA = pMethod->GetUA();
@@ -185,7 +180,7 @@ TEST_F(ScrewBalancingMethod, SetUAPlacesScrewsForTheReferenceWeight) {
 TEST_F(ScrewBalancingMethod, AShortageShowsInThePercentageOnly) {
     const auto pMethod = Make(MakeTable(5));
     double Percent = 0.0;
-    EXPECT_TRUE(pMethod->SetUA(Vector(20.0, 0.0), &Percent, true));
+    EXPECT_TRUE(pMethod->SetUA(MakeVector(20.0, 0.0), &Percent, true));
     EXPECT_NEAR(Percent, (20.0 / 9.659258262890683 - 1.0) * 100, 1e-9);  // 2 * 5 * cos(15 degrees)
     EXPECT_EQ(pMethod->GetScrews()->GetSize(), 2U);
 }
@@ -206,7 +201,7 @@ TEST_F(ScrewBalancingMethod, MenusOfTheSteps) {
 TEST_F(ScrewBalancingMethod, WhatIsForWeightsOnlyDoesNothing) {
     const auto pMethod = Make(MakeTable(3));
     EXPECT_EQ(pMethod->GetTestUnbalanceVectorInDeg(), nullptr);
-    pMethod->SetTestUnbalanceVectorInDeg(Vector(10.0, 20.0));
+    pMethod->SetTestUnbalanceVectorInDeg(MakeVector(10.0, 20.0));
     int Angle1 = 5;
     int Angle2 = 6;
     pMethod->GetWeightPositions(Angle1, Angle2);
@@ -223,7 +218,7 @@ TEST_F(ScrewBalancingMethod, TheScaleIsClockwiseWhateverTheConfigurationSays) {
 
 TEST_F(ScrewBalancingMethod, TheNotificationHasAnglesAndHundredthsOfAGram) {
     const auto pMethod = Make({{"", 1.25}, {"", 2.5}});
-    pMethod->SetUA(Vector(2.5, 1.25), nullptr, true);
+    pMethod->SetUA(MakeVector(2.5, 1.25), nullptr, true);
     ASSERT_EQ(*pMethod->GetScrews(), (Fitted{{1, 2.5, ""}, {4, 1.25, ""}}));
     CPreBalNotification Notification;
     Notification.m_WeightsPlane2 = {7, 7, 7};
@@ -236,7 +231,7 @@ TEST_F(ScrewBalancingMethod, TheNotificationHasAnglesAndHundredthsOfAGram) {
 TEST_F(ScrewBalancingMethod, AnglesAndWeightsAreRounded) {
     // 7 holes are 51.43 degrees apart; 1.125 g is exact in binary, its hundredths round up.
     const auto pMethod = Make({{"", 1.125}}, 1, 7, 3);
-    pMethod->SetUA(Vector(1.0, 0.0), nullptr, true);
+    pMethod->SetUA(MakeVector(1.0, 0.0), nullptr, true);
     CPreBalNotification Notification;
     pMethod->FillNotification(Notification);
     for (std::size_t i = 0; i < 3; ++i) {
@@ -258,8 +253,8 @@ TEST_F(ScrewBalancingMethod, WithoutHolesTheNotificationStays) {
 TEST_F(ScrewBalancingMethod, AnEmptyTableIsAnInvalidArgumentWhereAScrewIsNeeded) {
     const auto pMethod = Make({});
     EXPECT_THROW(pMethod->SetDisplayMode(Method::eTestUnbalance), std::invalid_argument);
-    EXPECT_THROW(pMethod->SetUA(Vector(1.0, 0.0), nullptr, true), std::invalid_argument);
-    EXPECT_TRUE(pMethod->SetUA(Vector(0.0, 0.0), nullptr, true));
+    EXPECT_THROW(pMethod->SetUA(MakeVector(1.0, 0.0), nullptr, true), std::invalid_argument);
+    EXPECT_TRUE(pMethod->SetUA(MakeVector(0.0, 0.0), nullptr, true));
 }
 
 TEST_F(ScrewBalancingMethod, OnlyTheMeasurementMayBePaintedWithoutTheRest) {

@@ -12,6 +12,7 @@
 
 namespace {
 
+using math::MakeVector;
 using Table = Base::CWDArray<PreBalDB::CScrew>;
 using Matrix = math::matrix<double>;
 
@@ -19,13 +20,6 @@ class CCompensation : public CScrewCompensation {
 public:
     using CScrewCompensation::CScrewCompensation;
 };
-
-Matrix Vector(double x, double y) {
-    Matrix Result(2, 1);
-    Result(0, 0) = x;
-    Result(1, 0) = y;
-    return Result;
-}
 
 Table OneToThree() {
     return {{"one", 1.0}, {"two", 2.0}, {"three", 3.0}};
@@ -41,9 +35,9 @@ struct CResult {
 
 CResult Solve(CScrewCompensation& rCompensation, double x, double y, double Reference = 1.0) {
     CResult Result;
-    Matrix UA = Vector(-9.0, -9.0);
+    Matrix UA = MakeVector(-9.0, -9.0);
     Result.m_bResult =
-        rCompensation.UA2Screws(Vector(x, y), Result.m_Screws, &Result.m_Percent, UA, Reference);
+        rCompensation.UA2Screws(MakeVector(x, y), Result.m_Screws, &Result.m_Percent, UA, Reference);
     Result.m_X = UA(0, 0);
     Result.m_Y = UA(1, 0);
     return Result;
@@ -131,22 +125,23 @@ TEST(ScrewCompensation, ANumberOfScrewsOtherThanThreePlacesTwo) {
 TEST(ScrewCompensation, ThePercentageMayBeLeftOut) {
     CCompensation Compensation(OneToThree(), 2, 12, 0, 100.0);
     Base::CWDArray<CScrew> Screws;
-    Matrix UA = Vector(0.0, 0.0);
-    EXPECT_TRUE(Compensation.UA2Screws(Vector(100.0, 0.0), Screws, nullptr, UA, 1.0));
+    Matrix UA = MakeVector(0.0, 0.0);
+    EXPECT_TRUE(Compensation.UA2Screws(MakeVector(100.0, 0.0), Screws, nullptr, UA, 1.0));
 }
 
 TEST(ScrewCompensation, AnEmptyTableIsAnInvalidArgument) {
     CCompensation Compensation({}, 2, 12, 0, 100.0);
     Base::CWDArray<CScrew> Screws;
-    Matrix UA = Vector(0.0, 0.0);
-    EXPECT_THROW(Compensation.UA2Screws(Vector(1.0, 0.0), Screws, nullptr, UA, 1.0), std::invalid_argument);
+    Matrix UA = MakeVector(0.0, 0.0);
+    EXPECT_THROW(Compensation.UA2Screws(MakeVector(1.0, 0.0), Screws, nullptr, UA, 1.0),
+                 std::invalid_argument);
 }
 
 TEST(ScrewCompensation, AResultWithOneRowIsAMatrixError) {
     CCompensation Compensation(OneToThree(), 2, 12, 0, 100.0);
     Base::CWDArray<CScrew> Screws;
     Matrix UA(1, 1);
-    EXPECT_THROW(Compensation.UA2Screws(Vector(1.0, 0.0), Screws, nullptr, UA, 1.0), math::matrix_error);
+    EXPECT_THROW(Compensation.UA2Screws(MakeVector(1.0, 0.0), Screws, nullptr, UA, 1.0), math::matrix_error);
 }
 
 // Holes, weights, names and vector against the plain enumeration, the reference weight included.

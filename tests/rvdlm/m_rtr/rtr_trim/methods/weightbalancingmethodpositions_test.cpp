@@ -5,10 +5,12 @@
 #include <vector>
 
 #include "rvdlm/m_rtr/rtr_trim/prebalnotification.h"
+#include "rvlib/math/vector.h"
 #include "tests/rvdlm/m_rtr/rtr_trim/methods/weightmethodfixture.h"
 
 namespace {
 
+using math::MakeVector;
 using Matrix = math::matrix<double>;
 
 constexpr const char* eConsistentOrder = "PreBalancingConsistentWeightOrder";
@@ -20,7 +22,7 @@ protected:
     static Matrix VectorOfTheRawRule() {
         const double a = 325.0 * std::numbers::pi / 180.0;
         const double l = 2.0 * std::cos(75.0 * std::numbers::pi / 180.0);
-        return Vector(l * std::cos(a), l * std::sin(a));
+        return MakeVector(l * std::cos(a), l * std::sin(a));
     }
 };
 
@@ -111,11 +113,11 @@ TEST_F(WeightMethodPositions, ModeChangesAreLogged) {
 
 TEST_F(WeightMethodPositions, TestVectorGoesOutAndComesInInDegrees) {
     const auto pMethod = Make();
-    pMethod->SetTestUnbalanceVectorInDeg(Vector(12.9, 345.2));
+    pMethod->SetTestUnbalanceVectorInDeg(MakeVector(12.9, 345.2));
     EXPECT_EQ(At(*pMethod), Positions(12, 345));
     EXPECT_EQ(m_MainWnd.m_nRepaintAll, 1);
     const CLogCapture Capture(true);
-    EXPECT_EQ(*pMethod->GetTestUnbalanceVectorInDeg(), Vector(12, 345));
+    EXPECT_EQ(*pMethod->GetTestUnbalanceVectorInDeg(), MakeVector(12, 345));
     EXPECT_THAT(
         Capture.GetTexts("PbFlow"),
         testing::ElementsAre("CWeightBalancingMethod::GetTestUnbalanceVectorInDeg() returns (12, 345)"));
@@ -156,25 +158,26 @@ TEST_F(WeightMethodPositions, NotificationGetsThePositionsOfItsOwnPlaneOnly) {
 TEST_F(WeightMethodPositions, SetUAMovesTheWeightsAndGetUAReadsThemBack) {
     const auto pMethod = Make();
     double Percent = -1.0;
-    EXPECT_TRUE(pMethod->SetUA(Vector(0, std::sqrt(3.0)), &Percent, true));  // 30 degrees to each side of 90
+    EXPECT_TRUE(
+        pMethod->SetUA(MakeVector(0, std::sqrt(3.0)), &Percent, true));  // 30 degrees to each side of 90
     EXPECT_EQ(Percent, 0.0);
     EXPECT_EQ(At(*pMethod), Positions(60, 120));
-    EXPECT_LT((pMethod->GetUA() - Vector(0, std::sqrt(3.0))).Norm(), 1e-12);
+    EXPECT_LT((pMethod->GetUA() - MakeVector(0, std::sqrt(3.0))).Norm(), 1e-12);
 }
 
 TEST_F(WeightMethodPositions, SetUABeyondTheCapacityLeavesTheNearestPosition) {
     const auto pMethod = Make();
     double Percent = -1.0;
-    EXPECT_FALSE(pMethod->SetUA(Vector(0, 3.9), &Percent, true));
+    EXPECT_FALSE(pMethod->SetUA(MakeVector(0, 3.9), &Percent, true));
     EXPECT_DOUBLE_EQ(Percent, 100.0);
     EXPECT_EQ(At(*pMethod), Positions(90, 90));
-    EXPECT_FALSE(pMethod->SetUA(Vector(3.9, 0), nullptr, true));
+    EXPECT_FALSE(pMethod->SetUA(MakeVector(3.9, 0), nullptr, true));
     EXPECT_EQ(At(*pMethod), Positions(0, 0));
 }
 
 TEST_F(WeightMethodPositions, EqualAnglesAreSpreadWhenAskedForAndTheSettingIsOn) {
     const double a = 5.0 * std::numbers::pi / 180.0;
-    const Matrix Beyond = Vector(3.0 * std::cos(a), 3.0 * std::sin(a));
+    const Matrix Beyond = MakeVector(3.0 * std::cos(a), 3.0 * std::sin(a));
     const auto pIgnoring = Make(CW, 0, 1);
     EXPECT_FALSE(pIgnoring->SetUA(Beyond, nullptr, false));
     EXPECT_EQ(At(*pIgnoring), Positions(15, 355));
@@ -189,7 +192,7 @@ TEST_F(WeightMethodPositions, EqualAnglesAreSpreadWhenAskedForAndTheSettingIsOn)
 TEST_F(WeightMethodPositions, SpreadWrapsAtTheTopToo) {
     const double a = 355.0 * std::numbers::pi / 180.0;
     const auto pMethod = Make(CW, 0, 1);
-    pMethod->SetUA(Vector(3.0 * std::cos(a), 3.0 * std::sin(a)), nullptr, false);
+    pMethod->SetUA(MakeVector(3.0 * std::cos(a), 3.0 * std::sin(a)), nullptr, false);
     EXPECT_EQ(At(*pMethod), Positions(5, 345));
 }
 
@@ -220,16 +223,16 @@ TEST_F(WeightMethodPositions, FlagIsReadAtConstruction) {
 
 TEST_F(WeightMethodPositions, LackOfCapacityIsNoWrongPosition) {
     const CLogCapture Capture;
-    Make(CCW)->SetUA(Vector(3, 1), nullptr, true);
+    Make(CCW)->SetUA(MakeVector(3, 1), nullptr, true);
     m_Installation.EnableFeature(eConsistentOrder);
-    Make(CCW)->SetUA(Vector(3, 1), nullptr, true);
+    Make(CCW)->SetUA(MakeVector(3, 1), nullptr, true);
     EXPECT_TRUE(Capture.GetTexts("Warning").empty());
 }
 
 TEST_F(WeightMethodPositions, ThreeHundredSixtyOfTheSecondPlaneStaysWithoutTheFlag) {
     // Raw positions 0 and 240 in the second plane of a counter-clockwise scale.
     const double a = 300.0 * std::numbers::pi / 180.0;
-    const Matrix UA = Vector(std::cos(a), std::sin(a));
+    const Matrix UA = MakeVector(std::cos(a), std::sin(a));
     const auto pMethod = Make(CCW, 1);
     const CLogCapture Capture;
     pMethod->SetUA(UA, nullptr, true);
@@ -242,7 +245,7 @@ TEST_F(WeightMethodPositions, ThreeHundredSixtyOfTheSecondPlaneStaysWithoutTheFl
 TEST_F(WeightMethodPositions, ThreeHundredSixtyBecomesZeroWithTheFlag) {
     m_Installation.EnableFeature(eConsistentOrder);
     const double a = 300.0 * std::numbers::pi / 180.0;
-    const Matrix UA = Vector(std::cos(a), std::sin(a));
+    const Matrix UA = MakeVector(std::cos(a), std::sin(a));
     const auto pMethod = Make(CCW, 1);
     const CLogCapture Capture;
     pMethod->SetUA(UA, nullptr, true);

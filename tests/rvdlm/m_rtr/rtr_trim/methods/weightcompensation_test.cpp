@@ -11,10 +11,12 @@
 #include <utility>
 #include <vector>
 
+#include "rvlib/math/vector.h"
 #include "tests/support/logcapture.h"
 
 namespace {
 
+using math::MakeVector;
 using PreBalDB::CTypeBase;
 using Matrix = math::matrix<double>;
 using Positions = std::pair<int, int>;
@@ -22,13 +24,6 @@ using Positions = std::pair<int, int>;
 constexpr auto CW = CTypeBase::eClockwise;
 constexpr auto CCW = CTypeBase::eCounterClockwise;
 constexpr double eDegree = std::numbers::pi / 180.0;
-
-Matrix Vector(double x, double y) {
-    Matrix Result(2, 1);
-    Result(0, 0) = x;
-    Result(1, 0) = y;
-    return Result;
-}
 
 Positions PositionsOf(CTypeBase::Direction Scaling, unsigned Plane, const Matrix& rUA) {
     int Angle1 = -1;
@@ -41,14 +36,14 @@ Positions PositionsOf(CTypeBase::Direction Scaling, unsigned Plane, const Matrix
 /// - Half.
 Matrix Pair(double Angle, double Half) {
     const double Length = 2.0 * std::cos(Half * eDegree);
-    return Vector(Length * std::cos(Angle * eDegree), Length * std::sin(Angle * eDegree));
+    return MakeVector(Length * std::cos(Angle * eDegree), Length * std::sin(Angle * eDegree));
 }
 
 TEST(WeightCompensation, NoVectorOpposesTheWeights) {
     double Percent = -1.0;
     int Angle1 = -1;
     int Angle2 = -1;
-    EXPECT_TRUE(CWeightCompensation(CW, 0).UA2Angles(Vector(0, 0), Angle1, Angle2, &Percent));
+    EXPECT_TRUE(CWeightCompensation(CW, 0).UA2Angles(MakeVector(0, 0), Angle1, Angle2, &Percent));
     EXPECT_EQ(Positions(Angle1, Angle2), Positions(90, 270));
     EXPECT_EQ(Percent, 0.0);
 }
@@ -57,7 +52,7 @@ TEST(WeightCompensation, TheLimitIsWithinTheCapacity) {
     double Percent = -1.0;
     int Angle1 = -1;
     int Angle2 = -1;
-    EXPECT_TRUE(CWeightCompensation(CW, 0).UA2Angles(Vector(1.95, 0), Angle1, Angle2, &Percent));
+    EXPECT_TRUE(CWeightCompensation(CW, 0).UA2Angles(MakeVector(1.95, 0), Angle1, Angle2, &Percent));
     EXPECT_EQ(Percent, 0.0);
     EXPECT_EQ(Positions(Angle1, Angle2), Positions(13, 347));  // 12.84 degrees to each side
 }
@@ -66,16 +61,16 @@ TEST(WeightCompensation, BeyondTheCapacityBothWeightsStandInTheDirection) {
     double Percent = -1.0;
     int Angle1 = -1;
     int Angle2 = -1;
-    EXPECT_FALSE(CWeightCompensation(CW, 0).UA2Angles(Vector(2, 0), Angle1, Angle2, &Percent));
+    EXPECT_FALSE(CWeightCompensation(CW, 0).UA2Angles(MakeVector(2, 0), Angle1, Angle2, &Percent));
     EXPECT_EQ(Positions(Angle1, Angle2), Positions(0, 0));
     EXPECT_DOUBLE_EQ(Percent, (2.0 - 1.95) / 1.95 * 100.0);
-    EXPECT_FALSE(CWeightCompensation(CW, 0).UA2Angles(Vector(0, -3.9), Angle1, Angle2, &Percent));
+    EXPECT_FALSE(CWeightCompensation(CW, 0).UA2Angles(MakeVector(0, -3.9), Angle1, Angle2, &Percent));
     EXPECT_EQ(Positions(Angle1, Angle2), Positions(270, 270));
     EXPECT_DOUBLE_EQ(Percent, 100.0);
 }
 
 TEST(WeightCompensation, PercentageMayBeLeftOut) {
-    EXPECT_EQ(PositionsOf(CW, 0, Vector(0, 2)), Positions(90, 90));
+    EXPECT_EQ(PositionsOf(CW, 0, MakeVector(0, 2)), Positions(90, 90));
 }
 
 TEST(WeightCompensation, ExactlyHalfADegreeRoundsDown) {
@@ -135,7 +130,7 @@ TEST(WeightCompensation, AnotherPlaneIsNotTurned) {
 }
 
 TEST(WeightCompensation, OpposedWeightsGiveNoVector) {
-    Matrix UA = Vector(9, 9);
+    Matrix UA = MakeVector(9, 9);
     EXPECT_TRUE(CWeightCompensation(CW, 0).Angles2UA(0, 180, UA));
     EXPECT_NEAR(UA.Norm(), 0.0, 1e-15);
     CWeightCompensation(CW, 0).Angles2UA(90, 270, UA);
@@ -143,7 +138,7 @@ TEST(WeightCompensation, OpposedWeightsGiveNoVector) {
 }
 
 TEST(WeightCompensation, PositionsGiveTheSumOfTwoUnitVectors) {
-    Matrix UA = Vector(0, 0);
+    Matrix UA = MakeVector(0, 0);
     CWeightCompensation(CW, 0).Angles2UA(0, 90, UA);
     EXPECT_NEAR(UA(0, 0), 1.0, 1e-15);
     EXPECT_NEAR(UA(1, 0), 1.0, 1e-15);
@@ -158,7 +153,7 @@ TEST(WeightCompensation, PositionsGiveTheSumOfTwoUnitVectors) {
 TEST(WeightCompensation, ScaleAndPlaneOfOppositeSensesTurnTheVector) {
     for (const auto& [Scaling, Plane, Y] :
          {std::tuple{CW, 0U, 1.0}, {CCW, 0U, -1.0}, {CW, 1U, -1.0}, {CCW, 1U, 1.0}}) {
-        Matrix UA = Vector(0, 0);
+        Matrix UA = MakeVector(0, 0);
         CWeightCompensation(Scaling, Plane).Angles2UA(0, 90, UA);
         EXPECT_NEAR(UA(1, 0), Y, 1e-15);
     }
@@ -166,7 +161,7 @@ TEST(WeightCompensation, ScaleAndPlaneOfOppositeSensesTurnTheVector) {
 
 TEST(WeightCompensation, AnglesOutOfRangeAreAssertedAndComputedOn) {
     const CLogCapture Capture;
-    Matrix UA = Vector(0, 0);
+    Matrix UA = MakeVector(0, 0);
     EXPECT_TRUE(CWeightCompensation(CCW, 1).Angles2UA(360, 120, UA));
     EXPECT_EQ(Capture.GetAssertions(), std::vector<std::string>{"invalid angles"});
     EXPECT_EQ(Capture.GetRecords().back().m_Expression,
@@ -177,7 +172,7 @@ TEST(WeightCompensation, AnglesOutOfRangeAreAssertedAndComputedOn) {
 
 TEST(WeightCompensation, NegativeAnglesDownToMinus359AreInOrder) {
     const CLogCapture Capture;
-    Matrix UA = Vector(0, 0);
+    Matrix UA = MakeVector(0, 0);
     CWeightCompensation(CW, 0).Angles2UA(-359, 359, UA);
     EXPECT_TRUE(Capture.GetAssertions().empty());
 }
@@ -189,9 +184,9 @@ TEST(WeightCompensation, ThereAndBackReproducesTheVectorOnAClockwiseScale) {
     for (int i = 0; i < 2000; ++i) {
         const double l = Length(Generator);
         const double a = Angle(Generator) * eDegree;
-        const Matrix UA = Vector(l * std::cos(a), l * std::sin(a));
+        const Matrix UA = MakeVector(l * std::cos(a), l * std::sin(a));
         const auto [Angle1, Angle2] = PositionsOf(CW, 0, UA);
-        Matrix Back = Vector(0, 0);
+        Matrix Back = MakeVector(0, 0);
         CWeightCompensation(CW, 0).Angles2UA(Angle1, Angle2, Back);
         // Each position off by half a degree at most: a chord of 2 sin(0.25 degrees) each.
         EXPECT_LE((Back - UA).Norm(), 4.0 * std::sin(0.25 * eDegree) + 1e-12);
@@ -199,9 +194,9 @@ TEST(WeightCompensation, ThereAndBackReproducesTheVectorOnAClockwiseScale) {
 }
 
 TEST(WeightCompensation, BeyondTheCapacityThereAndBackGivesLengthTwo) {
-    const auto [Angle1, Angle2] = PositionsOf(CW, 0, Vector(-3, 3));
+    const auto [Angle1, Angle2] = PositionsOf(CW, 0, MakeVector(-3, 3));
     EXPECT_EQ(Positions(Angle1, Angle2), Positions(135, 135));
-    Matrix Back = Vector(0, 0);
+    Matrix Back = MakeVector(0, 0);
     CWeightCompensation(CW, 0).Angles2UA(Angle1, Angle2, Back);
     EXPECT_NEAR(Back(0, 0), -std::sqrt(2.0), 1e-12);
     EXPECT_NEAR(Back(1, 0), std::sqrt(2.0), 1e-12);
@@ -220,7 +215,7 @@ TEST(WeightCompensation, VectorWithoutSecondRowThrows) {
 
 TEST(WeightCompensation, WhatIsNoNumberGivesDefinedPositions) {
     const double NaN = std::numeric_limits<double>::quiet_NaN();
-    EXPECT_EQ(PositionsOf(CW, 0, Vector(NaN, NaN)), Positions(0, 0));
+    EXPECT_EQ(PositionsOf(CW, 0, MakeVector(NaN, NaN)), Positions(0, 0));
 }
 
 TEST(WeightCompensation, LogsCallsAndResults) {
@@ -228,8 +223,8 @@ TEST(WeightCompensation, LogsCallsAndResults) {
     const CWeightCompensation Compensation(CW, 0);
     int Angle1 = 0;
     int Angle2 = 0;
-    Compensation.UA2Angles(Vector(0.5, -0.25), Angle1, Angle2, nullptr);
-    Matrix UA = Vector(0, 0);
+    Compensation.UA2Angles(MakeVector(0.5, -0.25), Angle1, Angle2, nullptr);
+    Matrix UA = MakeVector(0, 0);
     Compensation.Angles2UA(30, 180, UA);
     EXPECT_EQ(Capture.GetTexts("PbFlow"),
               (std::vector<std::string>{"CWeightCompensation::UA2Angles() called with (0.5000 -0.2500)",

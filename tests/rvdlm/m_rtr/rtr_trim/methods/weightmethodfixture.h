@@ -7,6 +7,7 @@
 
 #include "platform/system/virtualeventloop.h"
 #include "rvdlm/m_rtr/rtr_trim/methods/weightbalancingmethod.h"
+#include "rvlib/math/vector.h"
 #include "tests/support/fakemainwnd.h"
 #include "tests/support/logcapture.h"
 #include "tests/support/testinstallation.h"
@@ -20,12 +21,6 @@ protected:
     static constexpr auto CW = PreBalDB::CTypeBase::eClockwise;
     static constexpr auto CCW = PreBalDB::CTypeBase::eCounterClockwise;
 
-    static math::matrix<double> Vector(double x, double y) {
-        math::matrix<double> Result(2, 1);
-        Result(0, 0) = x;
-        Result(1, 0) = y;
-        return Result;
-    }
     std::unique_ptr<Method> Make(PreBalDB::CTypeBase::Direction Scaling = CW, unsigned Plane = 0,
                                  int IgnoreRebalWeights = 0, bool bUseOldMenu = false) {
         PreBalDB::CWeightCompensationTableEntry Entry;
@@ -39,7 +34,7 @@ protected:
         return Result;
     }
     static void Put(Method& rMethod, int Angle1, int Angle2) {
-        rMethod.SetTestUnbalanceVectorInDeg(Vector(Angle1, Angle2));
+        rMethod.SetTestUnbalanceVectorInDeg(math::MakeVector(Angle1, Angle2));
     }
     /// Presses and releases a key of weight 1 or 2 for its single step.
     static void Tap(Method& rMethod, Key::KeyAction Down, int Step) {

@@ -13,10 +13,12 @@
 #include <vector>
 
 #include "platform/system/archive.h"
+#include "rvlib/math/vector.h"
 #include "tests/support/testinstallation.h"
 
 namespace {
 
+using math::MakeVector;
 using Bytes = std::vector<std::uint8_t>;
 
 /// The file's bytes put together by hand, so that the archive isn't its own judge.
@@ -69,13 +71,6 @@ Bytes Write(CObject& rObject) {
     CArchive Archive(CArchive::eStore);
     rObject.Serialize(Archive);
     return Archive.GetBytes();
-}
-
-math::matrix<double> Vector(double x, double y) {
-    math::matrix<double> Result(2, 1);
-    Result(0, 0) = x;
-    Result(1, 0) = y;
-    return Result;
 }
 
 class WeightPositionStore : public testing::Test {
@@ -140,9 +135,9 @@ TEST_F(WeightPositionStore, RecordIs46BytesInTheGivenOrder) {
     WeightPos2Plane Record;
     Record.m_PositionsValid = true;
     Record.m_RPM = 3000;
-    Record.m_PositionsPlane1 = Vector(30.5, 31.5);
+    Record.m_PositionsPlane1 = MakeVector(30.5, 31.5);
     Record.m_ValuePlane1 = 3001;
-    Record.m_PositionsPlane2 = Vector(32.5, 33.5);
+    Record.m_PositionsPlane2 = MakeVector(32.5, 33.5);
     Record.m_ValuePlane2 = -7;
     Record.m_SinglePlane = false;
     const Bytes Expected = CBytes().Record(true, 3000, 30.5, false).m_Bytes;
@@ -153,9 +148,9 @@ TEST_F(WeightPositionStore, RecordIs46BytesInTheGivenOrder) {
     Read(Copy, Expected);
     EXPECT_TRUE(Copy.m_PositionsValid);
     EXPECT_EQ(Copy.m_RPM, 3000);
-    EXPECT_EQ(Copy.m_PositionsPlane1, Vector(30.5, 31.5));
+    EXPECT_EQ(Copy.m_PositionsPlane1, MakeVector(30.5, 31.5));
     EXPECT_EQ(Copy.m_ValuePlane1, 3001);
-    EXPECT_EQ(Copy.m_PositionsPlane2, Vector(32.5, 33.5));
+    EXPECT_EQ(Copy.m_PositionsPlane2, MakeVector(32.5, 33.5));
     EXPECT_EQ(Copy.m_ValuePlane2, -7);
     EXPECT_FALSE(Copy.m_SinglePlane);
 }
@@ -184,16 +179,16 @@ TEST_F(WeightPositionStore, RecordNeverGivenPositionsWritesZeros) {
     EXPECT_EQ(Written, Expected);
     WeightPos2Plane Copy;
     Read(Copy, Written);
-    EXPECT_EQ(Copy.m_PositionsPlane1, Vector(0, 0));
-    EXPECT_EQ(Copy.m_PositionsPlane2, Vector(0, 0));
+    EXPECT_EQ(Copy.m_PositionsPlane1, MakeVector(0, 0));
+    EXPECT_EQ(Copy.m_PositionsPlane2, MakeVector(0, 0));
 }
 
 TEST_F(WeightPositionStore, CopyOfARecordIsItsOwn) {
     WeightPos2Plane Record;
-    Record.m_PositionsPlane1 = Vector(1, 2);
+    Record.m_PositionsPlane1 = MakeVector(1, 2);
     WeightPos2Plane Copy = Record;
     Copy.m_PositionsPlane1(0, 0) = 9;
-    EXPECT_EQ(Record.m_PositionsPlane1, Vector(1, 2));
+    EXPECT_EQ(Record.m_PositionsPlane1, MakeVector(1, 2));
 }
 
 TEST_F(WeightPositionStore, AnyByteButZeroReadsAsTrue) {
@@ -223,7 +218,7 @@ TEST_F(WeightPositionStore, ReadsAndWritesTheCurrentVersion) {
     EXPECT_FALSE(Store.IsPositionsValid("000005_B"));
     EXPECT_FALSE(Store.IsSinglePlane("000005_B"));
     EXPECT_EQ(Store.Get("000005_B").m_RPM, 1500);
-    EXPECT_EQ(Store.Get("000005_B").m_PositionsPlane1, Vector(20, 21));
+    EXPECT_EQ(Store.Get("000005_B").m_PositionsPlane1, MakeVector(20, 21));
     EXPECT_EQ(Write(Store), File);
 }
 
@@ -261,7 +256,7 @@ TEST_F(WeightPositionStore, Version30HasNumbersInPlaceOfKeys) {
                     .m_Bytes);
     EXPECT_EQ(Store.m_IncrementBelow, 25);
     EXPECT_TRUE(Store.Contains("000007_"));
-    EXPECT_EQ(Store.Get("000007_").m_PositionsPlane2, Vector(3, 4));
+    EXPECT_EQ(Store.Get("000007_").m_PositionsPlane2, MakeVector(3, 4));
 }
 
 TEST_F(WeightPositionStore, EntryOfVersion30StaysInTheFile) {
@@ -297,9 +292,9 @@ TEST_F(WeightPositionStore, OlderVersionsHaveNoIncrementBelowAndAreWrittenAsTheC
         EXPECT_EQ(Store.m_IncrementBelow, 30);
         EXPECT_TRUE(Store.Contains("000007_"));
         WeightPos2Plane Record;
-        Record.m_PositionsPlane1 = Vector(5, 6);
+        Record.m_PositionsPlane1 = MakeVector(5, 6);
         Record.m_ValuePlane1 = 3;
-        Record.m_PositionsPlane2 = Vector(7, 8);
+        Record.m_PositionsPlane2 = MakeVector(7, 8);
         Record.m_ValuePlane2 = -7;
         Record.m_RPM = 2;
         CWeightPositionStore::Set("A", Record);
@@ -321,12 +316,12 @@ TEST_F(WeightPositionStore, SetChangesTheFileOnly) {
     CWeightPositionStore Store;
     WeightPos2Plane Record;
     Record.m_PositionsValid = true;
-    Record.m_PositionsPlane1 = Vector(30, 180);
+    Record.m_PositionsPlane1 = MakeVector(30, 180);
     CWeightPositionStore::Set("000005_A", Record);
     EXPECT_FALSE(Store.Contains("000005_A"));
     Store.Load();
     ASSERT_TRUE(Store.Contains("000005_A"));
-    EXPECT_EQ(Store.Get("000005_A").m_PositionsPlane1, Vector(30, 180));
+    EXPECT_EQ(Store.Get("000005_A").m_PositionsPlane1, MakeVector(30, 180));
 }
 
 TEST_F(WeightPositionStore, SetOverwritesItsEntryAndKeepsTheRest) {

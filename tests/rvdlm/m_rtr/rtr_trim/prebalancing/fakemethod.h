@@ -8,14 +8,7 @@
 #include "rvdlm/m_rtr/rtr_trim/methods/planebalancingmethod.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalnotification.h"
 #include "rvlib/math/matrix.h"
-
-/// A 2 by 1 matrix.
-inline math::matrix<double> Vector(double a, double b) {
-    math::matrix<double> Result(2, 1);
-    Result(0, 0) = a;
-    Result(1, 0) = b;
-    return Result;
-}
+#include "rvlib/math/vector.h"
 
 /// A method that moves nothing: notes its calls in the window's list and answers what a test sets. Every menu
 /// has a number of its own; the menus that depend on the number of planes add it. With two planes the calls
@@ -93,8 +86,8 @@ public:
     bool m_bReached = true;
     double m_Percent = 0.0;
     bool m_bHasPositions = true;
-    math::matrix<double> m_Positions = Vector(11, 22);
-    math::matrix<double> m_UA = Vector(0.25, -0.5);
+    math::matrix<double> m_Positions = math::MakeVector(11, 22);
+    math::matrix<double> m_UA = math::MakeVector(0.25, -0.5);
     PreBalDB::CTypeBase::Direction m_Rotation = PreBalDB::CTypeBase::eClockwise;
     PreBalDB::CTypeBase::Direction m_Scaling = PreBalDB::CTypeBase::eCounterClockwise;
 

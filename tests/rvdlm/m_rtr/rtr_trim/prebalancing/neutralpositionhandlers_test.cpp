@@ -1,10 +1,12 @@
 // The states of the neutral position: what their events do.
 #include <fstream>
 
+#include "rvlib/math/vector.h"
 #include "tests/rvdlm/m_rtr/rtr_trim/prebalancing/sequencefixture.h"
 
 namespace {
 
+using math::MakeVector;
 using K = CKeyActions;
 using S = CSinglePlaneBalancing;
 using testing::Contains;
@@ -81,7 +83,7 @@ TEST_F(NeutralPositionTest, AdoptionInSpindleStopLeadsOnWithTheStoredPositions) 
     EXPECT_EQ(GetState(), S::eNeutralPosRPMStart);
     EXPECT_EQ(GetSteps(), std::make_pair(3U, 12U));
     EXPECT_EQ(TakeCalls().front(), "Math.SetRawUnbalanceVector 77,266 1");
-    EXPECT_TRUE(m_pMethod->m_Positions == Vector(77, 266));
+    EXPECT_TRUE(m_pMethod->m_Positions == MakeVector(77, 266));
 }
 
 TEST_F(NeutralPositionTest, AdoptionWithoutStoredPositionsStays) {
@@ -121,7 +123,7 @@ TEST_F(NeutralPositionTest, AdoptionInRemoveWeightsStaysInEveryCase) {
     EXPECT_THAT(CallsOfKey(K::ePositionAdoption), IsEmpty());
     StorePositions(true, true);
     EXPECT_THAT(CallsOfKey(K::ePositionAdoption), ElementsAre("Math.SetRawUnbalanceVector 77,266 1"));
-    EXPECT_TRUE(m_pMethod->m_Positions == Vector(77, 266));
+    EXPECT_TRUE(m_pMethod->m_Positions == MakeVector(77, 266));
 }
 
 TEST_F(NeutralPositionTest, ScrewsInRemoveWeightsKnowOnlyNext) {

@@ -97,7 +97,7 @@ TEST_F(PreBalanceEndTest, CommitIsAcceptedInTheFinalMeasurementsOnly) {
 
 TEST_F(PreBalanceEndTest, CommitStoresThePositionsInTheFile) {
     Reach(S::ePreBalanceMeasurement);
-    m_pMethod->m_Positions = Vector(123, 321);
+    m_pMethod->m_Positions = math::MakeVector(123, 321);
     ASSERT_TRUE(m_pSequence->CommitChanges());
     EXPECT_FALSE(m_Wnd.m_Store.IsPositionsValid("000005_WHEEL1")) << "the store in memory isn't reloaded";
     m_Wnd.m_Store.Load();

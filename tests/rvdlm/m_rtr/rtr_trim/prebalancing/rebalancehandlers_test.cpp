@@ -1,10 +1,12 @@
 // The states of a re-balancing: what their events do.
 #include <fstream>
 
+#include "rvlib/math/vector.h"
 #include "tests/rvdlm/m_rtr/rtr_trim/prebalancing/sequencefixture.h"
 
 namespace {
 
+using math::MakeVector;
 using K = CKeyActions;
 using S = CSinglePlaneBalancing;
 using testing::Contains;
@@ -69,7 +71,7 @@ TEST_F(ReBalanceTest, TheCalibratedSpeedIsNeitherChangedNorHidden) {
 TEST_F(ReBalanceTest, CommitShowsTheStoredCorrection) {
     Reach(S::eReBalanceCommitWeights);
     ASSERT_EQ(m_pMethod->m_SetUAs.size(), 1U);
-    EXPECT_TRUE(m_pMethod->m_SetUAs[0].m_UA == Vector(1.5, -0.25));
+    EXPECT_TRUE(m_pMethod->m_SetUAs[0].m_UA == MakeVector(1.5, -0.25));
     EXPECT_TRUE(m_pMethod->m_SetUAs[0].m_bPercent);
     EXPECT_FALSE(m_pMethod->m_SetUAs[0].m_bAllowEqualAngles);
 }
@@ -258,11 +260,11 @@ TEST_F(ReBalanceTest, CheckShowsTheStoredCorrection) {
 TEST_F(ReBalanceTest, NextInCheckStoresThePositionsAndComputesAnew) {
     Reach(S::eReBalanceCheckWeights);
     const auto Steps = GetSteps();
-    m_pMethod->m_UA = Vector(0.1, 0.2);
+    m_pMethod->m_UA = MakeVector(0.1, 0.2);
     Next();
     EXPECT_EQ(GetState(), S::eReBalanceSetWeights);
-    EXPECT_TRUE(GetPlaneEntry().GetUA() == Vector(0.1, 0.2));
-    EXPECT_TRUE(m_pMath->m_GivenUA == Vector(0.1, 0.2));
+    EXPECT_TRUE(GetPlaneEntry().GetUA() == MakeVector(0.1, 0.2));
+    EXPECT_TRUE(m_pMath->m_GivenUA == MakeVector(0.1, 0.2));
     EXPECT_EQ(GetSteps(), Steps);
 }
 
@@ -335,7 +337,7 @@ TEST_P(ChangeWeightKeysTest, MoveTheWeightsAndTellTheNC) {
         }
         m_pMethod->m_Keys.clear();
         TakeCalls();
-        m_pMethod->m_Positions = Vector(i, 200 + i);
+        m_pMethod->m_Positions = MakeVector(i, 200 + i);
         EXPECT_EQ(Key(Action), 1);
         EXPECT_EQ(GetState(), GetParam().m_State);
         if (!bPlain && !bWeight && !bActive) {

@@ -25,7 +25,7 @@ public:
                                PreBalDB::CTypeBase::Direction Value) override {
         Note("SetRawUnbalanceVector " + Text(rAngles) + " " + std::to_string(Value));
     }
-    math::matrix<double> GetRawUnbalanceVector() override { return Vector(0, 180); }
+    math::matrix<double> GetRawUnbalanceVector() override { return math::MakeVector(0, 180); }
     int ApplyNeutralPositionXYValues() override {
         Note("ApplyNeutralPositionXYValues");
         return 1;
@@ -72,8 +72,8 @@ public:
     bool m_bThrow = false;
     std::uint32_t m_Status = 0;
     math::matrix<double> m_InvA = MakeInvA();
-    math::matrix<double> m_UA = Vector(0.75, 0.5);
-    math::matrix<double> m_RebalanceUA = Vector(-0.125, 1.5);
+    math::matrix<double> m_UA = math::MakeVector(0.75, 0.5);
+    math::matrix<double> m_RebalanceUA = math::MakeVector(-0.125, 1.5);
     math::matrix<double> m_GivenInvA;
     math::matrix<double> m_GivenUA;
     PreBalDB::CTypeBase::Direction m_Rotation = PreBalDB::CTypeBase::eClockwise;
@@ -113,7 +113,7 @@ protected:
         m_Entry.CreateSinglePlane().CreateWeightCompensationTableEntry();
         m_Entry.CreateSinglePlane().SetRotationDirection(PreBalDB::CTypeBase::eCounterClockwise);
         m_Entry.CreateSinglePlane().SetInvA(FakeStoredInvA());
-        m_Entry.CreateSinglePlane().SetUA(Vector(1.5, -0.25));
+        m_Entry.CreateSinglePlane().SetUA(math::MakeVector(1.5, -0.25));
         Make();
     }
 
@@ -153,7 +153,7 @@ protected:
     /// Positions in the store, as an earlier run left them.
     void StorePositions(bool bValid, bool bSinglePlane) {
         WeightPos2Plane Record;
-        Record.m_PositionsPlane1 = Vector(77, 266);
+        Record.m_PositionsPlane1 = math::MakeVector(77, 266);
         Record.m_PositionsValid = bValid;
         Record.m_SinglePlane = bSinglePlane;
         CWeightPositionStore::Set("000005_WHEEL1", Record);

@@ -10,10 +10,12 @@
 #include <tuple>
 #include <vector>
 
+#include "rvlib/math/vector.h"
 #include "tests/support/logcapture.h"
 
 namespace {
 
+using math::MakeVector;
 using PreBalDB::CTypeBase;
 using Matrix = math::matrix<double>;
 using Complex = std::complex<double>;
@@ -21,13 +23,6 @@ using Complex = std::complex<double>;
 constexpr auto CW = CTypeBase::eClockwise;
 constexpr auto CCW = CTypeBase::eCounterClockwise;
 constexpr std::uint32_t eSamples = 3;
-
-Matrix Vector(double x, double y) {
-    Matrix Result(2, 1);
-    Result(0, 0) = x;
-    Result(1, 0) = y;
-    return Result;
-}
 
 Complex ToComplex(const Matrix& rVector) {
     return {rVector(0, 0), rVector(1, 0)};
@@ -113,7 +108,7 @@ TEST(SinglePlaneBalancingMath, KnownUnitTakesTheDifferenceAsInfluence) {
 TEST(SinglePlaneBalancingMath, KnownUnitLeavesAUnitTransformation) {
     const CLogCapture Capture(true);
     CSinglePlaneBalancingMath Math(eSamples);
-    const Matrix TestWeights = Vector(30, 180);
+    const Matrix TestWeights = MakeVector(30, 180);
     Math.SetTestUnbalanceVector(&TestWeights, CW);
     Math.SetTestUnbalanceVector(nullptr, CW);
     const auto Lines = Capture.GetTexts("PbMath");
@@ -153,10 +148,10 @@ TEST(SinglePlaneBalancingMath, NeutralWeightsLeaveTheReadingAsItIs) {
     const CLogCapture Capture(true);
     CSinglePlaneBalancingMath Math(eSamples);
     Math.SetRotationDirection(CCW);
-    Math.SetRawUnbalanceVector(Vector(0, 180), CCW);
+    Math.SetRawUnbalanceVector(MakeVector(0, 180), CCW);
     Fill(Math, 300, -400);
     Math.ApplyNeutralPositionXYValues();
-    const Matrix TestWeights = Vector(30, 180);
+    const Matrix TestWeights = MakeVector(30, 180);
     Math.SetTestUnbalanceVector(&TestWeights, CCW);
     Fill(Math, 900, 100);
     EXPECT_EQ(CResult(Math).m_Status, 0U);
@@ -169,10 +164,10 @@ TEST(SinglePlaneBalancingMath, NeutralWeightsLeaveTheReadingAsItIs) {
 TEST(SinglePlaneBalancingMath, WeightsThatDidNotMoveGiveNoNumber) {
     CSinglePlaneBalancingMath Math(eSamples);
     Math.SetRotationDirection(CCW);
-    Math.SetRawUnbalanceVector(Vector(40, 100), CCW);
+    Math.SetRawUnbalanceVector(MakeVector(40, 100), CCW);
     Fill(Math, 100, 0);
     Math.ApplyNeutralPositionXYValues();
-    const Matrix TestWeights = Vector(40, 100);
+    const Matrix TestWeights = MakeVector(40, 100);
     Math.SetTestUnbalanceVector(&TestWeights, CCW);
     Fill(Math, 200, 0);
     // The infinite scale passes all tests on the way; the status says nothing about it.
@@ -183,23 +178,23 @@ TEST(SinglePlaneBalancingMath, WeightsThatDidNotMoveGiveNoNumber) {
 
 TEST(SinglePlaneBalancingMath, ClockwiseScaleStoresZeroAs360) {
     CSinglePlaneBalancingMath Math(eSamples);
-    Math.SetRawUnbalanceVector(Vector(0, 90), CW);
-    EXPECT_EQ(Math.GetRawUnbalanceVector(), Vector(360, 270));
-    Math.SetRawUnbalanceVector(Vector(0, 90), CCW);
-    EXPECT_EQ(Math.GetRawUnbalanceVector(), Vector(0, 90));
+    Math.SetRawUnbalanceVector(MakeVector(0, 90), CW);
+    EXPECT_EQ(Math.GetRawUnbalanceVector(), MakeVector(360, 270));
+    Math.SetRawUnbalanceVector(MakeVector(0, 90), CCW);
+    EXPECT_EQ(Math.GetRawUnbalanceVector(), MakeVector(0, 90));
 }
 
 TEST(SinglePlaneBalancingMath, RawPositionsAreCutToWholeDegreesAboveZero) {
     CSinglePlaneBalancingMath Math(eSamples);
-    Math.SetRawUnbalanceVector(Vector(10.9, -0.5), CCW);
-    EXPECT_EQ(Math.GetRawUnbalanceVector(), Vector(10, 359));
-    Math.SetRawUnbalanceVector(Vector(10.9, -30.0), CW);
-    EXPECT_EQ(Math.GetRawUnbalanceVector(), Vector(350, 30));
+    Math.SetRawUnbalanceVector(MakeVector(10.9, -0.5), CCW);
+    EXPECT_EQ(Math.GetRawUnbalanceVector(), MakeVector(10, 359));
+    Math.SetRawUnbalanceVector(MakeVector(10.9, -30.0), CW);
+    EXPECT_EQ(Math.GetRawUnbalanceVector(), MakeVector(350, 30));
 }
 
 TEST(SinglePlaneBalancingMath, StartsWithOpposedWeights) {
     CSinglePlaneBalancingMath Math(eSamples);
-    EXPECT_EQ(Math.GetRawUnbalanceVector(), Vector(0, 180));
+    EXPECT_EQ(Math.GetRawUnbalanceVector(), MakeVector(0, 180));
 }
 
 TEST(SinglePlaneBalancingMath, ClockwiseRotationMirrorsXIn16Bits) {
@@ -257,12 +252,12 @@ TEST(SinglePlaneBalancingMath, RebalancingGivesAnAbsoluteCompensationEachTime) {
     InvA.Null();
     InvA(0, 1) = -0.5;  // the factor i / 2
     InvA(1, 0) = 0.5;
-    Math.SetMathMatrices(InvA, Vector(1, 1));
+    Math.SetMathMatrices(InvA, MakeVector(1, 1));
     Fill(Math, 3, 4);
     for (int i = 0; i < 2; ++i) {  // reading it doesn't change what is stored
         Matrix UA(2, 1);
         Math.GetRebalanceResult(UA);
-        EXPECT_EQ(UA, Vector(3, -0.5));  // 1 + i - i / 2 * (3 + 4i)
+        EXPECT_EQ(UA, MakeVector(3, -0.5));  // 1 + i - i / 2 * (3 + 4i)
     }
     EXPECT_EQ(Math.AddXYValue(3, 4), 1);  // the window stays complete
 }
@@ -271,8 +266,8 @@ TEST(SinglePlaneBalancingMath, LogsItsCallsAndTheWeightsGeometry) {
     const CLogCapture Capture(true);
     CSinglePlaneBalancingMath Math(eSamples);
     Math.SetScalingDirection(CCW);
-    Math.SetRawUnbalanceVector(Vector(0, 180), CCW);
-    const Matrix TestWeights = Vector(30, 180);
+    Math.SetRawUnbalanceVector(MakeVector(0, 180), CCW);
+    const Matrix TestWeights = MakeVector(30, 180);
     Math.SetTestUnbalanceVector(&TestWeights, CW);
     Math.SetTestUnbalanceVector(nullptr, CCW);
     const auto Flow = Capture.GetTexts("PbFlow");
@@ -322,10 +317,10 @@ TEST_P(SinglePlanePublished, GivesThePublishedCorrection) {
         Fill(Math, static_cast<int>(std::lround(Reading.real())),
              static_cast<int>(std::lround(Reading.imag())));
     };
-    Math.SetRawUnbalanceVector(Vector(90, 270), CW);
+    Math.SetRawUnbalanceVector(MakeVector(90, 270), CW);
     Measure(Case.m_Amplitude0, Case.m_Phase0);
     Math.ApplyNeutralPositionXYValues();
-    const Matrix Pair = Vector(60, 300);
+    const Matrix Pair = MakeVector(60, 300);
     Math.SetTestUnbalanceVector(bPair ? &Pair : nullptr, CW);
     Measure(Case.m_Amplitude1, Case.m_Phase1);
     const CResult Result(Math);

@@ -32,7 +32,7 @@ TEST_F(TestRunTest, SpindleStopStatesWaitForSpeedZero) {
 
 TEST_F(TestRunTest, TestWeightsGoToTheMathematics) {
     Reach(S::eTestUnbalanceSetWeights);
-    m_pMethod->m_Positions = Vector(30, 180);
+    m_pMethod->m_Positions = math::MakeVector(30, 180);
     TakeCalls();
     Next();
     EXPECT_EQ(TakeCalls().front(), "Math.SetTestUnbalanceVector 30,180 1");

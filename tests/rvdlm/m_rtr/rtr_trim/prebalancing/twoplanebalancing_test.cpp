@@ -2,10 +2,12 @@
 // target for both, and pairs of different means.
 #include "platform/window/bitmap.h"
 #include "platform/window/dc.h"
+#include "rvlib/math/vector.h"
 #include "tests/rvdlm/m_rtr/rtr_trim/prebalancing/twoplanefixture.h"
 
 namespace {
 
+using math::MakeVector;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -429,8 +431,8 @@ TEST_F(TwoPlaneTest, RebalancingCalculatesFromTheStoredCalibration) {
     StopSpindle();
     ASSERT_EQ(GetState(), S::eReBalanceSetWeights);
     EXPECT_TRUE(m_pMath->m_GivenInvA == m_Entry.GetTwoPlane()->GetInvA());
-    EXPECT_TRUE(m_pMath->m_GivenUA1 == Vector(1.5, -0.25));
-    EXPECT_TRUE(m_pMath->m_GivenUA2 == Vector(-1.5, 0.5));
+    EXPECT_TRUE(m_pMath->m_GivenUA1 == MakeVector(1.5, -0.25));
+    EXPECT_TRUE(m_pMath->m_GivenUA2 == MakeVector(-1.5, 0.5));
     EXPECT_TRUE(m_pMethod1->m_SetUAs.back().m_UA == m_pMath->m_RebalanceUA1);
     EXPECT_TRUE(m_pMethod2->m_SetUAs.back().m_UA == m_pMath->m_RebalanceUA2);
     Next();
@@ -470,8 +472,8 @@ TEST_F(TwoPlaneTest, CommitStoresThePositionsOfBothPlanes) {
     ASSERT_TRUE(m_Wnd.m_Store.Contains("000005_WHEEL1"));
     const WeightPos2Plane Record = m_Wnd.m_Store.Get("000005_WHEEL1");
     EXPECT_FALSE(Record.m_SinglePlane);
-    EXPECT_TRUE(Record.m_PositionsPlane1 == Vector(11, 22));
-    EXPECT_TRUE(Record.m_PositionsPlane2 == Vector(33, 44));
+    EXPECT_TRUE(Record.m_PositionsPlane1 == MakeVector(11, 22));
+    EXPECT_TRUE(Record.m_PositionsPlane2 == MakeVector(33, 44));
 }
 
 TEST_F(TwoPlaneTest, StoredPositionsAreAdoptedInBothPlanes) {
@@ -479,15 +481,15 @@ TEST_F(TwoPlaneTest, StoredPositionsAreAdoptedInBothPlanes) {
     m_pSequence->CommitChanges();
     Reach(S::eNeutralPosSpindleStop);
     EXPECT_EQ(m_Wnd.GetMenu(), 29);
-    m_pMethod1->m_Positions = Vector(0, 180);
-    m_pMethod2->m_Positions = Vector(0, 180);
+    m_pMethod1->m_Positions = MakeVector(0, 180);
+    m_pMethod2->m_Positions = MakeVector(0, 180);
     TakeCalls();
     Key(K::ePositionAdoption);
     EXPECT_EQ(GetState(), S::eNeutralPosRPMStart);
     EXPECT_EQ(GetSteps(), std::make_pair(3U, 16U));
     EXPECT_THAT(TakeCalls(), Contains("Math.SetRawUnbalanceVectorsAngles 11,22 33,44 1 0"));
-    EXPECT_TRUE(m_pMethod1->m_Positions == Vector(11, 22));
-    EXPECT_TRUE(m_pMethod2->m_Positions == Vector(33, 44));
+    EXPECT_TRUE(m_pMethod1->m_Positions == MakeVector(11, 22));
+    EXPECT_TRUE(m_pMethod2->m_Positions == MakeVector(33, 44));
 }
 
 TEST_F(TwoPlaneTest, StoredPositionsOfOnePlaneAreNotOffered) {

@@ -76,10 +76,10 @@ public:
     std::uint32_t m_Case1Status = 0;
     std::uint32_t m_Status = 0;
     Matrix m_InvA = MakeDiagonal(3.0);
-    Matrix m_UA1 = Vector(0.75, 0.5);
-    Matrix m_UA2 = Vector(-0.75, 0.25);
-    Matrix m_RebalanceUA1 = Vector(-0.125, 1.5);
-    Matrix m_RebalanceUA2 = Vector(0.125, -1.5);
+    Matrix m_UA1 = math::MakeVector(0.75, 0.5);
+    Matrix m_UA2 = math::MakeVector(-0.75, 0.25);
+    Matrix m_RebalanceUA1 = math::MakeVector(-0.125, 1.5);
+    Matrix m_RebalanceUA2 = math::MakeVector(0.125, -1.5);
     Matrix m_GivenInvA;
     Matrix m_GivenUA1;
     Matrix m_GivenUA2;
@@ -119,8 +119,8 @@ protected:
         m_Entry.CreateTwoPlane().CreatePlane1WeightCompensationTableEntry();
         m_Entry.CreateTwoPlane().CreatePlane2WeightCompensationTableEntry();
         m_Entry.CreateTwoPlane().SetInvA(CFakeTwoPlaneMath::MakeDiagonal(7.0));
-        m_Entry.CreateTwoPlane().SetUAPlane1(Vector(1.5, -0.25));
-        m_Entry.CreateTwoPlane().SetUAPlane2(Vector(-1.5, 0.5));
+        m_Entry.CreateTwoPlane().SetUAPlane1(math::MakeVector(1.5, -0.25));
+        m_Entry.CreateTwoPlane().SetUAPlane2(math::MakeVector(-1.5, 0.5));
         Make();
     }
 
@@ -133,9 +133,9 @@ protected:
         m_pMethod1 = pMethod1.get();
         m_pMethod2 = pMethod2.get();
         m_pMath = pMath.get();
-        m_pMethod1->m_Positions = Vector(11, 22);
-        m_pMethod2->m_Positions = Vector(33, 44);
-        m_pMethod2->m_UA = Vector(-0.5, 0.125);
+        m_pMethod1->m_Positions = math::MakeVector(11, 22);
+        m_pMethod2->m_Positions = math::MakeVector(33, 44);
+        m_pMethod2->m_UA = math::MakeVector(-0.5, 0.125);
         m_pMethod2->m_Scaling = PreBalDB::CTypeBase::eClockwise;
         m_pMethod1->m_bHasPositions = m_Means1 == PreBalDB::CCompensationTableEntry::eWeights;
         m_pMethod2->m_bHasPositions = m_Means2 == PreBalDB::CCompensationTableEntry::eWeights;
