@@ -66,7 +66,7 @@ std::string ReadServer(const CJsonFields& rFields) {
 
 /// Files are told relative to the one that names them.
 std::string ReadFileName(const CJsonFields& rFields, std::string_view Name, const fs::path& rDirectory) {
-    const std::string File = rFields.GetText(Name, "", eMaxText);
+    std::string File = rFields.GetText(Name, "", eMaxText);
     if (File.empty()) {
         return File;
     }
