@@ -82,6 +82,7 @@ LRESULT CPreBalancingMainWnd::OnDestroyPending(WPARAM, LPARAM) {
     if (m_pPrebalancingSequence != nullptr) {
         bSaved = CommitAndSave();
         m_pPrebalancingSequence.reset();
+        KillTimer(eSilenceTimer);  // the configuration isn't shown again, which would do it
         m_Menu = Menus::eNone;
         if (CWnd* const pParent = GetParent()) {
             pParent->SendMessage(WM_RV_SETMENU, static_cast<WPARAM>(m_Menu));

@@ -124,7 +124,8 @@ void CWeightBalancingMethod::SetDisplayMode(DisplayMode Mode) {
         const int Offset = m_pMainWnd->GetSpeedIncrement();
         int& rLow = m_AngleWeight1 < m_AngleWeight2 ? m_AngleWeight1 : m_AngleWeight2;
         const int Distance = std::abs(m_AngleWeight1 - m_AngleWeight2);
-        // Towards the other weight, so that the pair's sum grows.
+        // On past the angle 0, away from the other weight, unless that is opposite or beyond: then towards
+        // it.
         rLow = Wrap(Distance >= 180 ? rLow + Offset : rLow - Offset);
     }
 }

@@ -137,6 +137,27 @@ TEST_F(CMainWndRunControlTest, DestroyPendingDropsAnUnfinishedRun) {
     EXPECT_TRUE(IsStoredCalibrated(Key));
 }
 
+// In a run the window asks a module that speaks, but never of its state, for that; behind it no more.
+TEST_F(CMainWndRunControlTest, DestroyPendingEndsTheWatchForSilence) {
+    Open();
+    ReportRPM(0, 3000);
+    Act(102);
+    const auto CountQueriesIn3Seconds = [this] {
+        m_Module.m_Calls.clear();
+        for (int i = 0; i < 12; ++i) {
+            // The buffer's handle, an unused byte, and a frame.
+            const std::vector<std::uint8_t> Buffer = {0, 0, 0, 0x1C, 5, 1, 0};
+            m_pWnd->SendMessage(WM_RV_RAWDATA_FIRST, reinterpret_cast<WPARAM>(Buffer.data()),
+                                static_cast<LPARAM>(Buffer.size()));
+            m_Loop.Advance(250);
+        }
+        return std::ranges::count(m_Module.m_Calls, "state");
+    };
+    EXPECT_EQ(CountQueriesIn3Seconds(), 1);
+    DestroyPending();
+    EXPECT_EQ(CountQueriesIn3Seconds(), 0);
+}
+
 TEST_F(CMainWndRunControlTest, DestroyPendingWithoutDatabaseOnlyClears) {
     LinkOpc();
     Create();

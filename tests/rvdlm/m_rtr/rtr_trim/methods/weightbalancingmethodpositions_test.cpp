@@ -48,7 +48,7 @@ TEST_F(WeightMethodPositions, TestPositionTakesTheSpeedIncrement) {
     EXPECT_EQ(At(*pMethod), Positions(10, 180));
 }
 
-TEST_F(WeightMethodPositions, TestPositionMovesTheLowWeightTowardsTheOther) {
+TEST_F(WeightMethodPositions, TestPositionMovesTheLowWeightUpFromHalfATurnOnAndElseDown) {
     const auto pMethod = Make();
     Put(*pMethod, 10, 200);
     pMethod->SetDisplayMode(Method::eTestUnbalance);

@@ -384,6 +384,34 @@ TEST_F(TwoPlaneTest, CapacityShortInOnePlaneWarnsWithTheLargerPercentageAndTheRu
     StopSpindle();
     EXPECT_EQ(GetState(), S::ePreBalanceSetWeights);
     EXPECT_EQ(m_Wnd.m_WarningModes.back(), 6U);
+    EXPECT_EQ(m_pSequence->GetPercent(), 12.5);
+}
+
+TEST_F(TwoPlaneTest, CapacityShortInASetCorrectionWarnsWithTheLargerPercentageAndTheRunGoesOn) {
+    Reach(S::eReBalanceSpindleStop);
+    m_pMethod1->m_bReached = false;
+    m_pMethod1->m_Percent = 20.25;
+    m_pMethod2->m_Percent = 4.0;
+    StopSpindle();
+    EXPECT_EQ(GetState(), S::eReBalanceSetWeights);
+    EXPECT_EQ(m_Wnd.m_WarningModes.back(), 6U);
+    EXPECT_EQ(m_pSequence->GetPercent(), 20.25);
+    EXPECT_THAT(m_Log.GetTexts("Warning"),
+                Contains("Compensation SetUA failed 20.25% failure (not enough capacity)"));
+    EXPECT_EQ(m_Wnd.GetMenu(), 8);
+}
+
+TEST_F(TwoPlaneTest, CapacityShortInTheFirstMeasurementRefusesARebalancing) {
+    Calibrate();
+    Make();
+    m_pMethod1->m_bReached = false;
+    m_pMethod1->m_Percent = 7.5;
+    EXPECT_NE(m_pSequence->StartReBalancing(eSpeed, 0, 0), 0);
+    EXPECT_EQ(GetState(), S::eFailureWithReset);
+    EXPECT_THAT(m_Wnd.m_WarningModes, IsSupersetOf({6U, 7U}));
+    EXPECT_THAT(m_Log.GetTexts("Warning"),
+                IsSupersetOf({"Compensation SetUA failed 7.50% failure (not enough capacity)",
+                              "Compensation SetUA failed (not enough capacity)"}));
 }
 
 TEST_F(TwoPlaneTest, CapacityShortInOnePlaneRefusesARebalancing) {
@@ -472,6 +500,7 @@ TEST_F(TwoPlaneTest, CommitStoresThePositionsOfBothPlanes) {
     ASSERT_TRUE(m_Wnd.m_Store.Contains("000005_WHEEL1"));
     const WeightPos2Plane Record = m_Wnd.m_Store.Get("000005_WHEEL1");
     EXPECT_FALSE(Record.m_SinglePlane);
+    EXPECT_TRUE(Record.m_PositionsValid);
     EXPECT_TRUE(Record.m_PositionsPlane1 == MakeVector(11, 22));
     EXPECT_TRUE(Record.m_PositionsPlane2 == MakeVector(33, 44));
 }
