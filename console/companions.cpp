@@ -207,6 +207,7 @@ void CCompanions::StartNc(const COptions& rOptions) {
     m_pNc = std::make_unique<CProcess>("nc-simulator", Arguments,
                                        [this](const std::string& rLine) { TakeNcLine(rLine); });
     m_pNc->WaitUntil([this] { return m_Opc.has_value(); });
+    fs::remove(Directory / "password");  // it has been read; should we be killed, it is not left behind
 }
 
 void CCompanions::TakeNcLine(const std::string& rLine) {

@@ -25,6 +25,11 @@ constexpr CKey INC_WEIGHT2{eActionIncWeight2, eFlagIncrement, "SK_WEIGHT2_PLUS",
 constexpr CKey SELECT_WEIGHT{eActionSelectWeight, eFlagNone, "SK_SELECT_WEIGHT"};
 constexpr CKey SELECT_STEP{eActionSelectStep, eFlagNone, "SK_SELECT_STEP"};
 
+constexpr CKey CHANGE_SCREWS{eActionExtras, eFlagNone, "SK_CHANGE_SCREWS"};
+constexpr CKey NEXT_SCREW{eActionIncrement, eFlagNone, "SK_NEXT_SCREW"};
+constexpr CKey PREVIOUS_SCREW{eActionDecrement, eFlagNone, "SK_PREVIOUS_SCREW"};
+constexpr CKey NO_SCREWS{eActionNeutralPosition, eFlagNone, "SK_NO_SCREWS"};
+
 constexpr std::array CONFIGURATION = {CKey{eActionStart, eFlagNone, "SK_PREBALANCE"},
                                       CKey{eActionRebalance, eFlagNone, "SK_REBALANCE"},
                                       CKey{eActionNextTab, eFlagNone, "SK_NEXT_TAB"}};
@@ -44,6 +49,11 @@ constexpr std::array CHANGE_ACTIVE = {NEXT, SELECT_WEIGHT, SELECT_STEP, DEC_ACTI
 constexpr std::array CHANGE_ACTIVE_OF_TWO_PLANES = {
     NEXT, TOGGLE_PLANE, SELECT_WEIGHT, SELECT_STEP, DEC_ACTIVE, INC_ACTIVE, END};
 
+constexpr std::array SET_SCREWS = {NEXT, CHANGE_SCREWS, END};
+constexpr std::array CHANGE_TEST_SCREW = {NEXT, PREVIOUS_SCREW, NEXT_SCREW, END};
+constexpr std::array CHANGE_SCREWS_OF_ONE_PLANE = {NEXT, NO_SCREWS, END};
+constexpr std::array CHANGE_SCREWS_OF_TWO_PLANES = {NEXT, TOGGLE_PLANE, NO_SCREWS, END};
+
 struct CMenu {
     std::int32_t m_Menu;
     std::span<const CKey> m_Keys;
@@ -52,12 +62,15 @@ struct CMenu {
 constexpr std::array MENUS = {
     CMenu{-1, CONFIGURATION},
     CMenu{0, CONFIRM},
+    CMenu{3, CHANGE_TEST_SCREW},
     CMenu{4, WAITING},
     CMenu{5, FINAL},
     CMenu{6, CHANGE_BOTH},
     CMenu{7, WAITING},
     CMenu{8, MEASURED_OR_SET},
     CMenu{9, CHANGE_BOTH_OF_TWO_PLANES},
+    CMenu{12, CHANGE_SCREWS_OF_ONE_PLANE},
+    CMenu{13, CHANGE_SCREWS_OF_TWO_PLANES},
     CMenu{14, STOP_SCREWS},
     CMenu{19, NEUTRAL_WEIGHTS_STORED},
     // 20 to 23 (two planes) and 24 to 27 (one): which weight is active and how far it moves; the page says
@@ -74,7 +87,7 @@ constexpr std::array MENUS = {
     CMenu{29, STOP_WEIGHTS_STORED},
     CMenu{30, NEUTRAL_WEIGHTS},
     CMenu{32, NEUTRAL_WEIGHTS},
-    CMenu{33, CONFIRM},
+    CMenu{33, SET_SCREWS},
 };
 
 }  // namespace

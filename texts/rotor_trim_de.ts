@@ -401,5 +401,25 @@
         <extracomment>Softkey: make the other plane the active one</extracomment>
         <translation>Andere Ebene</translation>
     </message>
+    <message id="SK_CHANGE_SCREWS">
+        <source>Change screws</source>
+        <extracomment>Softkey: choose other screws than shown</extracomment>
+        <translation>Schrauben ändern</translation>
+    </message>
+    <message id="SK_NEXT_SCREW">
+        <source>Next screw</source>
+        <extracomment>Softkey: the next screw of the table serves as the test screw</extracomment>
+        <translation>Nächste Schraube</translation>
+    </message>
+    <message id="SK_PREVIOUS_SCREW">
+        <source>Previous screw</source>
+        <extracomment>Softkey: the one before in the table serves as the test screw</extracomment>
+        <translation>Vorige Schraube</translation>
+    </message>
+    <message id="SK_NO_SCREWS">
+        <source>No screws</source>
+        <extracomment>Softkey: all screws are out</extracomment>
+        <translation>Keine Schrauben</translation>
+    </message>
 </context>
 </TS>

@@ -169,11 +169,17 @@ void Migrate(CDirectSQL& rConnection) {
                    static_cast<int>(Version), eCurrentVersion);
 }
 
+/// All that ReadVersion asks, of one state of the store: another console may be making it just now.
+std::int64_t LookAtVersion(CDirectSQL& rConnection) {
+    const CTransaction Transaction(rConnection, CTransaction::eReading);
+    return ReadVersion(rConnection);
+}
+
 }  // namespace
 
 void Prepare(CDirectSQL& rConnection) {
     try {
-        const std::int64_t Version = ReadVersion(rConnection);
+        const std::int64_t Version = LookAtVersion(rConnection);
         CheckNotNewer(rConnection, Version);
         CheckPages(rConnection);
         if (Version < eCurrentVersion) {

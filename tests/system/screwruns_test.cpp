@@ -1,6 +1,6 @@
 // Whole runs with screws: test screw in hole 1, correction, verification, re-balancing, judged by the rotor's
 // physics and by a search of all placements.
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <algorithm>
 #include <cmath>
@@ -174,4 +174,39 @@ TEST(ScrewRun, ChangedMeansNeedACalibrationOfTheirOwn) {
     EXPECT_EQ(Run.Run(Procedure::eRebalance), eExitFailed);
     EXPECT_NE(Run.Run(Procedure::ePrebalance), eExitFailed);
     EXPECT_NE(Run.Run(Procedure::eRebalance), eExitFailed);
+}
+
+/// The keys of the menus lead an operator to another test screw, which is then the one to fit and the
+/// reference.
+TEST(ScrewKeys, TheOperatorChoosesAnotherTestScrew) {
+    const auto FitTestScrew = [](bool bNextScrew) {
+        CWholeRun Run(CRotorFile::GetBuiltIn());
+        Run.m_Options.m_Methods = {"screws"};
+        Run.m_Options.m_ScrewTable = {1.0, 2.0, 3.0};
+        Run.OnSituation = [bNextScrew](const CSituation& rSituation, CConsoleSession& rSession) {
+            const auto Press = [&](Softkeys::Action Wanted) {
+                const Softkeys::CKey* const pKey = Softkeys::FindKey(rSession.Look().m_Menu, Wanted);
+                ASSERT_NE(pKey, nullptr) << rSession.Look().m_Menu;
+                rSession.PressKey(*pKey);
+            };
+            if (bNextScrew && rSituation.m_Progress.m_State == "eTestUnbalanceSetWeights" &&
+                Softkeys::FindKey(rSituation.m_Menu, Softkeys::eActionExtras) != nullptr) {
+                Press(Softkeys::eActionExtras);
+                // The menu comes by message, as everything that the host is told.
+                IFEventLoop::Current().RunUntil(
+                    [&] {
+                        return Softkeys::FindKey(rSession.Look().m_Menu, Softkeys::eActionIncrement) !=
+                               nullptr;
+                    },
+                    100);
+                Press(Softkeys::eActionIncrement);
+            }
+        };
+        Run.Run(Procedure::ePrebalance);
+        return Run.m_Lines;
+    };
+    const auto Fits = [](const char* pScrew) { return testing::Contains(testing::HasSubstr(pScrew)); };
+    // The middle of the table, unless somebody chooses.
+    EXPECT_THAT(FitTestScrew(false), Fits("screws of plane 1: 2 g in hole 1"));
+    EXPECT_THAT(FitTestScrew(true), Fits("screws of plane 1: 3 g in hole 1"));
 }
