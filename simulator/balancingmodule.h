@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
-#include "simulator/faults.h"
 #include "platform/system/timer.h"
+#include "simulator/faults.h"
 
 class CRotor;
 class CSpindle;

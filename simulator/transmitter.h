@@ -4,8 +4,8 @@
 #include <span>
 #include <vector>
 
-#include "simulator/faults.h"
 #include "platform/system/timer.h"
+#include "simulator/faults.h"
 
 class IFByteLink;
 

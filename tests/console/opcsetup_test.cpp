@@ -90,8 +90,8 @@ TEST_F(COpcSetupTest, AFingerprintMayBeWrittenWithColons) {
 TEST_F(COpcSetupTest, CertificateFilesAreFoundBesideTheFile) {
     std::ofstream(fs::path(m_Directory.GetPath()) / "user.pem") << "x";
     std::ofstream(fs::path(m_Directory.GetPath()) / "user-key.pem") << "x";
-    const auto Configuration = Read(
-        R"({"server": "opc.tcp://nc", "user_certificate": "user.pem", "user_key": "user-key.pem"})");
+    const auto Configuration =
+        Read(R"({"server": "opc.tcp://nc", "user_certificate": "user.pem", "user_key": "user-key.pem"})");
     ASSERT_TRUE(Configuration) << m_Error;
     EXPECT_TRUE(fs::is_regular_file(Configuration->m_UserCertificate));
     EXPECT_THAT(Configuration->m_UserKey, EndsWith("/user-key.pem"));
