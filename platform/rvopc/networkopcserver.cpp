@@ -117,7 +117,12 @@ void CNetworkOpcServer::OnLine(const std::string& rLine) {
 }
 
 void CNetworkOpcServer::OnConnected() {
-    RV_INFORMATION(g_pLog, "connected to the NC");
+    if (m_LastReason.empty()) {
+        RV_INFORMATION(g_pLog, "connected to the NC");
+    } else {
+        // As visible as the outage that it ends.
+        RV_WARNING(g_pLog, "connected to the NC again");
+    }
     m_State = State::eConnected;
     m_LastReason.clear();
     // In the order in which they were made: the NC must not see a step before the answer that precedes it.

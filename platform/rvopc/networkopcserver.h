@@ -25,7 +25,7 @@
 ///   which is not told: it was there before we were ready.
 /// - When the last subscription of an item ends, what is known of the item is forgotten with it: nobody is
 /// left
-///   to answer a request, so none may be overwritten.
+///   here to answer a request, so none may be overwritten.
 ///
 /// While a connection stands, every change is told in order, our own writes among them: when both sides write
 /// at once, what matters is the order in which the server took it.
