@@ -61,7 +61,11 @@ int CPlane::AddMirrored(std::int16_t x, std::int16_t y, bool bMirror) {
 }
 
 math::matrix<double> CPlane::CalculateSmoothedValue() const {
-    RV_ASSERT(RtrTrim::g_pLog, m_MovingAverage.GetValuesComplete(), "must be complete!");
+    if (m_MovingAverage.GetValuesComplete() == 0 && RtrTrim::g_pLog != nullptr) {
+        // With the class in the function's name, which tells it from the operation of a single plane.
+        RtrTrim::g_pLog->LogAssert(__FILE__, __LINE__, "CPlane::CalculateSmoothedValue",
+                                   "m_MovingAverage.GetValuesComplete()", "must be complete!", false);
+    }
     double x = 0.0;
     double y = 0.0;
     m_MovingAverage.GetValues(nullptr, nullptr, nullptr, &x, &y);

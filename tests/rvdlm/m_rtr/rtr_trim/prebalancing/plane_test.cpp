@@ -223,6 +223,13 @@ TEST_F(PlaneTest, WindowThatIsNotCompleteIsAssertedAndItsAverageTaken) {
     EXPECT_EQ(ToComplex(m_Master.GetFirstMeasurementUnbalance()), Complex(30, 40));
 }
 
+TEST_F(PlaneTest, AssertionOfAnIncompleteWindowNamesTheClassAndTheExpression) {
+    m_Slave.SetUnbalance(CPlane::ubtRebal);
+    ASSERT_EQ(m_Log.GetAssertions().size(), 1U);
+    EXPECT_EQ(m_Log.GetRecords().front().m_Function, "CPlane::CalculateSmoothedValue");
+    EXPECT_EQ(m_Log.GetRecords().front().m_Expression, "m_MovingAverage.GetValuesComplete()");
+}
+
 TEST_F(PlaneTest, DumpsKeepTheirNames) {
     const CLogCapture Log(true);
     const auto Run = [](CPlane& rPlane, CPlane::UnbalanceType Second, CPlane::UnbalanceType Third) {
