@@ -20,7 +20,7 @@ namespace {
 
 constexpr std::string_view TcpPrefix = "tcp:";
 /// A client that asks and asks and never reads is hung up on.
-constexpr qint64 eMaxUnread = 4 * 1024 * 1024;
+constexpr qint64 eMaxUnread = qint64{4} * 1024 * 1024;
 
 }  // namespace
 

@@ -208,7 +208,7 @@ TEST_F(CNetworkOpcServerTest, ItIsConnectedWhileTheGatewaySaysSo) {
     EXPECT_FALSE(m_pServer->IsConnected());
 }
 
-TEST_F(CNetworkOpcServerTest, AnOutageIsLoggedOncePerReason) {
+TEST_F(CNetworkOpcServerTest, AnOutageIsLoggedOncePerReasonAndSoIsItsEnd) {
     Connect();
     SayLost("refused");
     SayLost("refused");
@@ -217,7 +217,7 @@ TEST_F(CNetworkOpcServerTest, AnOutageIsLoggedOncePerReason) {
     SayLost("timeout");
     EXPECT_THAT(m_Log.GetTexts("Warning"),
                 ElementsAre("no connection to the NC: refused", "no connection to the NC: timeout",
-                            "no connection to the NC: timeout"));
+                            "connected to the NC again", "no connection to the NC: timeout"));
 }
 
 // Values on the wire
