@@ -15,14 +15,20 @@
 //     of deviation less than Low, in order. If it ends without a sure acceptance (a chain of near-ties), it
 //     is repeated with a larger Bound; with Bound >= eStart the state is known from the start.
 // (4) With S known and S <= eMargin nothing is better by the margin, and the walk ends.
-// (5) Within a set of holes placements are found in another order. They are sorted into the enumeration's
+// (5) Low may be lowered at any time: S >= Low stays true. What is lost is the knowledge of S, until the next
+//     sure acceptance. So as soon as a placement of deviation D is met, wherever in its set, Low becomes D +
+//     m_Window if it was more: the crowd of placements between is never looked at. m_Window is several times
+//     eMargin, so that placement is surely taken when its turn comes, unless a chain of near-ties precedes
+//     it; then (3) repeats the walk with a larger m_Window, which in the end lowers nothing any more.
+// (6) Within a set of holes placements are found in another order. They are sorted into the enumeration's
 //     before the rule is applied, and by (1) those that an earlier one equals or beats may be dropped.
-// (6) If those left are more than there is room for, the set is searched anew in two slices, the placements
-// of
-//     the enumeration's first half and then those of its second; and so on. Each slice is decided before the
-//     next is searched, so the order stays that of the enumeration.
+// (7) If those left are more than there is room for, the set is searched anew in two slices, the placements
+//     of the enumeration's first half and then those of its second; and so on. Each slice is decided before
+//     the next is searched, so the order stays that of the enumeration.
 //
-// A good Bound makes the search fast, but has no part in its being right.
+// A good Bound makes the search fast, but has no part in its being right. EstimateBest finds one by rounding
+// the real-valued solutions of sets of holes that are spread over the walk; and of all sets that can come
+// nearer than the best so far, if that is still farther away than the weights are apart.
 //
 // What isn't looked at lies outside the disc of radius sqrt(Low) around the target. All sums computed here
 // err by less than some 30 units in the last place of the largest length that occurs (three weights and the
@@ -32,7 +38,11 @@
 //
 // Geometry: the sums that a set of holes reaches lie in a hexagon, the meeting of three strips, each the
 // range of the sum's cross product with one of the directions. With one weight fixed the other two follow
-// from the target by Cramer's rule, up to reach / |sin| of the angle between them.
+// from the target by Cramer's rule, up to reach / |sin| of the angle between them. If the weights come in
+// groups with wide gaps between them, the hexagon is nearly empty: then the set is taken apart into boxes, a
+// group for each screw, and each box is a hexagon of its own. A hexagon is left out if along some axis the
+// target lies farther beyond all of its sums than the disc reaches; and along that axis the screws must bring
+// what is missing to the disc's near side, which bounds each of them by what the others bring at most.
 #include "rvdlm/m_rtr/rtr_trim/methods/screwsearch.h"
 
 #include <algorithm>
@@ -45,40 +55,6 @@ namespace {
 using CVector = CScrewSearch::CVector;
 
 constexpr double ePi = 3.141592653589793;
-
-double Cross(CVector a, CVector b) {
-    return a.x * b.y - a.y * b.x;
-}
-
-double Dot(CVector a, CVector b) {
-    return a.x * b.x + a.y * b.y;
-}
-
-CVector Less(CVector a, double Factor, CVector b) {
-    return {a.x - Factor * b.x, a.y - Factor * b.y};
-}
-
-/// A range that is narrowed by bounds.
-struct CRange {
-    double m_Low;
-    double m_High;
-
-    void AtLeast(double Value) { m_Low = std::max(m_Low, Value); }
-    void AtMost(double Value) { m_High = std::min(m_High, Value); }
-    bool IsEmpty() const { return m_Low > m_High; }
-    /// x such that Low <= a - b * x <= High. Slack for the rounding of the quotients.
-    void Clip(double a, double b, double Low, double High, double Slack) {
-        constexpr double eParallel = 1e-9;
-        if (std::abs(b) < eParallel) {
-            return;  // x has next to no influence here: what is lost is only some pruning
-        }
-        const double Inverse = 1.0 / b;
-        const double First = (a - Low) * Inverse;
-        const double Second = (a - High) * Inverse;
-        AtLeast(std::min(First, Second) - Slack);
-        AtMost(std::max(First, Second) + Slack);
-    }
-};
 
 }  // namespace
 
@@ -101,7 +77,6 @@ CScrewSearch::CScrewSearch(std::span<const double> Table, bool bThreeScrews, int
         m_CrossHigh.push_back(std::max(AtMin, AtMax));
     }
     m_Cross.resize(m_nHoles);
-    m_Along.resize(m_nHoles);
     m_MaxAlong.resize(m_nHoles);
 }
 
@@ -126,7 +101,8 @@ double CScrewSearch::GetDeviation(CVector Sum) const {
 void CScrewSearch::SetTarget(CVector Target) {
     m_Target = Target;
     m_Length = std::hypot(Target.x, Target.y);
-    m_Axis = m_Length > 0.0 ? CVector{Target.x / m_Length, Target.y / m_Length} : CVector{1.0, 0.0};
+    const CVector Axis =
+        m_Length > 0.0 ? CVector{Target.x / m_Length, Target.y / m_Length} : CVector{1.0, 0.0};
     const double Scale = 3.0 * m_Largest + m_Length;
     // The bounds work with squares and need finite numbers. Far beyond all tons that a machine can turn, the
     // enumeration itself is good enough.
@@ -135,8 +111,8 @@ void CScrewSearch::SetTarget(CVector Target) {
     m_Rounding = 1e-13 * Scale;
     for (std::size_t i = 0; i < m_nHoles; ++i) {
         m_Cross[i] = Cross(m_Directions[i], Target);
-        m_Along[i] = Dot(m_Directions[i], m_Axis);
-        m_MaxAlong[i] = std::max(m_Along[i] * m_Weights.GetMin(), m_Along[i] * m_Weights.GetMax());
+        const double Along = Dot(m_Directions[i], Axis);
+        m_MaxAlong[i] = std::max(Along * m_Weights.GetMin(), Along * m_Weights.GetMax());
     }
 }
 
@@ -149,9 +125,9 @@ std::optional<CScrewSearch::CPlacement> CScrewSearch::Find(CVector Target) {
     SetTarget(Target);
     const double Estimate = m_bPlain ? eStart : EstimateBest();
     // Clear of the margin, and of rounding where the estimate is large.
-    double Window = 4.0 * eMargin + 1e-14 * Estimate;
-    while (!Walk(Estimate + Window)) {
-        Window = Window * 8.0;
+    m_Window = 4.0 * eMargin + 1e-14 * Estimate;
+    while (!Walk(Estimate + m_Window)) {
+        m_Window *= 8.0;
     }
     return m_Best;
 }
@@ -176,84 +152,112 @@ double CScrewSearch::EstimateBest() {
     const std::size_t n = m_nHoles;
     const std::size_t nSets = m_bThree ? n * (n - 1) / 2 * (n - 2) / 3 : n * (n - 1) / 2;
     const std::size_t nStride = nSets / eSamples + 1;
-    double Best = std::numeric_limits<double>::infinity();
-    m_Reach = 0.0;
+    // Farther away is no placement.
+    const double Scale = 3.0 * m_Largest + m_Length;
+    m_Low = Scale * Scale;
+    m_Reach = Scale + 2.0 * m_Rounding;
     std::size_t nUntilSample = nStride / 2;
-    ForEachSet(m_nHoles, [&](const CHoles& rHoles) {
+    ForEachSet(n, [&](const CHoles& rHoles) {
         if (nUntilSample-- == 0) {
             nUntilSample = nStride - 1;
-            if (CanReach(rHoles)) {
-                Best = std::min(Best, EstimateInSet(rHoles));
-            }
+            EstimateInSet(rHoles);
         }
         return true;
     });
-    const double Spacing =
-        (m_Weights.GetMax() - m_Weights.GetMin()) / static_cast<double>(m_Weights.GetSize());
-    if (Best <= Spacing * Spacing) {
-        return Best;
+    double Ranges = 0.0;
+    for (const auto& rGroup : m_Weights.GetGroups()) {
+        Ranges += rGroup.m_Max - rGroup.m_Min;
     }
-    // Hardly or not in reach: then the holes that lie nearest to the target's direction hold the best
-    // placement.
+    const double Spacing = Ranges / static_cast<double>(m_Weights.GetSize());
+    if (m_Low <= Spacing * Spacing) {
+        return m_Low;
+    }
+    // Few sets get near the target. If it is out of reach, those do whose holes are nearest to its direction.
     constexpr std::size_t eNear = 6;
     const double Turns = std::atan2(m_Target.y, m_Target.x) / (2.0 * ePi);
     const auto Nearest = static_cast<std::size_t>(std::floor((Turns + 1.0) * static_cast<double>(n)));
     const std::size_t nNear = std::min(eNear, n);
-    std::vector<std::size_t> Near;
+    std::array<std::size_t, eNear> Near{};
     for (std::size_t i = 0; i < nNear; ++i) {
-        Near.push_back((Nearest + n * eNear + i - (nNear / 2 - 1)) % n);
+        Near[i] = (Nearest + n * eNear + i - (nNear / 2 - 1)) % n;
     }
-    std::sort(Near.begin(), Near.end());
+    std::sort(Near.begin(), Near.begin() + nNear);
     ForEachSet(nNear, [&](const CHoles& rPlaces) {
-        m_Reach = std::sqrt(Best);
-        const CHoles Holes{Near[rPlaces[0]], Near[rPlaces[1]], m_bThree ? Near[rPlaces[2]] : 0};
-        if (CanReach(Holes)) {
-            Best = std::min(Best, EstimateInSet(Holes));
-        }
+        EstimateInSet({Near[rPlaces[0]], Near[rPlaces[1]], m_bThree ? Near[rPlaces[2]] : 0});
         return true;
     });
-    return Best;
+    ForEachSet(n, [&](const CHoles& rHoles) {
+        EstimateInSet(rHoles);
+        return true;
+    });
+    return m_Low;
 }
 
-double CScrewSearch::EstimateInSet(const CHoles& rHoles) {
+void CScrewSearch::EstimateInSet(const CHoles& rHoles) {
+    if (!CanReach(rHoles)) {
+        return;
+    }
+    if (m_bThree) {
+        const CScrewSet Set = MakeSet(rHoles);
+        Set.ForEachBox(m_Weights, m_Reach, [&](const CScrewBox& rBox) { EstimateInBox(rHoles, Set, rBox); });
+        return;
+    }
     std::array<double, eMaxScrews> Weights{};
-    if (!m_bThree) {
-        return EstimatePair(rHoles, Weights, {0, 0, 1}, m_Target);
+    for (const auto& rB : m_Weights.GetGroups()) {
+        for (const auto& rC : m_Weights.GetGroups()) {
+            EstimatePair(rHoles, {0, 0, 1}, {&rB, &rB, &rC}, Weights, m_Target);
+        }
+    }
+}
+
+void CScrewSearch::EstimateInBox(const CHoles& rHoles, const CScrewSet& rSet, const CScrewBox& rBox) {
+    const CScrewAxis Axis = rSet.MakeAxis(rBox);
+    CScrewRange Range = rSet.GetRangeOfA(rBox, m_Reach * rSet.GetFactor(), m_Rounding);
+    Range.Clip(Axis.m_AlongA, Axis.m_Target - m_Reach - Axis.m_MaxB - Axis.m_MaxC);
+    if (Axis.m_Gap > m_Reach || Range.IsEmpty()) {
+        return;
     }
     constexpr std::size_t eTries = 16;
-    const std::size_t nStep = m_Weights.GetSize() / eTries + 1;
-    double Best = std::numeric_limits<double>::infinity();
-    for (std::size_t i = 0; i < m_Weights.GetSize(); i += nStep) {
+    const auto [From, To] = m_Weights.Find(*rBox.m_pA, Range.m_Low, Range.m_High);
+    const std::size_t nStep = (To - From) / eTries + 1;
+    std::array<double, eMaxScrews> Weights{};
+    for (std::size_t i = From; i < To; i += nStep) {
         // From the heaviest downwards: it counts most where the target is hardly in reach.
-        Weights[0] = m_Weights.GetWeight(m_Weights.GetSize() - 1 - i);
-        Best = std::min(Best, EstimatePair(rHoles, Weights, {0, 1, 2},
-                                           Less(m_Target, Weights[0], GetDirection(rHoles[0]))));
+        Weights[rSet.GetRoles().a] = m_Weights.GetWeight(To - 1 - (i - From));
+        EstimatePair(rHoles, rSet.GetRoles(), rBox, Weights,
+                     Less(m_Target, Weights[rSet.GetRoles().a], rSet.GetA()));
     }
-    return Best;
 }
 
-double CScrewSearch::EstimatePair(const CHoles& rHoles, std::array<double, eMaxScrews>& rWeights,
-                                  CRoles Roles, CVector Rest) const {
+void CScrewSearch::EstimatePair(const CHoles& rHoles, CScrewRoles Roles, const CScrewBox& rBox,
+                                std::array<double, eMaxScrews>& rWeights, CVector Rest) {
     // One of the two from the real-valued solution, the other then as near as it gets; and the other way
     // round, since out of reach only one of the two limits may be the right one.
-    double Best = std::numeric_limits<double>::infinity();
-    for (const auto& [First, Second] : {std::pair{Roles.b, Roles.c}, std::pair{Roles.c, Roles.b}}) {
+    for (const bool bTurned : {false, true}) {
+        const std::size_t First = bTurned ? Roles.c : Roles.b;
+        const std::size_t Second = bTurned ? Roles.b : Roles.c;
+        const CScrewWeights::CGroup& rFirst = bTurned ? *rBox.m_pC : *rBox.m_pB;
+        const CScrewWeights::CGroup& rSecond = bTurned ? *rBox.m_pB : *rBox.m_pC;
         const CVector u1 = GetDirection(rHoles[First]);
         const CVector u2 = GetDirection(rHoles[Second]);
         const double Sine = Cross(u1, u2);
         const double Exact = Sine != 0.0 ? Cross(Rest, u2) / Sine : 0.0;
-        rWeights[First] = m_Weights.GetWeight(m_Weights.FindNearest(Exact));
+        rWeights[First] = m_Weights.GetWeight(m_Weights.FindNearest(rFirst, Exact));
         const CVector Remainder = Less(Rest, rWeights[First], u1);
-        rWeights[Second] = m_Weights.GetWeight(m_Weights.FindNearest(Dot(Remainder, u2)));
-        Best = std::min(Best, GetDeviation(GetSum(rHoles, rWeights)));
+        rWeights[Second] = m_Weights.GetWeight(m_Weights.FindNearest(rSecond, Dot(Remainder, u2)));
+        const double Deviation = GetDeviation(GetSum(rHoles, rWeights));
+        if (Deviation < m_Low) {
+            SetLow(Deviation);
+        }
     }
-    return Best;
 }
 
 void CScrewSearch::SetLow(double Low) {
     m_Low = Low;
-    const double Radius = std::sqrt(Low);
-    m_Reach = Radius + 2.0 * m_Rounding;
+    m_Reach = std::sqrt(Low) + 2.0 * m_Rounding;
+}
+
+void CScrewSearch::SetFilter() {
     // Sets of holes as they usually are, two of them at a good angle, go through the filter. It is marked
     // anew when much of it would be idle.
     const double Usual = 2.0 * m_Reach;
@@ -267,6 +271,7 @@ bool CScrewSearch::Walk(double Bound) {
     m_Best.reset();
     m_bKnown = m_bPlain || Bound >= eStart;
     SetLow(m_bKnown ? eStart : Bound);
+    SetFilter();
     ForEachSet(m_nHoles, [this](const CHoles& rHoles) {
         if (m_bPlain || CanReach(rHoles)) {
             SearchSet(rHoles);
@@ -297,8 +302,16 @@ bool CScrewSearch::CanReach(const CHoles& rHoles) const {
            Most + m_MaxAlong[rHoles[2]] >= m_Length - m_Reach;
 }
 
+CScrewSet CScrewSearch::MakeSet(const CHoles& rHoles) const {
+    return {{m_Directions[rHoles[0]], m_Directions[rHoles[1]], m_Directions[rHoles[2]]}, m_Target};
+}
+
 void CScrewSearch::SearchSet(const CHoles& rHoles) {
+    const double Low = m_Low;
     SearchSlice(rHoles, 0, (std::uint64_t{m_Table.size()} << 32U) - 1);
+    if (m_Low < Low) {
+        SetFilter();
+    }
 }
 
 void CScrewSearch::SearchSlice(const CHoles& rHoles, std::uint64_t First, std::uint64_t Last) {
@@ -308,7 +321,8 @@ void CScrewSearch::SearchSlice(const CHoles& rHoles, std::uint64_t First, std::u
     if (m_bPlain) {
         SearchEverything(rHoles);
     } else if (m_bThree) {
-        SearchTriple(rHoles);
+        const CScrewSet Set = MakeSet(rHoles);
+        Set.ForEachBox(m_Weights, m_Reach, [&](const CScrewBox& rBox) { SearchBox(rHoles, Set, rBox); });
     } else {
         SearchTwo(rHoles);
     }
@@ -326,44 +340,34 @@ void CScrewSearch::SearchSlice(const CHoles& rHoles, std::uint64_t First, std::u
 
 void CScrewSearch::SearchTwo(const CHoles& rHoles) {
     std::array<std::size_t, eMaxScrews> Indices{};
-    SearchPair(rHoles, Indices, {2, 0, 1}, m_Target);
+    for (const auto& rB : m_Weights.GetGroups()) {
+        for (const auto& rC : m_Weights.GetGroups()) {
+            SearchPair(rHoles, {2, 0, 1}, {&rB, &rB, &rC}, {}, Indices, m_Target);
+        }
+    }
 }
 
-void CScrewSearch::SearchTriple(const CHoles& rHoles) {
-    // The widest angle for the two that are solved for. Then the two coefficients below are at most 1.
-    const double s12 = std::abs(m_Directions[rHoles[1] - rHoles[0]].y);
-    const double s13 = std::abs(m_Directions[rHoles[2] - rHoles[0]].y);
-    const double s23 = std::abs(m_Directions[rHoles[2] - rHoles[1]].y);
-    const CRoles Roles = s23 >= s12 && s23 >= s13 ? CRoles{0, 1, 2}
-                         : s13 >= s12             ? CRoles{1, 0, 2}
-                                                  : CRoles{2, 0, 1};
-    const CVector ua = GetDirection(rHoles[Roles.a]);
-    const CVector ub = GetDirection(rHoles[Roles.b]);
-    const CVector uc = GetDirection(rHoles[Roles.c]);
-    const double Inverse = 1.0 / Cross(ub, uc);
-    // Real-valued weights of b and c by the weight of a: Ab - Bb * a, Ac - Bc * a.
-    const double Ab = -m_Cross[rHoles[Roles.c]] * Inverse;
-    const double Bb = Cross(ua, uc) * Inverse;
-    const double Ac = m_Cross[rHoles[Roles.b]] * Inverse;
-    const double Bc = Cross(ub, ua) * Inverse;
-    const double Slack = m_Reach * std::abs(Inverse);
-
-    const double Min = m_Weights.GetMin();
-    const double Max = m_Weights.GetMax();
-    CRange Range{Min, Max};
-    Range.Clip(Ab, Bb, Min - Slack, Max + Slack, m_Rounding);
-    Range.Clip(Ac, Bc, Min - Slack, Max + Slack, m_Rounding);
+void CScrewSearch::SearchBox(const CHoles& rHoles, const CScrewSet& rSet, const CScrewBox& rBox) {
+    const double Slack = m_Reach * rSet.GetFactor();
+    CScrewRange Range = rSet.GetRangeOfA(rBox, Slack, m_Rounding);
     if (Range.IsEmpty()) {
         return;
     }
-    const auto [From, To] = m_Weights.Find(Range.m_Low, Range.m_High);
+    const bool bFilter = Slack <= rBox.m_pB->m_Tolerance;
+    const CScrewAxis Axis = bFilter ? CScrewAxis{} : rSet.MakeAxis(rBox);
+    Range.Clip(Axis.m_AlongA, Axis.m_Target - m_Reach - Axis.m_MaxB - Axis.m_MaxC);
+    if (Axis.m_Gap > m_Reach || Range.IsEmpty()) {
+        return;
+    }
+    const auto [From, To] = m_Weights.Find(*rBox.m_pA, Range.m_Low, Range.m_High);
     std::array<std::size_t, eMaxScrews> Indices{};
     const auto SolveFor = [&](std::size_t Index) {
-        Indices[Roles.a] = Index;
-        SearchPair(rHoles, Indices, Roles, Less(m_Target, m_Weights.GetWeight(Index), ua));
+        Indices[rSet.GetRoles().a] = Index;
+        SearchPair(rHoles, rSet.GetRoles(), rBox, Axis, Indices,
+                   Less(m_Target, m_Weights.GetWeight(Index), rSet.GetA()));
     };
-    if (Slack <= m_Weights.GetTolerance()) {
-        m_Weights.Filter(Ab, Bb, From, To, SolveFor);
+    if (bFilter) {
+        m_Weights.Filter(rSet.GetOffsetB(), rSet.GetSlopeB(), *rBox.m_pB, *rBox.m_pA, From, To, SolveFor);
         return;
     }
     for (std::size_t i = From; i < To; ++i) {
@@ -371,11 +375,13 @@ void CScrewSearch::SearchTriple(const CHoles& rHoles) {
     }
 }
 
-void CScrewSearch::SearchPair(const CHoles& rHoles, std::array<std::size_t, eMaxScrews>& rIndices,
-                              CRoles Roles, CVector Rest) {
+void CScrewSearch::SearchPair(const CHoles& rHoles, CScrewRoles Roles, const CScrewBox& rBox,
+                              const CScrewAxis& rAxis, std::array<std::size_t, eMaxScrews>& rIndices,
+                              CVector Rest) {
     const CVector ub = GetDirection(rHoles[Roles.b]);
     const CVector uc = GetDirection(rHoles[Roles.c]);
-    CRange Range{m_Weights.GetMin(), m_Weights.GetMax()};
+    const CScrewWeights::CGroup& rGroupC = *rBox.m_pC;
+    CScrewRange Range{rBox.m_pB->m_Min, rBox.m_pB->m_Max};
     constexpr double eOpposite = 1e-6;
     const double Sine = Cross(ub, uc);
     if (std::abs(Sine) > eOpposite) {
@@ -385,19 +391,12 @@ void CScrewSearch::SearchPair(const CHoles& rHoles, std::array<std::size_t, eMax
         Range.AtLeast(Exact - Slack);
         Range.AtMost(Exact + Slack);
     }
-    // Along the target's direction the two must bring what is missing to the disc's near side.
-    const double Along = m_Along[rHoles[Roles.b]];
-    const double Missing = Dot(Rest, m_Axis) - m_Reach - m_MaxAlong[rHoles[Roles.c]];
-    constexpr double eAcross = 1e-3;
-    if (Along > eAcross) {
-        Range.AtLeast(Missing / Along);
-    } else if (Along < -eAcross) {
-        Range.AtMost(Missing / Along);
-    }
+    // Along the axis the two must bring what is missing to the disc's near side.
+    Range.Clip(rAxis.m_AlongB, Dot(Rest, rAxis.m_Direction) - m_Reach - rAxis.m_MaxC);
     if (Range.IsEmpty()) {
         return;
     }
-    const auto [FromB, ToB] = m_Weights.Find(Range.m_Low, Range.m_High);
+    const auto [FromB, ToB] = m_Weights.Find(*rBox.m_pB, Range.m_Low, Range.m_High);
     for (std::size_t b = FromB; b < ToB; ++b) {
         const CVector Remainder = Less(Rest, m_Weights.GetWeight(b), ub);
         const double Off = Cross(uc, Remainder);
@@ -407,10 +406,10 @@ void CScrewSearch::SearchPair(const CHoles& rHoles, std::array<std::size_t, eMax
         }
         const double Middle = Dot(uc, Remainder);
         const double Half = std::sqrt(Room) + m_Rounding;
-        if (Middle + Half < m_Weights.GetMin() || Middle - Half > m_Weights.GetMax()) {
+        if (Middle + Half < rGroupC.m_Min || Middle - Half > rGroupC.m_Max) {
             continue;
         }
-        const auto [FromC, ToC] = m_Weights.Find(Middle - Half, Middle + Half);
+        const auto [FromC, ToC] = m_Weights.Find(rGroupC, Middle - Half, Middle + Half);
         rIndices[Roles.b] = b;
         for (std::size_t c = FromC; c < ToC; ++c) {
             rIndices[Roles.c] = c;
@@ -446,6 +445,10 @@ void CScrewSearch::Consider(const CHoles& rHoles, const std::array<std::size_t, 
         return;
     }
     m_Candidates.push_back({Deviation, Key});
+    if (Deviation + m_Window < m_Low && !m_bPlain) {
+        SetLow(Deviation + m_Window);
+        m_bKnown = false;
+    }
     if (m_Candidates.size() >= m_nRoom) {
         Compact();
         // Half of it must be free again, or there would be next to nothing but sorting.

@@ -6,6 +6,8 @@
 #include <span>
 #include <vector>
 
+#include "rvdlm/m_rtr/rtr_trim/methods/screwset.h"
+#include "rvdlm/m_rtr/rtr_trim/methods/screwvector.h"
 #include "rvdlm/m_rtr/rtr_trim/methods/screwweights.h"
 
 /// Finds the placement of two or three screws of a table in a ring of equally spaced holes whose vector sum
@@ -28,10 +30,7 @@ public:
     /// Candidates that are kept at a time.
     static constexpr std::size_t eRoom = 8192;
 
-    struct CVector {
-        double x = 0.0;
-        double y = 0.0;
-    };
+    using CVector = CScrewVector;
     struct CPlacement {
         std::array<std::uint16_t, eMaxScrews> m_Holes{};    ///< from 0, hole 0 on the x axis
         std::array<std::uint16_t, eMaxScrews> m_Entries{};  ///< of the table
@@ -54,10 +53,6 @@ private:
         double m_Deviation;   ///< squared
         std::uint64_t m_Key;  ///< the three entries; rises in the order of the enumeration
     };
-    /// How the screws of a set of holes share the work: a is fixed, b and c follow from it.
-    struct CRoles {
-        std::size_t a, b, c;  ///< index in CHoles
-    };
 
     CVector GetDirection(std::size_t Hole) const { return m_Directions[Hole]; }
     /// Sum and squared deviation by the expressions of the definition.
@@ -70,21 +65,26 @@ private:
     void ForEachSet(std::size_t n, F Visit) const;
     /// A squared deviation that some placement has.
     double EstimateBest();
-    double EstimateInSet(const CHoles& rHoles);
-    double EstimatePair(const CHoles& rHoles, std::array<double, eMaxScrews>& rWeights, CRoles Roles,
-                        CVector Rest) const;
+    void EstimateInSet(const CHoles& rHoles);
+    void EstimateInBox(const CHoles& rHoles, const CScrewSet& rSet, const CScrewBox& rBox);
+    /// Tries the real-valued solution, rounded to weights of the table.
+    void EstimatePair(const CHoles& rHoles, CScrewRoles Roles, const CScrewBox& rBox,
+                      std::array<double, eMaxScrews>& rWeights, CVector Rest);
     /// One walk over all sets of holes. False if the walk can't tell the result.
     bool Walk(double Bound);
+    /// Placements are looked for within the square root of Low.
     void SetLow(double Low);
+    void SetFilter();
     bool IsDecided() const { return m_bKnown && m_Low <= eMargin; }
     bool CanReach(const CHoles& rHoles) const;
+    CScrewSet MakeSet(const CHoles& rHoles) const;
     void SearchSet(const CHoles& rHoles);
     /// The same for the keys from First to Last.
     void SearchSlice(const CHoles& rHoles, std::uint64_t First, std::uint64_t Last);
     void SearchTwo(const CHoles& rHoles);
-    void SearchTriple(const CHoles& rHoles);
-    void SearchPair(const CHoles& rHoles, std::array<std::size_t, eMaxScrews>& rIndices, CRoles Roles,
-                    CVector Rest);
+    void SearchBox(const CHoles& rHoles, const CScrewSet& rSet, const CScrewBox& rBox);
+    void SearchPair(const CHoles& rHoles, CScrewRoles Roles, const CScrewBox& rBox, const CScrewAxis& rAxis,
+                    std::array<std::size_t, eMaxScrews>& rIndices, CVector Rest);
     void SearchEverything(const CHoles& rHoles);
     void Consider(const CHoles& rHoles, const std::array<std::size_t, eMaxScrews>& rIndices);
     void Compact();
@@ -102,17 +102,16 @@ private:
 
     // Of a Find.
     CVector m_Target;
-    CVector m_Axis;                  ///< unit vector towards the target
     double m_Length = 0.0;           ///< of the target
     std::vector<double> m_Cross;     ///< per hole: its direction x target
-    std::vector<double> m_Along;     ///< per hole: its direction . axis
-    std::vector<double> m_MaxAlong;  ///< per hole: the most that a screw adds along the axis
+    std::vector<double> m_MaxAlong;  ///< per hole: the most that a screw adds towards the target
     double m_Rounding = 0.0;         ///< well above the rounding error of any length
     bool m_bPlain = false;           ///< numbers too large for the bounds: nothing is pruned
 
     // Of a walk.
     double m_Low = 0.0;     ///< the enumeration's state is at least this, and exactly this if it is known
     bool m_bKnown = false;  ///< the enumeration's state is known
+    double m_Window = 0.0;  ///< how much more than the best placement met so far is looked at
     double m_Reach = 0.0;   ///< radius around the target in which placements count, rounding included
     std::optional<CPlacement> m_Best;
 

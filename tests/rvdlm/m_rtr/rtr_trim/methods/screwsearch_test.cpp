@@ -64,6 +64,27 @@ class CCaseMaker {
 public:
     explicit CCaseMaker(std::uint64_t Seed) : m_Generator(Seed) {}
 
+    /// A table of groups, or of one narrow one, with wide gaps; enough weights for the search to see them.
+    CCase MakeClustered() {
+        CCase Case;
+        Case.m_bThree = Pick(4) != 0;
+        Case.m_nHoles = 3 + Pick(6);
+        const int nGroups = 1 + Pick(3);
+        const double Step = std::pow(10.0, Uniform(-8.0, -1.0));
+        double Bases[3];
+        for (double& rBase : Bases) {
+            rBase = Uniform(0.0, 10.0);
+        }
+        for (int i = 10 + Pick(5); i > 0; --i) {
+            const double Place = Pick(2) == 0 ? Pick(12) : Uniform(0.0, 12.0);
+            Case.m_Table.push_back(Bases[Pick(nGroups)] + Step * Place);
+        }
+        if (Pick(2) == 0) {
+            Case.m_Table.push_back(Uniform(0.0, 30.0));
+        }
+        MakeTarget(Case);
+        return Case;
+    }
     CCase Make() {
         CCase Case;
         Case.m_bThree = Pick(2) == 0;
@@ -167,39 +188,39 @@ private:
     std::mt19937_64 m_Generator;
 };
 
-#if defined(__SANITIZE_ADDRESS__)
-constexpr long NUMBER_OF_CASES = 10000;
-#else
-constexpr long NUMBER_OF_CASES = 100000;
-#endif
+/// A number that the environment may set, for a long run by hand.
+long GetSetting(const char* pName, long Default) {
+    const char* pValue = std::getenv(pName);
+    return pValue != nullptr ? std::atol(pValue) : Default;
+}
 
-}  // namespace
-
-// ROTOR_TRIM_SCREW_CASES sets another number, for a long run by hand; ROTOR_TRIM_SCREW_SEED another seed.
-TEST(ScrewSearch, RandomCasesGiveWhatTheEnumerationGives) {
-    const auto Setting = [](const char* pName, long Default) {
-        const char* pValue = std::getenv(pName);
-        return pValue != nullptr ? std::atol(pValue) : Default;
-    };
-    CCaseMaker Maker(static_cast<std::uint64_t>(Setting("ROTOR_TRIM_SCREW_SEED", 20240301)));
-    for (long i = Setting("ROTOR_TRIM_SCREW_CASES", NUMBER_OF_CASES); i > 0; --i) {
-        const CCase Case = Maker.Make();
+/// ROTOR_TRIM_SCREW_SEED sets another seed, ROTOR_TRIM_SCREW_CASES another number.
+template <typename F>
+void Compare(long nCases, F Make) {
+    CCaseMaker Maker(static_cast<std::uint64_t>(GetSetting("ROTOR_TRIM_SCREW_SEED", 20240301)));
+    for (long i = GetSetting("ROTOR_TRIM_SCREW_CASES", nCases); i > 0; --i) {
+        const CCase Case = Make(Maker);
         ASSERT_TRUE(IsSame(Case)) << Describe(Case);
     }
 }
 
+}  // namespace
+
+TEST(ScrewSearch, RandomCasesGiveWhatTheEnumerationGives) {
+    Compare(8000, [](CCaseMaker& rMaker) { return rMaker.Make(); });
+}
+
+TEST(ScrewSearch, ClusteredTablesGiveWhatTheEnumerationGives) {
+    Compare(1000, [](CCaseMaker& rMaker) { return rMaker.MakeClustered(); });
+}
+
 // Cases as large as real ones, so that the filter and all bounds are at work.
 TEST(ScrewSearch, LargerTablesGiveWhatTheEnumerationGives) {
-#if defined(__SANITIZE_ADDRESS__)
-    constexpr int NUMBER = 5;
-#else
-    constexpr int NUMBER = 30;
-#endif
     std::mt19937_64 Generator(5);
     const auto Uniform = [&](double Low, double High) {
         return Low + (High - Low) * static_cast<double>(Generator() >> 11U) * 0x1p-53;
     };
-    for (int i = 0; i < NUMBER; ++i) {
+    for (int i = 0; i < 8; ++i) {
         CCase Case{{}, true, 12, Uniform(-15.0, 15.0), Uniform(-15.0, 15.0)};
         for (int k = 0; k < 20; ++k) {
             Case.m_Table.push_back(i % 2 == 0 ? 0.5 + 0.25 * k : Uniform(0.5, 5.5));
