@@ -10,7 +10,8 @@
 //
 // Tables/...: families of tables of 200 weights that differ by a milligram or more, 20 tables of each and 100
 // mixed targets a table. The 99th percentile and the worst, each beside what is wanted of it, and the time of
-// the plain enumeration. Adverse is what a climbing search for slow tables ended with.
+// the plain enumeration. Adverse is like what a climbing search for slow tables ended
+// with.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
