@@ -6,6 +6,9 @@
 #include "platform/window/types.h"
 
 /// A picture in memory, 24 bits of colour a pixel. An empty bitmap has the size 0 by 0.
+///
+/// A bitmap of a scale has that many times its size in pixels each way: what is drawn into it is sharp on a
+/// display of that resolution. Sizes and coordinates don't show it.
 class CBitmap {
 public:
     CBitmap();
@@ -16,16 +19,18 @@ public:
     CBitmap(CBitmap&&) noexcept;
     CBitmap& operator=(CBitmap&&) noexcept;
 
-    /// Makes the bitmap Size large; the contents become white. A negative size counts as 0.
-    void Create(CSize Size);
+    /// Makes the bitmap Size large; the contents become white. A negative size counts as 0. For drawing
+    /// off-screen what then goes to a window, Scale is that of the window's surface.
+    void Create(CSize Size, double Scale = 1.0);
     CSize GetSize() const;
-    /// Colour of a pixel; black outside.
+    double GetScale() const;
+    /// Colour of a pixel, of its upper left part if the scale is larger than 1; black outside.
     COLORREF GetPixel(int X, int Y) const;
-    /// Same size and the same colours.
+    /// Same size, scale and colours.
     bool operator==(const CBitmap& rOther) const;
-    /// Writes a PNG file; false if that fails.
+    /// Writes a PNG file with all pixels; false if that fails.
     bool SavePng(const std::string& rPath) const;
-    /// Reads a PNG file; false, and the bitmap unchanged, if that fails.
+    /// Reads a PNG file, with scale 1; false, and the bitmap unchanged, if that fails.
     bool LoadPng(const std::string& rPath);
 
     /// The toolkit's picture, for platform/ only.

@@ -17,8 +17,10 @@ constexpr unsigned DT_CENTER = 0x0002;
 constexpr unsigned DT_RIGHT = 0x0001;  ///< here 1 is right and 2 centred: 36 left, 38 centred, 37 right
 constexpr unsigned DT_VCENTER = 0x0004;
 constexpr unsigned DT_BOTTOM = 0x0008;
+constexpr unsigned DT_WORDBREAK = 0x0010;  ///< lines end between words at the rectangle's right edge
 constexpr unsigned DT_SINGLELINE = 0x0020;
 constexpr unsigned DT_CALCRECT = 0x0400;
+constexpr unsigned DT_END_ELLIPSIS = 0x8000;  ///< a line that is too wide is cut, and ends with three dots
 
 /// Device context: draws into a bitmap. Coordinates are pixels with y growing downwards; angles are degrees,
 /// 0 to the right, counter-clockwise positive. The bitmap must outlive the context.
@@ -46,6 +48,25 @@ public:
     void IntersectClipRect(const CRect& rRect);
 
     void FillSolidRect(const CRect& rRect, COLORREF Color);
+    /// Turns the colours of rRect into their opposites; twice brings them back. For the line that is dragged.
+    void InvertRect(const CRect& rRect);
+    /// One pixel wide, just inside rRect.
+    void FrameRect(const CRect& rRect, COLORREF Color);
+    /// The same with the colours of light from the upper left: left and top, right and bottom.
+    void Draw3dRect(const CRect& rRect, COLORREF TopLeft, COLORREF BottomRight);
+    /// An edge two pixels wide just inside rRect, in the system's colours.
+    enum Edge { eRaised, eSunken, eEtched };
+    void DrawEdge(const CRect& rRect, Edge Kind);
+    /// The dotted frame of what has the focus, just inside rRect.
+    void DrawFocusRect(const CRect& rRect);
+    /// A piece of a control by the toolkit's style, filling rRect; nothing without a toolkit.
+    enum Part { eSpinUp, eSpinDown, eCheckBox, eExpandBox };
+    struct CPartState {
+        bool m_bEnabled = true;
+        bool m_bPressed = false;
+        bool m_bOn = false;  ///< checked, expanded
+    };
+    void DrawPart(const CRect& rRect, Part Kind, CPartState State);
     void MoveTo(CPoint Point);
     /// Line from the present point to Point with the pen, both ends included.
     void LineTo(CPoint Point);
@@ -58,11 +79,15 @@ public:
     /// filled with Color, without outline.
     void FillRing(CPoint Center, int InnerRadius, int OuterRadius, double StartDegrees, double SweepDegrees,
                   COLORREF Color);
-    /// Copies a part of rSource to rDestination's top left; no scaling.
+    /// Copies a part of rSource to rDestination's top left; no scaling, but for bitmaps of different scales.
     void BitBlt(const CRect& rDestination, const CBitmap& rSource, CPoint SourceOrigin);
+    /// The same but for pixels of the colour Mask.
+    void TransparentBlt(const CRect& rDestination, const CBitmap& rSource, CPoint SourceOrigin,
+                        COLORREF Mask);
 
-    /// Draws rText in rRect by the flags; with DT_CALCRECT draws nothing and sets rRect to the text's extent.
-    /// Text isn't clipped to rRect. Returns the height of the text in pixels.
+    /// Draws rText in rRect by the flags; with DT_CALCRECT draws nothing and sets rRect to the text's extent,
+    /// whose lines are no wider than rRect was if DT_WORDBREAK is set and no single word is. Text isn't
+    /// clipped to rRect. Returns the height of the text in pixels.
     int DrawText(const std::string& rText, CRect& rRect, unsigned Format);
     /// Draws rText with the base line's left end at Point, turned by the font's escapement.
     void TextOut(CPoint Point, const std::string& rText);
@@ -71,7 +96,7 @@ public:
     int GetFontHeight() const;
 
     COLORREF GetPixel(CPoint Point) const;
-    /// Bits a pixel of the display; 24 here.
+    /// Bits a pixel of the display (display.h).
     int GetBitsPerPixel() const;
     /// Pixels an inch, for sizes given in points; 96 here.
     int GetDotsPerInch() const;

@@ -18,4 +18,11 @@ public:
     int m_Height = 12;
     int m_Weight = eNormal;
     int m_Escapement = 0;
+
+    friend bool operator==(const CFont&, const CFont&) = default;
 };
+
+/// The font of dialogs and controls unless they are given another.
+inline CFont GetDefaultGuiFont() {
+    return {"Arial", 14};
+}
