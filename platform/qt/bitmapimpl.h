@@ -5,5 +5,6 @@
 #include "platform/window/bitmap.h"
 
 struct CBitmap::Impl {
-    QImage m_Image;
+    QImage m_Image;  ///< its device pixel ratio is the bitmap's scale
+    CSize m_Size;    ///< without the scale, which may not divide the image's
 };

@@ -1,58 +1,224 @@
 #include "platform/qt/windowview.h"
 
 #include <QApplication>
+#include <QFocusEvent>
 #include <QMouseEvent>
-#include <QPainter>
+#include <utility>
 
 #include "platform/qt/bitmapimpl.h"
+#include "platform/qt/controlwidgets.h"
+#include "platform/qt/stylepart.h"
+#include "platform/window/control.h"
 #include "platform/window/input.h"
 
-CWindowView::CWindowView(CWnd& rWnd, QWidget* pParent) : QWidget(pParent), m_pWnd(&rWnd) {
-    setAttribute(Qt::WA_OpaquePaintEvent);
+CWindowView::CWindowView(CWnd& rWnd, QWidget* pParent) : CPaintedWidget(rWnd, pParent) {
+    setFocusPolicy(Qt::TabFocus);
+    setPalette(GetSystemPalette());
     if (rWnd.IsWindow()) {
         const CSize Size = rWnd.GetRect().Size();
         resize(Size.cx, Size.cy);
         setWindowTitle(QString::fromStdString(rWnd.GetWindowText()));
     }
     rWnd.SetPeer(this);
+    FollowTree(rWnd);
     qApp->installEventFilter(this);
+    m_FocusConnection = connect(qApp, &QApplication::focusChanged, this,
+                                [this](QWidget* pFormer) { OnApplicationFocus(pFormer); });
 }
 
 CWindowView::~CWindowView() {
-    if (m_pWnd != nullptr) {
-        m_pWnd->SetPeer(nullptr);
+    // The end of the widgets isn't a doing of the operator's.
+    disconnect(m_FocusConnection);
+    for (const auto& [pWnd, pMirror] : m_Mirrors) {
+        pMirror->Detach();
+    }
+    if (GetWnd() != nullptr) {
+        GetWnd()->SetPeer(nullptr);
+    }
+}
+
+QWidget* CWindowView::FindWidget(const CWnd& rWnd) const {
+    const auto Found = m_Mirrors.find(&rWnd);
+    return Found == m_Mirrors.end() ? nullptr : &Found->second->GetWidget();
+}
+
+CMirror& CWindowView::Provide(CWnd& rWnd) {
+    if (&rWnd == GetWnd()) {
+        return *this;
+    }
+    if (const auto Found = m_Mirrors.find(&rWnd); Found != m_Mirrors.end()) {
+        return *Found->second;
+    }
+    QWidget& rParent = Provide(*rWnd.GetParent()).GetWidget();
+    CMirror* pMirror = nullptr;
+    if (auto* const pControl = dynamic_cast<CControl*>(&rWnd)) {
+        pMirror = MakeControlWidget(*pControl, &rParent);
+    }
+    if (pMirror == nullptr) {
+        pMirror = new CPaintedWidget(rWnd, &rParent);
+    }
+    m_Mirrors.emplace(&rWnd, pMirror);
+    pMirror->Follow();
+    FollowVisibility(rWnd);
+    return *pMirror;
+}
+
+void CWindowView::FollowTree(CWnd& rWnd) {
+    OnWindowChanged(rWnd);
+    for (CWnd* pChild : rWnd.GetChildren()) {
+        FollowTree(*pChild);
+    }
+}
+
+void CWindowView::FollowVisibility(CWnd& rWnd) {
+    // The view itself is shown by whoever placed it; when its window is hidden, the children go instead.
+    const bool bHiddenTop = rWnd.GetParent() == GetWnd() && !GetWnd()->IsWindowVisible();
+    QWidget& rWidget = *FindWidget(rWnd);
+    if (const bool bShow = rWnd.IsWindowVisible() && !bHiddenTop; rWidget.isHidden() == bShow) {
+        rWidget.setVisible(bShow);
     }
 }
 
 void CWindowView::OnWindowChanged(CWnd& rWnd) {
-    if (&rWnd == m_pWnd && isWindow()) {
+    if (&rWnd != GetWnd()) {
+        Provide(rWnd).Follow();
+        if (FindWidget(rWnd) != nullptr) {
+            FollowVisibility(rWnd);
+        }
+        return;
+    }
+    if (isWindow()) {
         setWindowTitle(QString::fromStdString(rWnd.GetWindowText()));
     }
-    m_bPictureValid = false;
+    setEnabled(rWnd.IsWindowEnabled());
+    for (CWnd* pChild : rWnd.GetChildren()) {
+        if (FindWidget(*pChild) != nullptr) {
+            FollowVisibility(*pChild);
+        }
+    }
     update();
 }
 
 void CWindowView::OnWindowDestroyed(CWnd& rWnd) {
-    if (&rWnd == m_pWnd) {
+    if (&rWnd == GetWnd()) {
         // The object may be about to go: never look at it again.
-        m_pWnd->SetPeer(nullptr);
-        m_pWnd = nullptr;
-        m_bPictureValid = false;
+        rWnd.SetPeer(nullptr);
+        Detach();
         update();
     }
 }
 
-void CWindowView::paintEvent(QPaintEvent* /*pEvent*/) {
-    if (!m_bPictureValid) {
-        m_Picture = m_pWnd != nullptr && m_pWnd->IsWindowVisible() ? m_pWnd->Compose() : CBitmap();
-        m_bPictureValid = true;
+void CWindowView::OnChildDestroyed(CWnd& rWnd) {
+    const auto Found = m_Mirrors.find(&rWnd);
+    if (Found == m_Mirrors.end()) {
+        return;
     }
-    QPainter Painter(this);
-    const QImage& rImage = m_Picture.GetImpl().m_Image;
-    if (rImage.size() != size()) {
-        Painter.fillRect(rect(), palette().window());
+    CMirror* const pMirror = Found->second;
+    m_Mirrors.erase(Found);
+    pMirror->Detach();
+    // Its end may have come in an event of its own. Without the focus, which would else pass to a neighbour.
+    QWidget& rWidget = pMirror->GetWidget();
+    rWidget.clearFocus();
+    rWidget.hide();
+    rWidget.deleteLater();
+}
+
+void CWindowView::OnFocusMoved(CWnd* pFocus) {
+    if (pFocus != nullptr) {
+        Provide(*pFocus).GetWidget().setFocus(Qt::OtherFocusReason);
+    } else if (QWidget* const pFormer = window()->focusWidget(); FindWnd(pFormer) != nullptr) {
+        pFormer->clearFocus();
     }
-    Painter.drawImage(0, 0, rImage);
+}
+
+bool CWindowView::DrawControl(const CWnd& rControl, CBitmap& rPicture) {
+    QWidget* const pWidget = FindWidget(rControl);
+    if (pWidget == nullptr || rPicture.GetImpl().m_Image.isNull()) {
+        return false;
+    }
+    pWidget->render(&rPicture.GetImpl().m_Image);
+    return true;
+}
+
+CWnd* CWindowView::FindWnd(const QWidget* pWidget) const {
+    // A popup belongs to a widget of the tree, but isn't part of it.
+    if (pWidget == nullptr || pWidget->window() != window()) {
+        return nullptr;
+    }
+    CWnd* pFound = nullptr;
+    while (pWidget != nullptr && pWidget != this) {
+        if (const auto* const pMirror = dynamic_cast<const CMirror*>(pWidget);
+            pMirror != nullptr && pFound == nullptr) {
+            pFound = pMirror->GetWnd();
+        }
+        pWidget = pWidget->parentWidget();
+    }
+    return pWidget == nullptr ? nullptr : pFound != nullptr ? pFound : GetWnd();
+}
+
+void CWindowView::OnApplicationFocus(const QWidget* pFormer) {
+    // An open list or menu has the focus only for its own sake.
+    if (m_bLeaving || QApplication::activePopupWidget() != nullptr) {
+        return;
+    }
+    if (CWnd* const pFocus = FindWnd(QApplication::focusWidget())) {
+        CWnd::OnToolkitFocus(pFocus);
+    } else if (FindWnd(pFormer) != nullptr && CWnd::GetFocus() == FindWnd(pFormer)) {
+        CWnd::OnToolkitFocus(nullptr);
+    }
+}
+
+bool CWindowView::focusNextPrevChild(bool bNext) {
+    if (GetWnd() == nullptr) {
+        return QWidget::focusNextPrevChild(bNext);
+    }
+    const CWnd* const pFrom = FindWnd(QApplication::focusWidget());
+    if (CWnd* const pStop = GetWnd()->GetNextTabStop(pFrom, !bNext)) {
+        return pStop->SetFocus();
+    }
+    // From here the toolkit knows the way out; it never enters the tree, whose widgets take no focus by Tab.
+    m_bLeaving = true;
+    setFocus(Qt::OtherFocusReason);
+    const bool bLeft = QWidget::focusNextPrevChild(bNext) && QApplication::focusWidget() != this;
+    m_bLeaving = false;
+    if (bLeft) {
+        CWnd::OnToolkitFocus(FindWnd(QApplication::focusWidget()));
+        return true;
+    }
+    CWnd* const pFirst = GetWnd()->GetNextTabStop(nullptr, !bNext);
+    return pFirst != nullptr && pFirst->SetFocus();
+}
+
+void CWindowView::focusInEvent(QFocusEvent* pEvent) {
+    CPaintedWidget::focusInEvent(pEvent);
+    const bool bNext = pEvent->reason() == Qt::TabFocusReason;
+    if (!m_bLeaving && GetWnd() != nullptr && (bNext || pEvent->reason() == Qt::BacktabFocusReason)) {
+        if (CWnd* const pStop = GetWnd()->GetNextTabStop(nullptr, !bNext)) {
+            pStop->SetFocus();
+        } else {
+            m_bLeaving = true;
+            QWidget::focusNextPrevChild(bNext);
+            m_bLeaving = false;
+        }
+    }
+}
+
+bool CWindowView::event(QEvent* pEvent) {
+    if (pEvent->type() == QEvent::ScreenChangeInternal) {
+        FollowScale();
+    }
+    return CPaintedWidget::event(pEvent);
+}
+
+void CWindowView::showEvent(QShowEvent* pEvent) {
+    FollowScale();
+    CPaintedWidget::showEvent(pEvent);
+}
+
+void CWindowView::FollowScale() {
+    if (GetWnd() != nullptr) {
+        GetWnd()->SetScale(devicePixelRatioF());
+    }
 }
 
 void CWindowView::resizeEvent(QResizeEvent* /*pEvent*/) {
@@ -60,20 +226,21 @@ void CWindowView::resizeEvent(QResizeEvent* /*pEvent*/) {
 }
 
 void CWindowView::FitWindow() {
-    if (m_pWnd != nullptr && m_pWnd->IsWindow()) {
-        m_pWnd->MoveWindow(CRect(m_pWnd->GetRect().TopLeft(), CSize(width(), height())));
+    if (GetWnd() != nullptr && GetWnd()->IsWindow()) {
+        GetWnd()->MoveWindow(CRect(GetWnd()->GetRect().TopLeft(), CSize(width(), height())));
     }
 }
 
 void CWindowView::changeEvent(QEvent* pEvent) {
-    if (pEvent->type() == QEvent::ActivationChange && m_pWnd != nullptr) {
+    if (pEvent->type() == QEvent::ActivationChange && GetWnd() != nullptr) {
         if (isActiveWindow()) {
-            CWnd::SetForegroundWindow(m_pWnd);
-        } else if (CWnd::GetForegroundWindow() == m_pWnd) {
+            CWnd::SetForegroundWindow(GetWnd());
+        } else if (CWnd::GetForegroundWindow() == GetWnd()) {
             CWnd::SetForegroundWindow(nullptr);
+            CWnd::ReleaseCapture();
         }
     }
-    QWidget::changeEvent(pEvent);
+    CPaintedWidget::changeEvent(pEvent);
 }
 
 bool CWindowView::eventFilter(QObject* pWatched, QEvent* pEvent) {
@@ -83,10 +250,16 @@ bool CWindowView::eventFilter(QObject* pWatched, QEvent* pEvent) {
         case QEvent::MouseButtonRelease: {
             const Qt::MouseButtons Buttons = static_cast<QMouseEvent*>(pEvent)->buttons();
             SetMouseButtons(Buttons.testFlag(Qt::LeftButton), Buttons.testFlag(Qt::RightButton));
+            [[fallthrough]];
+        }
+        case QEvent::KeyPress:
+        case QEvent::KeyRelease: {
+            const Qt::KeyboardModifiers Modifiers = static_cast<QInputEvent*>(pEvent)->modifiers();
+            SetModifierKeys(Modifiers.testFlag(Qt::ShiftModifier), Modifiers.testFlag(Qt::ControlModifier));
             break;
         }
         default:
             break;
     }
-    return QWidget::eventFilter(pWatched, pEvent);
+    return CPaintedWidget::eventFilter(pWatched, pEvent);
 }

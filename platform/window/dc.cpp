@@ -11,23 +11,20 @@
 
 #include "platform/qt/bitmapimpl.h"
 #include "platform/qt/fontmetric.h"
+#include "platform/qt/qttypes.h"
+#include "platform/qt/stylepart.h"
+#include "platform/qt/wrappedtext.h"
+#include "platform/window/display.h"
+#include "platform/window/syscolor.h"
 
 namespace {
-
-QColor ToQt(COLORREF Color) {
-    return {GetRValue(Color), GetGValue(Color), GetBValue(Color)};
-}
-
-QRect ToQt(const CRect& rRect) {
-    return {rRect.left, rRect.top, rRect.Width(), rRect.Height()};
-}
 
 /// A pixel's middle, where curves and slanting lines are drawn.
 QPointF Middle(CPoint Point) {
     return {Point.x + 0.5, Point.y + 0.5};
 }
 
-QPen ToQt(const CPen& rPen) {
+QPen MakePen(const CPen& rPen) {
     if (rPen.m_Style == CPen::eNull) {
         return {Qt::NoPen};
     }
@@ -88,6 +85,16 @@ struct CDC::Impl {
         m_Painter.setFont(rMetric.m_Font);
         m_Painter.setPen(ToQt(m_State.m_TextColor));
         m_Painter.drawText(TopLeft.x, TopLeft.y + rMetric.m_Ascent, rText);
+    }
+
+    /// rSource is in pixels of scale 1. bOverlap: the image may be the target's own.
+    void DrawImage(const CRect& rDestination, const QImage& rImage, const CRect& rSource, bool bOverlap) {
+        const double Scale = rImage.devicePixelRatio();
+        const QRectF Pixels(rSource.left * Scale, rSource.top * Scale, rSource.Width() * Scale,
+                            rSource.Height() * Scale);
+        // Pictures of a higher resolution than the target are shrunk smoothly.
+        m_Painter.setRenderHint(QPainter::SmoothPixmapTransform, Scale != m_rTarget.GetScale());
+        m_Painter.drawImage(QRectF(ToQt(rDestination)), bOverlap ? rImage.copy() : rImage, Pixels);
     }
 
     void SetSmooth(bool bSmooth) { m_Painter.setRenderHint(QPainter::Antialiasing, bSmooth); }
@@ -164,6 +171,71 @@ void CDC::FillSolidRect(const CRect& rRect, COLORREF Color) {
     }
 }
 
+void CDC::InvertRect(const CRect& rRect) {
+    if (rRect.IsRectEmpty() || !m_pImpl->m_Painter.isActive()) {
+        return;
+    }
+    m_pImpl->m_Painter.setCompositionMode(QPainter::CompositionMode_Difference);
+    m_pImpl->m_Painter.fillRect(ToQt(rRect), Qt::white);
+    m_pImpl->m_Painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+}
+
+void CDC::FrameRect(const CRect& rRect, COLORREF Color) {
+    Draw3dRect(rRect, Color, Color);
+}
+
+void CDC::Draw3dRect(const CRect& rRect, COLORREF TopLeft, COLORREF BottomRight) {
+    if (rRect.IsRectEmpty()) {
+        return;
+    }
+    FillSolidRect(CRect(rRect.left, rRect.top, rRect.right, rRect.top + 1), TopLeft);
+    FillSolidRect(CRect(rRect.left, rRect.top, rRect.left + 1, rRect.bottom), TopLeft);
+    FillSolidRect(CRect(rRect.right - 1, rRect.top, rRect.right, rRect.bottom), BottomRight);
+    FillSolidRect(CRect(rRect.left, rRect.bottom - 1, rRect.right, rRect.bottom), BottomRight);
+}
+
+void CDC::DrawEdge(const CRect& rRect, Edge Kind) {
+    const COLORREF Light = GetSysColor(SysColor::eHighlight);
+    const COLORREF Face = GetSysColor(SysColor::eFace);
+    const COLORREF Shadow = GetSysColor(SysColor::eShadow);
+    const COLORREF Dark = GetSysColor(SysColor::eDarkShadow);
+    CRect Inner = rRect;
+    Inner.DeflateRect(1, 1);
+    switch (Kind) {
+        case eRaised:
+            Draw3dRect(rRect, Light, Dark);
+            Draw3dRect(Inner, Face, Shadow);
+            break;
+        case eSunken:
+            Draw3dRect(rRect, Shadow, Light);
+            Draw3dRect(Inner, Dark, Face);
+            break;
+        case eEtched:
+            Draw3dRect(rRect, Shadow, Light);
+            Draw3dRect(Inner, Light, Shadow);
+            break;
+    }
+}
+
+void CDC::DrawFocusRect(const CRect& rRect) {
+    if (rRect.IsRectEmpty() || !m_pImpl->m_Painter.isActive()) {
+        return;
+    }
+    QPen Pen(ToQt(GetSysColor(SysColor::eWindowText)), 1.0);
+    Pen.setDashPattern({1.0, 1.0});
+    Pen.setCapStyle(Qt::FlatCap);
+    m_pImpl->SetSmooth(false);
+    m_pImpl->m_Painter.setPen(Pen);
+    m_pImpl->m_Painter.setBrush(Qt::NoBrush);
+    m_pImpl->m_Painter.drawRect(QRectF(ToQt(rRect)).adjusted(0.5, 0.5, -0.5, -0.5));
+}
+
+void CDC::DrawPart(const CRect& rRect, Part Kind, CPartState State) {
+    if (!rRect.IsRectEmpty() && m_pImpl->m_Painter.isActive()) {
+        DrawStylePart(m_pImpl->m_Painter, ToQt(rRect), Kind, State);
+    }
+}
+
 void CDC::MoveTo(CPoint Point) {
     m_pImpl->m_Position = Point;
 }
@@ -174,12 +246,11 @@ void CDC::LineTo(CPoint Point) {
     if (!m_pImpl->m_Painter.isActive()) {
         return;
     }
-    m_pImpl->m_Painter.setPen(ToQt(m_pImpl->m_State.m_Pen));
-    if (IsOnGrid(Point - From)) {
-        m_pImpl->SetSmooth(false);
+    m_pImpl->m_Painter.setPen(MakePen(m_pImpl->m_State.m_Pen));
+    m_pImpl->SetSmooth(!IsOnGrid(Point - From));
+    if (IsOnGrid(Point - From) && m_pImpl->m_rTarget.GetScale() == 1.0) {
         m_pImpl->m_Painter.drawLine(From.x, From.y, Point.x, Point.y);
     } else {
-        m_pImpl->SetSmooth(true);
         m_pImpl->m_Painter.drawLine(Middle(From), Middle(Point));
     }
 }
@@ -201,7 +272,7 @@ void CDC::Ellipse(const CRect& rRect) {
     const CPen& rPen = m_pImpl->m_State.m_Pen;
     const CBrush& rBrush = m_pImpl->m_State.m_Brush;
     m_pImpl->SetSmooth(true);
-    m_pImpl->m_Painter.setPen(ToQt(rPen));
+    m_pImpl->m_Painter.setPen(MakePen(rPen));
     m_pImpl->m_Painter.setBrush(rBrush.m_Style == CBrush::eSolid ? QBrush(ToQt(rBrush.m_Color)) : QBrush());
     // The outline, too, lies inside.
     const double Inset = rPen.m_Style == CPen::eNull ? 0.0 : std::max(rPen.m_Width, 1) / 2.0;
@@ -218,7 +289,7 @@ void CDC::Arc(CPoint Center, int Radius, double StartDegrees, double SweepDegree
     Path.arcMoveTo(Square, StartDegrees);
     Path.arcTo(Square, StartDegrees, SweepDegrees);
     m_pImpl->SetSmooth(true);
-    m_pImpl->m_Painter.strokePath(Path, ToQt(m_pImpl->m_State.m_Pen));
+    m_pImpl->m_Painter.strokePath(Path, MakePen(m_pImpl->m_State.m_Pen));
 }
 
 void CDC::FillRing(CPoint Center, int InnerRadius, int OuterRadius, double StartDegrees, double SweepDegrees,
@@ -252,20 +323,33 @@ void CDC::FillRing(CPoint Center, int InnerRadius, int OuterRadius, double Start
 }
 
 void CDC::BitBlt(const CRect& rDestination, const CBitmap& rSource, CPoint SourceOrigin) {
-    const QImage& rImage = rSource.GetImpl().m_Image;
-    if (rDestination.IsRectEmpty() || rImage.isNull() || !m_pImpl->m_Painter.isActive()) {
+    const CRect Wanted(SourceOrigin, rDestination.Size());
+    const CSize Size = rSource.GetSize();
+    // Only what the source really has; the toolkit would place a part that sticks out elsewhere.
+    const CRect Present(std::max(Wanted.left, 0), std::max(Wanted.top, 0), std::min(Wanted.right, Size.cx),
+                        std::min(Wanted.bottom, Size.cy));
+    if (Present.IsRectEmpty() || !m_pImpl->m_Painter.isActive()) {
         return;
     }
-    const QRect Part(QPoint(SourceOrigin.x, SourceOrigin.y),
-                     QSize(rDestination.Width(), rDestination.Height()));
-    // Only what the source really has; the toolkit would place a part that sticks out elsewhere.
-    const QRect Present = Part.intersected(rImage.rect());
-    const QPoint Target = QPoint(rDestination.left, rDestination.top) + Present.topLeft() - Part.topLeft();
-    if (&rSource == &m_pImpl->m_rTarget) {
-        m_pImpl->m_Painter.drawImage(Target, rImage.copy(Present));  // source and target may overlap
-    } else {
-        m_pImpl->m_Painter.drawImage(Target, rImage, Present);
+    const CPoint Target = rDestination.TopLeft() + Present.TopLeft() - Wanted.TopLeft();
+    m_pImpl->DrawImage(CRect(Target, Present.Size()), rSource.GetImpl().m_Image, Present,
+                       &rSource == &m_pImpl->m_rTarget);
+}
+
+void CDC::TransparentBlt(const CRect& rDestination, const CBitmap& rSource, CPoint SourceOrigin,
+                         COLORREF Mask) {
+    CBitmap Masked = rSource;
+    QImage& rImage = Masked.GetImpl().m_Image;
+    if (rImage.isNull()) {
+        return;
     }
+    rImage = rImage.convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    const QRgb Hidden = ToQt(Mask).rgb();
+    for (int y = 0; y < rImage.height(); ++y) {
+        auto* const pLine = reinterpret_cast<QRgb*>(rImage.scanLine(y));
+        std::replace(pLine, pLine + rImage.width(), Hidden, qRgba(0, 0, 0, 0));
+    }
+    BitBlt(rDestination, Masked, SourceOrigin);
 }
 
 int CDC::DrawText(const std::string& rText, CRect& rRect, unsigned Format) {
@@ -277,14 +361,21 @@ int CDC::DrawText(const std::string& rText, CRect& rRect, unsigned Format) {
     if (bSingleLine) {
         Text.replace(u'\n', u' ');
     }
-    const QStringList Lines = Text.split(u'\n');
+    const QFontMetrics Metrics(m_pImpl->GetFont().m_Font);
+    QStringList Lines = !bSingleLine && (Format & DT_WORDBREAK) != 0 ? WrapText(Text, Metrics, rRect.Width())
+                                                                     : Text.split(u'\n');
+    if ((Format & DT_END_ELLIPSIS) != 0) {
+        for (QString& rLine : Lines) {
+            rLine = Metrics.elidedText(rLine, Qt::ElideRight, rRect.Width());
+        }
+    }
     const int nLineHeight = m_pImpl->GetFont().GetHeight();
     const int nHeight = nLineHeight * static_cast<int>(Lines.size());
 
     if ((Format & DT_CALCRECT) != 0) {
         int nWidth = 0;
         for (const QString& rLine : Lines) {
-            nWidth = std::max(nWidth, m_pImpl->GetTextWidth(rLine));
+            nWidth = std::max(nWidth, Metrics.horizontalAdvance(rLine));
         }
         rRect.right = rRect.left + nWidth;
         rRect.bottom = rRect.top + nHeight;
@@ -341,7 +432,7 @@ COLORREF CDC::GetPixel(CPoint Point) const {
 }
 
 int CDC::GetBitsPerPixel() const {
-    return 24;
+    return GetDisplayBitsPerPixel();
 }
 
 int CDC::GetDotsPerInch() const {

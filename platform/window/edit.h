@@ -12,6 +12,9 @@ class CEdit : public CControl {
 public:
     CEdit();
 
+    /// Where the selection began and where the caret stands, in this order; equal without a selection.
+    int GetAnchor() const { return m_SelStart; }
+    int GetCaret() const { return m_SelEnd; }
     /// Selects from Start to End, where the caret goes, and scrolls it into view. End -1: to the end of the
     /// text; Start -1: nothing is selected. Positions behind the text's end count as its end.
     void SetSel(int Start, int End);
@@ -29,9 +32,10 @@ public:
     void LimitText(int nCharacters);
     int GetLimitText() const { return m_nLimit; }
 
-    /// The operator has made the text and the selection what is given; asks the parent if the text is
-    /// another. False if it was refused, and the former text has come back. The box may be gone then.
-    bool ChangeByOperator(const std::string& rText, int Start, int End);
+    /// The operator has made the text and the selection (anchor and caret) what is given; asks the parent if
+    /// the text is another. False if it was refused, and the former text has come back. The box may be gone
+    /// then.
+    bool ChangeByOperator(const std::string& rText, int SelStart, int SelEnd);
 
 protected:
     /// Tells the parent of the focus.
@@ -40,8 +44,8 @@ protected:
     void OnTextSet() override;
 
 private:
-    int m_SelStart = 0;
-    int m_SelEnd = 0;
+    int m_SelStart = 0;  ///< where the selection began; may be behind its end
+    int m_SelEnd = 0;    ///< the caret
     bool m_bReadOnly = false;
     bool m_bUpperCase = false;
     int m_nLimit = 0;

@@ -12,6 +12,9 @@ constexpr WPARAM MK_SHIFT = 4;
 constexpr WPARAM MK_CONTROL = 8;
 constexpr WPARAM MK_MBUTTON = 16;
 
+/// Bit of lParam in message 256: the key is held down and repeats.
+constexpr LPARAM KF_REPEAT = 1 << 30;
+
 /// One notch of the wheel.
 constexpr int WHEEL_DELTA = 120;
 

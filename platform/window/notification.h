@@ -17,7 +17,7 @@ constexpr int CBN_SELCHANGE = 1;
 constexpr int CBN_SETFOCUS = 3;
 constexpr int CBN_KILLFOCUS = 4;
 constexpr int CBN_DROPDOWN = 7;  ///< the list is about to open
-constexpr int CBN_CLOSEUP = 8;   ///< it has closed; behind CBN_SELCHANGE
+constexpr int CBN_CLOSEUP = 8;   ///< it has closed; before CBN_SELCHANGE
 
 // Of a CTabCtrl.
 constexpr int TCN_SELCHANGE = -551;    ///< the operator has selected another tab (never the program)

@@ -49,8 +49,7 @@ private:
     void Paint();
     void Press(CPoint Point);
     void LetGo();
-    /// One step; false if the window is gone afterwards.
-    bool Step();
+    void Step();
     void Repeat();
     int GetStep() const;
 

@@ -3,27 +3,32 @@
 #include <algorithm>
 
 #include "platform/window/dc.h"
+#include "platform/window/syscolor.h"
+#include "platform/window/tabbar.h"
 
 namespace {
 
-constexpr COLORREF eFaceColor = RGB(0xEC, 0xE9, 0xD8);
-constexpr COLORREF eLineColor = RGB(0x71, 0x6F, 0x64);
-constexpr int eMargin = 10;
+/// Of the tabs' window; far from those that pages use.
+constexpr UINT eBarId = 0xFFFF;
 
 }  // namespace
 
-int CTabCtrl::InsertItem(int Index, const std::string& rText) {
+CTabCtrl::CTabCtrl() : m_pBar(std::make_unique<CTabBar>(*this)) {}
+
+CTabCtrl::~CTabCtrl() = default;
+
+int CTabCtrl::InsertItem(int Index, const std::string& rText, int Image) {
     if (Index < 0 || Index > GetItemCount()) {
         return -1;
     }
-    m_Items.insert(m_Items.begin() + Index, rText);
+    m_Items.insert(m_Items.begin() + Index, {rText, Image});
     // The selected tab stays selected, wherever it moves.
     if (m_CurSel == -1) {
         m_CurSel = 0;
     } else if (Index <= m_CurSel) {
         ++m_CurSel;
     }
-    Invalidate();
+    m_pBar->Update();
     return Index;
 }
 
@@ -36,7 +41,7 @@ bool CTabCtrl::DeleteItem(int Index) {
         --m_CurSel;
     }
     m_CurSel = std::min(m_CurSel, GetItemCount() - 1);
-    Invalidate();
+    m_pBar->Update();
     return true;
 }
 
@@ -46,50 +51,70 @@ int CTabCtrl::SetCurSel(int Index) {
     }
     const int Former = m_CurSel;
     m_CurSel = Index;
-    Invalidate();
+    m_pBar->Update();
     return Former;
+}
+
+void CTabCtrl::SetFont(const CFont& rFont) {
+    CWnd::SetFont(rFont);
+    m_pBar->SetFont(rFont);
+}
+
+void CTabCtrl::SetImageList(const CImageList& rImages) {
+    m_Images = rImages;
+    m_pBar->Update();
+}
+
+CRect CTabCtrl::GetBarArea() const {
+    CRect Area = GetClientRect();
+    Area.bottom = std::min(eTabHeight, Area.bottom);
+    return Area;
 }
 
 CRect CTabCtrl::GetDisplayArea() const {
     CRect Area = GetClientRect();
-    Area.top = std::min(Area.top + eTabHeight, Area.bottom);
+    Area.top = GetBarArea().bottom;
     return Area;
 }
 
-void CTabCtrl::SetFont(const CFont& rFont) {
-    m_Font = rFont;
-    Invalidate();
+bool CTabCtrl::SelectByOperator(int Index) {
+    if (Index < 0 || Index >= GetItemCount()) {
+        return false;
+    }
+    if (Index == m_CurSel) {
+        return true;
+    }
+    const CGuard Guard(*this);
+    const bool bRefused = NotifyParent(TCN_SELCHANGING) != 0;
+    if (!Guard.IsAlive()) {
+        return false;
+    }
+    if (bRefused) {
+        m_pBar->Update();
+        return false;
+    }
+    SetCurSel(Index);
+    OnSelectedByOperator();
+    if (Guard.IsAlive()) {
+        NotifyParent(TCN_SELCHANGE);
+    }
+    return Guard.IsAlive();
 }
 
 LRESULT CTabCtrl::WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) {
-    if (Message == WM_PAINT) {
-        PaintTabs();
-        return 0;
+    switch (Message) {
+        case WM_CREATE:
+            m_pBar->Create(this, GetBarArea(), eBarId);
+            break;
+        case WM_SIZE:
+            m_pBar->MoveWindow(GetBarArea());
+            break;
+        case WM_PAINT:
+            CDC(GetSurface()).FillSolidRect(GetClientRect(), GetSysColor(SysColor::eFace));
+            SurfaceChanged();
+            return 0;
+        default:
+            break;
     }
     return CWnd::WindowProc(Message, wParam, lParam);
-}
-
-void CTabCtrl::PaintTabs() {
-    {
-        CDC Dc(GetSurface());
-        const CRect Client = GetClientRect();
-        Dc.FillSolidRect(Client, eFaceColor);
-        Dc.SelectPen(CPen(CPen::eSolid, 1, eLineColor));
-        Dc.SelectFont(m_Font);
-        const int nBase = eTabHeight - 1;
-        Dc.Polyline(std::vector<CPoint>{{0, nBase}, {Client.right - 1, nBase}});
-        int x = 2;
-        for (int i = 0; i < GetItemCount(); ++i) {
-            const std::string& rText = GetItemText(i);
-            const int nRight = x + Dc.GetTextExtent(rText).cx + 2 * eMargin;
-            const int nTop = i == m_CurSel ? 1 : 3;
-            // The selected tab is white and open towards its page.
-            CRect Tab(x, nTop, nRight + 1, i == m_CurSel ? nBase + 1 : nBase);
-            Dc.FillSolidRect(Tab, i == m_CurSel ? RGB(255, 255, 255) : eFaceColor);
-            Dc.Polyline(std::vector<CPoint>{{x, nBase}, {x, nTop}, {nRight, nTop}, {nRight, nBase}});
-            Dc.DrawText(rText, Tab, DT_SINGLELINE | DT_VCENTER | DT_CENTER);
-            x = nRight;
-        }
-    }
-    SurfaceChanged();
 }

@@ -35,6 +35,7 @@ public:
         return m_Items.at(static_cast<std::size_t>(Index)).m_Text;
     }
     int GetItemImage(int Index) const { return m_Items.at(static_cast<std::size_t>(Index)).m_Image; }
+    void SetFont(const CFont& rFont) override;
     void SetImageList(const CImageList& rImages);
     const CImageList& GetImageList() const { return m_Images; }
     /// The client area under the tabs, for the page.
@@ -57,8 +58,6 @@ private:
         int m_Image = -1;
     };
 
-    /// The toolkit's tabs are to be made the same as these.
-    void UpdateBar();
     CRect GetBarArea() const;
 
     CImageList m_Images;

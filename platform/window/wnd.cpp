@@ -1,42 +1,10 @@
 #include "platform/window/wnd.h"
 
 #include <algorithm>
-#include <atomic>
-#include <map>
 
 #include "platform/rvcom/rvcom.h"
-#include "platform/system/eventloop.h"
 #include "platform/window/dc.h"
-
-/// What queued messages and running timers hold in the window's place. Every life of a window, from its
-/// creation to its destruction, has a number of its own; work that was queued in an earlier life is dropped.
-struct CWnd::Anchor {
-    static constexpr std::uint64_t eNotAlive = 0;
-
-    struct CTimer {
-        IFEventLoop* m_pLoop = nullptr;
-        std::uint32_t m_LoopId = 0;
-    };
-
-    void Kill(const CTimer& rTimer) const {
-        // A loop that is gone took its timers along.
-        if (IFEventLoop::HasCurrent() && &IFEventLoop::Current() == rTimer.m_pLoop) {
-            rTimer.m_pLoop->KillTimer(rTimer.m_LoopId);
-        }
-    }
-
-    CWnd* m_pWnd = nullptr;
-    std::atomic<std::uint64_t> m_Life{eNotAlive};
-    std::map<UINT, CTimer> m_Timers;
-};
-
-/// What windows know of each other across trees.
-struct CWnd::CRegistry {
-    std::uint64_t m_LastLife = Anchor::eNotAlive;
-    std::vector<CWnd*> m_TopLevel;  ///< in order of creation
-    CWnd* m_pFocus = nullptr;
-    CWnd* m_pForeground = nullptr;
-};
+#include "platform/window/wndregistry.h"
 
 CWnd::CRegistry& CWnd::GetRegistry() {
     static CRegistry Registry;
@@ -55,8 +23,10 @@ CWnd::~CWnd() {
     }
 }
 
-bool CWnd::IsAlive(std::uint64_t Life) const {
-    return m_pAnchor->m_Life == Life;
+CWnd::CGuard::CGuard(const CWnd& rWnd) : m_pAnchor(rWnd.m_pAnchor), m_Life(m_pAnchor->m_Life) {}
+
+bool CWnd::CGuard::IsAlive() const {
+    return m_Life != Anchor::eNotAlive && m_pAnchor->m_Life == m_Life;
 }
 
 void CWnd::Begin(CWnd* pParent, const CRect& rRect, UINT Id, bool bVisible) {
@@ -76,7 +46,10 @@ bool CWnd::Create(CWnd* pParent, const CRect& rRect, UINT Id, bool bVisible) {
     }
     Begin(pParent, rRect, Id, bVisible);
     m_bMessageOnly = false;
-    m_Surface.Create(rRect.Size());
+    if (pParent != nullptr) {
+        m_Scale = pParent->m_Scale;
+    }
+    MakeSurface();
     CRegistry& rRegistry = GetRegistry();
     if (pParent != nullptr) {
         pParent->m_Children.push_back(this);
@@ -87,10 +60,9 @@ bool CWnd::Create(CWnd* pParent, const CRect& rRect, UINT Id, bool bVisible) {
         }
     }
     // The handlers may destroy the window or delete the object.
-    const std::shared_ptr<Anchor> pAnchor = m_pAnchor;
-    const std::uint64_t Life = pAnchor->m_Life;
+    const CGuard Guard(*this);
     const LRESULT Answer = SendMessage(WM_CREATE);
-    if (pAnchor->m_Life != Life) {
+    if (!Guard.IsAlive()) {
         return false;
     }
     if (Answer == -1) {
@@ -100,12 +72,28 @@ bool CWnd::Create(CWnd* pParent, const CRect& rRect, UINT Id, bool bVisible) {
         return false;
     }
     SendSize();
-    if (pAnchor->m_Life != Life) {
+    if (!Guard.IsAlive()) {
         return false;
     }
     Invalidate();
     NotifyPeer();
-    return true;
+    OnCreated();
+    return Guard.IsAlive();
+}
+
+void CWnd::MakeSurface() {
+    m_Surface.Create(m_Rect.Size(), m_Scale);
+}
+
+void CWnd::SetScale(double Scale) {
+    if (m_Scale != Scale) {
+        m_Scale = Scale;
+        MakeSurface();
+        Invalidate();
+    }
+    for (CWnd* pChild : m_Children) {
+        pChild->SetScale(Scale);
+    }
 }
 
 bool CWnd::CreateMessageOnly() {
@@ -123,10 +111,9 @@ void CWnd::DestroyWindow() {
     }
     m_bDestroying = true;
     if (!m_bMessageOnly) {
-        const std::shared_ptr<Anchor> pAnchor = m_pAnchor;
-        const std::uint64_t Life = pAnchor->m_Life;
+        const CGuard Guard(*this);
         SendMessage(WM_DESTROY);
-        if (pAnchor->m_Life != Life) {
+        if (!Guard.IsAlive()) {
             return;  // The handler deleted the object, or its parent's end took it along.
         }
     }
@@ -135,12 +122,11 @@ void CWnd::DestroyWindow() {
 }
 
 void CWnd::DestroyChildren() {
-    const std::shared_ptr<Anchor> pAnchor = m_pAnchor;
-    const std::uint64_t Life = pAnchor->m_Life;
-    while (pAnchor->m_Life == Life && !m_Children.empty()) {
+    const CGuard Guard(*this);
+    while (Guard.IsAlive() && !m_Children.empty()) {
         CWnd* pChild = m_Children.front();
         pChild->DestroyWindow();
-        if (pAnchor->m_Life == Life && !m_Children.empty() && m_Children.front() == pChild) {
+        if (Guard.IsAlive() && !m_Children.empty() && m_Children.front() == pChild) {
             // The child is in the middle of its own destruction, further up the stack.
             pChild->DestroyChildren();
             pChild->Forget();
@@ -160,11 +146,17 @@ void CWnd::Forget() {
     m_bPaintPending = false;
 
     CRegistry& rRegistry = GetRegistry();
-    if (rRegistry.m_pFocus == this) {
-        rRegistry.m_pFocus = nullptr;
+    for (CWnd** ppWnd :
+         {&rRegistry.m_pFocus, &rRegistry.m_pTold, &rRegistry.m_pLost, &rRegistry.m_pCapture}) {
+        if (*ppWnd == this) {
+            *ppWnd = nullptr;
+        }
     }
     if (m_pParent != nullptr) {
         CWnd* pParent = m_pParent;
+        if (IFWindowPeer* const pPeer = GetPeer()) {
+            pPeer->OnChildDestroyed(*this);
+        }
         std::erase(pParent->m_Children, this);
         m_pParent = nullptr;
         pParent->NotifyPeer();
@@ -201,6 +193,7 @@ void CWnd::ShowWindow(bool bShow) {
     if (!m_bExists || m_bMessageOnly || m_bVisible == bShow) {
         return;
     }
+    const CGuard Guard(*this);
     m_bVisible = bShow;
     if (bShow) {
         InvalidateTree();
@@ -208,8 +201,32 @@ void CWnd::ShowWindow(bool bShow) {
         if (m_pParent == nullptr && rRegistry.m_pForeground == nullptr) {
             rRegistry.m_pForeground = this;
         }
+    } else {
+        Withdraw();
     }
-    NotifyPeer();
+    if (Guard.IsAlive()) {
+        NotifyPeer();
+        SendMessage(WM_SHOWWINDOW, bShow ? 1 : 0);
+    }
+}
+
+void CWnd::EnableWindow(bool bEnable) {
+    if (m_bEnabled == bEnable) {
+        return;
+    }
+    m_bEnabled = bEnable;
+    if (!m_bExists || m_bMessageOnly) {
+        return;
+    }
+    const CGuard Guard(*this);
+    if (!bEnable) {
+        Withdraw();
+    }
+    if (Guard.IsAlive()) {
+        Invalidate();
+        NotifyPeer();
+        SendMessage(WM_ENABLE, bEnable ? 1 : 0);
+    }
 }
 
 void CWnd::MoveWindow(const CRect& rRect) {
@@ -219,11 +236,10 @@ void CWnd::MoveWindow(const CRect& rRect) {
     const bool bSizeChanged = m_Rect.Size() != rRect.Size();
     m_Rect = rRect;
     if (bSizeChanged) {
-        m_Surface.Create(rRect.Size());
-        const std::shared_ptr<Anchor> pAnchor = m_pAnchor;
-        const std::uint64_t Life = pAnchor->m_Life;
+        MakeSurface();
+        const CGuard Guard(*this);
         SendSize();
-        if (pAnchor->m_Life != Life) {
+        if (!Guard.IsAlive()) {
             return;
         }
         Invalidate();
@@ -249,7 +265,38 @@ CWnd* CWnd::GetDlgItem(UINT Id) const {
 
 void CWnd::SetWindowText(const std::string& rText) {
     m_Text = rText;
+    OnTextSet();
     NotifyPeer();
+}
+
+void CWnd::SetAccessibleName(const std::string& rName) {
+    m_AccessibleName = rName;
+    NotifyPeer();
+}
+
+void CWnd::SetFont(const CFont& rFont) {
+    m_Font = rFont;
+    Invalidate();
+    NotifyPeer();
+}
+
+void CWnd::ModifyStyle(UINT Remove, UINT Add) {
+    m_Style = (m_Style & ~Remove) | Add;
+    NotifyPeer();
+}
+
+void CWnd::SetCursor(Cursor Shape) {
+    if (m_Cursor != Shape) {
+        m_Cursor = Shape;
+        NotifyPeer();
+    }
+}
+
+CPoint CWnd::ClientToTop(CPoint Point) const {
+    for (const CWnd* pWnd = this; pWnd->m_pParent != nullptr; pWnd = pWnd->m_pParent) {
+        Point = Point + pWnd->m_Rect.TopLeft();
+    }
+    return Point;
 }
 
 LRESULT CWnd::SendMessage(UINT Message, WPARAM wParam, LPARAM lParam) {
@@ -318,18 +365,23 @@ void CWnd::SurfaceChanged() {
     NotifyPeer();
 }
 
-void CWnd::NotifyPeer() {
-    CWnd* pRoot = this;
-    while (pRoot->m_pParent != nullptr) {
-        pRoot = pRoot->m_pParent;
+IFWindowPeer* CWnd::GetPeer() const {
+    const CWnd* pTop = this;
+    while (pTop->m_pParent != nullptr) {
+        pTop = pTop->m_pParent;
     }
-    if (pRoot->m_pPeer != nullptr && m_bExists) {
-        pRoot->m_pPeer->OnWindowChanged(*this);
+    return pTop->m_pPeer;
+}
+
+void CWnd::NotifyPeer() {
+    IFWindowPeer* const pPeer = GetPeer();
+    if (pPeer != nullptr && m_bExists) {
+        pPeer->OnWindowChanged(*this);
     }
 }
 
 CBitmap CWnd::Compose() const {
-    CBitmap Result = m_Surface;
+    CBitmap Result = GetPicture();
     for (const CWnd* pChild : m_Children) {
         if (pChild->m_bVisible) {
             const CBitmap Picture = pChild->Compose();
@@ -339,14 +391,18 @@ CBitmap CWnd::Compose() const {
     return Result;
 }
 
-void CWnd::SetFocus() {
-    if (m_bExists) {
-        GetRegistry().m_pFocus = this;
-    }
+LRESULT CWnd::NotifyParent(CNotification& rNotification) {
+    rNotification.m_pFrom = this;
+    rNotification.m_Id = m_Id;
+    return m_pParent != nullptr
+               ? m_pParent->SendMessage(WM_NOTIFY, m_Id, reinterpret_cast<LPARAM>(&rNotification))
+               : 0;
 }
 
-CWnd* CWnd::GetFocus() {
-    return GetRegistry().m_pFocus;
+LRESULT CWnd::NotifyParent(int Code) {
+    CNotification Notification;
+    Notification.m_Code = Code;
+    return NotifyParent(Notification);
 }
 
 CWnd* CWnd::GetForegroundWindow() {
@@ -369,6 +425,6 @@ CWnd* CWnd::FindWindow(const std::string& rTitle) {
     return Found == rTopLevel.end() ? nullptr : *Found;
 }
 
-LRESULT CWnd::WindowProc(UINT, WPARAM, LPARAM) {
-    return 0;
+LRESULT CWnd::WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) {
+    return Message == WM_NOTIFY && m_pParent != nullptr ? m_pParent->SendMessage(Message, wParam, lParam) : 0;
 }

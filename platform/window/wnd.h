@@ -90,7 +90,7 @@ public:
     void SetAccessibleName(const std::string& rName);
     const std::string& GetAccessibleName() const { return m_AccessibleName; }
     /// The font of the window's text, the default GUI font from the start.
-    void SetFont(const CFont& rFont);
+    virtual void SetFont(const CFont& rFont);
     const CFont& GetFont() const { return m_Font; }
     UINT GetStyle() const { return m_Style; }
     /// Style bits, also before the window is created.
@@ -171,6 +171,8 @@ protected:
     virtual void OnTextSet() {}
     /// The window's picture without its children; that of the surface but for controls.
     virtual CBitmap GetPicture() const { return m_Surface; }
+    /// The text that the operator has made: SetWindowText without OnTextSet and without telling a view.
+    void StoreText(const std::string& rText) { m_Text = rText; }
     /// A view is to look at this window's state again.
     void NotifyPeer();
     /// Where a toolkit shows this tree; null without.
@@ -202,7 +204,6 @@ private:
     void Withdraw();
     /// pWnd is this window or somewhere below it.
     bool Holds(const CWnd* pWnd) const;
-    CWnd& GetTop();
     /// Shown and enabled, and all parents are.
     bool IsOperable() const;
     /// Moves the focus, with messages; bToToolkit: the toolkit's, too.

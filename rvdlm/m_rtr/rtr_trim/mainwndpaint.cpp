@@ -15,7 +15,8 @@ void CPreBalancingMainWnd::Repaint(unsigned Mask) {
         return;
     }
     // Off-screen, so that nothing flickers. The window's surface is the screen.
-    CBitmap Memory(Client.Size());
+    CBitmap Memory;
+    Memory.Create(Client.Size(), GetSurface().GetScale());
     {
         CDC MemoryDC(Memory);
         if (bAll) {

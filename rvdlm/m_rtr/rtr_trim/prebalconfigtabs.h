@@ -61,6 +61,7 @@ public:
 
 protected:
     LRESULT WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) override;
+    void OnSelectedByOperator() override { UpdateTabSelection(); }
 
 private:
     using MessageHandler = void (CPreBalConfigTabs::*)(WPARAM wParam);

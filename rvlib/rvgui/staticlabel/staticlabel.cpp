@@ -20,8 +20,8 @@ void CStaticLabel::SetGradient(bool bEnabled, bool bDisabled) {
 }
 
 void CStaticLabel::SetFont(const CFont& rFont) {
-    m_Font = rFont;
-    Invalidate();
+    m_bHasFont = true;
+    CWnd::SetFont(rFont);
 }
 
 void CStaticLabel::SetTextColor(COLORREF Color) {
@@ -29,24 +29,19 @@ void CStaticLabel::SetTextColor(COLORREF Color) {
     Invalidate();
 }
 
-void CStaticLabel::EnableWindow(bool bEnable) {
-    m_bEnabled = bEnable;
-    Invalidate();
-}
-
 void CStaticLabel::Paint(CDC& rDC, const CRect& rRect) const {
     constexpr int c_nInset = 10;
-    const CLook& rLook = m_bEnabled ? m_Enabled : m_Disabled;
+    const CLook& rLook = IsWindowEnabled() ? m_Enabled : m_Disabled;
     if (rLook.m_bGradient) {
         Gui::FillGradient(rDC, rRect, rLook.m_Background);
     } else {
         rDC.FillSolidRect(rRect, rLook.m_Background);
     }
-    if (!m_Font) {
+    if (!m_bHasFont) {
         return;
     }
     const int Saved = rDC.SaveDC();
-    rDC.SelectFont(*m_Font);
+    rDC.SelectFont(GetFont());
     rDC.SetBkMode(CDC::eTransparent);
     rDC.SetTextColor(m_TextColor);
     CRect Rect = rRect;

@@ -1,5 +1,4 @@
 #pragma once
-#include <optional>
 #include <string>
 
 #include "platform/window/dc.h"
@@ -15,10 +14,8 @@ public:
     void SetBackground(COLORREF Enabled, COLORREF Disabled);
     void SetGradient(bool bEnabled, bool bDisabled);
     /// Without a font no text is drawn.
-    void SetFont(const CFont& rFont);
+    void SetFont(const CFont& rFont) override;
     void SetTextColor(COLORREF Color);
-    void EnableWindow(bool bEnable);
-    bool IsWindowEnabled() const { return m_bEnabled; }
 
     /// Draws into rRect; what the window does for its client area.
     void Paint(CDC& rDC, const CRect& rRect) const;
@@ -37,6 +34,5 @@ private:
     CLook m_Disabled;
     std::string m_Text;
     COLORREF m_TextColor = RGB(0, 0, 0);
-    std::optional<CFont> m_Font;
-    bool m_bEnabled = true;
+    bool m_bHasFont = false;
 };
