@@ -10,6 +10,7 @@
 
 #include "platform/qt/bitmapimpl.h"
 #include "platform/qt/editwidget.h"
+#include "platform/qt/inputevents.h"
 #include "platform/window/combobox.h"
 #include "platform/window/messageparams.h"
 #include "platform/window/scrollbar.h"
@@ -24,7 +25,11 @@ template <typename Base, typename Control>
 class CNoWheelWidget : public CControlWidget<Base, Control> {
 protected:
     using CControlWidget<Base, Control>::CControlWidget;
-    void wheelEvent(QWheelEvent* pEvent) override { pEvent->ignore(); }
+    void wheelEvent(QWheelEvent* pEvent) override {
+        if (this->GetWnd() != nullptr) {
+            SendWheel(*this->GetWnd(), *pEvent);
+        }
+    }
 };
 
 class CComboWidget : public CNoWheelWidget<QComboBox, CComboBox> {

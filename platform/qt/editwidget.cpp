@@ -35,7 +35,10 @@ void CEditWidget::FollowState(const CEdit& rEdit) {
     setFrame((rEdit.GetStyle() & WS_BORDER) != 0);
     constexpr int eNoLimit = 32767;
     const int nLimit = rEdit.GetLimitText() == 0 ? eNoLimit : rEdit.GetLimitText();
-    setMaxLength(std::max(nLimit, static_cast<int>(Text.size())));  // the program's text may be longer
+    // The program's text may be longer. Not without need: it makes the toolkit forget what can be undone.
+    if (const int nMost = std::max(nLimit, static_cast<int>(Text.size())); nMost != maxLength()) {
+        setMaxLength(nMost);
+    }
     if (text() != Text) {
         setText(Text);
     }

@@ -2,12 +2,14 @@
 
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QWheelEvent>
 #include <algorithm>
 #include <array>
 
 #include "platform/window/keys.h"
 #include "platform/window/messageparams.h"
 #include "platform/window/messages.h"
+#include "platform/window/wnd.h"
 
 namespace {
 
@@ -76,6 +78,12 @@ LPARAM GetRepeatParam(const QKeyEvent& rEvent) {
 }
 
 std::u32string GetCharacters(const QKeyEvent& rEvent) {
+    // A command types nothing, whatever text comes with it. Control and Alt together are AltGr on some
+    // keyboards.
+    const Qt::KeyboardModifiers Commands = rEvent.modifiers() & (Qt::ControlModifier | Qt::AltModifier);
+    if (Commands == Qt::ControlModifier || Commands == Qt::AltModifier) {
+        return {};
+    }
     std::u32string Result;
     for (const uint Character : rEvent.text().toUcs4()) {
         if (QChar::isPrint(Character)) {
@@ -122,5 +130,27 @@ UINT GetMouseMessage(const QMouseEvent& rEvent) {
             return Down + 2;
         default:
             return Down;
+    }
+}
+
+void SendWheel(CWnd& rWnd, QWheelEvent& rEvent) {
+    rEvent.accept();  // the parents' widgets needn't ask again
+    const int nDelta = rEvent.angleDelta().y();
+    if (nDelta == 0) {
+        return;
+    }
+    const WPARAM Parameter = MakeWheelParam(GetMouseFlags(rEvent), nDelta);
+    const QPoint Pixel = rEvent.position().toPoint();
+    CPoint Point(Pixel.x(), Pixel.y());
+    CWnd* pWnd = &rWnd;
+    while (pWnd != nullptr) {
+        // A window that doesn't use it doesn't end by it either.
+        CWnd* const pParent = pWnd->GetParent();
+        const CPoint InParent = Point + pWnd->GetRect().TopLeft();
+        if (pWnd->SendMessage(WM_MOUSEWHEEL, Parameter, MakePointParam(Point)) != 0) {
+            return;
+        }
+        pWnd = pParent;
+        Point = InParent;
     }
 }

@@ -4,9 +4,11 @@
 
 #include "platform/window/types.h"
 
+class CWnd;
 class QKeyEvent;
 class QMouseEvent;
 class QSinglePointEvent;
+class QWheelEvent;
 
 /// The VK_ number of the key, 0 if it has none.
 UINT GetVirtualKey(const QKeyEvent& rEvent);
@@ -18,3 +20,5 @@ std::u32string GetCharacters(const QKeyEvent& rEvent);
 WPARAM GetMouseFlags(const QSinglePointEvent& rEvent);
 /// The message of a press, release, double click or move; 0 for buttons that have none.
 UINT GetMouseMessage(const QMouseEvent& rEvent);
+/// Sends a turn of the wheel over rWnd to it, and on to its parents until one uses it.
+void SendWheel(CWnd& rWnd, QWheelEvent& rEvent);

@@ -89,12 +89,9 @@ void CPaintedWidget::SendMouse(const QMouseEvent& rEvent) {
 }
 
 void CPaintedWidget::wheelEvent(QWheelEvent* pEvent) {
-    const int nDelta = pEvent->angleDelta().y();
-    const bool bUsed =
-        GetWnd() == nullptr ||
-        (nDelta != 0 && GetWnd()->SendMessage(WM_MOUSEWHEEL, MakeWheelParam(GetMouseFlags(*pEvent), nDelta),
-                                              MakePointParam(ToPoint(pEvent->position()))) != 0);
-    pEvent->setAccepted(bUsed);
+    if (GetWnd() != nullptr) {
+        SendWheel(*GetWnd(), *pEvent);
+    }
 }
 
 void CPaintedWidget::leaveEvent(QEvent* pEvent) {

@@ -204,8 +204,24 @@ void CWindowView::focusInEvent(QFocusEvent* pEvent) {
 }
 
 bool CWindowView::event(QEvent* pEvent) {
-    if (pEvent->type() == QEvent::ScreenChangeInternal) {
-        FollowScale();
+    switch (pEvent->type()) {
+        case QEvent::ScreenChangeInternal:
+            FollowScale();
+            break;
+        // These two reach a view within a window, too.
+        case QEvent::WindowActivate:
+            if (GetWnd() != nullptr) {
+                CWnd::SetForegroundWindow(GetWnd());
+            }
+            break;
+        case QEvent::WindowDeactivate:
+            if (GetWnd() != nullptr && CWnd::GetForegroundWindow() == GetWnd()) {
+                CWnd::SetForegroundWindow(nullptr);
+                CWnd::ReleaseCapture();
+            }
+            break;
+        default:
+            break;
     }
     return CPaintedWidget::event(pEvent);
 }
@@ -229,18 +245,6 @@ void CWindowView::FitWindow() {
     if (GetWnd() != nullptr && GetWnd()->IsWindow()) {
         GetWnd()->MoveWindow(CRect(GetWnd()->GetRect().TopLeft(), CSize(width(), height())));
     }
-}
-
-void CWindowView::changeEvent(QEvent* pEvent) {
-    if (pEvent->type() == QEvent::ActivationChange && GetWnd() != nullptr) {
-        if (isActiveWindow()) {
-            CWnd::SetForegroundWindow(GetWnd());
-        } else if (CWnd::GetForegroundWindow() == GetWnd()) {
-            CWnd::SetForegroundWindow(nullptr);
-            CWnd::ReleaseCapture();
-        }
-    }
-    CPaintedWidget::changeEvent(pEvent);
 }
 
 bool CWindowView::eventFilter(QObject* pWatched, QEvent* pEvent) {

@@ -28,7 +28,6 @@ protected:
     bool event(QEvent* pEvent) override;
     void resizeEvent(QResizeEvent* pEvent) override;
     void showEvent(QShowEvent* pEvent) override;
-    void changeEvent(QEvent* pEvent) override;
     /// The Tab key, from any widget of the tree, brings the focus to the next tab stop, and then out of the
     /// view.
     bool focusNextPrevChild(bool bNext) override;

@@ -5,6 +5,7 @@
 #include "platform/system/eventloop.h"
 #include "platform/window/dc.h"
 #include "platform/window/messageparams.h"
+#include "platform/window/syscolor.h"
 
 namespace {
 
@@ -143,6 +144,7 @@ void CSpinButtonCtrl::Paint() {
         CDC DC(GetSurface());
         const CRect Client = GetClientRect();
         const int nMiddle = Client.Height() / 2;
+        DC.FillSolidRect(Client, GetSysColor(SysColor::eFace));  // the style's corners are transparent
         DC.DrawPart(CRect(0, 0, Client.right, nMiddle), CDC::eSpinUp, {IsWindowEnabled(), m_Pressed == eUp});
         DC.DrawPart(CRect(0, nMiddle, Client.right, Client.bottom), CDC::eSpinDown,
                     {IsWindowEnabled(), m_Pressed == eDown});

@@ -5,7 +5,8 @@
 #include "platform/window/dc.h"
 #include "platform/window/wnd.h"
 
-/// A window of one colour that writes down its messages and what its children tell it, and answers as a test wants.
+/// A window of one colour that writes down its messages and what its children tell it, and answers as a test
+/// wants.
 class CListeningWnd : public CWnd {
 public:
     struct CHeard {

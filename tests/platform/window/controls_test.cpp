@@ -39,7 +39,8 @@ TEST_F(ControlsTest, ParametersCarryNegativePointsAndLargePositions) {
     EXPECT_EQ(GetPointParam(MakePointParam({-3, 40})), CPoint(-3, 40));
     EXPECT_EQ(GetWheelParam(MakeWheelParam(MK_SHIFT, -WHEEL_DELTA)), -120);
     EXPECT_EQ(MakeWheelParam(MK_SHIFT, -WHEEL_DELTA) & 0xFFFFU, MK_SHIFT);
-    EXPECT_EQ(GetScrollPosition(MakeScrollParam(SB_THUMBTRACK, 200000)), 200000) << "10,000 rows of 20 pixels";
+    EXPECT_EQ(GetScrollPosition(MakeScrollParam(SB_THUMBTRACK, 200000)), 200000)
+        << "10,000 rows of 20 pixels";
     EXPECT_EQ(GetScrollPosition(MakeScrollParam(SB_TOP, -1)), -1);
     EXPECT_EQ(GetScrollCode(MakeScrollParam(SB_THUMBTRACK, 200000)), SB_THUMBTRACK);
 }

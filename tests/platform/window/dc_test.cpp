@@ -9,6 +9,8 @@
 #include <numbers>
 #include <optional>
 
+#include "platform/window/display.h"
+#include "platform/window/syscolor.h"
 #include "tests/support/pixels.h"
 #include "tests/support/tempdirectory.h"
 
@@ -437,6 +439,96 @@ TEST_F(DcTest, TheSameDrawingIsTheSamePicture) {
         Dc.Arc({50, 30}, 24, 310, 280);
     }
     EXPECT_TRUE(m_Bitmap == Second);
+}
+
+TEST(DcControlsTest, WordsWrapAtTheRectanglesEdgeAndTheHeightIsMeasured) {
+    CBitmap Picture(CSize(200, 100));
+    CDC DC(Picture);
+    DC.SelectFont(CFont("Arial", 14));
+    const int nLine = DC.GetFontHeight();
+    const int nWidth = DC.GetTextExtent("one two").cx;
+    CRect Rect(0, 0, nWidth, 0);
+    EXPECT_EQ(DC.DrawText("one two three", Rect, DT_WORDBREAK | DT_CALCRECT), 2 * nLine);
+    EXPECT_EQ(Rect, CRect(0, 0, nWidth, 2 * nLine));
+    Rect = CRect(0, 0, nWidth - 1, 0);
+    EXPECT_EQ(DC.DrawText("one two three", Rect, DT_WORDBREAK | DT_CALCRECT), 3 * nLine);
+    Rect = CRect(0, 0, 1, 0);
+    EXPECT_EQ(DC.DrawText("one\n\ntwo", Rect, DT_WORDBREAK | DT_CALCRECT), 3 * nLine)
+        << "an empty line stays";
+    EXPECT_EQ(Rect.right, std::max(DC.GetTextExtent("one").cx, DC.GetTextExtent("two").cx))
+        << "a word is never broken";
+    Rect = CRect(0, 0, 1, 0);
+    EXPECT_EQ(DC.DrawText("one two", Rect, DT_WORDBREAK | DT_SINGLELINE | DT_CALCRECT), nLine);
+}
+
+TEST(DcControlsTest, ALineThatIsTooLongEndsWithDots) {
+    CBitmap Picture(CSize(200, 30));
+    CDC DC(Picture);
+    DC.SelectFont(CFont("Arial", 14));
+    CRect Rect(0, 0, 60, 20);
+    DC.DrawText("a label much too long", Rect, DT_SINGLELINE | DT_END_ELLIPSIS);
+    const auto Ink = FindInk(Picture);
+    ASSERT_TRUE(Ink);
+    EXPECT_LE(Ink->right, 60);
+    EXPECT_GT(Ink->right, 45);
+}
+
+TEST(DcControlsTest, InvertingTwiceBringsTheColoursBack) {
+    CBitmap Picture(CSize(20, 20));
+    CDC DC(Picture);
+    DC.FillSolidRect(CRect(0, 0, 20, 20), RGB(10, 200, 255));
+    DC.InvertRect(CRect(5, 0, 7, 20));
+    EXPECT_EQ(Picture.GetPixel(4, 3), RGB(10, 200, 255));
+    EXPECT_EQ(Picture.GetPixel(5, 3), RGB(245, 55, 0));
+    EXPECT_EQ(Picture.GetPixel(6, 3), RGB(245, 55, 0));
+    EXPECT_EQ(Picture.GetPixel(7, 3), RGB(10, 200, 255));
+    DC.InvertRect(CRect(5, 0, 7, 20));
+    EXPECT_EQ(CountPixels(Picture, RGB(10, 200, 255)), 400);
+}
+
+TEST(DcControlsTest, EdgesAndFramesLieInside) {
+    CBitmap Picture(CSize(20, 20));
+    CDC DC(Picture);
+    DC.FrameRect(CRect(2, 2, 18, 18), RGB(255, 0, 0));
+    EXPECT_EQ(CountPixels(Picture, RGB(255, 0, 0)), 4 * 15);
+    EXPECT_EQ(FindColor(Picture, GetWhole(Picture), RGB(255, 0, 0)), CRect(2, 2, 18, 18));
+    DC.FillSolidRect(GetWhole(Picture), RGB(1, 1, 1));
+    DC.DrawEdge(CRect(2, 2, 18, 18), CDC::eSunken);
+    EXPECT_EQ(Picture.GetPixel(2, 10), GetSysColor(SysColor::eShadow));
+    EXPECT_EQ(Picture.GetPixel(3, 10), GetSysColor(SysColor::eDarkShadow));
+    EXPECT_EQ(Picture.GetPixel(17, 10), GetSysColor(SysColor::eHighlight));
+    EXPECT_EQ(Picture.GetPixel(4, 10), RGB(1, 1, 1));
+    DC.FillSolidRect(GetWhole(Picture), RGB(255, 255, 255));
+    DC.DrawFocusRect(CRect(2, 2, 18, 18));
+    EXPECT_EQ(FindInk(Picture), CRect(2, 2, 18, 18));
+    EXPECT_NEAR(CountPixels(Picture, RGB(0, 0, 0)), 30, 4) << "every other pixel";
+}
+
+TEST(DcControlsTest, APictureOfAnotherScaleKeepsItsSize) {
+    CBitmap Fine;
+    Fine.Create(CSize(10, 10), 2.0);
+    EXPECT_EQ(Fine.GetSize(), CSize(10, 10));
+    {
+        CDC DC(Fine);
+        DC.FillSolidRect(CRect(0, 0, 5, 10), RGB(255, 0, 0));
+    }
+    EXPECT_EQ(Fine.GetPixel(4, 9), RGB(255, 0, 0));
+    EXPECT_EQ(Fine.GetPixel(5, 9), RGB(255, 255, 255));
+    EXPECT_EQ(Fine.GetPixel(10, 9), RGB(0, 0, 0)) << "outside";
+    CBitmap Coarse(CSize(20, 20));
+    CDC(Coarse).BitBlt(CRect(3, 3, 13, 13), Fine, CPoint());
+    EXPECT_EQ(FindColor(Coarse, GetWhole(Coarse), RGB(255, 0, 0)), CRect(3, 3, 8, 13));
+}
+
+TEST(DcControlsTest, ADisplayOfFewColoursHasTheGreyFace) {
+    CBitmap Picture(CSize(1, 1));
+    EXPECT_EQ(CDC(Picture).GetBitsPerPixel(), 24);
+    const COLORREF Face = GetSysColor(SysColor::eFace);
+    SetDisplayBitsPerPixel(8);
+    EXPECT_EQ(CDC(Picture).GetBitsPerPixel(), 8);
+    EXPECT_EQ(GetSysColor(SysColor::eFace), RGB(0xC0, 0xC0, 0xC0));
+    SetDisplayBitsPerPixel(24);
+    EXPECT_EQ(GetSysColor(SysColor::eFace), Face);
 }
 
 }  // namespace

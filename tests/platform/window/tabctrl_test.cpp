@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "platform/system/virtualeventloop.h"
+#include "platform/window/dc.h"
+#include "tests/support/pixels.h"
 
 namespace {
 
@@ -53,18 +55,31 @@ TEST_F(TabCtrlTest, DeletingKeepsTheSelectionOnATab) {
     EXPECT_EQ(m_Tabs.GetCurSel(), -1);
 }
 
-TEST_F(TabCtrlTest, TheSelectedTabIsWhiteAndTheOthersAreNot) {
+TEST_F(TabCtrlTest, APictureShowsWhichTabIsSelected) {
     ASSERT_TRUE(m_Tabs.Create(nullptr, CRect(0, 0, 300, 100), 1));
     m_Tabs.InsertItem(0, "A");
     m_Tabs.InsertItem(1, "B");
     m_Loop.RunPosted();
-    constexpr COLORREF c_White = RGB(255, 255, 255);
-    const CBitmap First = m_Tabs.GetSurface();
-    EXPECT_EQ(First.GetPixel(6, 5), c_White);
+    const CBitmap First = m_Tabs.Compose();
     m_Tabs.SetCurSel(1);
     m_Loop.RunPosted();
-    EXPECT_NE(m_Tabs.GetSurface().GetPixel(6, 5), c_White);
-    EXPECT_FALSE(m_Tabs.GetSurface() == First);
+    const auto Changed = FindDifference(First, m_Tabs.Compose());
+    ASSERT_TRUE(Changed);
+    EXPECT_LE(Changed->bottom, CTabCtrl::eTabHeight);
+}
+
+TEST_F(TabCtrlTest, TabsShowTheirPictures) {
+    ASSERT_TRUE(m_Tabs.Create(nullptr, CRect(0, 0, 300, 100), 1));
+    CBitmap Strip(CSize(16, 16));
+    CDC(Strip).FillSolidRect(CRect(0, 0, 16, 16), RGB(255, 0, 0));
+    CImageList Images;
+    ASSERT_TRUE(Images.Create(Strip, 16, RGB(255, 0, 255)));
+    m_Tabs.SetImageList(Images);
+    m_Tabs.InsertItem(0, "A");
+    EXPECT_FALSE(FindColor(m_Tabs.Compose(), CRect(0, 0, 300, 24), RGB(255, 0, 0)));
+    m_Tabs.InsertItem(1, "B", 0);
+    EXPECT_EQ(m_Tabs.GetItemImage(1), 0);
+    EXPECT_TRUE(FindColor(m_Tabs.Compose(), CRect(0, 0, 300, 24), RGB(255, 0, 0)));
 }
 
 TEST_F(TabCtrlTest, ThePageLiesUnderTheTabs) {
