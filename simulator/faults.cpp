@@ -7,7 +7,8 @@
 
 namespace {
 
-constexpr std::string_view ms_Kinds[] = {"drop", "corrupt", "delay_ms", "silence_ms", "cut", "double"};
+constexpr std::string_view ms_Kinds[] = {"drop", "corrupt", "delay_ms", "silence_ms",
+                                         "cut",  "double",  "unlock_ms"};
 constexpr std::string_view ms_Frames[] = {"answers", "indications", "requests"};  // as CFaults::Frame
 constexpr std::int64_t eMaxFrames = 1'000'000;
 constexpr std::int64_t eMaxMilliseconds = 3'600'000;
@@ -19,14 +20,25 @@ void CFaults::Set(const nlohmann::json& rFault, std::size_t nModules) {
     const CJsonFields Fields(rFault, "fault", {"kind", "next", "value", "at", "only", "module"});
     Fields.Require("kind");
     const std::size_t nKind = Fields.GetChoice("kind", 0, ms_Kinds);
-    const bool bTimed = (nKind == eDelay) || (nKind == eSilence);
+    const bool bSpan = (nKind == eSilence) || (nKind == eUnlock);
+    const bool bTimed = (nKind == eDelay) || bSpan;
     if (bTimed) {
         Fields.Require("value");
     } else if (Fields.Has("value")) {
-        throw CJsonError("fault.value belongs to delay_ms and silence_ms; the other kinds take next");
+        throw CJsonError(
+            "fault.value belongs to delay_ms, silence_ms and unlock_ms; the other kinds take next");
     }
-    if (nKind == eSilence && (Fields.Has("next") || Fields.Has("at"))) {
-        throw CJsonError("fault.next and fault.at don't belong to silence_ms, which takes value");
+    if (bSpan && (Fields.Has("next") || Fields.Has("at"))) {
+        throw CJsonError("fault.next and fault.at don't belong to " + std::string(ms_Kinds[nKind]) +
+                         ", which takes value");
+    }
+    if (nKind == eUnlock) {
+        if (Fields.Has("only") || Fields.Has("module")) {
+            throw CJsonError(
+                "fault.only and fault.module don't belong to unlock_ms: the lock is that of all modules");
+        }
+        OnUnlock(static_cast<std::uint32_t>(Fields.GetInteger("value", 0, 0, eMaxMilliseconds)));
+        return;
     }
 
     CFault Fault;

@@ -1,6 +1,7 @@
 #pragma once
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <nlohmann/json_fwd.hpp>
 
 /// Faults of the line on demand. They strike the frames that the modules send, in the order of sending; they
@@ -14,6 +15,7 @@
 ///   {"kind": "delay_ms", "value": 600}    frames leave 600 ms late from now on, 0 ends it; with "next" or
 ///   "at": only so many
 ///   {"kind": "silence_ms", "value": 2500} nothing is sent for so long from now, frames of that time are lost
+///   {"kind": "unlock_ms", "value": 300}   no fault of the line: the modules lose their lock for so long
 ///
 /// "next" is 1 where it is missing, but endless for delay_ms. "at": 17 lets the fault begin with the frame of
 /// that number, in place of the next one; frames count from 1 since the simulator began, those lost included.
@@ -38,6 +40,9 @@ public:
     /// Decides on the next frame of a module, counted from 0, and counts it.
     CVerdict Judge(Frame Kind, std::size_t nModule = 0);
 
+    /// Loses the lock for so many ms.
+    std::function<void(std::uint32_t)> OnUnlock;
+
     /// Frames that modules have sent or would have without a fault, and those that came for them.
     std::uint64_t GetSent() const { return m_nSent; }
     std::uint64_t GetReceived() const { return m_nReceived; }
@@ -50,7 +55,8 @@ private:
         eSilence = 3,
         eCut = 4,
         eDouble = 5,
-        eNumberOfKinds = 6
+        eNumberOfKinds = 6,
+        eUnlock = 6  ///< strikes no frame
     };
     struct CFault {
         std::uint64_t m_First = 0;                          ///< number of the first frame that it may strike

@@ -82,6 +82,7 @@ CSimulator::CSimulator(const CRotorFile& rFile, std::unique_ptr<IFByteLink> pLin
             rStation.m_pModule->SpindleChanged();
         }
     };
+    m_Faults.OnUnlock = [this](std::uint32_t Milliseconds) { m_Spindle.LoseLock(Milliseconds); };
     m_pLink->OnBytes = [this](std::span<const std::uint8_t> Bytes) { m_Decoder.Put(Bytes); };
     m_pLink->OnClosed = [this, Former = m_pLink->OnClosed](const std::string& rWhy) {
         m_Decoder.Reset();

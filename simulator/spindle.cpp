@@ -16,6 +16,17 @@ void CSpindle::SetCommanded(double Rpm) {
     EnterState(eRamping);
 }
 
+void CSpindle::LoseLock(std::uint32_t Milliseconds) {
+    const auto SetLost = [this](bool bLost) {
+        m_bLockLost = bLost;
+        if (OnChanged) {
+            OnChanged();
+        }
+    };
+    m_LockTimer.StartOnce(Milliseconds, [SetLost] { SetLost(false); });
+    SetLost(true);
+}
+
 double CSpindle::GetSpeed() const {
     if (m_State != eRamping) {
         return m_CommandedRpm;

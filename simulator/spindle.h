@@ -6,7 +6,7 @@
 
 /// The spindle's drive: the speed follows the commanded one along a straight ramp. Stands at first. The phase
 /// lock of the electronics is lost while the speed changes and comes back 500 ms after; a standing spindle
-/// counts as in lock and invalid.
+/// counts as in lock and invalid. The lock may also be lost at a steady speed.
 class CSpindle {
 public:
     static constexpr double eSlowestValidRpm = 60.0;
@@ -18,15 +18,18 @@ public:
     void SetCommanded(double Rpm);
     double GetCommanded() const { return m_CommandedRpm; }
 
+    /// The electronics lose the lock for so long from now, whatever the speed does.
+    void LoseLock(std::uint32_t Milliseconds);
+
     /// Speed at this moment, in rpm.
     double GetSpeed() const;
     /// False when it stands and isn't told to turn.
     bool IsTurning() const { return m_State == eRamping || m_CommandedRpm > 0.0; }
-    bool IsInLock() const { return m_State == eSteady; }
+    bool IsInLock() const { return m_State == eSteady && !m_bLockLost; }
     /// The speed is below 60 rpm, or still changing.
     bool IsInvalid() const { return m_State == eRamping || m_CommandedRpm < eSlowestValidRpm; }
 
-    /// Called when a ramp begins, when it has ended, and when the lock is back.
+    /// Called when a ramp begins, when it has ended, and when the lock is lost or back.
     std::function<void()> OnChanged;
 
 private:
@@ -42,4 +45,6 @@ private:
     std::uint64_t m_RampBegin = 0;
     std::uint64_t m_RampEnd = 0;
     CTimer m_Timer;
+    bool m_bLockLost = false;  ///< by LoseLock
+    CTimer m_LockTimer;
 };

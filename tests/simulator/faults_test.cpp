@@ -96,6 +96,17 @@ TEST_F(FaultsTest, SilenceTakesIndicationsToo) {
     EXPECT_THAT(GetInstants(0x1C), ElementsAre(2000, 3000));
 }
 
+// The fourth byte of a state, after kind, source and destination, has the lock in its sixth bit.
+TEST_F(FaultsTest, ALostLockIsReportedAtOnceAndWhenItIsBack) {
+    RunUp(3000);
+    m_Arrivals.clear();
+    SetFault({{"kind", "unlock_ms"}, {"value", 300}});
+    EXPECT_EQ(Carry({{"state", json::object()}})["lock"], false);
+    m_Loop.Advance(1000);
+    EXPECT_EQ(Carry({{"state", json::object()}})["lock"], true);
+    EXPECT_THAT(GetFramesOf(0x10), SizeIs(2));
+}
+
 TEST_F(FaultsTest, OnlyAnswersLeavesIndicationsAlone) {
     RunUp(3000);
     SetFault({{"kind", "drop"}, {"next", 2}, {"only", "answers"}});
@@ -190,15 +201,21 @@ TEST_F(FaultsTest, ALateRequestToAVanishedSimulatorIsForgotten) {
 
 TEST_F(FaultsTest, UnknownOnesAreRefusedWithWhatWouldBeRight) {
     EXPECT_EQ(SetBadFault({{"kind", "explode"}}),
-              "fault.kind must be one of drop, corrupt, delay_ms, silence_ms, cut, double, not \"explode\"");
+              "fault.kind must be one of drop, corrupt, delay_ms, silence_ms, cut, double, unlock_ms, not "
+              "\"explode\"");
     EXPECT_EQ(SetBadFault({{"next", 3}}), "fault.kind is missing");
     EXPECT_EQ(SetBadFault({{"kind", "drop"}, {"next", -1}}),
               "fault.next must be a whole number from 0 to 1000000, not -1");
     EXPECT_EQ(SetBadFault({{"kind", "drop"}, {"value", 5}}),
-              "fault.value belongs to delay_ms and silence_ms; the other kinds take next");
+              "fault.value belongs to delay_ms, silence_ms and unlock_ms; the other kinds take next");
     EXPECT_EQ(SetBadFault({{"kind", "delay_ms"}}), "fault.value is missing");
     EXPECT_EQ(SetBadFault({{"kind", "silence_ms"}, {"value", 1}, {"next", 1}}),
               "fault.next and fault.at don't belong to silence_ms, which takes value");
+    EXPECT_EQ(SetBadFault({{"kind", "unlock_ms"}, {"value", 1}, {"at", 1}}),
+              "fault.next and fault.at don't belong to unlock_ms, which takes value");
+    EXPECT_EQ(SetBadFault({{"kind", "unlock_ms"}}), "fault.value is missing");
+    EXPECT_EQ(SetBadFault({{"kind", "unlock_ms"}, {"value", 1}, {"module", 1}}),
+              "fault.only and fault.module don't belong to unlock_ms: the lock is that of all modules");
     EXPECT_EQ(SetBadFault({{"kind", "delay_ms"}, {"value", 1.5}}),
               "fault.value must be a whole number from 0 to 3600000, not 1.5");
     EXPECT_EQ(SetBadFault({{"kind", "drop"}, {"only", "some"}}),

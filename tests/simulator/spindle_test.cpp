@@ -92,6 +92,28 @@ TEST_F(SpindleTest, ANewCommandWhileTheLockIsAwaitedBeginsAfresh) {
     EXPECT_EQ(m_Changes.size(), 5U);
 }
 
+TEST_F(SpindleTest, TheLockMayBeLostAtASteadySpeedAndComesBackByItself) {
+    m_Spindle.SetCommanded(3000.0);
+    m_Loop.Advance(10000);
+    m_Changes.clear();
+    m_Spindle.LoseLock(300);
+    m_Loop.Advance(299);
+    EXPECT_FALSE(m_Spindle.IsInLock());
+    m_Loop.Advance(10000);
+    EXPECT_EQ(m_Changes,
+              (std::vector<std::string>{"10000 turning no lock valid", "10300 turning lock valid"}));
+}
+
+TEST_F(SpindleTest, ALockLostInARampIsBackOnlyWhenBothAreOver) {
+    m_Spindle.SetCommanded(3000.0);
+    m_Loop.Advance(2400);
+    m_Spindle.LoseLock(300);
+    m_Loop.Advance(200);
+    EXPECT_FALSE(m_Spindle.IsInLock());
+    m_Loop.Advance(10000);
+    EXPECT_EQ(m_Changes.back(), "2700 turning lock valid");
+}
+
 TEST_F(SpindleTest, TheSameCommandAgainChangesNothing) {
     m_Spindle.SetCommanded(3000.0);
     m_Loop.Advance(500);
