@@ -222,6 +222,8 @@ bool CHeadlessRun::Drive(CRunDriver& rDriver) {
         Print("final" + DescribeReadings(rSituation) +
               Format(", target %u", rSituation.m_Progress.m_TargetUnbalance));
     };
+    // The picture of the verdict's first notification shows an average that has just begun.
+    rDriver.OnVerdictMeasured = [this] { TakeScreenshot(); };
     rDriver.SetHoleRings(m_rSession.GetHoleRings());
     rDriver.OnFitted = [this](const CFitting& rFitting) {
         if (rFitting.m_bScrews) {
@@ -289,6 +291,7 @@ ExitCode CHeadlessRun::Run() {
     if (bFinished) {
         RecordCalibration();
     }
+    m_Report.SetFinished(bFinished);
     Print("result: " + m_Report.GetResult());
-    return bFinished ? m_Report.GetExitCode() : eExitFailed;
+    return m_Report.GetExitCode();
 }

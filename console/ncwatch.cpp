@@ -7,14 +7,14 @@ void CNcWatch::OnLook(const CSituation& rSituation) {
         if (m_Last) {
             const CSituation Done = *m_Last;
             Accept(Done);
-            const bool bJudged = IsVerdict(Done.m_Notification.GetStep());
             const bool bFailed = Done.m_Notification.GetStep() == CNotification::eFailure;
             m_Last.reset();
-            if (bJudged) {
+            if (IsMeasuredVerdict(Done)) {
                 End(Outcome::eFinished);
             } else {
-                End(Outcome::eFailed, bFailed ? Done.m_Progress.m_Warning
-                                              : "the procedure was ended before the final measurement");
+                End(Outcome::eFailed,
+                    bFailed ? Done.m_Progress.m_Warning
+                            : "the procedure was ended before the final measurement was complete");
             }
         } else if (const std::string Loss = GetDriverLoss ? GetDriverLoss() : ""; !Loss.empty()) {
             End(Outcome::eFailed, Loss);
@@ -32,7 +32,7 @@ void CNcWatch::OnLook(const CSituation& rSituation) {
 
 void CNcWatch::Accept(const CSituation& rDone) {
     if (IsVerdict(rDone.m_Notification.GetStep())) {
-        if (OnVerdictAccepted) {
+        if (IsMeasuredVerdict(rDone) && OnVerdictAccepted) {
             OnVerdictAccepted(rDone);
         }
         return;

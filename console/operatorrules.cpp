@@ -38,6 +38,11 @@ bool IsVerdict(std::int32_t Step) {
     return std::ranges::find(VERDICTS, Step) != VERDICTS.end();
 }
 
+bool IsMeasuredVerdict(const CSituation& rSituation) {
+    return rSituation.m_bRunning && IsVerdict(rSituation.m_Notification.GetStep()) &&
+           AreReadingsComplete(rSituation);
+}
+
 Deed ChooseDeed(const CSituation& rSituation) {
     if (!rSituation.m_bRunning) {
         return Deed::eWait;
@@ -47,7 +52,7 @@ Deed ChooseDeed(const CSituation& rSituation) {
         return Deed::eGiveUp;
     }
     if (IsVerdict(Step)) {
-        return AreReadingsComplete(rSituation) ? Deed::eJudge : Deed::eWait;
+        return IsMeasuredVerdict(rSituation) ? Deed::eJudge : Deed::eWait;
     }
     if (Step != CNotification::eSetup && Step != CNotification::eReBalActive) {
         return Deed::eWait;

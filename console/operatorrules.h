@@ -18,3 +18,6 @@ Deed ChooseDeed(const CSituation& rSituation);
 
 /// Whether a step of a notification is the verdict at the end of a procedure.
 bool IsVerdict(std::int32_t Step);
+
+/// Whether that verdict stands on a measurement: on whole windows taken in lock and at speed in all planes.
+bool IsMeasuredVerdict(const CSituation& rSituation);

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <utility>
 
+#include "console/operatorrules.h"
 #include "platform/system/eventloop.h"
 
 namespace {
@@ -86,6 +87,10 @@ void CRunDriver::LookNow() {
                                        "\"; is the module connected and the spindle free to turn?"
                                  : "no procedure was started for " + Time);
         return;
+    }
+    const bool bWasMeasured = std::exchange(m_bVerdictMeasured, IsMeasuredVerdict(Situation));
+    if (m_bVerdictMeasured && !bWasMeasured && OnVerdictMeasured) {
+        OnVerdictMeasured();
     }
     OnLook(Situation);
 }

@@ -49,6 +49,8 @@ public:
     /// Just before a measurement is accepted, and before the final verdict is.
     std::function<void(const CSituation&)> OnMeasurementAccepted;
     std::function<void(const CSituation&)> OnVerdictAccepted;
+    /// The verdict on the page has become one on a whole measurement.
+    std::function<void()> OnVerdictMeasured;
     std::function<void(const CFitting&)> OnFitted;
 
 protected:
@@ -72,5 +74,6 @@ private:
     std::string m_Reason;
     std::array<CHoleRing, 2> m_Rings;
     std::optional<CSituation> m_LastSeen;
+    bool m_bVerdictMeasured = false;  ///< of the last look
     std::uint64_t m_LastChange = 0;
 };

@@ -117,6 +117,9 @@ std::string CRunReport::GetResult() const {
 }
 
 ExitCode CRunReport::GetExitCode() const {
+    if (!m_bFinished) {
+        return eExitFailed;
+    }
     switch (m_LastStep) {
         case CPreBalCodes::eSetupSuccess:
         case CPreBalCodes::eRebalSuccess:

@@ -36,6 +36,10 @@ public:
     void SetCalibration(const std::string& rConfiguration, std::uint32_t CalibratedRPM, std::uint32_t Target,
                         const math::matrix<double>& rInvA, const std::vector<math::matrix<double>>& rUA);
 
+    /// Whether all procedures came to their end, the last one to a verdict on a whole measurement. Without
+    /// it the run has failed, whatever its last step says.
+    void SetFinished(bool bFinished) { m_bFinished = bFinished; }
+
     /// The last step by its name, over target included; "Inactive" before anything came.
     std::string GetResult() const;
     ExitCode GetExitCode() const;
@@ -53,6 +57,7 @@ private:
     std::string m_Procedure = "prebalance";
     std::optional<CSituation> m_Last;
     std::int32_t m_LastStep = CPreBalCodes::eInactive;
+    bool m_bFinished = false;
     nlohmann::ordered_json m_Initial = nlohmann::ordered_json::array();
     nlohmann::ordered_json m_Final = nlohmann::ordered_json::array();
     nlohmann::ordered_json m_InvA = nlohmann::ordered_json::array();

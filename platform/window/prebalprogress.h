@@ -22,6 +22,7 @@ struct CPreBalProgress {
     /// The smoothed reading per plane, in counts and degrees (0 up to but excluding 360).
     struct CReading {
         bool m_bShown = false;  ///< this plane is part of the procedure
+        /// The whole average was taken in lock and at speed, and still is: it is a measurement.
         bool m_bComplete = false;
         double m_Amplitude = 0.0;
         double m_AngleDeg = 0.0;

@@ -45,9 +45,23 @@ TEST(RunReport, ResultAndExitFollowTheLastStep) {
     for (const auto& rCase : Cases) {
         CRunReport Report;
         Report.AddSituation(0, MakeSituation(rCase.m_Step, 5));
+        Report.SetFinished(true);
         EXPECT_EQ(Report.GetResult(), rCase.m_pName);
         EXPECT_EQ(Report.GetExitCode(), rCase.m_Exit) << rCase.m_pName;
     }
+}
+
+// The NC may end a run as soon as the first sample was judged.
+TEST(RunReport, RunThatDidNotComeToItsEndHasFailedWhateverItsLastStep) {
+    CRunReport Report;
+    Report.AddSituation(0, MakeSituation(7, 5));
+    EXPECT_EQ(Report.GetExitCode(), eExitFailed);
+    Report.SetFinished(true);
+    EXPECT_EQ(Report.GetExitCode(), eExitWithinTarget);
+    Report.SetFinished(false);
+    EXPECT_EQ(Report.GetExitCode(), eExitFailed);
+    EXPECT_EQ(Report.ToJson()["exit"], 2);
+    EXPECT_EQ(Report.ToJson()["result"], "SetupSuccess") << "the step stays what it was";
 }
 
 TEST(RunReport, FirstInitialReadingAndLastFinalReadingStand) {

@@ -4,6 +4,7 @@
 #include "platform/window/prebalprogress.h"
 #include "rvdlm/m_rtr/rtr_trim/log.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/warnings.h"
+#include "rvlib/settings/featureflags.h"
 
 namespace {
 
@@ -43,7 +44,9 @@ const std::array<CBalancingSequence::Handler, Sequence::eRoleCount> CBalancingSe
 CBalancingSequence::CBalancingSequence(CPreBalMainWndInterface* pMainWnd,
                                        PreBalDB::CPreBalBaseTableEntry& rEntry,
                                        const std::string& rSecondTitle, const Sequence::CTables& rTables)
-    : CPreBalancing(pMainWnd, rEntry, rSecondTitle), m_rTables(rTables) {
+    : CPreBalancing(pMainWnd, rEntry, rSecondTitle),
+      m_rTables(rTables),
+      m_bVerdictOnFullWindow(IsFeatureEnabled("PreBalancingVerdictOnFullWindow", false)) {
     const std::string& rMachineName = rEntry.GetMachineName();
     const std::size_t Dash = rMachineName.rfind('-');
     if (Dash == std::string::npos || Dash == 0 || Dash + 1 == rMachineName.size()) {
@@ -142,7 +145,7 @@ void CBalancingSequence::GetProgress(CPreBalProgress& rProgress) const {
         const CXYMovingAverage& rAverage = rPlane.m_pMethod->m_MovingAverage;
         CPreBalProgress::CReading& rReading = rProgress.m_Readings.at(rPlane.m_Sensor);
         rReading.m_bShown = true;
-        rReading.m_bComplete = rAverage.GetValuesComplete() != 0;
+        rReading.m_bComplete = IsMeasured(rPlane);
         rAverage.GetValues(&rReading.m_Amplitude, &rReading.m_AngleDeg, nullptr, nullptr, nullptr);
         if (const Base::CWDArray<CScrew>* pScrews = rPlane.m_pMethod->GetScrews()) {
             std::vector<CPreBalProgress::CScrew> Screws;

@@ -58,6 +58,8 @@ public:
     void GetProgress(CPreBalProgress& rProgress) const override;
     /// Raises eXYValueChanged for every plane, so that all of them take a sample in the same tick.
     void OnMeasurementTick() override;
+    /// No sample of before is part of the measurement; a procedure also restarts its mathematics.
+    void RestartMeasurement() override;
 
     /// Number of the present state.
     int GetState() const { return m_State; }
@@ -77,6 +79,8 @@ protected:
             0;                 ///< whose readings count: 0 of CurrentXYValuePlane1, 1 of CurrentXYValuePlane2
         std::int16_t m_X = 0;  ///< last reading
         std::int16_t m_Y = 0;
+        bool m_bConditionMet = false;   ///< the last reading came in lock and at speed
+        std::uint32_t m_nMeasured = 0;  ///< samples in a row, up to the present one, of such readings
     };
 
     /// What a test run yields.
@@ -190,6 +194,9 @@ private:
     /// What all measuring states do with speed, lock and readings.
     int HandleMeasuringEvent(EVENTS Event);
     void TakeSample();
+    /// Whether all that a plane's average holds was sampled while the measuring condition held, from readings
+    /// that came while it held: only then is the average a measurement.
+    bool IsMeasured(const CPlane& rPlane) const;
     void TestTargetUnbalanceAndDisplayWarning(CPreBalNotification::Step Within,
                                               CPreBalNotification::Step Over);
     /// The measurements that end a run.
@@ -274,5 +281,6 @@ private:
     int m_NotLocked = 1;               ///< the electronics is out of lock
     int m_WeightSelection = 0;
     double m_CompensationDifference = 0.0;  ///< percentage that the compensation could not reach
+    bool m_bVerdictOnFullWindow = false;    ///< the feature flag PreBalancingVerdictOnFullWindow
     CStateHistory m_History;
 };

@@ -68,7 +68,7 @@ void CMeasurementSubState::RunHandler() {
 }
 
 void CMeasurementSubState::MeasurementSubStateHandler() {
-    const bool bGood = IsInWindow() && m_OutOfLock == 0;
+    const bool bGood = IsConditionMet();
     if (m_CanMeasure != 0) {
         RV_ASSERT(RtrTrim::g_pLog, !CIDTimer::IsActive(m_OutOfLockTimerID), "impossible");
         if (!bGood) {

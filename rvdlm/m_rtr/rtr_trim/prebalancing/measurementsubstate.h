@@ -24,6 +24,8 @@ public:
     int StopMeasurement();
     /// Nonzero while samples may be taken.
     int CanMeasure() const { return m_CanMeasure; }
+    /// Whether speed and lock are as a measurement needs them now, settled or not. Known while one runs.
+    bool IsConditionMet() const { return IsInWindow() && (m_OutOfLock == 0 || m_IgnoreOutOfLock != 0); }
     int GetIgnoreOutOfLock() const { return m_IgnoreOutOfLock; }
     /// Moves the centre of the speed window.
     void SetTargetRPM(std::uint32_t TargetRPM) { m_TargetRPM = TargetRPM; }

@@ -88,6 +88,7 @@ protected:
     // What the procedures use of the private bases.
     using CMeasurementSubState::CanMeasure;
     using CMeasurementSubState::GetIgnoreOutOfLock;
+    using CMeasurementSubState::IsConditionMet;
     using CMeasurementSubState::IsSpeedInWindow;
     using CMeasurementSubState::SetTargetRPM;
     using CMeasurementSubState::StartMeasurement;

@@ -1,4 +1,6 @@
 // Measuring rules of CBalancingSequence, and its waiting for the calibrated speed.
+#include <algorithm>
+
 #include "rvdlm/m_rtr/rtr_trim/log.h"
 #include "rvdlm/m_rtr/rtr_trim/menus.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/balancingsequence.h"
@@ -68,6 +70,7 @@ void CBalancingSequence::StoreReading(std::size_t Sensor, std::int16_t x, std::i
         if (m_Planes[i].m_Sensor == Sensor) {
             m_Planes[i].m_X = x;
             m_Planes[i].m_Y = y;
+            m_Planes[i].m_bConditionMet = IsConditionMet();
             // While measuring, samples are taken by the tick: the number of samples is a time.
             if (CanMeasure() == 0) {
                 RaiseXYValueChanged(i);
@@ -87,8 +90,15 @@ void CBalancingSequence::RaiseXYValueChanged(std::size_t Plane) {
     SetEvent(eXYValueChanged);
 }
 
+void CBalancingSequence::RestartMeasurement() {
+    for (CPlane& rPlane : m_Planes) {
+        rPlane.m_nMeasured = 0;
+    }
+}
+
 void CBalancingSequence::BeginSampling() {
     for (CPlane& rPlane : m_Planes) {
+        rPlane.m_bConditionMet = false;  // speed and lock weren't watched when this reading came
         rPlane.m_pMethod->m_MeasurementDisplayState = CPlaneBalancingMethod::eNotValid;
         rPlane.m_pMethod->AddMeasurementValue(rPlane.m_X, rPlane.m_Y);
     }
@@ -120,6 +130,7 @@ void CBalancingSequence::TakeSample() {
         rMethod.m_MeasurementDisplayState = CPlaneBalancingMethod::eNotValid;
         return;
     }
+    rPlane.m_nMeasured = rPlane.m_bConditionMet ? rPlane.m_nMeasured + 1 : 0;
     if (rMethod.m_MeasurementDisplayState == CPlaneBalancingMethod::eNotValid) {
         // The sample just added goes too.
         rMethod.m_MovingAverage.Reset();
@@ -136,6 +147,12 @@ void CBalancingSequence::TakeSample() {
         m_pMainWnd->SetMenu(pRule->m_CompleteMenu);
         Notify(pRule->m_Step, CPreBalNotification::eMeasurementValuesOK);
     }
+}
+
+bool CBalancingSequence::IsMeasured(const CPlane& rPlane) const {
+    // The average alone doesn't tell: while the condition is lost it fills with readings for the eye.
+    return CanMeasure() != 0 && rPlane.m_pMethod->m_MovingAverage.GetValuesComplete() != 0 &&
+           rPlane.m_nMeasured >= m_pEntry->GetNumberOfSamples();
 }
 
 void CBalancingSequence::TestTargetUnbalanceAndDisplayWarning(CPreBalNotification::Step Within,
@@ -155,7 +172,11 @@ void CBalancingSequence::TestTargetUnbalanceAndDisplayWarning(CPreBalNotificatio
     }
     SetWarningMode(bWithin ? Warnings::eNone : Warnings::eOverTarget);
     const CPreBalNotification::Step Verdict = bWithin ? Within : Over;
-    if (m_Notification.m_Step != Verdict) {
+    // Without the flag the NC is told from the first sample on, which judges an average just emptied.
+    const bool bTell = !m_bVerdictOnFullWindow || std::ranges::all_of(m_Planes, [this](const CPlane& rPlane) {
+        return IsMeasured(rPlane);
+    });
+    if (bTell && m_Notification.m_Step != Verdict) {
         // With the action that the state left: the NC sees one message a change of the verdict.
         m_Notification.m_Step = Verdict;
         m_pMainWnd->PreBalNotification(m_Notification);

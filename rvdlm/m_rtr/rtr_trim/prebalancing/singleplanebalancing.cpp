@@ -68,6 +68,7 @@ CBalancingSequence::CPlane CSinglePlaneBalancing::CreateMethod(int Plane) {
 }
 
 void CSinglePlaneBalancing::RestartMeasurement() {
+    CBalancingSequence::RestartMeasurement();
     m_pMath->RestartMeasurement();
 }
 

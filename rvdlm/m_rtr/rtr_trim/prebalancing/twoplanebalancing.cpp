@@ -122,6 +122,7 @@ int CTwoPlaneBalancing::StartPreBalancing(std::uint16_t wRPM, int NotLocked, int
 }
 
 void CTwoPlaneBalancing::RestartMeasurement() {
+    CBalancingSequence::RestartMeasurement();
     m_pMath->RestartMeasurement();
 }
 

@@ -1,4 +1,5 @@
 // What the measuring states do with speed, lock and readings.
+#include "platform/window/prebalprogress.h"
 #include "tests/rvdlm/m_rtr/rtr_trim/prebalancing/sequencefixture.h"
 
 namespace {
@@ -222,7 +223,15 @@ struct CVerdictRow {
     int m_Within;
     int m_Over;
 };
-class VerdictTest : public MeasuringTest, public testing::WithParamInterface<CVerdictRow> {};
+class VerdictTest : public MeasuringTest, public testing::WithParamInterface<CVerdictRow> {
+protected:
+    /// As the host is told.
+    bool IsMeasured() const {
+        CPreBalProgress Progress;
+        m_pSequence->GetProgress(Progress);
+        return Progress.m_Readings[0].m_bComplete;
+    }
+};
 
 TEST_P(VerdictTest, TellsEachChangeOnceWithTheActionMeasure) {
     Reach(GetParam().m_State);
@@ -290,6 +299,134 @@ TEST_P(VerdictTest, TargetIsUnsigned) {
     Read(32767);
     m_Loop.Advance(3500);
     EXPECT_EQ(m_pMethod->m_MeasurementDisplayState, Method::eWithinTarget);
+}
+
+// --- what counts as a measurement: a whole window taken in lock and at speed ---
+
+// Four samples fill the window, the fifth completes it, and the first one of all is only there to empty the
+// average: the sixth tick.
+TEST_P(VerdictTest, StandsOnAMeasurementFromTheWholeWindowOn) {
+    Reach(GetParam().m_State);
+    Read(7);
+    m_Loop.Advance(3000 + 5 * 50);
+    EXPECT_FALSE(IsMeasured());
+    m_Loop.Advance(50);
+    EXPECT_TRUE(IsMeasured());
+    m_Loop.Advance(5000);
+    EXPECT_TRUE(IsMeasured());
+}
+
+TEST_P(VerdictTest, IsNoMeasurementWhileTheLockIsLostThoughReadingsFillTheAverage) {
+    Reach(GetParam().m_State);
+    Read(7);
+    m_Loop.Advance(3100);
+    m_pSequence->OutOfLock(1);
+    for (int i = 0; i < 10; ++i) {
+        Read(7);
+    }
+    EXPECT_EQ(m_pMethod->m_MovingAverage.GetValuesComplete(), 1);
+    EXPECT_FALSE(IsMeasured());
+    m_pSequence->OutOfLock(0);
+    for (int i = 0; i < 10; ++i) {
+        Read(7);
+    }
+    m_Loop.Advance(2999);
+    EXPECT_FALSE(IsMeasured()) << "settling";
+    m_Loop.Advance(1 + 6 * 50);
+    EXPECT_TRUE(IsMeasured());
+}
+
+TEST_P(VerdictTest, IsNoMeasurementOnceTheSpeedHasLeftItsWindow) {
+    Reach(GetParam().m_State);
+    Read(7);
+    m_Loop.Advance(3500);
+    ASSERT_TRUE(IsMeasured());
+    m_pSequence->CurrentRPM(2949);
+    EXPECT_FALSE(IsMeasured());
+    m_pSequence->CurrentRPM(eSpeed);
+    EXPECT_FALSE(IsMeasured());
+}
+
+// Not even if no reading came while the condition was lost, so that the display was never emptied.
+TEST_P(VerdictTest, BeginsItsWindowAfreshAfterALossWithoutAReading) {
+    Reach(GetParam().m_State);
+    Read(7);
+    m_Loop.Advance(3500);
+    ASSERT_TRUE(IsMeasured());
+    m_pSequence->OutOfLock(1);
+    m_pSequence->OutOfLock(0);
+    m_Loop.Advance(3000 + 3 * 50);
+    EXPECT_FALSE(IsMeasured());
+    m_Loop.Advance(50);
+    EXPECT_TRUE(IsMeasured());
+}
+
+// A module that reports seldom: what came without lock is still the latest reading when the samples begin.
+TEST_P(VerdictTest, CountsNoReadingThatCameWithoutLock) {
+    Reach(GetParam().m_State);
+    m_pSequence->OutOfLock(1);
+    Read(99);
+    m_pSequence->OutOfLock(0);
+    m_Loop.Advance(3000 + 20 * 50);
+    EXPECT_FALSE(IsMeasured());
+    Read(7);
+    m_Loop.Advance(3 * 50);
+    EXPECT_FALSE(IsMeasured());
+    m_Loop.Advance(50);
+    EXPECT_TRUE(IsMeasured());
+    EXPECT_EQ(GetAmplitude(), 7.0);
+}
+
+TEST_P(VerdictTest, CountsNoReadingOfBeforeTheState) {
+    const auto EnterIt = Approach(GetParam().m_State);
+    Read(7);
+    EnterIt();
+    m_Loop.Advance(5000);
+    EXPECT_FALSE(IsMeasured());
+}
+
+// --- the feature flag PreBalancingVerdictOnFullWindow ---
+
+TEST_P(VerdictTest, WithTheFlagIsToldFromTheWholeWindowOnOnly) {
+    m_Installation.EnableFeature("PreBalancingVerdictOnFullWindow");
+    Reach(GetParam().m_State);
+    Read(40);
+    TakeNotifications();
+    m_Loop.Advance(3000 + 5 * 50);
+    EXPECT_THAT(TakeNotifications(), IsEmpty());
+    EXPECT_EQ(m_pMethod->m_MeasurementDisplayState, Method::eOverTarget) << "the page shows it at once";
+    EXPECT_EQ(m_pSequence->GetWarningMode(), 8U);
+    m_Loop.Advance(50);
+    EXPECT_THAT(TakeNotifications(), ElementsAre(std::pair{GetParam().m_Over, 5}));
+    Read(2);
+    m_Loop.Advance(4 * 50);
+    EXPECT_THAT(TakeNotifications(), ElementsAre(std::pair{GetParam().m_Within, 5})) << "and each change";
+}
+
+TEST_P(VerdictTest, WithTheFlagALostConditionTakesNothingBackAndTellsNothingNew) {
+    m_Installation.EnableFeature("PreBalancingVerdictOnFullWindow");
+    Reach(GetParam().m_State);
+    Read(2);
+    m_Loop.Advance(4000);
+    TakeNotifications();
+    m_pSequence->OutOfLock(1);
+    Read(40);
+    m_pSequence->OutOfLock(0);
+    Read(40);
+    m_Loop.Advance(3000 + 5 * 50);
+    EXPECT_THAT(TakeNotifications(), IsEmpty());
+    m_Loop.Advance(50);
+    EXPECT_THAT(TakeNotifications(), ElementsAre(std::pair{GetParam().m_Over, 5}));
+}
+
+// The average that has just been emptied counts as within the target.
+TEST_P(VerdictTest, WithoutTheFlagBeginsWithTheEmptiedAverage) {
+    Reach(GetParam().m_State);
+    Read(40);
+    TakeNotifications();
+    m_Loop.Advance(3500);
+    EXPECT_THAT(TakeNotifications(),
+                ElementsAre(std::pair{GetParam().m_Within, 5}, std::pair{GetParam().m_Over, 5}));
 }
 
 INSTANTIATE_TEST_SUITE_P(FinalStates, VerdictTest,

@@ -2,6 +2,7 @@
 // target for both, and pairs of different means.
 #include "platform/window/bitmap.h"
 #include "platform/window/dc.h"
+#include "platform/window/prebalprogress.h"
 #include "rvlib/math/vector.h"
 #include "tests/rvdlm/m_rtr/rtr_trim/prebalancing/twoplanefixture.h"
 
@@ -355,6 +356,29 @@ TEST_P(TwoPlaneVerdict, IsToldOnlyWhenItChanges) {
     EXPECT_EQ(Told.back(), (std::pair<int, int>(GetParam().m_StepOver, Nc::eMeasure)));
     m_Loop.Advance(1000);
     EXPECT_THAT(TakeNotifications(), IsEmpty());
+}
+
+// Plane 2's readings come without lock at first: one whole window is not enough.
+TEST_P(TwoPlaneVerdict, WithTheFlagWaitsForTheWholeWindowsOfBothPlanes) {
+    m_Installation.EnableFeature("PreBalancingVerdictOnFullWindow");
+    Reach(GetParam().m_State);
+    m_pSequence->OutOfLock(1);
+    m_pSequence->CurrentXYValuePlane2(11, 0);
+    m_pSequence->OutOfLock(0);
+    m_pSequence->CurrentXYValuePlane1(3, 0);
+    TakeNotifications();
+    m_Loop.Advance(4000);
+    CPreBalProgress Progress;
+    m_pSequence->GetProgress(Progress);
+    EXPECT_TRUE(Progress.m_Readings[0].m_bComplete);
+    EXPECT_FALSE(Progress.m_Readings[1].m_bComplete);
+    EXPECT_THAT(TakeNotifications(), IsEmpty());
+    m_pSequence->CurrentXYValuePlane2(11, 0);
+    m_Loop.Advance(4 * 50);
+    m_pSequence->GetProgress(Progress);
+    EXPECT_TRUE(Progress.m_Readings[1].m_bComplete);
+    EXPECT_THAT(TakeNotifications(),
+                testing::ElementsAre(std::pair<int, int>(GetParam().m_StepOver, Nc::eMeasure)));
 }
 
 // Results.
