@@ -6,6 +6,7 @@
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/weightpair.h"
 #include "rvlib/math/matrixlog.h"
 #include "rvlib/math/vector.h"
+#include "rvlib/settings/featureflags.h"
 
 #define DUMP_MATRIX(pName, rMatrix) LOG_MATRIX(RtrTrim::g_pLog, pName, rMatrix)
 
@@ -20,6 +21,8 @@ namespace {
 constexpr double eMinLengthRatio = 1.05;
 /// ... or by more than 30 degrees in phase.
 constexpr double eMinPhaseChange = 0.5235987755982988;
+/// By the feature flag: the change, as a vector, must be at least so much of the first reading.
+constexpr double eMinVectorChange = 0.05;
 /// Floor of the squared influence, counts squared per weight squared.
 constexpr double eMinDeterminant = 0.001;
 
@@ -36,7 +39,9 @@ double WholeDegrees(double Angle) {
 
 }  // namespace
 
-CSinglePlaneBalancingMath::CSinglePlaneBalancingMath(std::uint32_t nSamples) : m_MovingAverage(nSamples) {
+CSinglePlaneBalancingMath::CSinglePlaneBalancingMath(std::uint32_t nSamples)
+    : m_MovingAverage(nSamples),
+      m_bVectorTestEffect(IsFeatureEnabled("PreBalancingVectorTestEffect", false)) {
     m_Alpha = MakeNull(2, 2);
     m_InvA = MakeNull(2, 2);
     m_UA = MakeNull(2, 1);
@@ -139,6 +144,11 @@ int CSinglePlaneBalancingMath::CheckTestWeightEffect() const {
         return 0;
     }
     const double First = math::VectorLength(m_FirstMeasurementValues);
+    if (m_bVectorTestEffect) {
+        // A change across the reading counts like one along it.
+        const double Change = math::VectorLength(m_SecondMeasurementValues - m_FirstMeasurementValues);
+        return Change >= eMinVectorChange * First ? 1 : 0;
+    }
     const double Second = math::VectorLength(m_SecondMeasurementValues);
     const double Ratio = First > Second ? First / Second : Second / First;
     if (Ratio > eMinLengthRatio) {

@@ -20,7 +20,8 @@
 /// complete is asserted, and is the average of what is there.
 class CSinglePlaneBalancingMath : public CSinglePlaneBalancingMathIF {
 public:
-    /// nSamples: length of the window over the incoming samples.
+    /// nSamples: length of the window over the incoming samples. Reads the feature flag
+    /// "PreBalancingVectorTestEffect", by which the effect of the test weights is judged.
     explicit CSinglePlaneBalancingMath(std::uint32_t nSamples);
 
     void RestartMeasurement() override;
@@ -57,6 +58,7 @@ private:
     int CalculateUAValues();
 
     CXYMovingAverage m_MovingAverage;
+    bool m_bVectorTestEffect;
     PreBalDB::CTypeBase::Direction m_RotationDirection = PreBalDB::CTypeBase::eClockwise;
     PreBalDB::CTypeBase::Direction m_ScalingDirection = PreBalDB::CTypeBase::eClockwise;
     math::matrix<double> m_Alpha;

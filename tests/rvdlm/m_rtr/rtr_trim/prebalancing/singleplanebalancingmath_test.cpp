@@ -6,12 +6,14 @@
 #include <cmath>
 #include <complex>
 #include <numbers>
+#include <random>
 #include <string>
 #include <tuple>
 #include <vector>
 
 #include "rvlib/math/vector.h"
 #include "tests/support/logcapture.h"
+#include "tests/support/testinstallation.h"
 
 namespace {
 
@@ -342,5 +344,125 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Combine(testing::Values(CPublishedCase{7, 160, 100, 5, 70, 8.602, 81.37, 324.46},
                                      CPublishedCase{3.4, 116, 2, 1.8, 42, 3.3803, 2.0117, 329.21}),
                      testing::Bool()));
+
+/// Test runs with two weights on a rotor whose physics stand here: a reading is influence * conj(w), with X
+/// negated when the rotor turns clockwise; a weight at s on a clockwise scale sits at -s.
+struct CRotorCase {
+    double m_Amount;    ///< weights
+    double m_AngleDeg;  ///< counter-clockwise
+    double m_Influence;
+    double m_PhaseDeg;
+    CTypeBase::Direction m_Rotation = CW;
+    CTypeBase::Direction m_Scale = CW;
+};
+
+class SinglePlaneTestEffect : public testing::Test {
+protected:
+    static constexpr double c_Degree = std::numbers::pi / 180.0;
+
+    void EnableVectorRule() { m_Installation.EnableFeature("PreBalancingVectorTestEffect"); }
+
+    static Complex Sum(const CRotorCase& rCase, const Matrix& rAngles) {
+        const double Sense = rCase.m_Scale == CW ? -c_Degree : c_Degree;
+        return std::polar(1.0, Sense * rAngles(0, 0)) + std::polar(1.0, Sense * rAngles(1, 0));
+    }
+    static Complex Read(const CRotorCase& rCase, const Matrix& rAngles) {
+        const Complex Unbalance =
+            std::polar(rCase.m_Amount, rCase.m_AngleDeg * c_Degree) + Sum(rCase, rAngles);
+        const Complex Reading =
+            std::polar(rCase.m_Influence, rCase.m_PhaseDeg * c_Degree) * std::conj(Unbalance);
+        const Complex Seen = rCase.m_Rotation == CW ? -std::conj(Reading) : Reading;
+        return {std::round(Seen.real()), std::round(Seen.imag())};
+    }
+    /// One weight of two that stand opposed goes back by 30 degrees.
+    static CResult Run(const CRotorCase& rCase) {
+        CSinglePlaneBalancingMath Math(eSamples);
+        Math.SetRotationDirection(rCase.m_Rotation);
+        const Matrix Opposed = MakeVector(0, 180);
+        const Matrix Moved = MakeVector(30, 180);
+        const auto Measure = [&](const Matrix& rAngles) {
+            const Complex Reading = Read(rCase, rAngles);
+            Fill(Math, static_cast<int>(Reading.real()), static_cast<int>(Reading.imag()));
+        };
+        Math.SetRawUnbalanceVector(Opposed, rCase.m_Scale);
+        Measure(Opposed);
+        Math.ApplyNeutralPositionXYValues();
+        Math.SetTestUnbalanceVector(&Moved, rCase.m_Scale);
+        Measure(Moved);
+        return CResult(Math);
+    }
+
+    CTestInstallation m_Installation;
+};
+
+// A run from the field: the reading turns by 24 degrees at nearly the same length. The vector has changed by
+// 42 percent, and by the default rule that is no effect.
+constexpr CRotorCase c_TurnedReading{1.2396, 154.2, 437.13, 109.0};
+
+TEST_F(SinglePlaneTestEffect, AReadingThatTurnsCountsByTheVectorsRuleOnly) {
+    const CRotorCase& rCase = c_TurnedReading;
+    const Complex First = Read(rCase, MakeVector(0, 180));
+    const Complex Second = Read(rCase, MakeVector(30, 180));
+    EXPECT_NEAR(std::abs(First), 542.4, 1.0);
+    EXPECT_NEAR(std::abs(Second), 546.6, 1.0);
+    EXPECT_EQ(Run(rCase).m_Status, 1U);
+    EnableVectorRule();
+    const CResult Result = Run(rCase);
+    EXPECT_EQ(Result.m_Status, 0U);
+    EXPECT_NEAR(std::abs(ToComplex(Result.m_UA)), 1.2396, 0.01);
+}
+
+// The length of the change against 5 percent of the first reading, both ends of the rule.
+TEST_F(SinglePlaneTestEffect, TheVectorMustChangeByFivePercentOfTheFirstReading) {
+    EnableVectorRule();
+    EXPECT_EQ(StatusOf(1000, 0, 1049, 0), 1U);
+    EXPECT_EQ(StatusOf(1000, 0, 1050, 0), 0U) << "exactly 5 percent are enough";
+    EXPECT_EQ(StatusOf(1000, 0, 951, 0), 1U);
+    EXPECT_EQ(StatusOf(1000, 0, 950, 0), 0U);
+    EXPECT_EQ(StatusOf(1000, 0, 1000, 49), 1U) << "across it likewise";
+    EXPECT_EQ(StatusOf(1000, 0, 1000, 50), 0U);
+}
+
+TEST_F(SinglePlaneTestEffect, AReadingBesideTheHalfTurnDoesNotPassTheVectorsRule) {
+    EnableVectorRule();
+    EXPECT_EQ(StatusOf(-10000, 175, -10000, -175), 1U) << "2 degrees apart, and nothing else";
+}
+
+TEST_F(SinglePlaneTestEffect, NothingTwiceIsTooLittleByTheVectorsRuleToo) {
+    EnableVectorRule();
+    EXPECT_EQ(StatusOf(0, 0, 0, 0), 1U);
+    EXPECT_EQ(StatusOf(0, 0, 10, 0), 0U);
+}
+
+TEST_F(SinglePlaneTestEffect, TheFlagIsReadWhenTheMathematicsAreMade) {
+    CSinglePlaneBalancingMath Math(eSamples);
+    EnableVectorRule();
+    EXPECT_EQ(RunWithUnit(Math, 1000, 0, 1000, 300).m_Status, 1U);
+}
+
+// The test weights are 0.52 weights, and the largest unbalance that two weights can balance is 2: the reading
+// changes by a quarter of itself at least. Each run must yield the compensation, too: w + sum(UA) = 0, where
+// UA is the conjugate of what the weights must form, seen in the counter-clockwise frame.
+TEST_F(SinglePlaneTestEffect, EveryRotorUpToCapacityIsAcceptedByTheVectorsRule) {
+    EnableVectorRule();
+    std::mt19937_64 Generator(20261122);
+    const auto Uniform = [&Generator](double Low, double High) {
+        return Low + (High - Low) * static_cast<double>(Generator() >> 11U) * 0x1p-53;
+    };
+    constexpr int c_nRotors = 20'000;
+    int nRefused = 0;
+    int nWrong = 0;
+    for (int i = 0; i < c_nRotors; ++i) {
+        const CRotorCase Case{Uniform(0.0, 2.0),   Uniform(0.0, 360.0),   Uniform(60.0, 2000.0),
+                              Uniform(0.0, 360.0), i % 2 == 0 ? CW : CCW, i % 4 < 2 ? CW : CCW};
+        const CResult Result = Run(Case);
+        nRefused += Result.m_Status != 0 ? 1 : 0;
+        // Whole counts: half of one in X and Y of each reading, and the influence's share by the unbalance.
+        const double Tolerance = (1.0 + Case.m_Amount * 2.0 / 0.5176) * 0.7072 / Case.m_Influence * 1.2;
+        nWrong += std::abs(std::abs(ToComplex(Result.m_UA)) - Case.m_Amount) > Tolerance ? 1 : 0;
+    }
+    EXPECT_EQ(nRefused, 0);
+    EXPECT_EQ(nWrong, 0);
+}
 
 }  // namespace
