@@ -24,6 +24,12 @@ QPointF Middle(CPoint Point) {
     return {Point.x + 0.5, Point.y + 0.5};
 }
 
+/// What a circle around a pixel's middle fills.
+QRectF SquareAround(CPoint Center, int Radius) {
+    const QPointF Origin = Middle(Center);
+    return {Origin.x() - Radius, Origin.y() - Radius, 2.0 * Radius, 2.0 * Radius};
+}
+
 QPen MakePen(const CPen& rPen) {
     if (rPen.m_Style == CPen::eNull) {
         return {Qt::NoPen};
@@ -283,8 +289,7 @@ void CDC::Arc(CPoint Center, int Radius, double StartDegrees, double SweepDegree
     if (!m_pImpl->m_Painter.isActive()) {
         return;
     }
-    const QPointF Origin = Middle(Center);
-    const QRectF Square(Origin.x() - Radius, Origin.y() - Radius, 2.0 * Radius, 2.0 * Radius);
+    const QRectF Square = SquareAround(Center, Radius);
     QPainterPath Path;
     Path.arcMoveTo(Square, StartDegrees);
     Path.arcTo(Square, StartDegrees, SweepDegrees);
@@ -294,30 +299,41 @@ void CDC::Arc(CPoint Center, int Radius, double StartDegrees, double SweepDegree
 
 void CDC::FillRing(CPoint Center, int InnerRadius, int OuterRadius, double StartDegrees, double SweepDegrees,
                    COLORREF Color) {
+    if (std::abs(SweepDegrees) < 360.0) {
+        const double EndDegrees = StartDegrees + SweepDegrees;
+        FillRing(Center, InnerRadius, OuterRadius, {StartDegrees, StartDegrees}, {EndDegrees, EndDegrees},
+                 Color);
+        return;
+    }
     if (!m_pImpl->m_Painter.isActive() || OuterRadius <= 0 || OuterRadius <= InnerRadius) {
         return;
     }
-    const QPointF Origin = Middle(Center);
-    const auto Square = [&Origin](double Radius) {
-        return QRectF(Origin.x() - Radius, Origin.y() - Radius, 2.0 * Radius, 2.0 * Radius);
-    };
     QPainterPath Path;
-    if (std::abs(SweepDegrees) >= 360.0) {
-        Path.setFillRule(Qt::OddEvenFill);
-        Path.addEllipse(Square(OuterRadius));
-        if (InnerRadius > 0) {
-            Path.addEllipse(Square(InnerRadius));
-        }
-    } else {
-        Path.arcMoveTo(Square(OuterRadius), StartDegrees);
-        Path.arcTo(Square(OuterRadius), StartDegrees, SweepDegrees);
-        if (InnerRadius > 0) {
-            Path.arcTo(Square(InnerRadius), StartDegrees + SweepDegrees, -SweepDegrees);
-        } else {
-            Path.lineTo(Origin);
-        }
-        Path.closeSubpath();
+    Path.setFillRule(Qt::OddEvenFill);
+    Path.addEllipse(SquareAround(Center, OuterRadius));
+    if (InnerRadius > 0) {
+        Path.addEllipse(SquareAround(Center, InnerRadius));
     }
+    m_pImpl->SetSmooth(true);
+    m_pImpl->m_Painter.fillPath(Path, ToQt(Color));
+}
+
+void CDC::FillRing(CPoint Center, int InnerRadius, int OuterRadius, CRingEdge Start, CRingEdge End,
+                   COLORREF Color) {
+    if (!m_pImpl->m_Painter.isActive() || OuterRadius <= 0 || OuterRadius <= InnerRadius) {
+        return;
+    }
+    const QRectF Outer = SquareAround(Center, OuterRadius);
+    QPainterPath Path;
+    Path.arcMoveTo(Outer, Start.m_OuterDegrees);
+    Path.arcTo(Outer, Start.m_OuterDegrees, End.m_OuterDegrees - Start.m_OuterDegrees);
+    if (InnerRadius > 0) {
+        Path.arcTo(SquareAround(Center, InnerRadius), End.m_InnerDegrees,
+                   Start.m_InnerDegrees - End.m_InnerDegrees);
+    } else {
+        Path.lineTo(Middle(Center));
+    }
+    Path.closeSubpath();
     m_pImpl->SetSmooth(true);
     m_pImpl->m_Painter.fillPath(Path, ToQt(Color));
 }

@@ -79,6 +79,14 @@ public:
     /// filled with Color, without outline.
     void FillRing(CPoint Center, int InnerRadius, int OuterRadius, double StartDegrees, double SweepDegrees,
                   COLORREF Color);
+    /// A straight edge across a ring, by where it meets the two circles: it needn't point at the centre.
+    struct CRingEdge {
+        double m_InnerDegrees = 0.0;
+        double m_OuterDegrees = 0.0;
+    };
+    /// The same from edge to edge, counter-clockwise and less than the whole ring.
+    void FillRing(CPoint Center, int InnerRadius, int OuterRadius, CRingEdge Start, CRingEdge End,
+                  COLORREF Color);
     /// Copies a part of rSource to rDestination's top left; no scaling, but for bitmaps of different scales.
     void BitBlt(const CRect& rDestination, const CBitmap& rSource, CPoint SourceOrigin);
     /// The same but for pixels of the colour Mask.

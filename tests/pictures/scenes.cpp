@@ -153,6 +153,10 @@ void AddHoles(std::vector<CScene>& rScenes) {
         InGallery(Page("holes-24", "Twenty-four holes, neighbours among the screws", {Screws(24, Many)})));
     rScenes.push_back(
         Page("holes-25", "From 25 holes on, only those with screws are drawn", {Screws(25, Many)}));
+    rScenes.push_back(Page("screws-long-names", "Long names are shortened in their middle",
+                           {Screws(12, {{1, 2.5, "M6x12-A2-70"},
+                                        {4, 4.2, "ISO 4762 M6x12-12.9 zinc"},
+                                        {9, 4.2, "ISO 4762 M6x12-8.8 zinc"}})}));
     // In every direction, to see the texts along the radius.
     std::vector<CScrew> All;
     for (std::uint16_t nHole = 1; nHole <= 24; ++nHole) {

@@ -2,6 +2,41 @@
 
 #include <cmath>
 #include <numbers>
+#include <vector>
+
+namespace {
+
+/// The text as far as it fits with the selected font: characters are left out of its middle, where an
+/// ellipsis stands for them. Begin and end tell most names apart. Empty if not even the first one fits.
+std::string ShortenToWidth(const CDC& rDC, const std::string& rText, int nWidth) {
+    std::vector<std::string> Characters;
+    for (const char Byte : rText) {
+        if (Characters.empty() || (static_cast<unsigned char>(Byte) & 0xC0U) != 0x80U) {
+            Characters.emplace_back();
+        }
+        Characters.back() += Byte;
+    }
+    const auto Join = [&Characters](std::size_t nKept) {
+        const std::size_t nHead = (nKept + 1) / 2;
+        std::string Joined;
+        for (std::size_t i = 0; i < Characters.size(); ++i) {
+            if (i < nHead || i >= Characters.size() - (nKept - nHead)) {
+                Joined += Characters[i];
+            } else if (i == nHead) {
+                Joined += "\u2026";
+            }
+        }
+        return Joined;
+    };
+    for (std::size_t nKept = Characters.size(); nKept > 0; --nKept) {
+        if (std::string Joined = Join(nKept); rDC.GetTextExtent(Joined).cx <= nWidth) {
+            return Joined;
+        }
+    }
+    return {};
+}
+
+}  // namespace
 
 void CAngleText::CalculateFont(CDC* pDC, const CRect& rRect, CFont& rFont, CFont& rLogFont) const {
     rFont = FitFont(pDC, rRect, DT_SINGLELINE | DT_LEFT, "TempFont.CreateFontIndirect(&rLogFont) != NULL");
@@ -16,7 +51,13 @@ void CAngleText::Paint(CDC* pDC, const std::string& rText, int X1, int Y1, int X
     CFont Font;
     CFont LogFont;
     CalculateFont(pDC, CRect(0, 0, nLength, m_MaxHeight > 0 ? m_MaxHeight : nLength), Font, LogFont);
-    if (!IsHeightUsable(Font)) {
+    std::string Shown = rText;
+    if (LogFont.m_Height < m_MinHeight) {
+        pDC->SelectFont(CFont(LogFont.m_FaceName, m_MinHeight, LogFont.m_Weight));
+        Shown = ShortenToWidth(*pDC, rText, nLength);
+        LogFont.m_Height = Shown.empty() ? 0 : m_MinHeight;
+    }
+    if (!IsHeightUsable(LogFont)) {
         pDC->RestoreDC(Saved);
         return;
     }
@@ -36,7 +77,7 @@ void CAngleText::Paint(CDC* pDC, const std::string& rText, int X1, int Y1, int X
         const double x = Sign * std::cos(Direction);
         const double y = Sign * std::sin(Direction);
         // A turned text begins at the second point, others end there.
-        const double Along = bTurned ? 0.0 : -pDC->GetTextExtent(rText).cx;
+        const double Along = bTurned ? 0.0 : -pDC->GetTextExtent(Shown).cx;
         // Capitals and digits are about two thirds of a cell high: so far their middle is above the base
         // line.
         const double Below = pDC->GetFontHeight() / 3.0;
@@ -44,7 +85,7 @@ void CAngleText::Paint(CDC* pDC, const std::string& rText, int X1, int Y1, int X
         pDC->SetTextColor(m_TextColor);
         pDC->TextOut({static_cast<int>(std::lround(X2 + Along * x - Below * y)),
                       static_cast<int>(std::lround(Y2 + Along * y + Below * x))},
-                     rText);
+                     Shown);
     }
     pDC->RestoreDC(Saved);
 }

@@ -18,10 +18,15 @@ public:
     /// line is long.
     void SetMaxHeight(int nHeight) { m_MaxHeight = nHeight; }
 
+    /// Pixels that a character cell has at least: a text that would get lower is shortened in its middle
+    /// instead. 0, as at the start: any text is drawn as a whole.
+    void SetMinHeight(int nHeight) { m_MinHeight = nHeight; }
+
     /// Draws rText, which becomes the field's text, along the line from (X1, Y1) to (X2, Y2): as large as it
     /// fits, its middle on the line. A text shorter than the line keeps to the second point, where the line
     /// points, also if it is turned round. The device context's state is left as it was. Where not even one
-    /// pixel of height remains, this is logged and nothing is drawn.
+    /// pixel of height remains, or the line is too short for any rest of the text, this is logged and nothing
+    /// is drawn.
     void Paint(CDC* pDC, const std::string& rText, int X1, int Y1, int X2, int Y2);
     /// Finds the font: as high as rRect, or lower if the text would be wider than rRect. rLogFont is its
     /// description, for a caller who wants it turned.
@@ -30,4 +35,5 @@ public:
 private:
     int m_Placement = eAlongLine;
     int m_MaxHeight = 0;
+    int m_MinHeight = 0;
 };

@@ -49,6 +49,11 @@ CFont CFittedText::FitFont(CDC* pDC, const CRect& rRect, unsigned Format, const 
     }
     CFont Font(m_FaceName, static_cast<int>(y), m_Weight);
     pDC->SelectFont(Font);
+    // Widths grow in steps, and so the linear function may give a pixel or two too much.
+    while (Font.m_Height > 1 && pDC->GetTextExtent(rSample).cx > rRect.Width()) {
+        --Font.m_Height;
+        pDC->SelectFont(Font);
+    }
     RV_ASSERT_AS(Gui::g_pLog, Font.m_Height < 1 || WasMade(*pDC), "rFont.CreateFontIndirect(&lf) != NULL",
                  "invalid font", false);
     pDC->RestoreDC(Saved);

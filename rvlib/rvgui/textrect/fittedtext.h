@@ -23,8 +23,9 @@ protected:
     ~CFittedText() = default;
 
     /// The font: as high as rRect, or lower if the longer text would be wider than rRect. The height as a
-    /// linear function of the width is taken from two sizes that are measured with the DT_ flags of Format.
-    /// The height may come out below 1. pProbe names the probing font in the assertion that it can't be made.
+    /// linear function of the width is taken from two sizes that are measured with the DT_ flags of Format,
+    /// and lowered until the text really fits. The height may come out below 1. pProbe names the probing font
+    /// in the assertion that it can't be made.
     CFont FitFont(CDC* pDC, const CRect& rRect, unsigned Format, const char* pProbe) const;
     /// Whether the font selected in rDC could be made; "invalid font" is logged if not.
     static bool IsFontUsable(const CDC& rDC);

@@ -301,7 +301,7 @@ TEST(PageSweepTest, ALiveRepaintTouchesTheMiddleOnlyAndLeavesNothingBehind) {
             CBitmap Live(Scene.m_Size);
             CDC DC(Live);
             Page.Paint(DC, CPreBalancing::ePaintAll);
-            for (const double Value : {8888.0, 3.0, 200.01, 200.0, 999.0, 0.0}) {
+            for (const double Value : {8888.0, 46340.0, 3.0, 10'000.0, 200.01, 200.0, 999.0, 0.0}) {
                 const CBitmap Before = Live;
                 for (std::size_t i = 0; i < Scene.m_Planes.size(); ++i) {
                     Page.SetMeasurement(i, Value, Value / 30, Value);

@@ -197,6 +197,25 @@ TEST(DcCircleTest, ASectorOfARingKeepsToItsAnglesAndRadii) {
     EXPECT_EQ(Dc.GetPixel(At(270, 30)), c_White);
 }
 
+// From 80 to 100 degrees at the inner circle, but from 60 to 120 at the outer one.
+TEST(DcCircleTest, ARingsEdgesNeedNotPointAtTheCentre) {
+    CBitmap Bitmap({101, 101});
+    CDC Dc(Bitmap);
+    Dc.FillRing({50, 50}, 20, 40, {80.0, 60.0}, {100.0, 120.0}, c_Red);
+    for (const int nDegrees : {83, 90, 97}) {
+        EXPECT_EQ(Dc.GetPixel(At(nDegrees, 22)), c_Red);
+    }
+    for (const int nDegrees : {65, 90, 115}) {
+        EXPECT_EQ(Dc.GetPixel(At(nDegrees, 38)), c_Red);
+    }
+    for (const int nDegrees : {65, 115}) {
+        EXPECT_EQ(Dc.GetPixel(At(nDegrees, 22)), c_White);
+    }
+    for (const int nDegrees : {50, 130, 270}) {
+        EXPECT_EQ(Dc.GetPixel(At(nDegrees, 38)), c_White);
+    }
+}
+
 TEST(DcCircleTest, AWholeRingLeavesItsHole) {
     CBitmap Bitmap({101, 101});
     CDC Dc(Bitmap);

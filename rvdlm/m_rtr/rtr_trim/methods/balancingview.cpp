@@ -259,11 +259,12 @@ void CBalancingView::DrawInactive(CDC* pDC, const CRect& rRect) {
     const int Saved = pDC->SaveDC();
     pDC->IntersectClipRect(rRect);
     pDC->SelectPen(CPen(CPen::eSolid, 1, PageStyle::GetPanelColor(*pDC)));
+    // Diagonals through every second pixel of the top line make the mesh; those of the other direction would
+    // meet the same pixels once more, since x - y and x + y are even together.
     const int nHeight = rRect.Height();
-    for (int i = -nHeight; i < rRect.Width() + nHeight; i += 2) {
+    for (int i = -nHeight; i < rRect.Width(); i += 2) {
         const CPoint Top(rRect.left + i, rRect.top);
         DrawLine(*pDC, Top, Top + CPoint(nHeight, nHeight));
-        DrawLine(*pDC, Top, Top + CPoint(-nHeight, nHeight));
     }
     pDC->RestoreDC(Saved);
 }

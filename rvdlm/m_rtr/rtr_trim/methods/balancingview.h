@@ -29,7 +29,8 @@ public:
                               double LastMagnitude);
     /// An arc with an arrow head; without a head for an unknown direction.
     static void DrawRotationArrow(CDC* pDC, CPoint Center, Direction Sense);
-    /// Covers rRect with a fine mesh, through which the drawing shows: nothing is to be done here now.
+    /// Covers rRect with a fine mesh of diagonals, through which the drawing shows: nothing is to be done
+    /// here now.
     static void DrawInactive(CDC* pDC, const CRect& rRect);
 
 protected:

@@ -15,6 +15,8 @@ namespace {
 constexpr double c_FullTurn = 2 * std::numbers::pi;
 /// With more holes the empty ones would touch each other.
 constexpr int c_nMaxEmptyHoles = 24;
+/// No screw's name gets lower than the numbers at the gauge for being long.
+constexpr int c_nLegible = 12;
 
 std::string WeightToText(double Weight) {
     std::array<char, 512> Text{};
@@ -109,7 +111,9 @@ void CScrewBalancingView::DrawScrewText(CDC* pDC, const CGeometry& rGeometry, do
     const int nAngle = (static_cast<int>(Angle * 360 / c_FullTurn) + 270) % 360;
     const CPoint From = PolarPoint(rGeometry.m_Center, nInnerEnd, 360 - nAngle);
     const CPoint To = PolarPoint(rGeometry.m_Center, nOuterEnd, 360 - nAngle);
-    m_ScrewText.SetMaxHeight((rGeometry.m_Side * 3) / 64);
+    const int nHeight = (rGeometry.m_Side * 3) / 64;
+    m_ScrewText.SetMaxHeight(nHeight);
+    m_ScrewText.SetMinHeight(std::min(nHeight, c_nLegible));
     // It lies on the panel, whose colour it has at the beginning: nobody could read it in that.
     m_ScrewText.SetTextColor(c_Ink);
     m_ScrewText.Paint(pDC, GetWeightFromAngle(Angle), From.x, From.y, To.x, To.y);

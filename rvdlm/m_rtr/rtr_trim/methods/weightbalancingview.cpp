@@ -1,6 +1,6 @@
 #include "rvdlm/m_rtr/rtr_trim/methods/weightbalancingview.h"
 
-#include <algorithm>
+#include <cmath>
 #include <numbers>
 
 #include "rvdlm/m_rtr/rtr_trim/log.h"
@@ -9,6 +9,17 @@ namespace {
 
 /// A weight covers this many degrees to each side of its angle.
 constexpr int c_nHalfWeight = 10;
+
+/// The line from PolarPoint to PolarPoint across the ring, as the edge of an area: lines end at whole pixels,
+/// so it lies up to a pixel beside the radius.
+CDC::CRingEdge GetEdge(CPoint Center, int nInner, int nOuter, int nDegrees) {
+    const auto GetAngle = [Center, nDegrees](int nRadius) {
+        const CPoint Point = PolarPoint(Center, nRadius, nDegrees) - Center;
+        const double Angle = std::atan2(-Point.y, Point.x) * 180.0 / std::numbers::pi;
+        return nDegrees + std::remainder(Angle - nDegrees, 360.0);
+    };
+    return {GetAngle(nInner), GetAngle(nOuter)};
+}
 
 }  // namespace
 
@@ -81,11 +92,9 @@ void CWeightBalancingView::DrawWeight(CDC* pDC, const CRect& rSquare, int Angle,
     const int nInner = Geometry.m_Inner;
     const int nMiddle = ToDisplay(Angle);
 
-    // Up to the circles' lines, but not over them; and about a pixel beyond each edge, whose line ends at
-    // whole pixels and would leave a gap.
-    const double Overlap = 180.0 / std::numbers::pi / std::max(nOuter, 1);
-    pDC->FillRing(Center, nInner, nOuter - 2, nMiddle - c_nHalfWeight - Overlap,
-                  2 * (c_nHalfWeight + Overlap), c_Ink);
+    // Up to the lines of circles and edges, but not over them.
+    pDC->FillRing(Center, nInner, nOuter - 2, GetEdge(Center, nInner, nOuter - 1, nMiddle - c_nHalfWeight),
+                  GetEdge(Center, nInner, nOuter - 1, nMiddle + c_nHalfWeight), c_Ink);
     pDC->SelectPen(CPen(CPen::eSolid, 1, c_Outline));
     for (const int nEdge : {nMiddle - c_nHalfWeight, nMiddle + c_nHalfWeight}) {
         pDC->MoveTo(PolarPoint(Center, nInner, nEdge));

@@ -121,6 +121,56 @@ TEST_F(AngleTextTest, ALongTextGetsASmallerFontAndStaysOnItsLine) {
     EXPECT_LT(Ink.Height(), 14);
 }
 
+// A minimum of 12 pixels leaves room for some fifteen characters on a line of 80.
+TEST_F(AngleTextTest, ATextThatWouldGetTooLowIsShortenedInItsMiddle) {
+    const std::string Name = "ISO 4762 M6x12-12.9 zinc";
+    const auto Expect = [&] {
+        CDC Dc(m_Bitmap);
+        Dc.SelectFont(CFont("Arial", 12, 700));
+        // By hand: the longest of those with equal ends, or one character more at the beginning.
+        for (std::size_t nKept = Name.size() - 1;; --nKept) {
+            const std::string Short =
+                Name.substr(0, (nKept + 1) / 2) + "…" + Name.substr(Name.size() - nKept / 2);
+            if (Dc.GetTextExtent(Short).cx <= 80) {
+                return Short;
+            }
+        }
+    }();
+    ASSERT_GT(Expect.size(), 10U);
+    m_Text.SetMaxHeight(12);
+    ASSERT_FALSE(Draw(0, Expect).IsRectEmpty());
+    const CBitmap Short = m_Bitmap;
+    m_Text.SetMaxHeight(20);
+    m_Text.SetMinHeight(12);
+    const CRect Ink = Draw(0, Name);
+    EXPECT_TRUE(m_Bitmap == Short) << "as if " << Expect << " had been given";
+    EXPECT_GE(Ink.left, 99);
+    EXPECT_LE(Ink.right, 181);
+    EXPECT_EQ(m_Text.GetText(), Name) << "the field's text stays whole";
+}
+
+TEST_F(AngleTextTest, ATextThatFitsAboveTheMinimumIsLeftAsItIs) {
+    Draw(0, "M6x12");
+    const CBitmap Before = m_Bitmap;
+    m_Text.SetMinHeight(12);
+    Draw(0, "M6x12");
+    EXPECT_TRUE(m_Bitmap == Before);
+}
+
+TEST_F(AngleTextTest, CharactersOfSeveralBytesAreNotCutApart) {
+    m_Text.SetMinHeight(12);
+    Draw(0, "ÄÄÄÄÄÄÄÄÄÄÄÄÄÄÄÄÄÄÄÄÄÄÄÄ");
+    const CBitmap Long = m_Bitmap;
+    Draw(0, "ÄÄÄÄÄÄÄÄÄÄÄÄÄÄÄÄÄÄÄÄÄÄÄÄÄ");
+    EXPECT_TRUE(m_Bitmap == Long) << "what fits is the same";
+}
+
+TEST_F(AngleTextTest, ALineTooShortForAnyRestOfTheTextIsLoggedAndNothingIsDrawn) {
+    m_Text.SetMinHeight(12);
+    EXPECT_EQ(Draw(0, "WWW", 3), CRect());
+    EXPECT_THAT(m_Log.GetTexts("Warning"), ElementsAre("not enough space to draw text"));
+}
+
 TEST_F(AngleTextTest, WithoutAMaximumTheFontIsAsHighAsTheLineIsLong) {
     m_Text.SetMaxHeight(0);
     EXPECT_NEAR(Draw(0, "I", 40).Height(), 40 * 2 / 3, 4);

@@ -331,7 +331,7 @@ TEST_F(ArrowTest, UnknownDirectionsHaveNoHead) {
     EXPECT_FALSE(DrawArrow(1) == Plain);
 }
 
-// Both families of diagonals meet the same pixels, so that exactly every second one is covered.
+// As by diagonals in both directions, which meet the same pixels.
 TEST_F(BalancingViewTest, TheHatchCoversEverySecondPixelOfItsRectangleOnly) {
     for (const CRect& rRect : {CRect(20, 30, 81, 121), CRect(20, 30, 120, 62), CRect(0, 0, 300, 500)}) {
         m_Bitmap.Create({300, 500});

@@ -196,6 +196,21 @@ TEST_F(ScrewBalancingViewTest, TheTextPointsAtItsHole) {
     }
 }
 
+// Capitals and digits are about two thirds of a cell of 12 high. Hole 4 is at the right, so its text is
+// level.
+TEST_F(ScrewBalancingViewTest, LongNamesAreShortenedAndStayLegible) {
+    for (const char* pName :
+         {"M6x12-A2-70", "ISO 4762 M6x12-12.9 zinc", "Schraube für die Außenseite hinten"}) {
+        m_View.Set(12, {{4, 2.5, pName}});
+        Paint();
+        const auto Text = FindInk(m_Bitmap, CRect(150 + 30, 150 - 12, 150 + 100, 150 + 13), c_Panel);
+        ASSERT_TRUE(Text) << pName;
+        EXPECT_GE(Text->Height(), 7) << pName;
+        EXPECT_GE(Text->left, 150 + 31) << pName << " keeps clear of the arrow";
+        EXPECT_LE(Text->right, 150 + 97) << pName;
+    }
+}
+
 TEST_F(ScrewBalancingViewTest, ThereAreNoScaleLabels) {
     Paint();
     EXPECT_EQ(FindInk(m_Bitmap, CRect(140, 50, 170, 70), c_Panel), std::nullopt);

@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "tests/support/logcapture.h"
 #include "tests/support/pagecolors.h"
 #include "tests/support/pixels.h"
@@ -100,6 +102,40 @@ TEST_F(WeightBalancingViewTest, AWeightIsTwentyDegreesWide) {
     EXPECT_NEAR(CountInkedDegrees(), 2 * 20, 3);
     EXPECT_EQ(At(c_nRing, 90 + 12), c_Ring);
     EXPECT_EQ(At(c_nRing, 90 - 12), c_Ring);
+}
+
+// The edges' lines end at whole pixels, so that they lie up to a pixel beside the radius; the ink keeps to
+// them, whichever way they lie. A smooth line of one pixel reaches 1.25 pixels from its middle at most.
+TEST_F(WeightBalancingViewTest, TheInkEndsAtTheEdgesLinesAndLeavesNoGap) {
+    constexpr double c_Reach = 1.25;
+    for (int nAngle = 0; nAngle < 180; ++nAngle) {
+        m_View.Set(nAngle, nAngle + 180, PreBalDB::CTypeBase::eCounterClockwise);
+        Paint();
+        int nOutside = 0;
+        int nGaps = 0;
+        for (const int nSide : {-1, 1}) {
+            const int nEdge = nAngle + 90 + nSide * 10;
+            const CPoint Near = PolarPoint(c_Center, 180, nEdge);
+            const CPoint Along = PolarPoint(c_Center, 239, nEdge) - Near;
+            const double Length = std::hypot(Along.x, Along.y);
+            for (int y = Near.y - 70; y <= Near.y + 70; ++y) {
+                for (int x = Near.x - 70; x <= Near.x + 70; ++x) {
+                    const CPoint Point = CPoint(x, y) - Near;
+                    const double Radius = std::hypot(x - c_Center.x, y - c_Center.y);
+                    // Beyond the line, seen from the weight's middle; y grows downwards.
+                    const double Beyond = -nSide * (Along.x * Point.y - Along.y * Point.x) / Length;
+                    if (Radius < 184 || Radius > 234 || std::abs(Beyond) < c_Reach || std::abs(Beyond) > 5) {
+                        continue;
+                    }
+                    const COLORREF Color = m_Bitmap.GetPixel(x, y);
+                    nOutside += Beyond > 0 && Color != c_Ring ? 1 : 0;
+                    nGaps += Beyond < 0 && Color != c_Ink ? 1 : 0;
+                }
+            }
+        }
+        EXPECT_EQ(nOutside, 0) << nAngle;
+        EXPECT_EQ(nGaps, 0) << nAngle;
+    }
 }
 
 TEST_F(WeightBalancingViewTest, EachWeightCarriesItsNumberInWhite) {
