@@ -96,7 +96,6 @@ TEST_F(FaultsTest, SilenceTakesIndicationsToo) {
     EXPECT_THAT(GetInstants(0x1C), ElementsAre(2000, 3000));
 }
 
-// The fourth byte of a state, after kind, source and destination, has the lock in its sixth bit.
 TEST_F(FaultsTest, ALostLockIsReportedAtOnceAndWhenItIsBack) {
     RunUp(3000);
     m_Arrivals.clear();
@@ -104,7 +103,7 @@ TEST_F(FaultsTest, ALostLockIsReportedAtOnceAndWhenItIsBack) {
     EXPECT_EQ(Carry({{"state", json::object()}})["lock"], false);
     m_Loop.Advance(1000);
     EXPECT_EQ(Carry({{"state", json::object()}})["lock"], true);
-    EXPECT_THAT(GetFramesOf(0x10), SizeIs(2));
+    EXPECT_THAT(GetFramesOf(0x08), SizeIs(2));
 }
 
 TEST_F(FaultsTest, OnlyAnswersLeavesIndicationsAlone) {
