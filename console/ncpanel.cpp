@@ -108,8 +108,8 @@ CNcPanel::~CNcPanel() {
 }
 
 void CNcPanel::TakeNotification(const std::vector<std::int32_t>& rValues) {
-    CNotification Notification;
-    if (rValues.size() != CNotification::eSize) {
+    CNcNotification Notification;
+    if (rValues.size() != CNcNotification::eSize) {
         return;
     }
     std::ranges::copy(rValues, Notification.m_Values.begin());

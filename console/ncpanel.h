@@ -18,7 +18,7 @@ public:
     CNcPanel(const CNcPanel&) = delete;
     CNcPanel& operator=(const CNcPanel&) = delete;
 
-    const CNotification& GetNotification() const { return m_Notification; }
+    const CNcNotification& GetNotification() const { return m_Notification; }
     std::uint32_t GetWarning() const { return m_Warning; }
 
     /// Called through the event loop on each new notification and each change of the warning.
@@ -33,7 +33,7 @@ private:
     void Later(std::function<void()> Take);
 
     std::shared_ptr<CServer> m_pServer;
-    CNotification m_Notification;
+    CNcNotification m_Notification;
     std::uint32_t m_Warning = 0;
     std::shared_ptr<bool> m_pAlive = std::make_shared<bool>(true);
 };

@@ -7,7 +7,7 @@ void CNcWatch::OnLook(const CSituation& rSituation) {
         if (m_Last) {
             const CSituation Done = *m_Last;
             Accept(Done);
-            const bool bFailed = Done.m_Notification.GetStep() == CNotification::eFailure;
+            const bool bFailed = Done.m_Notification.GetStep() == CNcNotification::eFailure;
             m_Last.reset();
             if (IsMeasuredVerdict(Done)) {
                 End(Outcome::eFinished);
@@ -38,12 +38,12 @@ void CNcWatch::Accept(const CSituation& rDone) {
         return;
     }
     switch (rDone.m_Notification.GetAction()) {
-        case CNotification::eMeasurementValuesOK:
+        case CNcNotification::eMeasurementValuesOK:
             if (OnMeasurementAccepted) {
                 OnMeasurementAccepted(rDone);
             }
             break;
-        case CNotification::eSetWeights:
+        case CNcNotification::eSetWeights:
             for (const CFitting& rFitting : FindFittings(rDone, GetHoleRings())) {
                 if (OnFitted) {
                     OnFitted(rFitting);

@@ -15,13 +15,13 @@ struct CRule {
 /// While a procedure runs (steps eSetup and eReBalActive), by the action asked for.
 constexpr std::array RULES = {
     // No action yet: the procedure waits for a speed of the operator's choice.
-    CRule{CNotification::eNone, Deed::eStartSpindle},
-    CRule{CNotification::eSetSpindleSpeed, Deed::eConfirm},
-    CRule{CNotification::eSpindleStart, Deed::eStartSpindle},
-    CRule{CNotification::eSpindleStop, Deed::eStopSpindle},
-    CRule{CNotification::eSetWeights, Deed::eFitAndConfirm},
-    CRule{CNotification::eMeasure, Deed::eWait},
-    CRule{CNotification::eMeasurementValuesOK, Deed::eConfirm},
+    CRule{CNcNotification::eNone, Deed::eStartSpindle},
+    CRule{CNcNotification::eSetSpindleSpeed, Deed::eConfirm},
+    CRule{CNcNotification::eSpindleStart, Deed::eStartSpindle},
+    CRule{CNcNotification::eSpindleStop, Deed::eStopSpindle},
+    CRule{CNcNotification::eSetWeights, Deed::eFitAndConfirm},
+    CRule{CNcNotification::eMeasure, Deed::eWait},
+    CRule{CNcNotification::eMeasurementValuesOK, Deed::eConfirm},
 };
 
 bool AreReadingsComplete(const CSituation& rSituation) {
@@ -33,8 +33,8 @@ bool AreReadingsComplete(const CSituation& rSituation) {
 }  // namespace
 
 bool IsVerdict(std::int32_t Step) {
-    constexpr std::array VERDICTS = {CNotification::eSetupSuccess, CNotification::eRebalSuccess,
-                                     CNotification::eSetupOverTarget, CNotification::eRebalOverTarget};
+    constexpr std::array VERDICTS = {CNcNotification::eSetupSuccess, CNcNotification::eRebalSuccess,
+                                     CNcNotification::eSetupOverTarget, CNcNotification::eRebalOverTarget};
     return std::ranges::find(VERDICTS, Step) != VERDICTS.end();
 }
 
@@ -48,13 +48,13 @@ Deed ChooseDeed(const CSituation& rSituation) {
         return Deed::eWait;
     }
     const std::int32_t Step = rSituation.m_Notification.GetStep();
-    if (Step == CNotification::eFailure) {
+    if (Step == CNcNotification::eFailure) {
         return Deed::eGiveUp;
     }
     if (IsVerdict(Step)) {
         return IsMeasuredVerdict(rSituation) ? Deed::eJudge : Deed::eWait;
     }
-    if (Step != CNotification::eSetup && Step != CNotification::eReBalActive) {
+    if (Step != CNcNotification::eSetup && Step != CNcNotification::eReBalActive) {
         return Deed::eWait;
     }
     const auto* pRule = std::ranges::find(RULES, rSituation.m_Notification.GetAction(), &CRule::m_Action);

@@ -8,7 +8,7 @@
 #include "platform/window/prebalprogress.h"
 
 /// A notification as the NC gets it: step, action, then per plane angle and weight of three corrections.
-struct CNotification : CPreBalCodes {
+struct CNcNotification : CPreBalCodes {
     static constexpr std::size_t eSize = 14;
     static constexpr std::size_t eCorrections = 3;
 
@@ -33,7 +33,7 @@ struct CNotification : CPreBalCodes {
     std::int32_t GetWeight(std::size_t Plane, std::size_t Correction) const {
         return m_Values[3 + 2 * (Plane * eCorrections + Correction)];
     }
-    friend bool operator==(const CNotification& rLeft, const CNotification& rRight) {
+    friend bool operator==(const CNcNotification& rLeft, const CNcNotification& rRight) {
         return rLeft.m_Values == rRight.m_Values;
     }
 
@@ -45,7 +45,7 @@ struct CSituation {
     bool m_bRunning = false;  ///< a procedure is on the page
     std::int32_t m_Menu = -1;
     CPreBalProgress m_Progress;
-    CNotification m_Notification;
+    CNcNotification m_Notification;
     std::uint32_t m_Warning = 0;  ///< as the NC gets it
 
     /// The columns of a notification belong to the planes of the procedure, in their order: the only plane of
@@ -69,7 +69,7 @@ struct CSituation {
     std::vector<CRotorScrew> GetScrews(std::size_t Plane, const CHoleRing& rRing) const {
         std::vector<CRotorScrew> Screws;
         const std::size_t Column = GetColumn(Plane);
-        for (std::size_t i = 0; i < CNotification::eCorrections; ++i) {
+        for (std::size_t i = 0; i < CNcNotification::eCorrections; ++i) {
             const std::int32_t Angle = m_Notification.GetAngle(Column, i);
             if (Angle < 0 || rRing.m_nHoles == 0) {
                 continue;
