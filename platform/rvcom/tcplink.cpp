@@ -1,3 +1,7 @@
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
+
 #include <QString>
 #include <QTcpServer>
 #include <QTcpSocket>
@@ -10,6 +14,27 @@
 #include "platform/rvcom/queuedlink.h"
 
 namespace {
+
+/// A peer that vanishes without a word, a device server that loses its power, is to be missed within 10 s.
+/// The idle time and the time limit may come one after the other: when something is sent just before the idle
+/// time has shown the loss, its own limit counts.
+constexpr int KEEP_ALIVE_IDLE = 2;           ///< s without anything from the peer until it is asked
+constexpr int KEEP_ALIVE_INTERVAL = 1;       ///< s between two questions
+constexpr int KEEP_ALIVE_PROBES = 3;         ///< questions without an answer
+constexpr unsigned int USER_TIMEOUT = 4000;  ///< ms that anything sent may stay unacknowledged
+
+/// The toolkit knows the first option only, and on the descriptor it holds from the connection on.
+void WatchPeer(QTcpSocket& rSocket) {
+    rSocket.setSocketOption(QAbstractSocket::KeepAliveOption, 1);
+    const auto Handle = static_cast<int>(rSocket.socketDescriptor());
+    const auto Set = [Handle](int Option, const auto& rValue) {
+        ::setsockopt(Handle, IPPROTO_TCP, Option, &rValue, sizeof rValue);
+    };
+    Set(TCP_KEEPIDLE, KEEP_ALIVE_IDLE);
+    Set(TCP_KEEPINTVL, KEEP_ALIVE_INTERVAL);
+    Set(TCP_KEEPCNT, KEEP_ALIVE_PROBES);
+    Set(TCP_USER_TIMEOUT, USER_TIMEOUT);
+}
 
 /// What both sides of a connection share: bytes in and out, and the end of it.
 class CSocketLink : public CQueuedLink {
@@ -31,10 +56,10 @@ protected:
                          [this](QAbstractSocket::SocketError) { Lose(); });
     }
     void Connected() {
-        // Frames are short and wait for answers; a peer that has vanished is noticed some day.
         m_bConnected = true;
+        // Frames are short and wait for answers.
         m_pSocket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
-        m_pSocket->setSocketOption(QAbstractSocket::KeepAliveOption, 1);
+        WatchPeer(*m_pSocket);
         PostOpened();
         ReadAll();
     }

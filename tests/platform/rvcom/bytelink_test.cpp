@@ -1,9 +1,14 @@
 #include "platform/rvcom/bytelink.h"
 
+#include <arpa/inet.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
 
 #include <QTemporaryDir>
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -102,6 +107,27 @@ std::string GetListenerError(const std::string& rDescription) {
     std::string Error;
     EXPECT_EQ(MakeListeningLink(rDescription, Error), nullptr) << rDescription;
     return Error;
+}
+
+int GetOption(int Handle, int Level, int Option) {
+    int Value = 0;
+    socklen_t nSize = sizeof Value;
+    EXPECT_EQ(getsockopt(Handle, Level, Option, &Value, &nSize), 0);
+    return Value;
+}
+
+/// The descriptor of this process that is connected to a port of this machine; -1 if there is none.
+int FindConnectionTo(std::uint16_t Port) {
+    for (const auto& rEntry : std::filesystem::directory_iterator("/proc/self/fd")) {
+        const int Handle = std::stoi(rEntry.path().filename().string());
+        sockaddr_in Peer{};
+        socklen_t nSize = sizeof Peer;
+        if (getpeername(Handle, reinterpret_cast<sockaddr*>(&Peer), &nSize) == 0 &&
+            Peer.sin_family == AF_INET && ntohs(Peer.sin_port) == Port) {
+            return Handle;
+        }
+    }
+    return -1;
 }
 
 /// Links that need the real loop.
@@ -313,6 +339,26 @@ TEST_F(CTcpLinkTest, TheClientNoticesThatTheServerHasGone) {
     EXPECT_THAT(Client.m_Bytes, ElementsAre(1, 2, 3)) << "what came before the end isn't lost";
     Settle();
     EXPECT_EQ(Client.m_Reasons.size(), 1U) << "told once";
+}
+
+/// Nothing on loopback can vanish without a word, so this looks at what the system was told: at the
+/// descriptor of this process that is connected to the listener.
+TEST_F(CTcpLinkTest, APeerThatVanishesWithoutAWordIsMissedWithinTenSeconds) {
+    CObserved Client(Make(m_Server->GetName()));
+    Connect(Client);
+    const std::string Name = m_Server->GetName();
+    const int Handle =
+        FindConnectionTo(static_cast<std::uint16_t>(std::stoi(Name.substr(Name.rfind(':') + 1))));
+    ASSERT_GE(Handle, 0);
+    EXPECT_NE(GetOption(Handle, SOL_SOCKET, SO_KEEPALIVE), 0);
+    const int Idle = GetOption(Handle, IPPROTO_TCP, TCP_KEEPIDLE) * 1000;
+    const int Asking =
+        GetOption(Handle, IPPROTO_TCP, TCP_KEEPINTVL) * 1000 * GetOption(Handle, IPPROTO_TCP, TCP_KEEPCNT);
+    const int Unacknowledged = GetOption(Handle, IPPROTO_TCP, TCP_USER_TIMEOUT);
+    EXPECT_GT(Unacknowledged, 0) << "what is sent would be repeated for a quarter of an hour";
+    EXPECT_LE(Idle + Asking, 10000);
+    // At worst something is sent just before the idle time has shown the loss, and begins its own limit.
+    EXPECT_LE(std::max(Idle + Asking, Unacknowledged) + Unacknowledged, 10000);
 }
 
 TEST_F(CTcpLinkTest, AFurtherClientIsTurnedAway) {
