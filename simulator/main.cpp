@@ -1,12 +1,7 @@
 // The simulator as a program of its own: frames of the balancing modules on one link, the machine's control
 // link on another, until it is interrupted.
-#include <sys/signalfd.h>
-#include <unistd.h>
-
 #include <CLI/CLI.hpp>
 #include <QCoreApplication>
-#include <QSocketNotifier>
-#include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <exception>
@@ -15,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/qt/endsignals.h"
 #include "platform/qt/qteventloop.h"
 #include "platform/rvcom/bytelink.h"
 #include "simulator/machineserver.h"
@@ -47,18 +43,7 @@ void Announce(const char* pWhat, const std::string& rLink) {
     std::fflush(stdout);
 }
 
-/// Tells of SIGINT and SIGTERM as readable bytes, so that the loop ends in good order and links are taken
-/// down. Has to be called before there are threads, which inherit what is blocked.
-int BlockEndSignals() {
-    sigset_t Signals;
-    sigemptyset(&Signals);
-    sigaddset(&Signals, SIGINT);
-    sigaddset(&Signals, SIGTERM);
-    sigprocmask(SIG_BLOCK, &Signals, nullptr);
-    return signalfd(-1, &Signals, SFD_CLOEXEC | SFD_NONBLOCK);
-}
-
-int RunSimulator(const COptions& rOptions, int SignalFile) {
+int RunSimulator(const COptions& rOptions, CEndSignals& rSignals) {
     std::optional<CRotorFile::Modules> Family;
     if (!rOptions.m_Modules.empty()) {
         Family = CRotorFile::ModulesFromString(rOptions.m_Modules);
@@ -97,8 +82,7 @@ int RunSimulator(const COptions& rOptions, int SignalFile) {
     if (!rOptions.m_Machine.empty() && !Server.Listen(rOptions.m_Machine, Error)) {
         return Fail("--machine " + rOptions.m_Machine + " can't be opened: " + Error);
     }
-    QSocketNotifier Signals(SignalFile, QSocketNotifier::Read);
-    QObject::connect(&Signals, &QSocketNotifier::activated, [&Loop] { Loop.Quit(); });
+    rSignals.Watch([&Loop] { Loop.Quit(); });
 
     pSimulator->Open();
     // A link that can't be opened has queued its complaint by now.
@@ -120,7 +104,7 @@ int RunSimulator(const COptions& rOptions, int SignalFile) {
 }
 
 int Main(int argc, char** argv) {
-    const int SignalFile = BlockEndSignals();
+    CEndSignals Signals;
     QCoreApplication Application(argc, argv);
 
     COptions Options;
@@ -146,9 +130,7 @@ int Main(int argc, char** argv) {
     } catch (const CLI::ParseError& rError) {
         return Fail(std::string(rError.what()) + "; --help tells the options");
     }
-    const int nExit = RunSimulator(Options, SignalFile);
-    close(SignalFile);
-    return nExit;
+    return RunSimulator(Options, Signals);
 }
 
 }  // namespace

@@ -8,15 +8,16 @@
 #include <QLocalServer>
 #include <QLocalSocket>
 #include <QProcess>
-#include <QTemporaryDir>
 #include <algorithm>
 #include <span>
+#include <stdexcept>
 #include <utility>
 
 #include "platform/rvlog/log.h"
 #include "platform/system/eventloop.h"
 #include "platform/system/growingpause.h"
 #include "platform/system/linesplitter.h"
+#include "platform/system/temporarydirectory.h"
 #include "platform/system/timer.h"
 
 namespace {
@@ -68,7 +69,7 @@ private:
 
     std::string m_Program;
     COpcGatewayTimes m_Times;
-    std::unique_ptr<QTemporaryDir> m_pDirectory;
+    std::unique_ptr<CTemporaryDirectory> m_pDirectory;
     QLocalServer m_Server;
     std::unique_ptr<QProcess> m_pProcess;
     QLocalSocket* m_pSocket = nullptr;  ///< the server's child
@@ -102,9 +103,13 @@ bool COpcGateway::Listen() {
         return true;
     }
     // Only this user can enter such a directory, whatever becomes of the socket in it.
-    m_pDirectory = std::make_unique<QTemporaryDir>(FindRuntimeDirectory() + "/rotor-trim-opc-XXXXXX");
+    try {
+        m_pDirectory = std::make_unique<CTemporaryDirectory>(FindRuntimeDirectory().toStdString());
+    } catch (const std::runtime_error&) {
+        return false;
+    }
     m_Server.setSocketOptions(QLocalServer::UserAccessOption);
-    return m_pDirectory->isValid() && m_Server.listen(m_pDirectory->filePath("gateway"));
+    return m_Server.listen(QString::fromStdString((m_pDirectory->GetPath() / "gateway").string()));
 }
 
 void COpcGateway::Launch() {

@@ -10,7 +10,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <utility>
+
+#include "platform/system/descriptor.h"
 
 namespace Files {
 
@@ -20,25 +21,6 @@ constexpr std::size_t c_nMaxPath = 260;
 /// New files and directories belong to the owner and the group, as all users of the machine share them.
 constexpr mode_t c_DirectoryMode = 0770;
 constexpr mode_t c_FileMode = 0664;
-
-/// A file descriptor that closes itself.
-class CDescriptor {
-public:
-    explicit CDescriptor(int Handle) : m_Handle(Handle) {}
-    ~CDescriptor() { Close(); }
-    CDescriptor(const CDescriptor&) = delete;
-    CDescriptor& operator=(const CDescriptor&) = delete;
-
-    bool IsOpen() const { return m_Handle >= 0; }
-    int Get() const { return m_Handle; }
-    bool Close() {
-        const int Handle = std::exchange(m_Handle, -1);
-        return (Handle < 0) || (::close(Handle) == 0);
-    }
-
-private:
-    int m_Handle;
-};
 
 std::string ToModuleForm(std::string Path) {
     std::replace(Path.begin(), Path.end(), '/', '\\');
