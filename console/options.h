@@ -26,7 +26,8 @@ struct COptions {
     std::vector<std::string> m_Methods;     ///< per plane, one for all; empty: weights
     int m_nScrews = 0;                      ///< that a correction places, 2 or 3; 0: as configured
     Procedure m_Procedure = Procedure::ePrebalance;
-    std::string m_ConfigDirectory;  ///< empty: the user's own; a temporary one when headless
+    bool m_bProcedureGiven = false;  ///< on the command line: the window begins with it
+    std::string m_ConfigDirectory;   ///< empty: the user's own; a temporary one when headless
     std::string m_ReportFile;
     std::string m_ScreenshotDirectory;
     bool m_bRealTime = false;
@@ -49,10 +50,13 @@ struct COptions {
     /// Makes the module's end of a simulated line from the real one: to record or replay what is on it. For
     /// whole runs in tests, not on the command line.
     std::function<std::unique_ptr<IFByteLink>(std::unique_ptr<IFByteLink>)> m_WrapLink;
+    /// Why the program is to end, for example "SIGTERM"; empty: it isn't. Not on the command line.
+    std::function<std::string()> m_GetEndRequest;
     /// The window module; empty: beside the running program. For programs elsewhere, not on the command line.
     std::string m_ModuleLibrary;
 
     bool IsSimulated() const { return m_Link == "sim"; }
+    std::string GetEndRequest() const { return m_GetEndRequest ? m_GetEndRequest() : std::string(); }
     bool IsDrivenByNc() const { return m_Nc == Nc::eOpcUa; }
     /// Virtual time is the default of a headless run on the simulator in this process. A network knows real
     /// time only.
@@ -60,6 +64,9 @@ struct COptions {
         return m_bHeadless && IsSimulated() && !m_bRealTime && !m_Opc && !IsDrivenByNc();
     }
 };
+
+/// A procedure by its name on the command line.
+const char* ToString(COptions::Procedure Procedure);
 
 /// Why the program ends before it begins.
 struct CCommandLineEnd {

@@ -102,8 +102,46 @@ TEST(OptionsTest, AddressesMustFitTheModules) {
     EXPECT_NE(ParseBad({"--addresses", "0"}).find("1 to 254"), std::string::npos);
     EXPECT_NE(ParseBad({"--addresses", "5,5", "--modules", "kestrel-pair"}).find("differ"),
               std::string::npos);
-    ParseBad({"--addresses", "300"});
-    ParseBad({"--addresses", "five"});
+    for (const char* pBad : {"0", "255", "300", "-1", "five", "5.0", ""}) {
+        EXPECT_NE(ParseBad({"--addresses", pBad}).find("1 to 254"), std::string::npos) << pBad;
+    }
+    ParseGood({"--addresses", "254,1", "--modules", "kestrel-pair"});
+}
+
+/// The modules may stand in the rotor file alone: whether two addresses fit is known when it is read.
+TEST(OptionsTest, TwoAddressesMayFitTheModulesOfTheRotorFile) {
+    EXPECT_EQ(ParseGood({"--addresses", "7,8", "--rotor", "pair.json"}).m_Addresses,
+              (std::vector<std::uint8_t>{7, 8}));
+    ParseBad({"--addresses", "7,8", "--rotor", "pair.json", "--modules", "lanner"});
+    ParseBad({"--addresses", "7,8,9", "--rotor", "pair.json"});
+}
+
+TEST(OptionsTest, ChoicesAreTakenByNameOnly) {
+    for (const char* pBad : {"0", "1", "2", "", "Prebalance"}) {
+        EXPECT_NE(ParseBad({"--procedure", pBad}).find("prebalance+rebalance"), std::string::npos) << pBad;
+        EXPECT_NE(ParseBad({"--nc", pBad}).find("opcua"), std::string::npos) << pBad;
+    }
+}
+
+TEST(OptionsTest, AProcedureThatIsAskedForIsToldFromTheDefault) {
+    EXPECT_FALSE(ParseGood({}).m_bProcedureGiven);
+    const COptions Options = ParseGood({"--procedure", "prebalance"});
+    EXPECT_TRUE(Options.m_bProcedureGiven);
+    EXPECT_EQ(Options.m_Procedure, COptions::Procedure::ePrebalance);
+}
+
+TEST(OptionsTest, ProceduresHaveTheNamesOfTheCommandLine) {
+    for (const char* pName : {"prebalance", "rebalance", "prebalance+rebalance"}) {
+        EXPECT_STREQ(ToString(ParseGood({"--procedure", pName}).m_Procedure), pName);
+    }
+}
+
+/// An empty text comes from a script whose variable isn't set: the default in its place would do something
+/// else.
+TEST(OptionsTest, EmptyNamesOfFilesAndDirectoriesAreRefused) {
+    for (const char* pOption : {"--rotor", "--config-dir", "--report", "--screenshots"}) {
+        EXPECT_NE(ParseBad({pOption, ""}).find("must not be empty"), std::string::npos) << pOption;
+    }
 }
 
 TEST(OptionsTest, ControlLinkOfAnExternalMachineNeedsAnExternalLink) {
@@ -137,6 +175,10 @@ TEST(OptionsTest, ANetworkKnowsRealTimeOnly) {
 
 TEST(OptionsTest, TheTestWeightIsTheNcsToAskFor) {
     EXPECT_NE(ParseBad({"--test-weight", "2.5"}).find("--nc opcua"), std::string::npos);
-    ParseBad({"--nc", "opcua", "--test-weight", "-1"});
+    for (const char* pBad : {"-1", "0", "inf", "nan", "heavy", ""}) {
+        const std::string Text = ParseBad({"--nc", "opcua", "--test-weight", pBad});
+        EXPECT_NE(Text.find("more than 0"), std::string::npos) << Text;
+        EXPECT_LT(Text.size(), 120U) << Text;
+    }
     EXPECT_NE(ParseBad({"--nc", "telepathy"}).find("telepathy"), std::string::npos);
 }
