@@ -1,15 +1,18 @@
 #pragma once
 #include <filesystem>
+#include <optional>
 #include <string>
+
+#include "platform/system/descriptor.h"
+#include "platform/system/temporarydirectory.h"
 
 /// The installation root that a run works in: the configuration directory with database, settings and weight
 /// positions. Made when missing. A temporary one is removed at the end.
 class CConsoleInstallation {
 public:
     /// rDirectory empty: a temporary root if bTemporary, else the user's own. Throws std::runtime_error if
-    /// the root can't be made or written to.
+    /// the root can't be made or written to, or if the module couldn't find it.
     CConsoleInstallation(const std::string& rDirectory, bool bTemporary);
-    ~CConsoleInstallation();
     CConsoleInstallation(const CConsoleInstallation&) = delete;
     CConsoleInstallation& operator=(const CConsoleInstallation&) = delete;
 
@@ -19,6 +22,17 @@ public:
     std::filesystem::path GetLogDirectory() const { return m_Root / "log"; }
 
 private:
+    std::optional<CTemporaryDirectory> m_Temporary;
     std::filesystem::path m_Root;
-    bool m_bTemporary = false;
+};
+
+/// Held by the one console that works in an installation: two would overwrite each other's settings and
+/// weight positions. What is no console needs none. It ends with the process, however that ends.
+class CInstallationLock {
+public:
+    /// Throws std::runtime_error, which names the other process, if another console holds it.
+    explicit CInstallationLock(const CConsoleInstallation& rInstallation);
+
+private:
+    CDescriptor m_File;
 };
