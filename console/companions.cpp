@@ -4,7 +4,6 @@
 
 #include <QProcess>
 #include <QRandomGenerator>
-#include <QTemporaryDir>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
@@ -12,6 +11,7 @@
 #include <span>
 #include <utility>
 
+#include "console/processwork.h"
 #include "console/session.h"
 #include "platform/rvopc/prebalinterfacefromnc.h"
 #include "platform/rvopc/prebalinterfacefromnctestweight.h"
@@ -26,8 +26,11 @@ using nlohmann::json;
 
 namespace {
 
-constexpr std::uint32_t eStartTimeout = 30000;
-constexpr int eEndTimeout = 2000;
+/// Between two looks whether a program that starts, or ends, still works for it, ms.
+constexpr std::uint32_t eStartLook = 30000;
+constexpr int eEndLook = 2000;
+/// A start takes about 3 s of processor time; a program that has used so much, in ms, never will be ready.
+constexpr std::uint64_t eMostWork = 120000;
 constexpr const char* ANY_PORT = "tcp:127.0.0.1:0";
 constexpr const char* USER = "balancing";
 
@@ -77,9 +80,12 @@ public:
         m_Process.disconnect();
         m_Process.closeWriteChannel();
         m_Process.terminate();
-        if (!m_Process.waitForFinished(eEndTimeout)) {
-            m_Process.kill();
-            m_Process.waitForFinished(eEndTimeout);
+        while (IsRunning() && !m_Process.waitForFinished(eEndLook)) {
+            if (!m_Work.HasWorked(m_Process.processId())) {
+                m_Process.kill();
+                m_Process.waitForFinished(eEndLook);
+                break;
+            }
         }
     }
     CProcess(const CProcess&) = delete;
@@ -87,12 +93,23 @@ public:
 
     bool IsRunning() const { return m_Process.state() != QProcess::NotRunning; }
     int GetExitCode() const { return m_Process.exitCode(); }
-    /// Runs the loop until then; throws CSessionError if the process ends before, or takes too long.
-    void WaitUntil(const std::function<bool()>& rReady) {
-        IFEventLoop::Current().RunUntil([&] { return rReady() || !IsRunning(); }, eStartTimeout);
+    /// Runs the loop until then. Throws CSessionError if the process ends before, or hangs, and CBrokenOff.
+    void WaitUntil(const COptions& rOptions, const std::function<bool()>& rReady) {
+        std::string Request;
+        const auto Done = [&] {
+            Request = rOptions.GetEndRequest();
+            return !Request.empty() || rReady() || !IsRunning();
+        };
+        while (!IFEventLoop::Current().RunUntil(Done, eStartLook) &&
+               m_Work.HasWorked(m_Process.processId()) && m_Work.GetTotal() < eMostWork) {
+        }
+        if (!Request.empty()) {
+            throw CBrokenOff(Request);
+        }
         if (!rReady()) {
+            const std::string Complaint = m_Process.readAllStandardError().trimmed().toStdString();
             throw CSessionError("--nc opcua: " + m_Name + " did not start: " +
-                                m_Process.readAllStandardError().trimmed().toStdString());
+                                (Complaint.empty() && IsRunning() ? "it hangs" : Complaint));
         }
     }
 
@@ -106,6 +123,7 @@ private:
     std::string m_Name;
     QProcess m_Process;
     CLineSplitter m_Lines;
+    CProcessWork m_Work;
 };
 
 CCompanions::CCompanions(const COptions& rOptions, const CRotorFile* pRotor) {
@@ -113,37 +131,21 @@ CCompanions::CCompanions(const COptions& rOptions, const CRotorFile* pRotor) {
         throw CSessionError(
             "--nc opcua: --rotor must say what the machine carries, or the NC doesn't know it");
     }
-    QTemporaryDir Directory;  // for this user only
-    if (!Directory.isValid()) {
-        throw CSessionError("--nc opcua: no temporary directory can be made");
-    }
-    Directory.setAutoRemove(false);
-    m_Directory = Directory.path().toStdString();
     m_RotorFile = WriteRotorFile(rOptions);
-    try {
-        if (rOptions.IsSimulated()) {
-            StartMachine(rOptions);
-        }
-        StartNc(rOptions);
-    } catch (const CSessionError&) {
-        fs::remove_all(m_Directory);
-        throw;
+    if (rOptions.IsSimulated()) {
+        StartMachine(rOptions);
     }
+    StartNc(rOptions);
 }
 
-CCompanions::~CCompanions() {
-    m_pNc.reset();
-    m_pMachine.reset();
-    std::error_code Ignored;
-    fs::remove_all(m_Directory, Ignored);
-}
+CCompanions::~CCompanions() = default;
 
 std::string CCompanions::WriteRotorFile(const COptions& rOptions) const {
     if (!rOptions.m_RotorFile.empty()) {
         return rOptions.m_RotorFile;
     }
     // The built-in rotor is what a file without any field means.
-    const fs::path File = fs::path(m_Directory) / "rotor.json";
+    const fs::path File = m_Directory.GetPath() / "rotor.json";
     std::ofstream(File) << json{{"modules", rOptions.m_Modules.empty() ? "kestrel" : rOptions.m_Modules}};
     return File.string();
 }
@@ -170,18 +172,17 @@ void CCompanions::StartMachine(const COptions& rOptions) {
             m_Machine = rLine.substr(Machine.size());
         }
     });
-    m_pMachine->WaitUntil([this] { return !m_Machine.empty(); });
+    m_pMachine->WaitUntil(rOptions, [this] { return !m_Machine.empty(); });
 }
 
 void CCompanions::StartNc(const COptions& rOptions) {
-    const fs::path Directory = m_Directory;
+    const fs::path& Directory = m_Directory.GetPath();
     m_Password = MakePassword();
     WritePrivateFile(Directory / "password", m_Password);
     const std::string Machine = m_Machine.empty() ? rOptions.m_Machine : m_Machine;
     if (Machine.empty()) {
         throw CSessionError("--nc opcua with --link: --machine must name the machine's control link");
     }
-    constexpr const char* PROCEDURES[] = {"prebalance", "rebalance", "prebalance+rebalance"};
     QStringList Arguments{"--json",
                           "--port",
                           "0",
@@ -196,7 +197,7 @@ void CCompanions::StartNc(const COptions& rOptions) {
                           "--rotor",
                           QString::fromStdString(m_RotorFile),
                           "--procedure",
-                          PROCEDURES[static_cast<std::size_t>(rOptions.m_Procedure)]};
+                          ToString(rOptions.m_Procedure)};
     if (rOptions.m_TestWeight != 0.0) {
         Arguments << "--test-weight" << QString::number(rOptions.m_TestWeight);
     }
@@ -206,7 +207,7 @@ void CCompanions::StartNc(const COptions& rOptions) {
     }
     m_pNc = std::make_unique<CProcess>("nc-simulator", Arguments,
                                        [this](const std::string& rLine) { TakeNcLine(rLine); });
-    m_pNc->WaitUntil([this] { return m_Opc.has_value(); });
+    m_pNc->WaitUntil(rOptions, [this] { return m_Opc.has_value(); });
     fs::remove(Directory / "password");  // it has been read; should we be killed, it is not left behind
 }
 
@@ -226,7 +227,7 @@ void CCompanions::TakeNcLine(const std::string& rLine) {
             rConfiguration.m_LinkItems[rItem.m_pKey] =
                 pListening->value("items", json::object()).value(rItem.m_pItem, "");
         }
-        Setup.m_PkiDirectory = (fs::path(m_Directory) / "opcua").string();
+        Setup.m_PkiDirectory = (m_Directory.GetPath() / "opcua").string();
         Setup.m_GatewayProgram = COpcSetup::GetDefaultGateway();
         m_Opc = std::move(Setup);
     } else if (const auto pSaid = Line.find("said"); pSaid != Line.end() && pSaid->is_string() && OnSay) {

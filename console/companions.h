@@ -4,6 +4,7 @@
 #include <string>
 
 #include "console/options.h"
+#include "platform/system/temporarydirectory.h"
 #include "simulator/rotorfile.h"
 
 /// What runs beside the console so that an NC drives it, where nothing of the kind is there already: the
@@ -11,7 +12,8 @@
 /// or when this process dies.
 class CCompanions {
 public:
-    /// Starts what the options leave open, and waits until it can be reached. Throws CSessionError.
+    /// Starts what the options leave open, and waits until it can be reached. Throws CSessionError,
+    /// CBrokenOff.
     CCompanions(const COptions& rOptions, const CRotorFile* pRotor);
     ~CCompanions();
     CCompanions(const CCompanions&) = delete;
@@ -32,7 +34,7 @@ private:
     void StartNc(const COptions& rOptions);
     void TakeNcLine(const std::string& rLine);
 
-    std::string m_Directory;  ///< temporary, for this user only
+    CTemporaryDirectory m_Directory;
     std::string m_RotorFile;
     std::string m_Frames;
     std::string m_Machine;
