@@ -1,16 +1,16 @@
 #pragma once
 #include <cstdint>
-#include <filesystem>
 #include <functional>
 #include <string>
 
 #include "console/operator.h"
 #include "console/options.h"
+#include "console/runrecorder.h"
 #include "console/runreport.h"
 #include "console/session.h"
 
 /// A run without a display: the procedures that the options ask for, operated by COperator, with progress
-/// lines, report and pictures.
+/// lines, report and pictures. A request to end the program breaks it off.
 class CHeadlessRun {
 public:
     CHeadlessRun(CConsoleSession& rSession, const COptions& rOptions);
@@ -20,8 +20,7 @@ public:
 
     /// Runs the loop until the procedures have ended. The result is also the report's.
     ExitCode Run();
-    const CRunReport& GetReport() const { return m_Report; }
-    CRunReport& GetReport() { return m_Report; }
+    CRunReport& GetReport() { return m_Recorder.GetReport(); }
 
     /// Takes the progress lines; stdout unless set.
     std::function<void(const std::string&)> OnProgress;
@@ -45,19 +44,15 @@ private:
     /// The machine's unbalance changes a little, as a wheel's does by wear.
     void DisturbRotor();
     nlohmann::json RequestAndWait(const nlohmann::json& rRequest);
-    void RecordLater();
-    void Record();
-    void RecordCalibration();
-    void TakeScreenshot();
+    bool IsBrokenOff() const { return !m_rOptions.GetEndRequest().empty(); }
+    /// As the loop's, and ends at once when the run is broken off.
+    bool RunUntil(const std::function<bool()>& rDone, std::uint32_t Timeout) const;
+    void Pause(std::uint32_t Milliseconds) const;
     void Print(const std::string& rText);
 
     CConsoleSession& m_rSession;
     const COptions& m_rOptions;
-    CRunReport m_Report;
-    std::shared_ptr<void> m_pLogGuard;
+    CRunRecorder m_Recorder;
     std::uint32_t m_ProgressTimerID = 0;
-    bool m_bRecordPending = false;
     CRunDriver* m_pWatch = nullptr;  ///< while the NC drives
-    std::uint32_t m_nPictures = 0;
-    std::shared_ptr<bool> m_pAlive = std::make_shared<bool>(true);
 };

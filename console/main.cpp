@@ -1,6 +1,4 @@
 // The machine console: loads the window module and gives it a host, with a screen or without.
-#include <unistd.h>
-
 #include <QApplication>
 #include <QStyleFactory>
 #include <cstdio>
@@ -14,9 +12,11 @@
 #include "console/mainwindow.h"
 #include "console/options.h"
 #include "console/session.h"
+#include "platform/qt/endsignals.h"
 #include "platform/qt/messageboxpresenter.h"
 #include "platform/qt/qteventloop.h"
 #include "platform/rvlog/logcomponent.h"
+#include "platform/system/temporarydirectory.h"
 #include "platform/system/virtualeventloop.h"
 #include "simulator/rotorfile.h"
 
@@ -32,17 +32,16 @@ bool HasDisplay() {
            !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
 }
 
-/// The toolkit complains about a session without a runtime directory of its own.
-void ProvideRuntimeDirectory() {
+/// The toolkit complains about a session without a runtime directory. Sockets go there, so that it is this
+/// user's alone; null if there is one.
+std::unique_ptr<CTemporaryDirectory> ProvideRuntimeDirectory() {
     if (!qEnvironmentVariableIsEmpty("XDG_RUNTIME_DIR")) {
-        return;
+        CTemporaryDirectory::RemoveLeftovers(qEnvironmentVariable("XDG_RUNTIME_DIR").toStdString());
+        return nullptr;
     }
-    std::error_code Error;
-    const std::filesystem::path Directory =
-        std::filesystem::temp_directory_path(Error) / ("rotor-trim-runtime-" + std::to_string(getuid()));
-    std::filesystem::create_directory(Directory, Error);
-    std::filesystem::permissions(Directory, std::filesystem::perms::owner_all, Error);
-    qputenv("XDG_RUNTIME_DIR", Directory.c_str());
+    auto pDirectory = std::make_unique<CTemporaryDirectory>();
+    qputenv("XDG_RUNTIME_DIR", pDirectory->GetPath().c_str());
+    return pDirectory;
 }
 
 /// The rotor to simulate, or that the external machine is said to carry; nothing if it isn't known. Throws
@@ -72,9 +71,13 @@ void CheckOutputs(const COptions& rOptions) {
                                 ": the directory can't be made (" + Error.message() + ")");
         }
     }
-    if (!rOptions.m_ReportFile.empty() && !CRunReport().Write(rOptions.m_ReportFile)) {
-        throw CSessionError("--report " + rOptions.m_ReportFile +
-                            ": the file can't be written; name a file in a directory that exists");
+    if (!rOptions.m_ReportFile.empty()) {
+        CRunReport NotRunYet;
+        NotRunYet.SetProcedure(ToString(rOptions.m_Procedure));
+        if (!NotRunYet.Write(rOptions.m_ReportFile)) {
+            throw CSessionError("--report " + rOptions.m_ReportFile +
+                                ": the file can't be written; name a file in a directory that exists");
+        }
     }
 }
 
@@ -102,14 +105,20 @@ int RunHeadless(const COptions& rOptions, CConsoleSession& rSession, CCompanions
     return Result;
 }
 
-int RunOnScreen(CConsoleSession& rSession, CCompanions* pCompanions) {
+int RunOnScreen(const COptions& rOptions, CConsoleSession& rSession, CCompanions* pCompanions) {
     CMainWindow Window(rSession);
     const CMessageBoxPresenter Presenter(&Window);
     if (pCompanions != nullptr) {
         pCompanions->OnSay = [&rSession](const std::string& rText) { rSession.Say(rText); };
     }
     Window.show();
-    return QApplication::exec();
+    // A request from before couldn't end a loop that wasn't running yet.
+    const int Result = rOptions.GetEndRequest().empty() ? QApplication::exec() : 0;
+    if (rOptions.GetEndRequest().empty()) {
+        return Result;
+    }
+    Window.BreakOff();
+    return eExitFailed;
 }
 
 /// The NC that the installation is configured for. Throws CSessionError.
@@ -135,6 +144,7 @@ int RunSession(COptions Options, const CConsoleInstallation& rInstallation) {
         pLoop = std::make_unique<CQtEventLoop>();
     }
     const std::optional<CRotorFile> Rotor = ReadRotor(Options);
+    CheckOutputs(Options);
     const CRotorFile* const pRotor = Rotor ? &*Rotor : nullptr;
     std::unique_ptr<CCompanions> pCompanions;
     if (Options.IsDrivenByNc() && !Options.m_Opc) {
@@ -143,7 +153,7 @@ int RunSession(COptions Options, const CConsoleInstallation& rInstallation) {
     }
     CConsoleSession Session(Options, pRotor, rInstallation.GetDatabaseFile().string());
     return Options.m_bHeadless ? RunHeadless(Options, Session, pCompanions.get())
-                               : RunOnScreen(Session, pCompanions.get());
+                               : RunOnScreen(Options, Session, pCompanions.get());
 }
 
 }  // namespace
@@ -161,18 +171,28 @@ int main(int argc, char** argv) {
         return Refuse(
             "There is no display: set DISPLAY, or run the procedure automatically with --headless.");
     }
-    ProvideRuntimeDirectory();
-    QApplication App(argc, argv);
-    QApplication::setStyle(QStyleFactory::create("fusion"));
-
+    CEndSignals Signals;
+    Options->m_GetEndRequest = CEndSignals::GetName;
     try {
-        CheckOutputs(*Options);
+        CTemporaryDirectory::RemoveLeftovers();
+        const auto pRuntimeDirectory = ProvideRuntimeDirectory();
+        QApplication App(argc, argv);
+        QApplication::setStyle(QStyleFactory::create("fusion"));
+        Signals.Watch([bWindow = !Options->m_bHeadless] {
+            if (bWindow) {
+                QApplication::quit();
+            }
+        });
         const CConsoleInstallation Installation(Options->m_ConfigDirectory, Options->m_bHeadless);
+        const CInstallationLock Lock(Installation);
         if (!CLogComponent::OpenFile(Installation.GetLogDirectory().string())) {
             return Refuse("The log can't be written in " + Installation.GetLogDirectory().string() + ".");
         }
         Options->m_Opc = ReadOpcSetup(Installation);
         return RunSession(*Options, Installation);
+    } catch (const CBrokenOff& rError) {
+        std::fprintf(stderr, "%s\n", rError.what());
+        return eExitFailed;
     } catch (const std::runtime_error& rError) {
         return Refuse(rError.what());
     }

@@ -27,13 +27,17 @@ QString Text(const char* pKey) {
 
 }  // namespace
 
-CMainWindow::CMainWindow(CConsoleSession& rSession) : m_rSession(rSession) {
+CMainWindow::CMainWindow(CConsoleSession& rSession) : m_rSession(rSession), m_Run(rSession) {
     setWindowTitle(QString::fromUtf8(CHostWindow::TITLE));
     auto* pCentral = new QWidget(this);
     auto* pColumns = new QHBoxLayout(pCentral);
     auto* pLeft = new QVBoxLayout();
     m_pPage = new CWindowView(rSession.GetHost(), pCentral);
     pLeft->addWidget(m_pPage, 1);
+    m_pConnection = new QLabel(pCentral);
+    m_pConnection->setWordWrap(true);
+    m_pConnection->setMargin(6);
+    pLeft->addWidget(m_pConnection);
     pLeft->addWidget(MakeSoftkeyBar());
     pColumns->addLayout(pLeft, 1);
     if (rSession.GetMachine() != nullptr) {
@@ -42,19 +46,27 @@ CMainWindow::CMainWindow(CConsoleSession& rSession) : m_rSession(rSession) {
     setCentralWidget(pCentral);
     resize(1000, 640);
 
-    m_rSession.OnChanged = [this] { ShowMenu(); };
+    m_rSession.OnChanged = [this] {
+        ShowMenu();
+        ShowConnection();
+        m_Run.OnPanelChanged();
+    };
     m_rSession.OnSay = [this](const std::string& rText) {
         statusBar()->showMessage(QString::fromStdString(rText));
     };
-    m_RefreshTimerID =
-        IFEventLoop::Current().SetTimer(eRefreshPeriod, [this](std::uint32_t) { RefreshMachine(); });
+    m_Run.OnSay = m_rSession.OnSay;
+    m_RefreshTimerID = IFEventLoop::Current().SetTimer(eRefreshPeriod, [this](std::uint32_t) {
+        ShowConnection();
+        RefreshMachine();
+    });
     ShowMenu();
-    statusBar()->showMessage(Text("CONSOLE_WAITING"));
     StartWhenModuleAnswers();
+    ShowConnection();
 }
 
 CMainWindow::~CMainWindow() {
     *m_pAlive = false;
+    m_Run.End(true);
     m_rSession.OnChanged = nullptr;
     m_rSession.OnSay = nullptr;
     IFEventLoop::Current().KillTimer(m_RefreshTimerID);
@@ -75,6 +87,29 @@ void CMainWindow::StartWhenModuleAnswers() {
             m_rSession.SendInit();
         }
     });
+}
+
+void CMainWindow::ShowConnection() {
+    const bool bOpen = rvCOM::IsLinkOpen();
+    const bool bConfigured = m_rSession.GetHost().IsConfigured();
+    if (!std::exchange(m_bLinkOpen, bOpen) && bOpen && !bConfigured) {
+        m_rSession.SendInit();  // what was asked before went nowhere
+    }
+    QString Missing;
+    if (!bOpen || !bConfigured) {
+        const COptions& rOptions = m_rSession.GetOptions();
+        QStringList Addresses;
+        for (const std::uint8_t Address : rOptions.m_Addresses) {
+            Addresses << QString::number(Address);
+        }
+        Missing = Text(bOpen ? "CONSOLE_WAITING" : "CONSOLE_NO_LINK")
+                      .arg(QString::fromStdString(rOptions.m_Link), Addresses.join(", "));
+        if (!bOpen) {
+            Missing += " " + QString::fromStdString(rvCOM::GetOutageReason());
+        }
+    }
+    m_pConnection->setText(Missing.trimmed());
+    m_pConnection->setVisible(!Missing.isEmpty());
 }
 
 QWidget* CMainWindow::MakeSoftkeyBar() {
@@ -134,9 +169,6 @@ void CMainWindow::ShowMenu() {
         m_Keys[i]->setText(bUsed ? Text(m_Shown[i].m_pTextKey) : QString());
         m_Keys[i]->setEnabled(bUsed && (!bNeedsCalibration || m_rSession.GetHost().IsCalibrated()));
     }
-    if (bReady) {
-        statusBar()->clearMessage();
-    }
 }
 
 void CMainWindow::OnKeyDown(std::size_t Index) {
@@ -172,9 +204,6 @@ void CMainWindow::FitAsShown() {
 }
 
 void CMainWindow::RefreshMachine() {
-    if (const std::string Reason = rvCOM::GetOutageReason(); !rvCOM::IsLinkOpen() && !Reason.empty()) {
-        statusBar()->showMessage(Text("CONSOLE_NO_LINK").replace("%s", QString::fromStdString(Reason)));
-    }
     if (m_rSession.GetMachine() == nullptr) {
         return;
     }

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "console/screenrun.h"
 #include "console/session.h"
 #include "console/softkeys.h"
 
@@ -19,6 +20,9 @@ public:
     explicit CMainWindow(CConsoleSession& rSession);
     ~CMainWindow() override;
 
+    /// Ends a run that is under way, and keeps nothing of it.
+    void BreakOff() { m_Run.End(false); }
+
 private:
     static constexpr std::size_t eNumberOfKeys = 8;
     static constexpr int eRefreshPeriod = 250;  ///< ms, of the machine panel
@@ -26,6 +30,8 @@ private:
     QWidget* MakeSoftkeyBar();
     QWidget* MakeMachinePanel();
     void StartWhenModuleAnswers();
+    /// Says what is missing while the link isn't open or the module doesn't answer.
+    void ShowConnection();
     void OnKeyDown(std::size_t Index);
     void OnKeyUp(std::size_t Index);
     /// Puts the labels of the present menu on the softkeys.
@@ -35,7 +41,10 @@ private:
     void Command(const nlohmann::json& rRequest);
 
     CConsoleSession& m_rSession;
+    CScreenRun m_Run;
     CWindowView* m_pPage = nullptr;
+    QLabel* m_pConnection = nullptr;
+    bool m_bLinkOpen = false;  ///< at the last look
     std::array<QPushButton*, eNumberOfKeys> m_Keys{};
     std::vector<Softkeys::CKey> m_Shown;
     QSpinBox* m_pSpeed = nullptr;

@@ -160,6 +160,9 @@ CHoleRing MakeHoleRing(const PreBalDB::CScrewCompensationTableEntry* pScrews) {
 
 }  // namespace
 
+CBrokenOff::CBrokenOff(const std::string& rRequest)
+    : std::runtime_error("Broken off by " + rRequest + " before the run began.") {}
+
 CConsoleSession::CConsoleSession(const COptions& rOptions, const CRotorFile* pRotor,
                                  const std::string& rDatabaseFile)
     : m_Options(rOptions),
@@ -225,21 +228,42 @@ void CConsoleSession::OpenLink(const CRotorFile* pRotor) {
         throw CSessionError("--link " + m_Options.m_Link + ": " + Error);
     }
     rvCOM::SetLink(std::move(pLink));
-    if (!IFEventLoop::Current().RunUntil([] { return rvCOM::IsLinkOpen(); }, eLinkTimeout)) {
-        throw CSessionError("--link " + m_Options.m_Link + " can't be opened: " + rvCOM::GetOutageReason());
+    if (m_Options.m_bHeadless && !RunUntil([] { return rvCOM::IsLinkOpen(); }, eLinkTimeout)) {
+        const std::string Reason = rvCOM::GetOutageReason();
+        throw CSessionError("--link " + m_Options.m_Link + " can't be opened: " +
+                            (Reason.empty() ? "nothing answers there; is the device on?" : Reason));
     }
     if (!m_Options.m_Machine.empty()) {
-        m_pClient = CMachineClient::Create(m_Options.m_Machine, Error);
-        if (m_pClient == nullptr) {
-            throw CSessionError("--machine " + m_Options.m_Machine + ": " + Error);
-        }
-        if (!IFEventLoop::Current().RunUntil([this] { return m_pClient->IsConnected(); }, eLinkTimeout)) {
-            throw CSessionError("--machine " + m_Options.m_Machine +
-                                " can't be reached: start the machine's control link, "
-                                "or leave the option out to run the machine by hand");
-        }
-        m_pMachine = m_pClient.get();
+        ConnectMachine();
     }
+}
+
+void CConsoleSession::ConnectMachine() {
+    std::string Error;
+    m_pClient = CMachineClient::Create(m_Options.m_Machine, Error);
+    if (m_pClient == nullptr) {
+        throw CSessionError("--machine " + m_Options.m_Machine + ": " + Error);
+    }
+    if (m_Options.m_bHeadless && !RunUntil([this] { return m_pClient->IsConnected(); }, eLinkTimeout)) {
+        throw CSessionError("--machine " + m_Options.m_Machine +
+                            " can't be reached: start the machine's control link, "
+                            "or leave the option out to run the machine by hand");
+    }
+    m_pMachine = m_pClient.get();
+}
+
+bool CConsoleSession::RunUntil(const std::function<bool()>& rDone, std::uint32_t Timeout) const {
+    std::string Request;
+    const bool bDone = IFEventLoop::Current().RunUntil(
+        [&] {
+            Request = m_Options.GetEndRequest();
+            return !Request.empty() || rDone();
+        },
+        Timeout);
+    if (!Request.empty()) {
+        throw CBrokenOff(Request);
+    }
+    return bDone;
 }
 
 void CConsoleSession::SendInit() {
@@ -253,7 +277,7 @@ bool CConsoleSession::Initialise() {
     // A module that is switched on later answers a later question.
     for (std::uint32_t Waited = 0; Waited < eInitTimeout; Waited += eInitRepeat) {
         SendInit();
-        if (IFEventLoop::Current().RunUntil([this] { return m_Host.IsConfigured(); }, eInitRepeat)) {
+        if (RunUntil([this] { return m_Host.IsConfigured(); }, eInitRepeat)) {
             return true;
         }
     }
@@ -342,6 +366,11 @@ std::array<CHoleRing, 2> CConsoleSession::GetHoleRings() const {
             MakeHoleRing(pPlane->GetScrewCompensationTableEntry());
     }
     return Rings;
+}
+
+bool CConsoleSession::StartProcedure(Softkeys::Action Start) {
+    SendAction(Start, Softkeys::eFlagNone);
+    return Look().m_bRunning;
 }
 
 void CConsoleSession::Close() {

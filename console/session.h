@@ -25,6 +25,12 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+/// Somebody wants the program to end before a run has begun. The text is one line for a person.
+class CBrokenOff : public std::runtime_error {
+public:
+    explicit CBrokenOff(const std::string& rRequest);
+};
+
 /// Everything between the command line and the module's window: link or simulator, host window, module
 /// library, the module's initialisation and its configuration for the machine. Used by the automatic run and
 /// by the console with a screen alike.
@@ -32,14 +38,15 @@ class CConsoleSession : public IFOperatorPanel {
 public:
     /// Opens the link and loads the module. The installation root must stand already, and an event loop must
     /// be current. pRotor: the rotor to simulate, or of which the machine is known to carry one; null:
-    /// unknown. Throws CSessionError.
+    /// unknown. Throws CSessionError, without a window also for links that aren't open in time; with one they
+    /// are tried on. Throws CBrokenOff.
     CConsoleSession(const COptions& rOptions, const CRotorFile* pRotor, const std::string& rDatabaseFile);
     ~CConsoleSession() override;
     CConsoleSession(const CConsoleSession&) = delete;
     CConsoleSession& operator=(const CConsoleSession&) = delete;
 
     /// Initialises the module's window and runs the loop until the module has found its configuration. False
-    /// if the module doesn't answer in time.
+    /// if the module doesn't answer in time. Throws CBrokenOff.
     bool Initialise();
     /// Asks the module's window once to find its module; harmless when it has.
     void SendInit();
@@ -48,6 +55,8 @@ public:
     /// makes a calibration void. A rotor file has no screw table: the configured one stays, on a new store
     /// the default one.
     void Commission();
+    /// Starts a procedure, from the configuration. False if it was refused.
+    bool StartProcedure(Softkeys::Action Start);
     /// Ends what runs, lets the module save, and closes the window.
     void Close();
 
@@ -57,6 +66,8 @@ public:
     /// Sends an action whether or not a menu shows it.
     LRESULT SendAction(Softkeys::Action Wanted, std::int32_t Flag);
 
+    /// With the addresses that the modules have unless told otherwise.
+    const COptions& GetOptions() const { return m_Options; }
     CHostWindow& GetHost() { return m_Host; }
     CWnd& GetModule() { return *m_pModule; }
     /// The machine to command, null if somebody else runs it.
@@ -75,12 +86,17 @@ public:
     std::function<void(const std::string&)> OnSay;
 
 private:
-    /// Waiting for an external link to open, and for the module's first answers, ms.
+    /// An external link gets so long to open, ms: the first try and three more after their pauses.
     static constexpr std::uint32_t eLinkTimeout = 5000;
+    /// A module gets so long to answer, ms: what is started along with the machine boots for a while. A
+    /// question is repeated by the protocol for 2 s; later it is asked anew.
     static constexpr std::uint32_t eInitTimeout = 30000;
     static constexpr std::uint32_t eInitRepeat = 5000;
 
     void OpenLink(const CRotorFile* pRotor);
+    void ConnectMachine();
+    /// As the loop's; throws CBrokenOff when the program is to end.
+    bool RunUntil(const std::function<bool()>& rDone, std::uint32_t Timeout) const;
     /// Rotation and scale of one plane's compensation; whether anything differed.
     bool CommissionSinglePlane(PreBalDB::CPreBalBaseTableEntry& rEntry) const;
     bool CommissionTwoPlane(PreBalDB::CPreBalBaseTableEntry& rEntry) const;

@@ -387,14 +387,29 @@
         <translation>Wahre Unwucht</translation>
     </message>
     <message id="CONSOLE_WAITING">
-        <source>Waiting for the balancing module…</source>
-        <extracomment>Console: status line until the module answers</extracomment>
-        <translation>Warten auf das Wuchtmodul…</translation>
+        <source>Waiting for the balancing module at %1, address %2…</source>
+        <extracomment>Console: until the module answers; link and addresses are filled in</extracomment>
+        <translation>Warten auf das Wuchtmodul an %1, Adresse %2…</translation>
     </message>
     <message id="CONSOLE_NO_LINK">
-        <source>No connection: %s</source>
-        <extracomment>Console: status line; the reason follows</extracomment>
-        <translation>Keine Verbindung: %s</translation>
+        <source>No connection to %1 (module address %2); it is tried again.</source>
+        <extracomment>Console: link and addresses are filled in, the reason follows</extracomment>
+        <translation>Keine Verbindung zu %1 (Moduladresse %2); es wird weiter versucht.</translation>
+    </message>
+    <message id="CONSOLE_NOT_WRITTEN">
+        <source>The file %1 cannot be written.</source>
+        <extracomment>Console: report or picture</extracomment>
+        <translation>Die Datei %1 kann nicht geschrieben werden.</translation>
+    </message>
+    <message id="CONSOLE_NOT_STARTED">
+        <source>The procedure did not start; the log says why.</source>
+        <extracomment>Console: the command line asked for a procedure</extracomment>
+        <translation>Der Ablauf wurde nicht gestartet; das Protokoll sagt, warum.</translation>
+    </message>
+    <message id="CONSOLE_NOT_CALIBRATED">
+        <source>Re-balancing is not possible yet: the configuration is not calibrated.</source>
+        <extracomment>Console: the command line asked for a re-balancing</extracomment>
+        <translation>Nachwuchten ist noch nicht möglich: Die Konfiguration ist nicht kalibriert.</translation>
     </message>
     <message id="SK_TOGGLE_PLANE">
         <source>Other plane</source>

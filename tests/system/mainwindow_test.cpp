@@ -6,30 +6,45 @@
 
 #include <QLabel>
 #include <QPushButton>
+#include <QStatusBar>
 
+#include "platform/qt/qteventloop.h"
+#include "platform/rvcom/bytelink.h"
+#include "platform/rvcom/rvcom.h"
 #include "platform/system/virtualeventloop.h"
+#include "tests/support/tempdirectory.h"
 #include "tests/system/wholerun.h"
 
 namespace {
 
-class MainWindowTest : public testing::Test {
+using nlohmann::json;
+
+/// A window on the simulator, with the options that a test wants.
+class CMainWindowTestBase : public testing::Test {
 protected:
-    MainWindowTest()
-        : m_Run(CRotorFile::GetBuiltIn()),
-          m_Session(m_Run.m_Options, &m_Run.m_Rotor, m_Run.m_Installation.GetDatabaseFile().string()),
-          m_Window(m_Session) {
-        m_Window.show();
+    CMainWindowTestBase() { m_Run.m_Options.m_bHeadless = false; }
+
+    void Open() {
+        m_pSession = std::make_unique<CConsoleSession>(m_Run.m_Options, &m_Run.m_Rotor,
+                                                       m_Run.m_Installation.GetDatabaseFile().string());
+        m_pWindow = std::make_unique<CMainWindow>(*m_pSession);
+        m_pWindow->show();
         m_Loop.Advance(3000);
+    }
+    void Close() {
+        m_pWindow.reset();
+        m_pSession.reset();
     }
 
     QPushButton* FindButton(const QString& rText) {
-        for (QPushButton* pButton : m_Window.findChildren<QPushButton*>()) {
+        for (QPushButton* pButton : m_pWindow->findChildren<QPushButton*>()) {
             if (pButton->text() == rText) {
                 return pButton;
             }
         }
         return nullptr;
     }
+    std::string GetState() { return m_pSession->Look().m_Progress.m_State; }
     void Press(const QString& rText) {
         QPushButton* pButton = FindButton(rText);
         ASSERT_NE(pButton, nullptr) << rText.toStdString();
@@ -38,10 +53,88 @@ protected:
         m_Loop.Advance(500);
     }
 
+    /// From the neutral position to the verdict on the screen.
+    void BalanceByButtons() {
+        Press("Fit as shown");
+        Press("Next");
+        Press("Start spindle");
+        m_Loop.Advance(3500);
+        Press("Next");
+        m_Loop.Advance(6000);
+        Press("Next");
+        EXPECT_EQ(GetState(), "eTestUnbalanceSpindleStop");
+        Press("Stop spindle");
+        m_Loop.Advance(3000);
+        EXPECT_EQ(GetState(), "eTestUnbalanceSetWeights");
+        Press("Fit as shown");
+        Press("Next");
+        Press("Start spindle");
+        m_Loop.Advance(9000);
+        Press("Next");
+        Press("Stop spindle");
+        m_Loop.Advance(3000);
+        EXPECT_EQ(GetState(), "ePreBalanceSetWeights");
+        Press("Fit as shown");
+        Press("Next");
+        Press("Start spindle");
+        m_Loop.Advance(9000);
+    }
+
     CVirtualEventLoop m_Loop;
-    CWholeRun m_Run;
-    CConsoleSession m_Session;
-    CMainWindow m_Window;
+    CWholeRun m_Run{CRotorFile::GetBuiltIn()};
+    std::unique_ptr<CConsoleSession> m_pSession;
+    std::unique_ptr<CMainWindow> m_pWindow;
+};
+
+class MainWindowTest : public CMainWindowTestBase {
+protected:
+    MainWindowTest() { Open(); }
+};
+
+/// With what the command line asks for beside the window.
+class MainWindowOptionsTest : public CMainWindowTestBase {
+protected:
+    MainWindowOptionsTest() {
+        m_Run.m_Options.m_ReportFile = m_Directory.At("report.json");
+        m_Run.m_Options.m_ScreenshotDirectory = m_Directory.GetPath().string();
+    }
+    void AskFor(COptions::Procedure Procedure) {
+        m_Run.m_Options.m_Procedure = Procedure;
+        m_Run.m_Options.m_bProcedureGiven = true;
+    }
+    json ReadReport() const {
+        std::ifstream In(m_Run.m_Options.m_ReportFile);
+        return json::parse(In, nullptr, false);
+    }
+    std::size_t CountPictures() const {
+        std::size_t nFound = 0;
+        for (const auto& rEntry : std::filesystem::directory_iterator(m_Directory.GetPath())) {
+            nFound += rEntry.path().extension() == ".png" && rEntry.file_size() > 1000 ? 1 : 0;
+        }
+        return nFound;
+    }
+
+    CTempDirectory m_Directory;
+};
+
+/// On a line that may not be there.
+class MainWindowLinkTest : public testing::Test {
+protected:
+    static constexpr std::uint32_t eTimeout = 120000;
+
+    /// What the window says of the connection; empty if nothing is missing.
+    static std::string GetNotice(const CMainWindow& rWindow) {
+        for (const QLabel* pLabel : rWindow.findChildren<QLabel*>()) {
+            if (pLabel->text().contains("serial:")) {
+                return pLabel->isVisibleTo(&rWindow) ? pLabel->text().toStdString() : "hidden";
+            }
+        }
+        return {};
+    }
+
+    CQtEventLoop m_Loop;
+    CTempDirectory m_Directory;
+    CWholeRun m_Run{CRotorFile::GetBuiltIn()};
 };
 
 }  // namespace
@@ -54,39 +147,148 @@ TEST_F(MainWindowTest, RebalancingCannotBePressedBeforeACalibration) {
 }
 
 TEST_F(MainWindowTest, AWholePreBalancingByButtonsBalancesTheRotor) {
-    const auto GetState = [this] { return m_Session.Look().m_Progress.m_State; };
     Press("Pre-balance");
     EXPECT_EQ(GetState(), "eNeutralPosRemoveWeights");
-    Press("Fit as shown");
-    Press("Next");
-    Press("Start spindle");
-    m_Loop.Advance(3500);
-    Press("Next");
-    m_Loop.Advance(6000);
-    Press("Next");
-    EXPECT_EQ(GetState(), "eTestUnbalanceSpindleStop");
-    Press("Stop spindle");
-    m_Loop.Advance(3000);
-    EXPECT_EQ(GetState(), "eTestUnbalanceSetWeights");
-    Press("Fit as shown");
-    Press("Next");
-    Press("Start spindle");
-    m_Loop.Advance(9000);
-    Press("Next");
-    Press("Stop spindle");
-    m_Loop.Advance(3000);
-    EXPECT_EQ(GetState(), "ePreBalanceSetWeights");
-    Press("Fit as shown");
-    Press("Next");
-    Press("Start spindle");
-    m_Loop.Advance(9000);
+    BalanceByButtons();
     if (const char* pFile = std::getenv("ROTOR_TRIM_WINDOW_PICTURE")) {
-        m_Window.grab().save(pFile);
+        m_pWindow->grab().save(pFile);
     }
-    EXPECT_EQ(m_Session.Look().m_Notification.GetStep(), CPreBalCodes::eSetupSuccess);
-    EXPECT_LT(std::abs(m_Session.GetSimulator()->GetRotor().GetResidual(0)), 0.05);
+    EXPECT_EQ(m_pSession->Look().m_Notification.GetStep(), CPreBalCodes::eSetupSuccess);
+    EXPECT_LT(std::abs(m_pSession->GetSimulator()->GetRotor().GetResidual(0)), 0.05);
     Press("Finish");
-    EXPECT_FALSE(m_Session.Look().m_bRunning);
+    EXPECT_FALSE(m_pSession->Look().m_bRunning);
     ASSERT_NE(FindButton("Re-balance"), nullptr);
     EXPECT_TRUE(FindButton("Re-balance")->isEnabled());
+}
+
+TEST_F(MainWindowOptionsTest, WithoutAProcedureItBeginsInTheConfiguration) {
+    Open();
+    EXPECT_FALSE(m_pSession->Look().m_bRunning);
+    EXPECT_EQ(CountPictures(), 0U);
+}
+
+TEST_F(MainWindowOptionsTest, BeginsWithTheProcedureAndReportsItWhenItIsFinished) {
+    AskFor(COptions::Procedure::ePrebalance);
+    Open();
+    EXPECT_EQ(GetState(), "eNeutralPosRemoveWeights");
+    BalanceByButtons();
+    EXPECT_FALSE(ReadReport().is_object()) << "not before its end";
+    Press("Finish");
+    EXPECT_FALSE(m_pSession->Look().m_bRunning);
+    const json Report = ReadReport();
+    ASSERT_TRUE(Report.is_object());
+    EXPECT_EQ(Report["procedure"], "prebalance");
+    EXPECT_EQ(Report["result"], "SetupSuccess");
+    EXPECT_EQ(Report["exit"], 0);
+    EXPECT_EQ(Report["calibrated_rpm"], 3000);
+    // 0.8 of a weight at 150 counts a weight, at the sensor.
+    EXPECT_NEAR(Report["initial"][0]["amplitude"].get<double>(), 120.0, 3.0);
+    EXPECT_LT(Report["final"][0]["amplitude"].get<double>(), 5.0);
+    EXPECT_EQ(Report["positions"][0]["weights"].size(), 2U);
+    EXPECT_EQ(Report["inv_a"].size(), 2U);
+    EXPECT_TRUE(Report["assertions"].empty()) << Report["assertions"];
+    EXPECT_GE(Report["steps"].size(), 10U);
+    EXPECT_GE(CountPictures(), Report["steps"].size());
+}
+
+TEST_F(MainWindowOptionsTest, TheProceduresThatAreAskedForFollowEachOtherInOneReport) {
+    AskFor(COptions::Procedure::ePrebalanceAndRebalance);
+    Open();
+    BalanceByButtons();
+    Press("Finish");
+    m_Loop.Advance(500);
+    EXPECT_EQ(m_pSession->GetHost().GetActivity(), 2) << "the re-balancing has begun by itself";
+    Press("End");
+    const json Report = ReadReport();
+    EXPECT_EQ(Report["procedure"], "prebalance+rebalance");
+    EXPECT_EQ(Report["exit"], 2) << "the second one was ended before its verdict";
+    EXPECT_NEAR(Report["initial"][0]["amplitude"].get<double>(), 120.0, 3.0);
+    m_Loop.Advance(1000);
+    EXPECT_FALSE(m_pSession->Look().m_bRunning) << "begun once";
+}
+
+TEST_F(MainWindowOptionsTest, ARebalancingThatIsNotPossibleYetIsToldAndNothingRuns) {
+    AskFor(COptions::Procedure::eRebalance);
+    Open();
+    EXPECT_FALSE(m_pSession->Look().m_bRunning);
+    EXPECT_TRUE(m_pWindow->statusBar()->currentMessage().contains("not calibrated"))
+        << m_pWindow->statusBar()->currentMessage().toStdString();
+}
+
+TEST_F(MainWindowOptionsTest, ARunThatIsUnderWayWhenTheWindowClosesIsReported) {
+    Open();
+    Press("Pre-balance");
+    Close();
+    const json Report = ReadReport();
+    ASSERT_TRUE(Report.is_object());
+    EXPECT_EQ(Report["result"], "Setup");
+    EXPECT_EQ(Report["exit"], 2);
+}
+
+/// As closing the window in the final measurement always did.
+TEST_F(MainWindowOptionsTest, AResultThatStandsWhenTheWindowClosesIsKept) {
+    AskFor(COptions::Procedure::ePrebalance);
+    Open();
+    BalanceByButtons();
+    Close();
+    EXPECT_EQ(ReadReport()["exit"], 0);
+    m_Run.m_Options.m_bProcedureGiven = false;
+    Open();
+    EXPECT_TRUE(m_pSession->GetHost().IsCalibrated());
+}
+
+TEST_F(MainWindowOptionsTest, AResultThatStandsWhenTheRunIsBrokenOffIsNotKept) {
+    AskFor(COptions::Procedure::ePrebalance);
+    Open();
+    BalanceByButtons();
+    m_pWindow->BreakOff();
+    Close();
+    EXPECT_EQ(ReadReport()["exit"], 2);
+    m_Run.m_Options.m_bProcedureGiven = false;
+    Open();
+    EXPECT_FALSE(m_pSession->GetHost().IsCalibrated());
+}
+
+TEST_F(MainWindowLinkTest, OpensWithoutItsLinkNamesItAndTakesItWhenItComes) {
+    const std::string Port = m_Directory.At("module");
+    m_Run.m_Options.m_bHeadless = false;
+    m_Run.m_Options.m_Link = "serial:" + Port;
+    m_Run.m_Options.m_Addresses = {17};
+    CConsoleSession Session(m_Run.m_Options, &m_Run.m_Rotor, m_Run.m_Installation.GetDatabaseFile().string());
+    CMainWindow Window(Session);
+    Window.show();
+    ASSERT_TRUE(m_Loop.RunUntil([] { return !rvCOM::GetOutageReason().empty(); }, eTimeout));
+    const auto Names = [&Window](const char* pBeginning) {
+        const std::string Notice = GetNotice(Window);
+        return Notice.starts_with(pBeginning) && Notice.find("17") != std::string::npos;
+    };
+    EXPECT_TRUE(m_Loop.RunUntil([&] { return Names("No connection to serial:"); }, eTimeout))
+        << GetNotice(Window);
+    EXPECT_NE(GetNotice(Window).find(Port), std::string::npos);
+    EXPECT_NE(GetNotice(Window).find("is the path right"), std::string::npos);
+
+    // Another module than the one asked for, then the right one.
+    for (const std::uint8_t Address : {18, 17}) {
+        std::string Error;
+        const auto pSimulator =
+            CSimulator::Create(m_Run.m_Rotor, MakeListeningLink("pty:" + Port, Error), {Address}, Error);
+        ASSERT_NE(pSimulator, nullptr) << Error;
+        pSimulator->Open();
+        if (Address == 18) {
+            EXPECT_TRUE(m_Loop.RunUntil([&] { return Names("Waiting for the balancing module"); }, eTimeout))
+                << GetNotice(Window);
+        } else {
+            EXPECT_TRUE(m_Loop.RunUntil([&] { return Session.GetHost().IsConfigured(); }, eTimeout));
+            EXPECT_TRUE(m_Loop.RunUntil([&] { return GetNotice(Window).empty(); }, eTimeout))
+                << GetNotice(Window);
+        }
+    }
+    EXPECT_TRUE(m_Loop.RunUntil([&] { return Names("No connection to serial:"); }, eTimeout))
+        << "a link that is lost is told likewise";
+}
+
+TEST_F(MainWindowLinkTest, WithoutAWindowALinkThatCannotBeOpenedIsAnError) {
+    m_Run.m_Options.m_Link = "serial:" + m_Directory.At("module");
+    EXPECT_THROW(CConsoleSession(m_Run.m_Options, nullptr, m_Run.m_Installation.GetDatabaseFile().string()),
+                 CSessionError);
 }
