@@ -37,6 +37,9 @@ CMainWindow::CMainWindow(CConsoleSession& rSession) : m_rSession(rSession), m_Ru
     m_pConnection = new QLabel(pCentral);
     m_pConnection->setWordWrap(true);
     m_pConnection->setMargin(6);
+    m_pConnection->setAutoFillBackground(true);
+    m_pConnection->setBackgroundRole(QPalette::ToolTipBase);
+    m_pConnection->setForegroundRole(QPalette::ToolTipText);
     pLeft->addWidget(m_pConnection);
     pLeft->addWidget(MakeSoftkeyBar());
     pColumns->addLayout(pLeft, 1);
@@ -60,7 +63,6 @@ CMainWindow::CMainWindow(CConsoleSession& rSession) : m_rSession(rSession), m_Ru
         RefreshMachine();
     });
     ShowMenu();
-    StartWhenModuleAnswers();
     ShowConnection();
 }
 
@@ -76,14 +78,17 @@ CMainWindow::~CMainWindow() {
     m_rSession.Close();
 }
 
-void CMainWindow::StartWhenModuleAnswers() {
+void CMainWindow::AskForModule() {
     m_rSession.SendInit();
-    // A module that is switched on later answers a later question.
+    if (m_InitTimerID != 0) {
+        IFEventLoop::Current().KillTimer(m_InitTimerID);
+    }
+    // A module that is switched on later answers a later question. Without a link none can be asked.
     m_InitTimerID = IFEventLoop::Current().SetTimer(INIT_PERIOD, [this](std::uint32_t Id) {
         if (m_rSession.GetHost().IsConfigured()) {
             IFEventLoop::Current().KillTimer(Id);
             m_InitTimerID = 0;
-        } else {
+        } else if (rvCOM::IsLinkOpen()) {
             m_rSession.SendInit();
         }
     });
@@ -93,7 +98,7 @@ void CMainWindow::ShowConnection() {
     const bool bOpen = rvCOM::IsLinkOpen();
     const bool bConfigured = m_rSession.GetHost().IsConfigured();
     if (!std::exchange(m_bLinkOpen, bOpen) && bOpen && !bConfigured) {
-        m_rSession.SendInit();  // what was asked before went nowhere
+        AskForModule();
     }
     QString Missing;
     if (!bOpen || !bConfigured) {

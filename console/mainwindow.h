@@ -29,7 +29,8 @@ private:
 
     QWidget* MakeSoftkeyBar();
     QWidget* MakeMachinePanel();
-    void StartWhenModuleAnswers();
+    /// Asks the module's window to find its module, and again until it has.
+    void AskForModule();
     /// Says what is missing while the link isn't open or the module doesn't answer.
     void ShowConnection();
     void OnKeyDown(std::size_t Index);

@@ -87,6 +87,12 @@ private:
 
 class ConsoleProgramTest : public testing::Test {
 protected:
+    // Files are looked at now and then: the loop would wait for an event.
+    ConsoleProgramTest() {
+        constexpr std::uint32_t LOOK_PERIOD = 20;
+        m_Loop.SetTimer(LOOK_PERIOD, [](std::uint32_t) {});
+    }
+
     CQtEventLoop m_Loop;
 };
 

@@ -262,13 +262,15 @@ TEST_F(MainWindowLinkTest, OpensWithoutItsLinkNamesItAndTakesItWhenItComes) {
         const std::string Notice = GetNotice(Window);
         return Notice.starts_with(pBeginning) && Notice.find("17") != std::string::npos;
     };
-    EXPECT_TRUE(m_Loop.RunUntil([&] { return Names("No connection to serial:"); }, eTimeout))
-        << GetNotice(Window);
+    const auto TellsWhy = [&Window] {
+        return GetNotice(Window).find("is the path right") != std::string::npos;
+    };
+    EXPECT_TRUE(m_Loop.RunUntil(TellsWhy, eTimeout)) << GetNotice(Window);
+    EXPECT_TRUE(Names("No connection to serial:")) << GetNotice(Window);
     EXPECT_NE(GetNotice(Window).find(Port), std::string::npos);
-    EXPECT_NE(GetNotice(Window).find("is the path right"), std::string::npos);
 
     // Another module than the one asked for, then the right one.
-    for (const std::uint8_t Address : {18, 17}) {
+    for (const std::uint8_t Address : std::initializer_list<std::uint8_t>{18, 17}) {
         std::string Error;
         const auto pSimulator =
             CSimulator::Create(m_Run.m_Rotor, MakeListeningLink("pty:" + Port, Error), {Address}, Error);
