@@ -1,6 +1,4 @@
 #pragma once
-#include <unistd.h>
-
 #include <utility>
 
 /// A file descriptor that closes itself.
@@ -16,10 +14,7 @@ public:
 
     bool IsOpen() const { return m_Handle >= 0; }
     int Get() const { return m_Handle; }
-    bool Close() {
-        const int Handle = std::exchange(m_Handle, -1);
-        return (Handle < 0) || (::close(Handle) == 0);
-    }
+    bool Close();
 
 private:
     int m_Handle;
