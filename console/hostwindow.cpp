@@ -1,5 +1,6 @@
 #include "console/hostwindow.h"
 
+#include "platform/rvcom/rvcom.h"
 #include "platform/window/messages.h"
 
 namespace {
@@ -35,6 +36,8 @@ LRESULT CHostWindow::WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) {
                 m_bCalibrated = (static_cast<WPARAM>(lParam) & REBALANCE_BIT) != 0;
             }
             break;
+        case WM_RV_RAWDATA_FIRST:
+            return OnRawData(wParam, lParam);
         case WM_SIZE:
             for (CWnd* pChild : GetChildren()) {
                 pChild->MoveWindow(GetClientRect());
@@ -47,4 +50,17 @@ LRESULT CHostWindow::WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) {
         OnChanged();
     }
     return 1;
+}
+
+LRESULT CHostWindow::OnRawData(WPARAM wParam, LPARAM lParam) {
+    // The buffer's handle (low byte first), one unused byte, then the frame.
+    constexpr std::size_t eHeader = 3;
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): a message's parameters are whole numbers
+    const auto* const pBuffer = reinterpret_cast<const std::uint8_t*>(wParam);
+    const std::span<const std::uint8_t> Buffer(pBuffer, static_cast<std::size_t>(lParam));
+    if (OnFrame) {
+        OnFrame(Buffer.subspan(eHeader));
+    }
+    rvCOM::FreeBuffer(static_cast<std::uint16_t>(Buffer[0] | (Buffer[1] << 8U)));
+    return 0;
 }

@@ -1,6 +1,7 @@
 #pragma once
 #include <cstdint>
 #include <functional>
+#include <span>
 
 #include "platform/window/wnd.h"
 
@@ -25,11 +26,15 @@ public:
 
     /// Called after any message of the module.
     std::function<void()> OnChanged;
+    /// Called with the modules' frames, if the transport was asked to deliver them here too.
+    std::function<void(std::span<const std::uint8_t>)> OnFrame;
 
 protected:
     LRESULT WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) override;
 
 private:
+    LRESULT OnRawData(WPARAM wParam, LPARAM lParam);
+
     std::int32_t m_Menu = -1;
     std::int32_t m_Activity = 0;
     bool m_bConfigured = false;

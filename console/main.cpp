@@ -92,11 +92,8 @@ int RunHeadless(const COptions& rOptions, CConsoleSession& rSession, CCompanions
         rSession.Commission();
         Result = Run.Run();
     } else {
-        std::fprintf(stderr,
-                     "No module answers on %s: check the cable and the module's address (--addresses), and "
-                     "that nothing "
-                     "else uses the line.\n",
-                     rOptions.m_Link.c_str());
+        std::fprintf(stderr, "The machine can't be found on %s: %s.\n", rOptions.m_Link.c_str(),
+                     rSession.DescribeAnswers().c_str());
     }
     rSession.Close();
     if (!rOptions.m_ReportFile.empty() && !Run.GetReport().Write(rOptions.m_ReportFile)) {

@@ -20,6 +20,9 @@ void COperator::OnLook(const CSituation& rSituation) {
 }
 
 void COperator::Act(const CSituation& rSituation, Deed ToDo) {
+    if (ToDo != Deed::eFitAndConfirm) {
+        m_FittedFor.reset();
+    }
     switch (ToDo) {
         case Deed::eWait:
             break;
@@ -86,6 +89,11 @@ void COperator::SetSpeed(std::uint32_t RPM) {
 }
 
 void COperator::FitWeights(const CSituation& rSituation) {
+    if (m_FittedFor == rSituation.m_Notification) {
+        FitFrom(m_ToFit.size());
+        return;
+    }
+    m_FittedFor = rSituation.m_Notification;
     m_ToFit = FindFittings(rSituation, GetHoleRings());
     FitFrom(0);
 }

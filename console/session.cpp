@@ -267,6 +267,9 @@ bool CConsoleSession::RunUntil(const std::function<bool()>& rDone, std::uint32_t
 }
 
 void CConsoleSession::SendInit() {
+    if (std::exchange(m_bInitSent, true)) {
+        m_pModule->SendMessage(WM_RV_DESTROYPENDING);
+    }
     const LPARAM Slave = m_Options.m_Addresses.size() > 1 ? m_Options.m_Addresses[1] : NO_SLAVE;
     m_pModule->SendMessage(WM_RV_INITWINDOW, m_Options.m_Addresses[0],
                            (LPARAM{m_Mode} << MODE_SHIFT) | (Slave << SLAVE_SHIFT) |
@@ -274,14 +277,27 @@ void CConsoleSession::SendInit() {
 }
 
 bool CConsoleSession::Initialise() {
-    // A module that is switched on later answers a later question.
-    for (std::uint32_t Waited = 0; Waited < eInitTimeout; Waited += eInitRepeat) {
-        SendInit();
-        if (RunUntil([this] { return m_Host.IsConfigured(); }, eInitRepeat)) {
-            return true;
-        }
+    m_Answers.emplace(m_Options.m_Addresses);
+    m_Host.OnFrame = [this](std::span<const std::uint8_t> Frame) { m_Answers->OnFrame(Frame); };
+    for (const std::uint8_t Address : m_Options.m_Addresses) {
+        rvCOM::Notify(&m_Host, RV_NOTIFY_RAWDATA, Address);
     }
-    return false;
+    // A module that is switched on later, or whose answer got lost or damaged, answers a later question.
+    bool bFound = false;
+    for (std::uint32_t Waited = 0; Waited < eInitTimeout && !bFound; Waited += eInitRepeat) {
+        SendInit();
+        bFound = RunUntil([this] { return m_Host.IsConfigured(); }, eInitRepeat);
+    }
+    rvCOM::Forget(&m_Host);
+    m_Host.OnFrame = nullptr;
+    return bFound;
+}
+
+std::string CConsoleSession::DescribeAnswers() const {
+    const rvCOM::CStatistics Line = rvCOM::GetStatistics();
+    return m_Answers
+               ? m_Answers->Describe(Line.m_BadCrc + Line.m_TooShort + Line.m_TooLong, Line.m_NotAddressed)
+               : std::string();
 }
 
 std::string CConsoleSession::GetMachineName() const {

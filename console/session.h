@@ -3,10 +3,12 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
 
 #include "console/hostwindow.h"
+#include "console/moduleanswers.h"
 #include "console/modulelibrary.h"
 #include "console/ncpanel.h"
 #include "console/operator.h"
@@ -48,7 +50,10 @@ public:
     /// Initialises the module's window and runs the loop until the module has found its configuration. False
     /// if the module doesn't answer in time. Throws CBrokenOff.
     bool Initialise();
-    /// Asks the module's window once to find its module; harmless when it has.
+    /// What the modules have answered to Initialise, for a person to whom it has failed.
+    std::string DescribeAnswers() const;
+    /// Asks the module's window to find its module, from the beginning if it was asked before: one that has
+    /// come as far as the module's name asks no more by itself. Not while it has a configuration.
     void SendInit();
     /// Brings the stored configuration in line with rotor and options: rotation and scale sense, both as seen
     /// from the end of the plane that is balanced, means, and with screws the number of holes. What differs
@@ -112,6 +117,8 @@ private:
     std::unique_ptr<CMachineClient> m_pClient;
     IFMachine* m_pMachine = nullptr;
     CHostWindow m_Host;
+    std::optional<CModuleAnswers> m_Answers;
     std::unique_ptr<CModuleLibrary> m_pLibrary;
     CWnd* m_pModule = nullptr;
+    bool m_bInitSent = false;
 };

@@ -1,5 +1,6 @@
 #include "simulator/balancingmodule.h"
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -25,7 +26,11 @@ CBalancingModule::CBalancingModule(const CWiring& rWiring, std::uint8_t Address,
       m_State(State),
       m_bReportedInLock(rWiring.m_rSpindle.IsInLock()),
       m_bReportedInvalid(rWiring.m_rSpindle.IsInvalid()) {
-    m_Timer.StartPeriodic(eStandingPeriodMs, [this] { IndicateRpm(); });
+    ReportStanding();
+}
+
+void CBalancingModule::ReportStanding() {
+    m_Timer.StartPeriodic(std::max(eStandingPeriodMs, m_Wiring.m_ReportPeriodMs), [this] { IndicateRpm(); });
 }
 
 bool CBalancingModule::IsFor(std::span<const std::uint8_t> Frame) const {
@@ -93,15 +98,16 @@ void CBalancingModule::SpindleChanged() {
     m_bTurning = rSpindle.IsTurning();
     if (m_bTurning) {
         m_nTick = 0;
-        m_Timer.StartPeriodic(eXYPeriodMs, [this] { TurningTick(); });
+        m_Timer.StartPeriodic(m_Wiring.m_ReportPeriodMs, [this] { TurningTick(); });
     } else {
         IndicateRpm();
-        m_Timer.StartPeriodic(eStandingPeriodMs, [this] { IndicateRpm(); });
+        ReportStanding();
     }
 }
 
 void CBalancingModule::TurningTick() {
-    if (++m_nTick % eRpmEveryNthXY == 0) {
+    const std::uint32_t nEvery = std::max(1U, eRpmPeriodMs / m_Wiring.m_ReportPeriodMs);
+    if (++m_nTick % nEvery == 0) {
         IndicateRpm();
     }
     Indicate(MakeXY(eAnyAddress));

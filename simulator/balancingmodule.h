@@ -17,13 +17,13 @@ class CTransmitter;
 /// active set, a state, the five queries, and the times at which they report by themselves. A family derives
 /// and supplies the frames.
 ///
-/// While the spindle turns a module reports X/Y at 20 Hz and the speed at 10 Hz. When it comes to rest it
-/// reports the speed at once, and then every second, so that a lost report of 0 rpm doesn't leave the
-/// receiver believing that the spindle still turns. State and set are reported whenever they change.
+/// While the spindle turns a module reports X/Y at 20 Hz and the speed at 10 Hz, unless it is slower: then
+/// both with the same period. When it comes to rest it reports the speed at once, and then every second, or
+/// with its own longer period, so that a lost report of 0 rpm doesn't leave the receiver believing that the
+/// spindle still turns. State and set are reported whenever they change.
 class CBalancingModule {
 public:
-    static constexpr std::uint32_t eXYPeriodMs = 50;
-    static constexpr std::uint32_t eRpmEveryNthXY = 2;
+    static constexpr std::uint32_t eRpmPeriodMs = 100;  ///< or that of X/Y, if it is longer
     static constexpr std::uint32_t eStandingPeriodMs = 1000;
     static constexpr std::size_t eMaxPlanes = 2;
 
@@ -32,6 +32,7 @@ public:
         const CRotor& m_rRotor;
         const CSpindle& m_rSpindle;
         CTransmitter& m_rTransmitter;
+        std::uint32_t m_ReportPeriodMs = 50;  ///< of X/Y
     };
     /// How a module of two planes treats them.
     enum Mode : std::uint8_t { eNothing = 0, ePlane1 = 1, ePlane2 = 2, eBothIndependent = 3, eTwoPlane = 4 };
@@ -136,6 +137,7 @@ private:
     void Indicate(const Frames& rFrames);
     void IndicateRpm() { Indicate(MakeRpm(eAnyAddress)); }
     void TurningTick();
+    void ReportStanding();
 
     CWiring m_Wiring;
     std::uint8_t m_Address;

@@ -73,7 +73,7 @@ void ReadInfluence(const json& rRows, std::vector<std::vector<CRotorFile::CInflu
 CRotorFile FromJson(const json& rValue, std::optional<CRotorFile::Modules> Family) {
     const CJsonFields Fields(rValue, "",
                              {"modules", "rotation", "speed_rpm", "ramp_rpm_per_s", "planes", "influence",
-                              "noise_counts", "scale", "holes", "seed", "swap"});
+                              "noise_counts", "scale", "holes", "seed", "swap", "report_period_ms"});
     CRotorFile File;
     // The file's own family is checked even when another one is asked for.
     const auto OwnFamily = static_cast<CRotorFile::Modules>(Fields.GetChoice("modules", 0, ms_Families));
@@ -84,6 +84,8 @@ CRotorFile FromJson(const json& rValue, std::optional<CRotorFile::Modules> Famil
     File.m_RampRpmPerS = Fields.GetNumber("ramp_rpm_per_s", File.m_RampRpmPerS, 1.0, 1.0e6);
     File.m_NoiseCounts = Fields.GetNumber("noise_counts", File.m_NoiseCounts, 0.0, 32767.0);
     File.m_Seed = Fields.GetUnsigned("seed", File.m_Seed);
+    File.m_ReportPeriodMs =
+        static_cast<std::uint32_t>(Fields.GetInteger("report_period_ms", File.m_ReportPeriodMs, 10, 60000));
     File.m_bSwap = Fields.GetBool("swap", File.m_bSwap);
     if (File.m_bSwap && File.m_Modules != CRotorFile::eLanner) {
         throw CJsonError("swap goes with modules lanner only");

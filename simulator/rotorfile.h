@@ -42,6 +42,8 @@ public:
     bool m_bSwap = false;
     double m_NoiseCounts = 1.5;  ///< standard deviation of each of X and Y
     std::uint64_t m_Seed = 1;
+    /// Between two readings that a module reports by itself.
+    std::uint32_t m_ReportPeriodMs = 50;
 
     /// The rotor without any file. For two-plane modules it has two such planes without coupling.
     static CRotorFile GetBuiltIn(Modules Family = eKestrel);

@@ -102,7 +102,8 @@ void CSimulator::AddModule(const CRotorFile& rFile, std::uint8_t Address) {
     const std::size_t nModule = m_Stations.size();
     CStation& rStation = m_Stations.emplace_back();
     rStation.m_pTransmitter = std::make_unique<CTransmitter>(*m_pLink, m_Faults, nModule);
-    const CBalancingModule::CWiring Wiring{m_Rotor, m_Spindle, *rStation.m_pTransmitter};
+    const CBalancingModule::CWiring Wiring{m_Rotor, m_Spindle, *rStation.m_pTransmitter,
+                                           rFile.m_ReportPeriodMs};
     const auto MakeNoise = [&rFile](std::size_t nPlane) {
         return CNoise(rFile.m_Seed, static_cast<std::uint32_t>(nPlane), rFile.m_NoiseCounts);
     };
@@ -296,11 +297,12 @@ void CSimulator::OnReport(const json& rValue, json&) {
 }
 
 void CSimulator::OnAnswerDelay(const json& rValue, json&) {
-    const CJsonFields Fields(rValue, "answer_delay", {"value", "module"});
+    const CJsonFields Fields(rValue, "answer_delay", {"value", "overtaken", "module"});
     Fields.Require("value");
     const std::int64_t nDelay = Fields.GetInteger("value", 0, 0, eMaxDelayMs);
+    const bool bOvertaken = Fields.GetBool("overtaken", false);
     for (CBalancingModule* pModule : ReadModules(Fields)) {
-        pModule->GetTransmitter().SetAnswerDelay(static_cast<std::uint32_t>(nDelay));
+        pModule->GetTransmitter().SetAnswerDelay(static_cast<std::uint32_t>(nDelay), bOvertaken);
     }
 }
 

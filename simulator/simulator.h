@@ -31,7 +31,9 @@ class CJsonFields;
 ///            beyond those that follow from the spindle
 ///   {"report": {"kind": "bal_configuration"}}   a Lanner module reports unasked; also module_configuration,
 ///            diagnosis_data
-///   {"answer_delay": {"value": 20}}             what a module needs to answer, ms
+///   {"answer_delay": {"value": 20, "overtaken": false}}   what a module needs to answer, ms; its reports
+///   wait
+///            for that, unless the answer is overtaken
 /// What set and module_state leave out stays as it is; these four strike all modules, or one with "module": 1
 /// or 2. {"fault": ...} takes what faults.h tells. A request that can't be carried out changes nothing.
 ///

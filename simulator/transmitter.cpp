@@ -33,15 +33,13 @@ void CTransmitter::Send(std::span<const std::uint8_t> Frame, CFaults::Frame Kind
     if (Kind == CFaults::eAnswer) {
         Pending.m_Due += m_AnswerDelayMs;
     }
-    if (!m_Pending.empty()) {
+    if (!m_Pending.empty() && !m_bOvertaken) {
         Pending.m_Due = std::max(Pending.m_Due, m_Pending.back().m_Due);
     }
-    const bool bIdle = m_Pending.empty();
-    if (Verdict.m_bDouble) {
-        m_Pending.push_back(Pending);
-    }
-    m_Pending.push_back(std::move(Pending));
-    if (bIdle) {
+    const auto Place = std::ranges::upper_bound(m_Pending, Pending.m_Due, {}, &CPending::m_Due);
+    const bool bNext = Place == m_Pending.begin();
+    m_Pending.insert(Place, Verdict.m_bDouble ? 2 : 1, Pending);
+    if (bNext) {
         SendDue();
     }
 }

@@ -21,7 +21,12 @@ public:
         : m_rLink(rLink), m_rFaults(rFaults), m_nModule(nModule) {}
 
     void Send(std::span<const std::uint8_t> Frame, CFaults::Frame Kind);
-    void SetAnswerDelay(std::uint32_t Milliseconds) { m_AnswerDelayMs = Milliseconds; }
+    /// bOvertaken: reports don't wait for an answer that is being worked on, so it is older than they are
+    /// when it comes.
+    void SetAnswerDelay(std::uint32_t Milliseconds, bool bOvertaken) {
+        m_AnswerDelayMs = Milliseconds;
+        m_bOvertaken = bOvertaken;
+    }
 
     /// Flips one bit in bytes that are ready for the line, so that only the CRC can tell.
     static void Corrupt(std::vector<std::uint8_t>& rLineBytes);
@@ -39,6 +44,7 @@ private:
     CFaults& m_rFaults;
     std::size_t m_nModule;
     std::uint32_t m_AnswerDelayMs = eAnswerDelayMs;
-    std::deque<CPending> m_Pending;  ///< in order of sending, none due before the one in front of it
+    bool m_bOvertaken = false;
+    std::deque<CPending> m_Pending;  ///< none due before the one in front of it
     CTimer m_Timer;
 };

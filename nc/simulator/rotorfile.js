@@ -12,6 +12,7 @@ const FIELDS = [
   'holes',
   'seed',
   'swap',
+  'report_period_ms',
 ];
 const PLANES = 2;
 const DEFAULT_HOLES = 12;

@@ -139,6 +139,23 @@ TEST_F(KestrelModuleTest, ReportsTenSpeedsAndTwentyCoordinatesASecondWhileTurnin
     EXPECT_EQ(GetInstants(0x1E).at(1) - GetInstants(0x1E).at(0), 50U);
 }
 
+TEST_F(KestrelModuleTest, ReportsMayBeFarBetween) {
+    CRotorFile File = MakePlainRotor();
+    File.m_ReportPeriodMs = 2000;
+    Start(File);
+    RunUp(3000);
+    m_Loop.Advance(6000);
+    EXPECT_EQ(GetFramesOf(0x1C).size(), 3U);
+    EXPECT_EQ(GetFramesOf(0x1E).size(), 3U);
+    EXPECT_EQ(GetInstants(0x1E).at(1) - GetInstants(0x1E).at(0), 2000U);
+    // The state is reported when it changes, and so is standstill.
+    Carry({{"speed", 0}});
+    m_Loop.Advance(1);
+    EXPECT_THAT(GetFramesOf(0x08), testing::SizeIs(1));
+    m_Loop.Advance(2000);
+    EXPECT_EQ(GetFramesOf(0x1C).back(), (Bytes{0x1C, 0x05, 0x00, 0x00, 0x00}));
+}
+
 TEST_F(KestrelModuleTest, ReportsTheSpeedOfTheRamp) {
     Carry({{"speed", 3000}});
     m_Loop.Advance(1000);
@@ -244,6 +261,24 @@ TEST_F(KestrelPairTest, SetAndStateMayBeChangedInOneModuleAlone) {
     m_Loop.RunPosted();
     EXPECT_THAT(GetFramesOf(0x10), ElementsAre(Bytes{0x10, 0x06, 0x00, 0x00, 0x03, 0x01, 0x00, 0x00, 0x01}));
     EXPECT_THAT(GetFramesOf(0x08), ElementsAre(Bytes{0x08, 0x05, 0x00, 0x00, 0x00, 0x00, 0x00, 0x08}));
+}
+
+// The answer was made before the reports that come while it is being worked on.
+TEST_F(KestrelPairTest, ALateAnswerMayBeOvertaken) {
+    RunUp(3000);
+    const json Delay = {{"answer_delay", {{"value", 700}, {"overtaken", true}, {"module", 1}}}};
+    ASSERT_EQ(Carry(Delay), nlohmann::json({{"ok", true}}));
+    Send({0x08, 0x01, 0x05});
+    m_Loop.Advance(100);
+    Carry({{"speed", 0}});
+    m_Loop.Advance(1000);
+    std::vector<std::string> States;
+    for (const Bytes& rFrame : GetFramesOf(0x08)) {
+        if (rFrame[1] == 5) {
+            States.push_back(std::to_string(rFrame[2]) + (rFrame[7] == 0 ? " in lock" : " ramp"));
+        }
+    }
+    EXPECT_THAT(States, ElementsAre("0 ramp", "1 in lock"));
 }
 
 // Two modules work side by side: the order of their answers is that of their delays, not of the questions.

@@ -39,6 +39,7 @@ void ExpectBuiltIn(const CRotorFile& rFile) {
     EXPECT_EQ(rFile.m_Influence[0][0].m_PhaseDeg, 40.0);
     EXPECT_EQ(rFile.m_NoiseCounts, 1.5);
     EXPECT_EQ(rFile.m_Seed, 1U);
+    EXPECT_EQ(rFile.m_ReportPeriodMs, 50U);
 }
 
 TEST(RotorFileTest, TheBuiltInRotorHasTheDocumentedValues) {
@@ -63,7 +64,9 @@ TEST(RotorFileTest, EveryFieldIsRead) {
                     { "unbalance": { "amount": 2.5, "angle_deg": 300 } } ],
         "influence": [ [ { "amplitude": 1, "phase_deg": 2 }, { "amplitude": 3, "phase_deg": 4 } ],
                        [ { "amplitude": 5, "phase_deg": 6 }, { "amplitude": 7, "phase_deg": 8 } ] ],
-        "noise_counts": 0, "scale": [ "ccw", "cw" ], "holes": [ 24, 3 ], "seed": 18446744073709551615 })");
+        "noise_counts": 0, "scale": [ "ccw", "cw" ], "holes": [ 24, 3 ], "seed": 18446744073709551615,
+        "report_period_ms": 5000 })");
+    EXPECT_EQ(File.m_ReportPeriodMs, 5000U);
     EXPECT_EQ(File.m_Modules, CRotorFile::eKestrelPair);
     EXPECT_EQ(File.m_Rotation, CRotorFile::eCounterClockwise);
     EXPECT_EQ(File.m_SpeedRpm, 1200.5);

@@ -109,6 +109,15 @@ void CPreBalancingMainWnd::SendStep(CPreBalNotification::Step Step) {
     CheckSent(m_pInterfaceToNC->SetNCData(Data), NOTIFICATION_FAILED);
 }
 
+void CPreBalancingMainWnd::LeaveNC() {
+    // The host ought to have announced the end. Nothing is saved any more, but the NC mustn't wait for a
+    // window that is gone.
+    if (!m_MachineName.empty()) {
+        m_MachineName.clear();
+        SendStep(CPreBalNotification::eInactive);
+    }
+}
+
 void CPreBalancingMainWnd::NotifyConfigurationShown(bool bCalibrated) {
     SendStep(bCalibrated ? CPreBalNotification::eParameterWithReBal : CPreBalNotification::eParameter);
 }

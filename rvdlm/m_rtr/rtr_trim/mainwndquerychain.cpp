@@ -28,6 +28,14 @@ bool IsSameSet(const CSet& rFirst, const CSet& rSecond) {
            rFirst.SensorAdaptionPlane2 == rSecond.SensorAdaptionPlane2 && rFirst.Swap == rSecond.Swap;
 }
 
+bool IsPlane1Used(CPreBalDatabase::BalancingMode Mode) {
+    return Mode != CPreBalDatabase::eModePlane2;
+}
+
+bool IsPlane2Used(CPreBalDatabase::BalancingMode Mode) {
+    return Mode == CPreBalDatabase::eModePlane2 || Mode == CPreBalDatabase::eModeTwoPlane;
+}
+
 /// Where a balancing mode takes speed and readings from. The sensor not in use stays unknown.
 struct CSources {
     std::uint8_t m_Input = eUnknown;
@@ -142,12 +150,9 @@ void CPreBalancingMainWnd::OnModuleState(Reason Why, const std::uint32_t* /*pUIL
         return;
     }
     const CPreBalDatabase::BalancingMode Mode = m_tabCtrl.GetBalancingMode();
-    const bool bPlane1 = Mode != CPreBalDatabase::eModePlane2;
-    const bool bPlane2 = Mode == CPreBalDatabase::eModePlane2 || Mode == CPreBalDatabase::eModeTwoPlane;
+    const bool bPlane1 = IsPlane1Used(Mode);
+    const bool bPlane2 = IsPlane2Used(Mode);
     if (pWrongState != nullptr && *pWrongState != 0) {
-        for (CSilenceWatch& rWatch : m_SilenceWatches) {
-            rWatch.OnWrongState();
-        }
         const bool bSequence = EnsureSequence();
         RV_ASSERT(g_pLog, bSequence, "impossible");
         if (bSequence) {
@@ -160,11 +165,9 @@ void CPreBalancingMainWnd::OnModuleState(Reason Why, const std::uint32_t* /*pUIL
     } else {
         m_OutOfLock = (bPlane1 && *pOutOfLockPlane1 != 0) || (bPlane2 && *pOutOfLockPlane2 != 0) ? 1 : 0;
         m_InvalidRPM = (bPlane1 && *pInvalidRPMPlane1 != 0) || (bPlane2 && *pInvalidRPMPlane2 != 0) ? 1 : 0;
-        for (CSilenceWatch& rWatch : m_SilenceWatches) {
-            rWatch.OnModuleState();
-        }
+        UpdateWatchConditions();
         if (m_pPrebalancingSequence != nullptr) {
-            m_pPrebalancingSequence->OutOfLock(m_OutOfLock);
+            m_pPrebalancingSequence->OutOfLock(GetOutOfLock());
             m_pPrebalancingSequence->InvalidRPM(m_InvalidRPM);
         }
     }
@@ -181,6 +184,7 @@ void CPreBalancingMainWnd::OnRPMData(Reason Why, const std::uint32_t* pPlane, co
     const std::uint32_t Plane = m_tabCtrl.GetBalancingMode() == CPreBalDatabase::eModePlane2 ? 1 : 0;
     if (*pPlane == Plane) {
         m_CurrentRPM = static_cast<std::uint16_t>(*pRPM);
+        UpdateWatchConditions();
         if (m_pPrebalancingSequence != nullptr) {
             m_pPrebalancingSequence->CurrentRPM(m_CurrentRPM);
             Repaint(CPreBalancing::ePaintStatus);
@@ -197,6 +201,7 @@ void CPreBalancingMainWnd::OnUnbalanceXYValues(Reason Why, const std::uint32_t* 
         return;
     }
     RV_ASSERT(g_pLog, *pPlane <= 1, "impossible");
+    m_ModuleWatch.OnReading(*pPlane, Why == Comm::eIndication);
     if (m_pPrebalancingSequence == nullptr) {
         return;
     }
@@ -209,7 +214,14 @@ void CPreBalancingMainWnd::OnUnbalanceXYValues(Reason Why, const std::uint32_t* 
     }
 }
 
+bool CPreBalancingMainWnd::DependsOnModules() const {
+    return m_pPrebalancingSequence != nullptr && m_pPrebalancingSequence->DependsOnModuleState();
+}
+
 void CPreBalancingMainWnd::PleaseQueryXYValuesNOW() {
+    if (DependsOnModules()) {
+        m_ModuleWatch.OnSampling();
+    }
     if (m_pCommunicationIF != nullptr) {
         const int Sent = m_pCommunicationIF->QueryUnbalanceXYValues();
         RV_ASSERT_AS(g_pLog, Sent, "m_pCommunicationIF->QueryUnbalanceXYValues()",
@@ -217,28 +229,24 @@ void CPreBalancingMainWnd::PleaseQueryXYValuesNOW() {
     }
 }
 
-void CPreBalancingMainWnd::WatchForSilence() {
-    bool bAskForState = false;
-    for (CSilenceWatch& rWatch : m_SilenceWatches) {
-        switch (rWatch.Tick(m_CurrentRPM != 0)) {
-            case CSilenceWatch::Finding::eNothing:
-                break;
-            case CSilenceWatch::Finding::eFellSilent:
-                RV_WARNING(g_pLog, "no frames from the module for %u ms: measuring waits",
-                           CSilenceWatch::eLimit);
-                if (m_pPrebalancingSequence != nullptr) {
-                    m_pPrebalancingSequence->OutOfLock(1);
-                }
-                break;
-            case CSilenceWatch::Finding::eStateIsOld:
-            case CSilenceWatch::Finding::eSpeaksAgain:
-                bAskForState = true;
-                break;
-        }
+void CPreBalancingMainWnd::BeginWatch() {
+    const CPreBalDatabase::BalancingMode Mode = m_tabCtrl.GetBalancingMode();
+    m_ModuleWatch.Begin({IsPlane1Used(Mode), IsPlane2Used(Mode)});
+    UpdateWatchConditions();
+    SetTimer(eWatchTimer, CModuleWatch::ePeriod);
+}
+
+void CPreBalancingMainWnd::WatchModules() {
+    const CModuleWatch::Finding Found = m_ModuleWatch.Tick(DependsOnModules());
+    if (Found == CModuleWatch::Finding::eNothing) {
+        return;
     }
-    // Its answer brings lock and speed, and goes on with the chain. A request that is still out serves as
-    // well.
-    if (bAskForState && m_pCommunicationIF != nullptr) {
-        m_pCommunicationIF->QueryModuleState();
+    if (Found == CModuleWatch::Finding::eFellSilent) {
+        RV_WARNING(g_pLog, "readings stay away: measuring waits");
+    } else {
+        RV_INFORMATION(g_pLog, "readings come again");
+    }
+    if (m_pPrebalancingSequence != nullptr) {
+        m_pPrebalancingSequence->OutOfLock(GetOutOfLock());
     }
 }

@@ -11,7 +11,7 @@ bool CPreBalancingMainWnd::IsCalibrated() const {
 }
 
 void CPreBalancingMainWnd::HideConfiguration() {
-    SetTimer(eSilenceTimer, CSilenceWatch::ePeriod);
+    BeginWatch();
     m_tabCtrl.ShowWindow(false);
     KillTimer(eHelpTimer);
     m_Browser.ShowWindow(false);
@@ -19,7 +19,7 @@ void CPreBalancingMainWnd::HideConfiguration() {
 }
 
 void CPreBalancingMainWnd::ShowConfiguration() {
-    KillTimer(eSilenceTimer);
+    KillTimer(eWatchTimer);
     m_tabCtrl.ShowWindow(true);
     m_Browser.Create(this, GetBrowserRect(), eBrowserId);
 }
@@ -40,13 +40,23 @@ CPreBalancing* CPreBalancingMainWnd::StartPrebalancingSequence() {
             return nullptr;
         }
     }
-    if (m_Set.RPMFactorPlane1 != 1 || m_Set.RPMFactorPlane2 != 1) {
+    if (!IsSetUsable()) {
         m_pPrebalancingSequence->AbortBalancing(Warnings::eSetNotUsable);
     }
     return m_pPrebalancingSequence.get();
 }
 
+bool CPreBalancingMainWnd::IsSetUsable() const {
+    return m_Set.RPMFactorPlane1 == 1 && m_Set.RPMFactorPlane2 == 1;
+}
+
 int CPreBalancingMainWnd::StartRun(StartOperation pStart) {
+    // A set that can't be used is to be shown, whatever the means: its run is aborted at once.
+    const PreBalDB::CPreBalBaseTableEntry* const pEntry = m_tabCtrl.GetCurrentBaseEntry();
+    if (m_pPrebalancingSequence == nullptr && pEntry != nullptr && IsSetUsable() &&
+        !CanBalance(m_tabCtrl.GetBalancingMode(), *pEntry)) {
+        return 0;
+    }
     CPreBalancing* const pSequence = StartPrebalancingSequence();
     return pSequence == nullptr ? 0 : (pSequence->*pStart)(m_CurrentRPM, m_OutOfLock, m_InvalidRPM);
 }
@@ -77,12 +87,18 @@ bool CPreBalancingMainWnd::CommitAndSave() {
     return true;
 }
 
+LRESULT CPreBalancingMainWnd::OnDestroy(WPARAM wParam, LPARAM lParam) {
+    m_pPrebalancingSequence.reset();
+    LeaveNC();
+    return CWnd::WindowProc(WM_DESTROY, wParam, lParam);
+}
+
 LRESULT CPreBalancingMainWnd::OnDestroyPending(WPARAM, LPARAM) {
     bool bSaved = false;
     if (m_pPrebalancingSequence != nullptr) {
         bSaved = CommitAndSave();
         m_pPrebalancingSequence.reset();
-        KillTimer(eSilenceTimer);  // the configuration isn't shown again, which would do it
+        KillTimer(eWatchTimer);  // the configuration isn't shown again, which would do it
         m_Menu = Menus::eNone;
         if (CWnd* const pParent = GetParent()) {
             pParent->SendMessage(WM_RV_SETMENU, static_cast<WPARAM>(m_Menu));

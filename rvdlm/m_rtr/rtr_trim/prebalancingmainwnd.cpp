@@ -3,6 +3,7 @@
 
 #include <span>
 #include <utility>
+#include <vector>
 
 #include "platform/rvcom/rvcom.h"
 #include "platform/rvldb/gettext.h"
@@ -43,6 +44,7 @@ private:
 
 const CPreBalancingMainWnd::CMessageMapEntry CPreBalancingMainWnd::ms_MessageMap[] = {
     {WM_CREATE, WM_CREATE, "OnCreate", &CPreBalancingMainWnd::OnCreate},
+    {WM_DESTROY, WM_DESTROY, "OnDestroy", &CPreBalancingMainWnd::OnDestroy},
     {WM_SIZE, WM_SIZE, "OnSize", &CPreBalancingMainWnd::OnSize},
     {WM_PAINT, WM_PAINT, "OnPaint", &CPreBalancingMainWnd::OnPaint},
     {WM_TIMER, WM_TIMER, "OnTimer", &CPreBalancingMainWnd::OnTimer},
@@ -59,7 +61,10 @@ const CPreBalancingMainWnd::CMessageMapEntry CPreBalancingMainWnd::ms_MessageMap
 CPreBalancingMainWnd::CPreBalancingMainWnd(CMainWndMakers Makers)
     : m_Makers(std::move(Makers)),
       m_tabCtrl(*this),
-      m_HelpFormat("mk:@MSITStore:" + GetHelpDirectory().GetText() + "\\%s_Falconet.chm::/%s.htm") {}
+      m_HelpFormat("mk:@MSITStore:" + GetHelpDirectory().GetText() + "\\%s_Falconet.chm::/%s.htm"),
+      m_ModuleWatch([this](std::span<const std::uint8_t> Question) {
+          SendRawData(Question.data(), static_cast<std::uint32_t>(Question.size()));
+      }) {}
 
 CPreBalancingMainWnd::~CPreBalancingMainWnd() {
     rvCOM::Forget(this);
@@ -68,6 +73,7 @@ CPreBalancingMainWnd::~CPreBalancingMainWnd() {
     }
     // The procedure refers to the entry that the tabs' database owns.
     m_pPrebalancingSequence.reset();
+    LeaveNC();
 }
 
 LRESULT CPreBalancingMainWnd::WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) {
@@ -118,8 +124,8 @@ CRect CPreBalancingMainWnd::GetBrowserRect() const {
 }
 
 LRESULT CPreBalancingMainWnd::OnTimer(WPARAM wParam, LPARAM) {
-    if (wParam == eSilenceTimer) {
-        WatchForSilence();
+    if (wParam == eWatchTimer) {
+        WatchModules();
         return 0;
     }
     if (wParam != eHelpTimer) {
@@ -149,12 +155,20 @@ LRESULT CPreBalancingMainWnd::OnInitWindow(WPARAM wParam, LPARAM lParam) {
     const CInitFlags Flags(lParam);
     LoadWeightPositions();
     CreateMapper(m_ModuleAddress, Flags);
+    std::vector<std::uint8_t> Modules = {static_cast<std::uint8_t>(m_ModuleAddress)};
+    if (Flags.IsKestrel() && Flags.HasSlave()) {
+        Modules.push_back(Flags.GetSlaveAddress());
+    }
+    m_ModuleWatch.SetModules(Modules);
 
     m_tabCtrl.SetBalancingMode(Flags.GetBalancingMode());
     m_tabCtrl.SetPlane(Flags.GetPlane());
     m_tabCtrl.ShowWindow(true);
     m_tabCtrl.SetCurSel(0);
     m_tabCtrl.UpdateTabSelection();
+    if (!m_Browser.IsWindow()) {
+        m_Browser.Create(this, GetBrowserRect(), eBrowserId);  // a run that the host ended took it along
+    }
 
     if (m_pCommunicationIF != nullptr) {
         const int Sent = m_pCommunicationIF->QueryModuleIdentification();
@@ -190,9 +204,12 @@ LRESULT CPreBalancingMainWnd::OnRawData(WPARAM wParam, LPARAM lParam) {
     const CBufferGuard Guard(static_cast<std::uint16_t>(Buffer[0] | (Buffer[1] << 8U)));
     const std::span<const std::uint8_t> Frame = Buffer.subspan(eHeader);
     if (m_pCommunicationIF != nullptr && !Frame.empty() && Frame[0] != eReservedCommand) {
-        const bool bSlave = Frame.size() > 1 && Frame[1] != m_ModuleAddress;
-        m_SilenceWatches[bSlave ? 1 : 0].OnFrame();
-        m_pCommunicationIF->PutReceivedModuleData(Frame.data(), static_cast<std::uint32_t>(Frame.size()));
+        if (m_ModuleWatch.OnFrame(Frame)) {
+            m_pCommunicationIF->PutReceivedModuleData(Frame.data(), static_cast<std::uint32_t>(Frame.size()));
+        }
+        if (m_ModuleWatch.IsSilent()) {
+            WatchModules();  // this frame may end the silence
+        }
     }
     return 0;
 }

@@ -1,5 +1,4 @@
 #pragma once
-#include <array>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -16,11 +15,11 @@
 #include "rvdlm/m_rtr/rtr_trim/mainwndmakers.h"
 #include "rvdlm/m_rtr/rtr_trim/menus.h"
 #include "rvdlm/m_rtr/rtr_trim/methods/weightpositionstore.h"
+#include "rvdlm/m_rtr/rtr_trim/modulewatch.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/prebalancing.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/prebalmainwndinterface.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalconfigtabs.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalnotification.h"
-#include "rvdlm/m_rtr/rtr_trim/silencewatch.h"
 #include "rvlib/rvgui/proptree/dynamichelpif.h"
 
 /// The module's window. It owns all else, and every event of the module enters through it: messages of the
@@ -43,8 +42,8 @@ public:
     /// Timer that holds the help back, and its period in ms.
     static constexpr UINT eHelpTimer = 1;
     static constexpr UINT eHelpDelay = 350;
-    /// Timer of the silence watch; runs while a procedure does.
-    static constexpr UINT eSilenceTimer = 2;
+    /// Timer of the module watch; runs while a procedure does.
+    static constexpr UINT eWatchTimer = 2;
 
     /// Makers: what mapper and procedure are made with.
     explicit CPreBalancingMainWnd(CMainWndMakers Makers = {});
@@ -126,6 +125,7 @@ private:
     LRESULT OnRawData(WPARAM wParam, LPARAM lParam);
     LRESULT OnModuleAction(WPARAM wParam, LPARAM lParam);
     LRESULT SetPrebalancingState(WPARAM wParam, LPARAM lParam);
+    LRESULT OnDestroy(WPARAM wParam, LPARAM lParam);
     LRESULT OnDestroyPending(WPARAM wParam, LPARAM lParam);
     LRESULT OnDBInitDone(WPARAM wParam, LPARAM lParam);
     LRESULT OnQueryProgress(WPARAM wParam, LPARAM lParam);
@@ -140,9 +140,14 @@ private:
 
     // Query chain
     void OnFirstSet(const CSet& rSet);
-    /// Frames that stay away while the spindle turns count as a lost lock: the measurement waits, and begins
-    /// anew when frames come again and the module has told its state.
-    void WatchForSilence();
+    /// Readings that stay away count as a lost lock: the measurement waits, and begins anew when they come
+    /// again and the modules have told their state.
+    void WatchModules();
+    /// Whether there is a procedure that lock and validity of the speed matter to at present.
+    bool DependsOnModules() const;
+    /// The lock as a procedure may count on it.
+    int GetOutOfLock() const { return m_OutOfLock != 0 || m_ModuleWatch.IsSilent() ? 1 : 0; }
+    void UpdateWatchConditions() { m_ModuleWatch.OnConditions(m_CurrentRPM != 0, m_OutOfLock == 0); }
     /// A procedure to abort: the running one, or with a configuration on hand one started for the purpose.
     bool EnsureSequence();
 
@@ -153,9 +158,12 @@ private:
     void TerminatePrebalancingSequence();
     void ShowConfiguration();
     void HideConfiguration();
+    void BeginWatch();
     /// Saves the run's result if it is to be kept; whether it was.
     bool CommitAndSave();
     bool IsCalibrated() const;
+    /// Whether the set's speeds are the rotor's own.
+    bool IsSetUsable() const;
 
     // Painting
     void Repaint(unsigned Mask);
@@ -175,6 +183,8 @@ private:
     // NC
     void ConnectOpc();
     void SendStep(CPreBalNotification::Step Step);
+    /// Tells the NC that this window works no more, unless that was told.
+    void LeaveNC();
     void ResetNotificationFromNC(std::int32_t nErrorCode);
     std::int32_t OnNCStartPreBalancing();
     std::int32_t OnNCStartReBalancing();
@@ -199,6 +209,5 @@ private:
     std::unique_ptr<CPreBalInterfaceToNCWarnings> m_pInterfaceToNCWarnings;
     CWeightPositionStore m_WeightPositions;
     std::int32_t m_Menu = Menus::eNone;  ///< last given to SetMenu
-    /// Of the module and, in a pair, of the slave: one that speaks doesn't cover for one that is silent.
-    std::array<CSilenceWatch, 2> m_SilenceWatches;
+    CModuleWatch m_ModuleWatch;
 };

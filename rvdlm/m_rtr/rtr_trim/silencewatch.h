@@ -1,76 +1,51 @@
 #pragma once
+#include <cstddef>
 #include <cstdint>
+#include <optional>
+#include <vector>
 
-/// Finds out that frames of the module stay away while the spindle turns. The sampling takes the latest
-/// reading at a fixed rate, so without this a lost line would let it average a stale one.
+/// Finds out that a plane's readings stay away although the spindle turns and the electronics is in lock. The
+/// sampling takes the latest reading at a fixed rate, so without this a dead line would be averaged as if it
+/// were a steady rotor.
 ///
-/// And finds out that the module's state is old: modules report it on change only, so a single lost frame
-/// would leave a procedure waiting for a lock that is long there, or measuring without one. The window asks
-/// Tick at a fixed period; no clock of its own.
+/// Modules report at rates of their own, so silence is judged by the periods of this module's last reports.
+/// While these aren't known the longest one is assumed that a module may have. Readings from before the lock
+/// count for nothing: until the first one in lock has come, the limit is when sampling is about to begin.
+///
+/// No clock of its own. All times in ms, Now is that of the event loop.
 class CSilenceWatch {
 public:
-    /// Period of Tick, ms.
-    static constexpr std::uint32_t ePeriod = 250;
-    /// Silence that counts, ms: modules report ten to twenty times a second, and the shortest useful window
-    /// of samples is longer than this, so that it can't be filled with one stale reading.
-    static constexpr std::uint32_t eLimit = 1000;
-    /// A request is repeated for so long before it is given up, ms.
-    static constexpr std::uint32_t eRequestLife = 2000;
-    /// A state older than this is asked for, ms: well before a measurement (3000 ms of settling, then the
-    /// samples) can be through on a wrong one.
-    static constexpr std::uint32_t eStateLife = 2000;
+    /// No silence shorter than this counts: less than the shortest useful window of samples lasts, so that it
+    /// can't be filled with one stale reading of a module that reports many times a second.
+    static constexpr std::uint64_t eShortestLimit = 1000;
+    /// The slowest module reports once in so long. What is a quarter longer is no period but an outage.
+    static constexpr std::uint64_t eLongestPeriod = 5000;
+    /// For the first reading in lock: settling takes 3000, then a reading is asked for, and may be answered late.
+    static constexpr std::uint64_t eFirstReading = 3900;
 
-    enum class Finding {
-        eNothing,
-        eFellSilent,  ///< once: the readings are stale from now on
-        eStateIsOld,  ///< the module's state is to be asked for; repeated until it comes
-        eSpeaksAgain  ///< frames come again, and the module's state is to be asked for; repeated until it is
-                      ///< known
-    };
-
-    /// A frame of the module has come.
-    void OnFrame() { m_bHeard = m_bEverHeard = true; }
-    /// The module's state is known: whatever it says counts from here on.
-    void OnModuleState() {
-        m_bSilent = m_bWrongState = false;
-        m_StateAge = 0;
-    }
-    /// The module can't be worked with: nothing to ask for until it says that it can.
-    void OnWrongState() { m_bWrongState = true; }
+    /// A run begins, or the readings aren't of interest any more: nothing is known.
+    void Begin() { *this = CSilenceWatch(); }
+    /// Speed or lock have changed, or may have.
+    void OnConditions(std::uint64_t Now, bool bTurning, bool bInLock);
+    /// A reading has come. bReport: the module sent it by itself; answers say nothing of its period.
+    void OnReading(std::uint64_t Now, bool bReport);
+    /// Looks at the time that has passed; true if the plane is silent.
+    bool Tick(std::uint64_t Now);
     bool IsSilent() const { return m_bSilent; }
-
-    /// bTurning: with the spindle at rest a module has nothing to report.
-    Finding Tick(bool bTurning) {
-        const bool bHeard = m_bHeard;
-        m_bHeard = false;
-        m_Quiet = bHeard || !bTurning ? 0 : m_Quiet + ePeriod;
-        m_SinceAsked += ePeriod;
-        if (m_bSilent) {
-            if (bHeard && m_SinceAsked > eRequestLife) {
-                m_SinceAsked = 0;
-                return Finding::eSpeaksAgain;
-            }
-            return Finding::eNothing;
-        }
-        if (m_bEverHeard && m_Quiet >= eLimit) {
-            m_bSilent = true;
-            m_SinceAsked = eRequestLife;
-            return Finding::eFellSilent;
-        }
-        m_StateAge = m_bEverHeard && bTurning && !m_bWrongState ? m_StateAge + ePeriod : 0;
-        if (m_StateAge >= eStateLife) {
-            m_StateAge = 0;
-            return Finding::eStateIsOld;
-        }
-        return Finding::eNothing;
-    }
+    /// Silence that would count now.
+    std::uint64_t GetLimit() const;
 
 private:
-    bool m_bEverHeard = false;
-    bool m_bHeard = false;
+    /// So many of the last periods tell the rate: a single slip doesn't, and a module that changes its rate
+    /// is soon known again.
+    static constexpr std::size_t ePeriods = 4;
+
+    static constexpr std::uint64_t WithTolerance(std::uint64_t Period) { return Period + Period / 4; }
+
+    bool m_bExpected = false;  ///< readings are to come: the spindle turns, in lock
+    bool m_bFirst = true;      ///< none has come since then
     bool m_bSilent = false;
-    bool m_bWrongState = false;
-    std::uint32_t m_StateAge = 0;
-    std::uint32_t m_Quiet = 0;
-    std::uint32_t m_SinceAsked = 0;
+    std::uint64_t m_Since = 0;  ///< the last reading, or when the first one became due
+    std::optional<std::uint64_t> m_LastReport;
+    std::vector<std::uint64_t> m_Periods;  ///< the last one at the end
 };

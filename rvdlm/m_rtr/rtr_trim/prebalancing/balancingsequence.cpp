@@ -159,6 +159,26 @@ void CBalancingSequence::GetProgress(CPreBalProgress& rProgress) const {
     }
 }
 
+bool CBalancingSequence::DependsOnModuleState() const {
+    const Sequence::CState* pState = m_rTables.FindState(m_State);
+    if (pState == nullptr) {
+        return false;
+    }
+    switch (pState->m_Role) {
+        case Sequence::eIdle:
+        case Sequence::eFailureWithNoReturn:
+        case Sequence::eFailureWithReset:
+        case Sequence::eNeutralPosSpindleStop:
+        case Sequence::eTestUnbalanceSpindleStop:
+        case Sequence::ePreBalanceSpindleStop:
+        case Sequence::eReBalanceSpindleStop:
+        case Sequence::eReBalanceSpindleStopCheckWeights:
+            return false;
+        default:
+            return true;
+    }
+}
+
 int CBalancingSequence::SetEvent(EVENTS Event) {
     m_Event = Event;
     int Result = 0;

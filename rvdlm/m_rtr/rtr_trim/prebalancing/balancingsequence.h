@@ -56,6 +56,7 @@ public:
     void InvalidRPM(int bInvalid) override;
     void OutOfLock(int bNotLocked) override;
     void GetProgress(CPreBalProgress& rProgress) const override;
+    bool DependsOnModuleState() const override;
     /// Raises eXYValueChanged for every plane, so that all of them take a sample in the same tick.
     void OnMeasurementTick() override;
     /// No sample of before is part of the measurement; a procedure also restarts its mathematics.
@@ -83,6 +84,9 @@ protected:
         std::uint32_t m_nMeasured = 0;  ///< samples in a row, up to the present one, of such readings
     };
 
+    /// Whether a test run can be worked with, as the mathematics tells.
+    static constexpr std::uint32_t eUsable = 0;
+    static constexpr std::uint32_t eNoInfluence = 1;
     /// What a test run yields.
     struct CCalibration {
         Matrix m_InvA;
@@ -141,8 +145,8 @@ protected:
     virtual void ApplyNeutralPositionXYValues() = 0;
     /// The means as they stand are the test of that leg.
     virtual void SetTestPositions(std::size_t Leg) = 0;
-    /// The test run of that leg is measured: 0 usable, 1 not, anything else impossible. rCalibration is what
-    /// the last leg yields. May throw math::matrix_error.
+    /// The test run of that leg is measured: eUsable or eNoInfluence, anything else is impossible.
+    /// rCalibration is what the last leg yields. May throw math::matrix_error.
     virtual std::uint32_t FinishTestRun(std::size_t Leg, CCalibration& rCalibration) = 0;
     /// The compensation (per plane) that the reading asks for, with the stored calibration.
     virtual std::vector<Matrix> CalculateRebalance() = 0;

@@ -10,10 +10,6 @@
 
 namespace {
 
-// Verdicts on a test run.
-constexpr std::uint32_t eUsable = 0;
-constexpr std::uint32_t eNoInfluence = 1;
-
 bool IsFiniteMatrix(const math::matrix<double>& rMatrix) {
     for (std::uint32_t i = 0; i < rMatrix.RowNo(); ++i) {
         for (std::uint32_t j = 0; j < rMatrix.ColNo(); ++j) {

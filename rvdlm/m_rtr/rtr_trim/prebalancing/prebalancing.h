@@ -66,6 +66,9 @@ public:
     virtual void OutOfLock(int /*bNotLocked*/) {}
     /// Where the run stands, for the host.
     virtual void GetProgress(CPreBalProgress& rProgress) const;
+    /// Whether lock and validity of the speed lead on, or hold up, what the run does now; not while it waits
+    /// for the spindle to stop.
+    virtual bool DependsOnModuleState() const { return true; }
 
 protected:
     /// rSecondTitle: the name of the set, may be empty.

@@ -36,8 +36,10 @@ std::string FindFault(const CScrewCompensationTableEntry& rScrews) {
     return {};
 }
 
-/// Whether the means of the mode's planes can be worked with. If not, log and operator are told.
-bool CanBalance(const PreBalDB::CPreBalBaseTableEntry& rEntry, bool bTwoPlane) {
+}  // namespace
+
+bool CanBalance(CPreBalDatabase::BalancingMode Mode, const PreBalDB::CPreBalBaseTableEntry& rEntry) {
+    const bool bTwoPlane = Mode == CPreBalDatabase::eModeTwoPlane;
     std::array<const CScrewCompensationTableEntry*, 2> Screws{};
     if (const auto* pPlanes = rEntry.GetTwoPlane(); bTwoPlane && pPlanes != nullptr) {
         Screws = {pPlanes->GetPlane1ScrewCompensationTableEntry(),
@@ -56,15 +58,10 @@ bool CanBalance(const PreBalDB::CPreBalBaseTableEntry& rEntry, bool bTwoPlane) {
     return true;
 }
 
-}  // namespace
-
 std::unique_ptr<CPreBalancing> MakeProcedure(CPreBalDatabase::BalancingMode Mode,
                                              CPreBalMainWndInterface* pMainWnd,
                                              PreBalDB::CPreBalBaseTableEntry& rEntry,
                                              const std::string& rSetName) {
-    if (!CanBalance(rEntry, Mode == CPreBalDatabase::eModeTwoPlane)) {
-        return nullptr;
-    }
     switch (Mode) {
         case CPreBalDatabase::eModePlane1:
             return std::make_unique<CSinglePlaneBalancing>(pMainWnd, 0, rEntry, rSetName);

@@ -3,6 +3,7 @@
 #include "rvdlm/m_rtr/rtr_trim/log.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/twoplanebalancingmath.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/twoplanetables.h"
+#include "rvdlm/m_rtr/rtr_trim/prebalancing/weightpair.h"
 
 namespace {
 
@@ -110,6 +111,7 @@ CBalancingSequence::CPlane CTwoPlaneBalancing::CreatePlane2Method() {
 }
 
 void CTwoPlaneBalancing::SetOpposedFirstPositions() {
+    m_FirstPositions.assign(2, math::MakeVector(0.0, 180.0));
     m_pMath->SetRawUnbalanceVectors(GetMethod(ePlane1).GetScalingDirection(),
                                     GetMethod(ePlane2).GetScalingDirection());
 }
@@ -213,6 +215,7 @@ int CTwoPlaneBalancing::AddSample(std::size_t Plane) {
 }
 
 void CTwoPlaneBalancing::SetFirstPositions(const std::vector<Matrix>& rPositions) {
+    m_FirstPositions = rPositions;
     m_pMath->SetRawUnbalanceVectorsAngles(rPositions.at(ePlane1), rPositions.at(ePlane2),
                                           GetMethod(ePlane1).GetScalingDirection(),
                                           GetMethod(ePlane2).GetScalingDirection());
@@ -224,26 +227,36 @@ void CTwoPlaneBalancing::ApplyNeutralPositionXYValues() {
 
 void CTwoPlaneBalancing::SetTestPositions(std::size_t Leg) {
     CPlaneBalancingMethod& rMethod = GetMethod(Leg);
+    const Matrix* const pPositions = rMethod.GetTestUnbalanceVectorInDeg();
+    m_bTestChanges.at(Leg) = IsTestChange(Leg, pPositions);
     if (Leg == ePlane1) {
-        m_pMath->SetTestUnbalanceVectorCase1(rMethod.GetTestUnbalanceVectorInDeg(),
-                                             rMethod.GetScalingDirection());
+        m_pMath->SetTestUnbalanceVectorCase1(pPositions, rMethod.GetScalingDirection());
     } else {
-        m_pMath->SetTestUnbalanceVectorCase2(rMethod.GetTestUnbalanceVectorInDeg(),
-                                             rMethod.GetScalingDirection());
+        m_pMath->SetTestUnbalanceVectorCase2(pPositions, rMethod.GetScalingDirection());
     }
 }
 
 std::uint32_t CTwoPlaneBalancing::FinishTestRun(std::size_t Leg, CCalibration& rCalibration) {
+    // The mathematics doesn't look at the weights' effect. Weights that weren't moved can have none, and that
+    // is told right behind their own leg.
     std::uint32_t Status = 0;
     if (Leg == ePlane1) {
         m_pMath->ApplyTestPlusRawUnbalanceXYValuesCase1(Status);
-        return Status;
+        return m_bTestChanges.at(Leg) ? Status : eNoInfluence;
     }
     rCalibration.m_InvA.SetSize(4, 4);
     rCalibration.m_UA.assign(2, Matrix(2, 1));
     m_pMath->GetPrebalanceResult(rCalibration.m_InvA, rCalibration.m_UA[ePlane1], rCalibration.m_UA[ePlane2],
                                  Status);
-    return Status;
+    return m_bTestChanges.at(Leg) ? Status : eNoInfluence;
+}
+
+bool CTwoPlaneBalancing::IsTestChange(std::size_t Plane, const Matrix* pPositions) const {
+    // Far below what a single degree changes, far above what rounding leaves of weights that changed places.
+    constexpr double eNoChange = 0.001;
+    return pPositions == nullptr ||
+           math::VectorLength(CWeightPair(*pPositions).GetSum() -
+                              CWeightPair(m_FirstPositions.at(Plane)).GetSum()) > eNoChange;
 }
 
 std::vector<CBalancingSequence::Matrix> CTwoPlaneBalancing::CalculateRebalance() {

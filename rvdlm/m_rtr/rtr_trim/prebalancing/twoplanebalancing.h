@@ -1,10 +1,13 @@
 #pragma once
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/balancingmathif.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/balancingsequence.h"
+#include "rvlib/math/vector.h"
 
 /// The guided procedure that balances two coupled planes of a rotor: pre-balancing in 15 or 16 steps, with a
 /// test leg for each plane, and re-balancing in 5 or 7 steps, which reuses the stored influence. Its states
@@ -100,8 +103,14 @@ private:
     CPlane CreatePlane2Method();
     void Initialise();
     void SetOpposedFirstPositions();
+    /// Whether a plane's weights, 2 by 1 in degrees, stand otherwise than in the first measurement; null: a
+    /// test screw, which does.
+    bool IsTestChange(std::size_t Plane, const Matrix* pPositions) const;
     CPlaneBalancingMethod& GetMethod(std::size_t Plane) { return *GetPlane(Plane).m_pMethod; }
     PreBalDB::CTwoPlaneBalancingTableEntry& GetTableEntry() { return m_pEntry->CreateTwoPlane(); }
 
     std::unique_ptr<CTwoPlaneBalancingMathIF> m_pMath;
+    /// Per plane: the weights in the first measurement (2 by 1, degrees), and whether the test moved them.
+    std::vector<Matrix> m_FirstPositions{2, math::MakeVector(0.0, 180.0)};
+    std::array<bool, 2> m_bTestChanges{true, true};
 };

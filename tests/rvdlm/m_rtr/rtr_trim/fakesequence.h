@@ -17,6 +17,7 @@ struct CFakeSequenceRecord {
     int m_KeyTaken = 1;
     bool m_bCommit = false;
     bool m_bFailureWithNoReturn = false;
+    bool m_bDependsOnModuleState = true;
     /// Thrown by the next operation, if not empty.
     std::string m_Throw;
     /// Painted over the whole pane by Paint.
@@ -58,6 +59,7 @@ public:
         return m_rRecord.m_bCommit;
     }
     bool IsFailureWithNoReturn() const override { return m_rRecord.m_bFailureWithNoReturn; }
+    bool DependsOnModuleState() const override { return m_rRecord.m_bDependsOnModuleState; }
     void Paint(CDC* pDC, const CRect& rRect, unsigned Mask) override {
         m_rRecord.m_Calls.push_back("Paint " + std::to_string(Mask));
         if (Mask == ePaintAll) {

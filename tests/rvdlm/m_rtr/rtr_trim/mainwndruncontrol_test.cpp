@@ -79,6 +79,25 @@ TEST_F(CMainWndRunControlTest, AStartWithoutConfigurationIsAsserted) {
     EXPECT_TRUE(m_pWnd->GetTabs().IsWindowVisible());
 }
 
+// Refusing to start is right, refusing to show an abort is not.
+TEST_F(CMainWndRunControlTest, ScrewsThatCantBeUsedKeepARunFromStartingButNotAnAbortFromBeingShown) {
+    Open();
+    m_pWnd->GetTabs()
+        .GetCurrentBaseEntry()
+        ->CreateSinglePlane()
+        .CreateScrewCompensationTableEntry()
+        .SetNumberOfHoles(1);
+    TakeShownMessages();
+    Act(102);
+    EXPECT_EQ(m_pWnd->GetSequence(), nullptr);
+    EXPECT_TRUE(m_pWnd->GetTabs().IsWindowVisible());
+    EXPECT_EQ(TakeShownMessages().size(), 1U);
+    ReportState(0, 0, 1);
+    ReportSet(MakeSet(3));
+    EXPECT_THAT(GetSequenceCalls(), ElementsAre("AbortBalancing 11", "AbortBalancing 1"));
+    EXPECT_THAT(TakeShownMessages(), IsEmpty());
+}
+
 TEST_F(CMainWndRunControlTest, TheProcedureGetsTheModeAndTheSetName) {
     Open(eLannerPlane2);
     Act(102);
@@ -137,27 +156,6 @@ TEST_F(CMainWndRunControlTest, DestroyPendingDropsAnUnfinishedRun) {
     EXPECT_TRUE(IsStoredCalibrated(Key));
 }
 
-// In a run the window asks a module that speaks, but never of its state, for that; behind it no more.
-TEST_F(CMainWndRunControlTest, DestroyPendingEndsTheWatchForSilence) {
-    Open();
-    ReportRPM(0, 3000);
-    Act(102);
-    const auto CountQueriesIn3Seconds = [this] {
-        m_Module.m_Calls.clear();
-        for (int i = 0; i < 12; ++i) {
-            // The buffer's handle, an unused byte, and a frame.
-            const std::vector<std::uint8_t> Buffer = {0, 0, 0, 0x1C, 5, 1, 0};
-            m_pWnd->SendMessage(WM_RV_RAWDATA_FIRST, reinterpret_cast<WPARAM>(Buffer.data()),
-                                static_cast<LPARAM>(Buffer.size()));
-            m_Loop.Advance(250);
-        }
-        return std::ranges::count(m_Module.m_Calls, "state");
-    };
-    EXPECT_EQ(CountQueriesIn3Seconds(), 1);
-    DestroyPending();
-    EXPECT_EQ(CountQueriesIn3Seconds(), 0);
-}
-
 TEST_F(CMainWndRunControlTest, DestroyPendingWithoutDatabaseOnlyClears) {
     LinkOpc();
     Create();
@@ -182,6 +180,40 @@ TEST_F(CMainWndRunControlTest, AfterDestroyPendingTheWindowMayBeInitialisedAnew)
     EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
     Act(102);
     EXPECT_THAT(m_ProcedureModes, ElementsAre(1));
+}
+
+// The run took the help pane along; the next start finds everything in place.
+TEST_F(CMainWndRunControlTest, AfterARunThatTheHostEndedTheWindowIsCompleteAgain) {
+    Open();
+    Act(102);
+    DestroyPending();
+    ASSERT_FALSE(m_pWnd->GetBrowser().IsWindow());
+    Init();
+    EXPECT_TRUE(m_pWnd->GetBrowser().IsWindowVisible());
+    EXPECT_EQ(m_pWnd->GetBrowser().GetRect(), CRect(300, 0, 600, 440));
+    Identify();
+    ReportSet(MakeSet());
+    Act(102);
+    EXPECT_NE(m_pWnd->GetSequence(), nullptr);
+    EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
+}
+
+TEST_F(CMainWndRunControlTest, WindowDestroyedInARunWithoutAWordLeavesTheNCInactive) {
+    LinkOpc();
+    Open();
+    Act(102);
+    m_pWnd->NotifyConfigurationShown(true);
+    m_pWnd->DestroyWindow();
+    EXPECT_EQ(GetStep(), 0);
+    EXPECT_FALSE(m_Sequence.m_bAlive);
+}
+
+TEST_F(CMainWndRunControlTest, WindowDeletedInARunWithoutAWordLeavesTheNCInactive) {
+    LinkOpc();
+    Open();
+    Act(102);
+    m_pWnd.reset();
+    EXPECT_EQ(GetStep(), 0);
 }
 
 TEST_F(CMainWndRunControlTest, DestroyPendingHandsTheFocusToTheForegroundWindow) {

@@ -1,5 +1,6 @@
 #pragma once
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -71,8 +72,9 @@ public:
         (m_Plane == 2 ? rNotification.m_WeightsPlane2 : rNotification.m_WeightsPlane1) = {-1, -1, -1};
     }
     void GetWeightPositions(int& rAngleWeight1, int& rAngleWeight2) override {
-        rAngleWeight1 = static_cast<int>(m_Positions(0, 0));
-        rAngleWeight2 = static_cast<int>(m_Positions(1, 0));
+        const math::matrix<double>& rPositions = m_FirstPositions.value_or(m_Positions);
+        rAngleWeight1 = static_cast<int>(rPositions(0, 0));
+        rAngleWeight2 = static_cast<int>(rPositions(1, 0));
     }
 
     struct CSetUA {
@@ -87,6 +89,8 @@ public:
     double m_Percent = 0.0;
     bool m_bHasPositions = true;
     math::matrix<double> m_Positions = math::MakeVector(11, 22);
+    /// In the first measurement, if they are others.
+    std::optional<math::matrix<double>> m_FirstPositions;
     math::matrix<double> m_UA = math::MakeVector(0.25, -0.5);
     PreBalDB::CTypeBase::Direction m_Rotation = PreBalDB::CTypeBase::eClockwise;
     PreBalDB::CTypeBase::Direction m_Scaling = PreBalDB::CTypeBase::eCounterClockwise;

@@ -65,7 +65,7 @@ TEST_F(CProcedureChoiceTest, AnUnknownModeIsPlaneOneAfterAWarning) {
 }
 
 // The screws are the test's own, so that the table is what the message names.
-TEST_F(CProcedureChoiceTest, AScrewTableThatCantBeUsedStartsNothingAndTheOperatorIsTold) {
+TEST_F(CProcedureChoiceTest, AScrewTableThatCantBeUsedIsRefusedAndTheOperatorIsTold) {
     using Table = Base::CWDArray<PreBalDB::CScrew>;
     const std::pair<Table, std::string> Cases[] = {
         {{}, "PB_SCREW_TABLE_EMPTY"},
@@ -76,7 +76,7 @@ TEST_F(CProcedureChoiceTest, AScrewTableThatCantBeUsedStartsNothingAndTheOperato
         CScrewEntry Entry(rTable);
         TakeShownMessages();
         m_Log.Clear();
-        EXPECT_EQ(MakeProcedure(CPreBalDatabase::eModePlane1, &m_MainWnd, Entry.Base(), ""), nullptr);
+        EXPECT_FALSE(CanBalance(CPreBalDatabase::eModePlane1, Entry.Base()));
         const std::string Text = GetText(rKey) + " (table)";
         const std::vector<CShownMessage> Shown = TakeShownMessages();
         ASSERT_EQ(Shown.size(), 1U);
@@ -86,7 +86,7 @@ TEST_F(CProcedureChoiceTest, AScrewTableThatCantBeUsedStartsNothingAndTheOperato
     }
 }
 
-TEST_F(CProcedureChoiceTest, FewerHolesThanScrewsStartNothingAndTheOperatorIsTold) {
+TEST_F(CProcedureChoiceTest, FewerHolesThanScrewsAreRefusedAndTheOperatorIsTold) {
     struct CCase {
         std::uint32_t m_nHoles;
         std::uint8_t m_nScrews;
@@ -99,7 +99,7 @@ TEST_F(CProcedureChoiceTest, FewerHolesThanScrewsStartNothingAndTheOperatorIsTol
         CScrewEntry Entry({{"one", 1.0}}, rCase.m_nHoles, rCase.m_nScrews);
         TakeShownMessages();
         m_Log.Clear();
-        EXPECT_EQ(MakeProcedure(CPreBalDatabase::eModePlane1, &m_MainWnd, Entry.Base(), ""), nullptr);
+        EXPECT_FALSE(CanBalance(CPreBalDatabase::eModePlane1, Entry.Base()));
         const std::string Text = GetText("PB_TOO_FEW_HOLES") + rCase.m_Numbers;
         const std::vector<CShownMessage> Shown = TakeShownMessages();
         ASSERT_EQ(Shown.size(), 1U);
@@ -109,7 +109,7 @@ TEST_F(CProcedureChoiceTest, FewerHolesThanScrewsStartNothingAndTheOperatorIsTol
     }
 }
 
-TEST_F(CProcedureChoiceTest, TooFewHolesInEitherOfTwoPlanesStartNothing) {
+TEST_F(CProcedureChoiceTest, TooFewHolesInEitherOfTwoPlanesAreRefused) {
     for (const bool bSecond : {false, true}) {
         CScrewEntry Entry({{"one", 1.0}});
         auto& rPlanes = Entry.Base().CreateTwoPlane();
@@ -117,20 +117,38 @@ TEST_F(CProcedureChoiceTest, TooFewHolesInEitherOfTwoPlanesStartNothing) {
         auto& rScrews2 = rPlanes.CreatePlane2ScrewCompensationTableEntry();
         rScrews1.SetScrewTableName("table");
         rScrews2.SetScrewTableName("table");
-        EXPECT_NE(MakeProcedure(CPreBalDatabase::eModeTwoPlane, &m_MainWnd, Entry.Base(), ""), nullptr);
+        EXPECT_TRUE(CanBalance(CPreBalDatabase::eModeTwoPlane, Entry.Base()));
         EXPECT_THAT(TakeShownMessages(), IsEmpty());
         (bSecond ? rScrews2 : rScrews1).SetNumberOfHoles(1);
-        EXPECT_EQ(MakeProcedure(CPreBalDatabase::eModeTwoPlane, &m_MainWnd, Entry.Base(), ""), nullptr);
+        EXPECT_FALSE(CanBalance(CPreBalDatabase::eModeTwoPlane, Entry.Base()));
         EXPECT_EQ(TakeShownMessages().size(), 1U);
     }
 }
 
 // With as many holes as screws there is a placement, the only one.
-TEST_F(CProcedureChoiceTest, ScrewsThatCanBeUsedMakeAProcedure) {
+TEST_F(CProcedureChoiceTest, ScrewsThatCanBeUsedAreNotRefused) {
     for (const std::uint8_t nScrews : {std::uint8_t{2}, std::uint8_t{3}}) {
         CScrewEntry Entry({{"nothing", 0.0}, {"one", 1.0}}, nScrews, nScrews);
-        EXPECT_NE(MakeProcedure(CPreBalDatabase::eModePlane1, &m_MainWnd, Entry.Base(), ""), nullptr);
+        EXPECT_TRUE(CanBalance(CPreBalDatabase::eModePlane1, Entry.Base()));
         EXPECT_THAT(TakeShownMessages(), IsEmpty());
+    }
+    EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
+}
+
+// An abort is shown by a procedure, whatever it would have been balanced with.
+TEST_F(CProcedureChoiceTest, AnAbortIsShownAlsoWithScrewsThatCantBeUsed) {
+    using Table = Base::CWDArray<PreBalDB::CScrew>;
+    for (const std::uint32_t Warning : {1U, 9U, 11U}) {
+        for (const auto& [rTable, nHoles] :
+             {std::pair<Table, std::uint32_t>({}, 12), {{{"one", 1.0}}, 1}, {{}, 0}}) {
+            CScrewEntry Entry(rTable, nHoles);
+            const auto pProcedure = MakeProcedure(CPreBalDatabase::eModePlane1, &m_MainWnd, Entry.Base(), "");
+            ASSERT_NE(pProcedure, nullptr);
+            pProcedure->AbortBalancing(Warning);
+            EXPECT_TRUE(pProcedure->IsFailureWithNoReturn());
+            EXPECT_EQ(m_MainWnd.m_WarningModes.back(), Warning);
+            EXPECT_THAT(TakeShownMessages(), IsEmpty());
+        }
     }
     EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
 }

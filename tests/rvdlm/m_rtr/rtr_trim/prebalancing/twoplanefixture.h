@@ -135,6 +135,8 @@ protected:
         m_pMath = pMath.get();
         m_pMethod1->m_Positions = math::MakeVector(11, 22);
         m_pMethod2->m_Positions = math::MakeVector(33, 44);
+        m_pMethod1->m_FirstPositions = math::MakeVector(10, 190);
+        m_pMethod2->m_FirstPositions = math::MakeVector(30, 210);
         m_pMethod2->m_UA = math::MakeVector(-0.5, 0.125);
         m_pMethod2->m_Scaling = PreBalDB::CTypeBase::eClockwise;
         m_pMethod1->m_bHasPositions = m_Means1 == PreBalDB::CCompensationTableEntry::eWeights;
