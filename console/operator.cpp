@@ -14,9 +14,17 @@ COperator::~COperator() {
 }
 
 void COperator::OnLook(const CSituation& rSituation) {
-    if (!m_bBusy) {
+    const bool bSpeedAsked = rSituation.m_Notification.GetAction() == CPreBalCodes::eSetSpindleSpeed;
+    if (!m_bBusy && !(bSpeedAsked && m_pMachine != nullptr && !IsAtSpeed(rSituation))) {
         Act(rSituation, ChooseDeed(rSituation));
     }
+}
+
+bool COperator::IsAtSpeed(const CSituation& rSituation) const {
+    const std::uint32_t Wanted = m_CommandedSpeed.value_or(m_WorkingSpeed);
+    const std::uint32_t Slip = Wanted / 20;
+    const std::uint32_t Shown = rSituation.m_Progress.m_CurrentRPM;
+    return Shown + Slip >= Wanted && Shown <= Wanted + Slip;
 }
 
 void COperator::Act(const CSituation& rSituation, Deed ToDo) {

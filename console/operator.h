@@ -38,6 +38,8 @@ private:
     void Act(const CSituation& rSituation, Deed ToDo);
     void Command(const nlohmann::json& rRequest, std::function<void()> OnDone);
     void SetSpeed(std::uint32_t RPM);
+    /// Whether the page shows the speed that was commanded: a module may report it seconds later.
+    bool IsAtSpeed(const CSituation& rSituation) const;
     void FitWeights(const CSituation& rSituation);
     /// Fits the planes from this place of m_ToFit on, then confirms.
     void FitFrom(std::size_t Place);

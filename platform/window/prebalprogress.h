@@ -17,6 +17,7 @@ struct CPreBalProgress {
     std::uint32_t m_WarningMode = 0;
     std::string m_Warning;  ///< the text on the page, empty without a warning
     std::int32_t m_Menu = -1;
+    std::uint32_t m_CurrentRPM = 0;  ///< as the page shows it
     std::uint32_t m_CalibratedRPM = 0;
     std::uint32_t m_TargetUnbalance = 0;
     /// The smoothed reading per plane, in counts and degrees (0 up to but excluding 360).

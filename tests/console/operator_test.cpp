@@ -91,6 +91,24 @@ TEST_F(OperatorTest, SpeedIsCommandedOnce) {
     EXPECT_THAT(m_Machine.m_Requests, ElementsAre(R"({"speed":0})"));
 }
 
+// The measurement is made at the speed on show: one that reports come late of isn't confirmed before.
+TEST_F(OperatorTest, SpeedIsConfirmedOnceThePageShowsIt) {
+    COperator Operator(m_Panel, &m_Machine, 3000);
+    Operator.Start();
+    m_Panel.Ask(CNotification::eNone, eMenuWait);
+    m_Loop.Advance(500);
+    for (const std::uint32_t RPM : {0U, 1500U, 2800U}) {
+        m_Panel.m_Situation.m_Progress.m_CurrentRPM = RPM;
+        m_Panel.Ask(CNotification::eSetSpindleSpeed, eMenuConfirm);
+        m_Loop.Advance(2000);
+        EXPECT_THAT(m_Panel.m_Keys, IsEmpty()) << RPM;
+    }
+    m_Panel.m_Situation.m_Progress.m_CurrentRPM = 2990;
+    m_Loop.Advance(250);
+    EXPECT_THAT(m_Panel.m_Keys, ElementsAre(Softkeys::eActionNext));
+    EXPECT_THAT(m_Machine.m_Requests, ElementsAre(R"({"speed":3000})"));
+}
+
 TEST_F(OperatorTest, RefusalOfTheMachineEndsTheRunWithItsReason) {
     COperator Operator(m_Panel, &m_Machine, 3000);
     m_Machine.m_Answer = {{"error", "the door is open"}};

@@ -13,13 +13,12 @@ constexpr std::uint8_t eAnyAddress = 0;
 }  // namespace
 
 void CStateQuestion::Begin() {
-    m_AskedAt.reset();
     m_WaitingSince.reset();
 }
 
 bool CStateQuestion::IsDue(std::uint64_t Now, std::uint64_t Since) const {
     const bool bKnown = m_KnownAt && *m_KnownAt >= Since && Now - *m_KnownAt < eStateLife;
-    return !bKnown && (!m_AskedAt || Now - *m_AskedAt >= eRepeat);
+    return !bKnown && (!m_WaitingSince || Now - m_AskedAt >= eRepeat);
 }
 
 CStateQuestion::Question CStateQuestion::Ask(std::uint64_t Now, std::uint8_t TransmitAddress) {

@@ -59,8 +59,8 @@ private:
     void ForgetOld(std::uint64_t Now);
 
     std::uint8_t m_Address;
-    std::deque<CAsked> m_Asked;  ///< not answered yet, the oldest in front: modules answer in order
-    std::optional<std::uint64_t> m_AskedAt;
+    std::deque<CAsked> m_Asked;   ///< not answered yet, the oldest in front: modules answer in order
+    std::uint64_t m_AskedAt = 0;  ///< the last question
     std::optional<std::uint64_t> m_WaitingSince;  ///< the first question since the last answer
     std::optional<std::uint64_t> m_KnownAt;
     std::uint64_t m_HeardAt = 0;        ///< any frame

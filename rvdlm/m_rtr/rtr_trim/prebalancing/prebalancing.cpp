@@ -93,6 +93,7 @@ void CPreBalancing::GetProgress(CPreBalProgress& rProgress) const {
     rProgress.m_WarningMode = GetWarningMode();
     rProgress.m_Warning = GetWarningText();
     rProgress.m_Menu = m_pMainWnd->GetMenu();
+    rProgress.m_CurrentRPM = GetCurrentRPM();
     rProgress.m_CalibratedRPM = m_pEntry->GetCalibratedRPM();
     rProgress.m_TargetUnbalance = m_pEntry->GetTargetUnbalance();
 }
