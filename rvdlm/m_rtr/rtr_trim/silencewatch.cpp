@@ -17,6 +17,12 @@ void CSilenceWatch::OnConditions(std::uint64_t Now, bool bTurning, bool bInLock)
 }
 
 void CSilenceWatch::OnReading(std::uint64_t Now, bool bReport) {
+    // A question that was repeated has further answers, and these count as reports.
+    constexpr std::uint64_t eRequestLife = 2000;
+    if (!bReport) {
+        m_AnsweredAt = Now;
+    }
+    bReport = bReport && !(m_AnsweredAt && Now - *m_AnsweredAt < eRequestLife);
     if (bReport && m_LastReport && Now - *m_LastReport <= WithTolerance(eLongestPeriod)) {
         m_Periods.push_back(Now - *m_LastReport);
         if (m_Periods.size() > ePeriods) {

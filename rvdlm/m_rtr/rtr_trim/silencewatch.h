@@ -20,7 +20,8 @@ public:
     static constexpr std::uint64_t eShortestLimit = 1000;
     /// The slowest module reports once in so long. What is a quarter longer is no period but an outage.
     static constexpr std::uint64_t eLongestPeriod = 5000;
-    /// For the first reading in lock: settling takes 3000, then a reading is asked for, and may be answered late.
+    /// For the first reading in lock: settling takes 3000, then a reading is asked for, and may be answered
+    /// late.
     static constexpr std::uint64_t eFirstReading = 3900;
 
     /// A run begins, or the readings aren't of interest any more: nothing is known.
@@ -47,5 +48,6 @@ private:
     bool m_bSilent = false;
     std::uint64_t m_Since = 0;  ///< the last reading, or when the first one became due
     std::optional<std::uint64_t> m_LastReport;
+    std::optional<std::uint64_t> m_AnsweredAt;
     std::vector<std::uint64_t> m_Periods;  ///< the last one at the end
 };
