@@ -52,7 +52,7 @@ private:
     std::vector<CFitting> m_ToFit;
     /// What m_ToFit was made for, as long as it is asked for: nothing is fitted twice only because the key to
     /// confirm it isn't there yet.
-    std::optional<CNotification> m_FittedFor;
+    std::optional<CNcNotification> m_FittedFor;
     bool m_bBusy = false;  ///< an answer of the machine is awaited
     std::string m_LastSaid;
     /// Outlives the operator in answers that are still on their way.

@@ -24,7 +24,7 @@ public:
         m_Situation.m_Menu = Menu;
         m_Situation.m_Progress.m_Readings.at(0).m_bShown = true;
         m_Situation.m_Notification.m_Values.fill(-1);
-        m_Situation.m_Notification.m_Values[0] = CNotification::eSetup;
+        m_Situation.m_Notification.m_Values[0] = CNcNotification::eSetup;
         m_Situation.m_Notification.m_Values[1] = Action;
         m_Situation.m_Notification.m_Values[2] = 30;
         m_Situation.m_Notification.m_Values[4] = 180;
@@ -61,11 +61,11 @@ constexpr const char* eWeights = R"({"weights":{"angles":[30,180],"plane":1}})";
 TEST_F(OperatorTest, WeightsAreFittedOnceHoweverLongTheKeyIsMissing) {
     COperator Operator(m_Panel, &m_Machine, 3000);
     Operator.Start();
-    m_Panel.Ask(CNotification::eSetWeights, eMenuWait);
+    m_Panel.Ask(CNcNotification::eSetWeights, eMenuWait);
     m_Loop.Advance(10000);
     EXPECT_THAT(m_Machine.m_Requests, ElementsAre(eWeights));
     EXPECT_THAT(m_Panel.m_Keys, IsEmpty());
-    m_Panel.Ask(CNotification::eSetWeights, eMenuConfirm);
+    m_Panel.Ask(CNcNotification::eSetWeights, eMenuConfirm);
     m_Loop.Advance(250);
     EXPECT_THAT(m_Panel.m_Keys, ElementsAre(Softkeys::eActionNext));
     EXPECT_THAT(m_Machine.m_Requests, ElementsAre(eWeights));
@@ -75,9 +75,9 @@ TEST_F(OperatorTest, WeightsAreFittedAnewWhenAskedForAgainLater) {
     COperator Operator(m_Panel, &m_Machine, 3000);
     Operator.Start();
     for (int i = 0; i < 2; ++i) {
-        m_Panel.Ask(CNotification::eSetWeights, eMenuConfirm);
+        m_Panel.Ask(CNcNotification::eSetWeights, eMenuConfirm);
         m_Loop.Advance(500);
-        m_Panel.Ask(CNotification::eMeasure, eMenuWait);
+        m_Panel.Ask(CNcNotification::eMeasure, eMenuWait);
         m_Loop.Advance(500);
     }
     EXPECT_THAT(m_Machine.m_Requests, ElementsAre(eWeights, eWeights));
@@ -86,7 +86,7 @@ TEST_F(OperatorTest, WeightsAreFittedAnewWhenAskedForAgainLater) {
 TEST_F(OperatorTest, SpeedIsCommandedOnce) {
     COperator Operator(m_Panel, &m_Machine, 3000);
     Operator.Start();
-    m_Panel.Ask(CNotification::eSpindleStop, eMenuWait);
+    m_Panel.Ask(CNcNotification::eSpindleStop, eMenuWait);
     m_Loop.Advance(5000);
     EXPECT_THAT(m_Machine.m_Requests, ElementsAre(R"({"speed":0})"));
 }
@@ -95,11 +95,11 @@ TEST_F(OperatorTest, SpeedIsCommandedOnce) {
 TEST_F(OperatorTest, SpeedIsConfirmedOnceThePageShowsIt) {
     COperator Operator(m_Panel, &m_Machine, 3000);
     Operator.Start();
-    m_Panel.Ask(CNotification::eNone, eMenuWait);
+    m_Panel.Ask(CNcNotification::eNone, eMenuWait);
     m_Loop.Advance(500);
     for (const std::uint32_t RPM : {0U, 1500U, 2800U}) {
         m_Panel.m_Situation.m_Progress.m_CurrentRPM = RPM;
-        m_Panel.Ask(CNotification::eSetSpindleSpeed, eMenuConfirm);
+        m_Panel.Ask(CNcNotification::eSetSpindleSpeed, eMenuConfirm);
         m_Loop.Advance(2000);
         EXPECT_THAT(m_Panel.m_Keys, IsEmpty()) << RPM;
     }
@@ -113,7 +113,7 @@ TEST_F(OperatorTest, RefusalOfTheMachineEndsTheRunWithItsReason) {
     COperator Operator(m_Panel, &m_Machine, 3000);
     m_Machine.m_Answer = {{"error", "the door is open"}};
     Operator.Start();
-    m_Panel.Ask(CNotification::eSetWeights, eMenuConfirm);
+    m_Panel.Ask(CNcNotification::eSetWeights, eMenuConfirm);
     m_Loop.Advance(1000);
     EXPECT_EQ(Operator.GetOutcome(), CRunDriver::Outcome::eStuck);
     EXPECT_EQ(Operator.GetReason(), "the machine refuses: the door is open");
@@ -125,7 +125,7 @@ TEST_F(OperatorTest, WithoutAMachineSomebodyIsToldOnce) {
     int nFitted = 0;
     Operator.OnFitted = [&nFitted](const CFitting&) { ++nFitted; };
     Operator.Start();
-    m_Panel.Ask(CNotification::eSetWeights, eMenuConfirm);
+    m_Panel.Ask(CNcNotification::eSetWeights, eMenuConfirm);
     m_Loop.Advance(5000);
     EXPECT_EQ(m_Panel.m_Said.size(), 1U);
     EXPECT_EQ(nFitted, 1);
