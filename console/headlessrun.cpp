@@ -129,6 +129,7 @@ bool CHeadlessRun::RunProcedure(Softkeys::Action Start) {
     if (IsBrokenOff()) {
         return false;
     }
+    ForgetResult();
     if (!m_rSession.StartProcedure(Start)) {
         // A message box that says why comes through the loop.
         Pause(1);
@@ -140,19 +141,38 @@ bool CHeadlessRun::RunProcedure(Softkeys::Action Start) {
     }
     COperator Operator(m_rSession, m_rSession.GetMachine(), m_rSession.GetWorkingSpeed());
     const bool bFinished = Drive(Operator);
-    // Ends the procedure; a result that may be kept is kept, but not one that was broken off.
-    m_rSession.SendAction(Softkeys::eActionEnd, IsBrokenOff() ? Softkeys::eFlagNone : Softkeys::eFlagCommit);
-    IFEventLoop::Current().RunUntil([this] { return m_rSession.GetHost().GetActivity() == 0; }, 1000);
-    return bFinished;
+    // Ends the procedure; a result that may be kept is kept, but not one that was broken off. One that can't
+    // be saved stays for a second try.
+    for (int nTries = 0; nTries < 2 && m_rSession.Look().m_bRunning; ++nTries) {
+        m_rSession.SendAction(Softkeys::eActionEnd,
+                              IsBrokenOff() ? Softkeys::eFlagNone : Softkeys::eFlagCommit);
+        IFEventLoop::Current().RunUntil([this] { return m_rSession.GetHost().GetActivity() == 0; }, 1000);
+    }
+    return bFinished && IsResultSaved();
+}
+
+void CHeadlessRun::ForgetResult() {
+    m_rSession.GetHost().ForgetResult();
+    GetReport().SetSaved(false);
+}
+
+bool CHeadlessRun::IsResultSaved() {
+    const bool bSaved = m_rSession.GetHost().IsResultSaved();
+    GetReport().SetSaved(bSaved);
+    if (!bSaved) {
+        Print("The result was not saved.");
+    }
+    return bSaved;
 }
 
 bool CHeadlessRun::RunNcProcedure() {
+    ForgetResult();
     CNcWatch Watch([this] { return m_rSession.Look(); });
     Watch.GetDriverLoss = GetNcLoss;
     m_pWatch = &Watch;
     const bool bFinished = Drive(Watch);
     m_pWatch = nullptr;
-    return bFinished;
+    return bFinished && IsResultSaved();
 }
 
 bool CHeadlessRun::Drive(CRunDriver& rDriver) {

@@ -36,6 +36,10 @@ private:
     static constexpr std::uint32_t eSpinUpTimeout = 120000;
 
     bool RunProcedure(Softkeys::Action Start);
+    /// Before each procedure.
+    void ForgetResult();
+    /// Whether the procedure's result stands in the database; enters it in the report.
+    bool IsResultSaved();
     /// A procedure that the NC starts and ends.
     bool RunNcProcedure();
     /// Runs the loop until the driver has come to an outcome.

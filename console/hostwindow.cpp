@@ -31,6 +31,9 @@ LRESULT CHostWindow::WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) {
                 m_bCalibrated = lParam != 0;
             }
             break;
+        case WM_RV_RESULTSAVED:
+            m_bResultSaved = wParam != 0;
+            break;
         case WM_RV_SOFTKEYENABLE:
             if ((wParam & REBALANCE_BIT) != 0) {
                 m_bCalibrated = (static_cast<WPARAM>(lParam) & REBALANCE_BIT) != 0;

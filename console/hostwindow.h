@@ -23,6 +23,10 @@ public:
     bool IsConfigured() const { return m_bConfigured; }
     /// The configuration on show is calibrated, so that a re-balancing is possible.
     bool IsCalibrated() const { return m_bCalibrated; }
+    /// The result that was to be saved last stands in the database; false before there was any.
+    bool IsResultSaved() const { return m_bResultSaved; }
+    /// Before the next run.
+    void ForgetResult() { m_bResultSaved = false; }
 
     /// Called after any message of the module.
     std::function<void()> OnChanged;
@@ -39,4 +43,5 @@ private:
     std::int32_t m_Activity = 0;
     bool m_bConfigured = false;
     bool m_bCalibrated = false;
+    bool m_bResultSaved = false;
 };

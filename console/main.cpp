@@ -89,8 +89,13 @@ int RunHeadless(const COptions& rOptions, CConsoleSession& rSession, CCompanions
     }
     ExitCode Result = eExitFailed;
     if (rSession.Initialise()) {
-        rSession.Commission();
-        Result = Run.Run();
+        try {
+            rSession.Commission();
+            Result = Run.Run();
+        } catch (const std::runtime_error& rError) {
+            // The report is written all the same.
+            std::fprintf(stderr, "%s\n", rError.what());
+        }
     } else {
         std::fprintf(stderr, "The machine can't be found on %s: %s.\n", rOptions.m_Link.c_str(),
                      rSession.DescribeAnswers().c_str());

@@ -3,6 +3,7 @@
 #include <QString>
 #include <cstdio>
 #include <filesystem>
+#include <optional>
 
 #include "platform/rvldb/gettext.h"
 #include "platform/rvlog/logcomponent.h"
@@ -138,9 +139,15 @@ void CRunRecorder::Attach(CRunDriver& rDriver) {
 }
 
 void CRunRecorder::RecordCalibration() {
-    PreBalDB::CPreBalDatabase Database(m_rSession.GetMachineName());
+    std::optional<PreBalDB::CPreBalDatabase> Database;
+    try {
+        Database.emplace(m_rSession.GetMachineName());
+    } catch (const PreBalDB::CDatabaseError& rError) {
+        Tell(rError.what());
+        return;
+    }
     constexpr const char* CONFIGURATION = "Default";
-    PreBalDB::CPreBalBaseTableEntry& rEntry = Database.ReadConfiguration(CONFIGURATION);
+    PreBalDB::CPreBalBaseTableEntry& rEntry = Database->ReadConfiguration(CONFIGURATION);
     const auto SetCalibration = [&](const math::matrix<double>& rInvA,
                                     const std::vector<math::matrix<double>>& rUA) {
         m_Report.SetCalibration(CONFIGURATION, rEntry.GetCalibratedRPM(), rEntry.GetTargetUnbalance(), rInvA,

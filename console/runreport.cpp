@@ -117,7 +117,7 @@ std::string CRunReport::GetResult() const {
 }
 
 ExitCode CRunReport::GetExitCode() const {
-    if (!m_bFinished) {
+    if (!m_bFinished || !m_bSaved) {
         return eExitFailed;
     }
     switch (m_LastStep) {
@@ -147,6 +147,7 @@ nlohmann::ordered_json CRunReport::ToJson() const {
         {"positions", m_Positions},
         {"steps", m_Steps},
         {"assertions", m_Assertions},
+        {"saved", m_bSaved},
     };
 }
 

@@ -24,6 +24,9 @@ public:
     /// A step record, if the situation differs from the one recorded last in what it asks of the operator.
     /// True if it was recorded.
     bool AddSituation(std::uint64_t TimeMs, const CSituation& rSituation);
+    /// Whether the result of every procedure of the run stands in the machine database; it doesn't unless
+    /// told.
+    void SetSaved(bool bSaved) { m_bSaved = bSaved; }
     void AddAssertion(const std::string& rText) { m_Assertions.push_back(rText); }
     /// Smoothed reading of the first measurement of the run, and of the last.
     void SetInitial(const CSituation& rSituation);
@@ -42,6 +45,7 @@ public:
 
     /// The last step by its name, over target included; "Inactive" before anything came.
     std::string GetResult() const;
+    /// A result that isn't saved is none, whatever the last step says.
     ExitCode GetExitCode() const;
     nlohmann::ordered_json ToJson() const;
     /// False if the file can't be written.
@@ -67,5 +71,6 @@ private:
     std::string m_Configuration;
     std::uint32_t m_CalibratedRPM = 0;
     std::uint32_t m_Target = 0;
+    bool m_bSaved = false;
     std::vector<std::string> m_Assertions;
 };

@@ -100,6 +100,8 @@ void CScreenRun::FinishRun(bool bFinished) {
                                   : !m_bPrebalanced ? COptions::Procedure::eRebalance
                                                     : COptions::Procedure::ePrebalanceAndRebalance));
     rReport.SetFinished(bFinished);
+    rReport.SetSaved(m_rSession.GetHost().IsResultSaved());
+    m_rSession.GetHost().ForgetResult();
     if (bFinished) {
         m_Recorder.RecordCalibration();
     }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -121,6 +122,14 @@ bool ConfigureScale(PreBalDB::CCompensationTableEntry& rEntry, CRotorFile::Sense
 /// The screw table of COptions::m_ScrewTable.
 constexpr const char* SCREW_TABLE = "Rotor";
 
+/// A run with another configuration than its rotor's would balance to the wrong places.
+void RefuseUnwritten(const CPreBalDatabase& rDatabase, int bWritten) {
+    if (bWritten == 0) {
+        throw CSessionError("The configuration can't be set up for this rotor: " +
+                            rDatabase.GetOutcome().m_Failure);
+    }
+}
+
 /// True if the table was another one.
 bool WriteScrewTable(CPreBalDatabase& rDatabase, const std::vector<double>& rWeights) {
     Base::CWDArray<PreBalDB::CScrew> Screws;
@@ -133,7 +142,7 @@ bool WriteScrewTable(CPreBalDatabase& rDatabase, const std::vector<double>& rWei
         return false;
     }
     rTable.SetScrewArray(Screws);
-    rDatabase.WriteScrewTable();
+    RefuseUnwritten(rDatabase, rDatabase.WriteScrewTable());
     return true;
 }
 
@@ -322,7 +331,7 @@ void CConsoleSession::Commission() {
             return;
         }
         rEntry.SetIsCalibrated(0);
-        Database.WriteConfiguration();
+        RefuseUnwritten(Database, Database.WriteConfiguration());
     }
     if (CWnd* pTabs = m_pModule->GetDlgItem(CONFIG_TABS_ID)) {
         pTabs->SendMessage(WM_RV_UPDATECONFIGURATION);
@@ -371,8 +380,13 @@ std::array<CHoleRing, 2> CConsoleSession::GetHoleRings() const {
     if (MachineName.empty()) {
         return Rings;
     }
-    CPreBalDatabase Database(MachineName);
-    const PreBalDB::CPreBalBaseTableEntry& rEntry = Database.ReadConfiguration(CONFIGURATION);
+    std::optional<CPreBalDatabase> Database;
+    try {
+        Database.emplace(MachineName);
+    } catch (const PreBalDB::CDatabaseError&) {
+        return Rings;  // the module tells what becomes of its result
+    }
+    const PreBalDB::CPreBalBaseTableEntry& rEntry = Database->ReadConfiguration(CONFIGURATION);
     if (const auto* pPlanes = rEntry.GetTwoPlane();
         m_Mode == CPreBalDatabase::eModeTwoPlane && pPlanes != nullptr) {
         Rings = {MakeHoleRing(pPlanes->GetPlane1ScrewCompensationTableEntry()),

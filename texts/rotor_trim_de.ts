@@ -436,5 +436,78 @@
         <extracomment>Softkey: all screws are out</extracomment>
         <translation>Keine Schrauben</translation>
     </message>
+    <message id="RESULT_NOT_SAVED">
+        <source>The calibration of "%s" was not saved: %s.
+It is kept in memory. Put the cause right, then press Finish once more.</source>
+        <extracomment>Message box: configuration, then why</extracomment>
+        <translation>Die Kalibrierung von "%s" wurde nicht gespeichert: %s.
+Sie bleibt im Speicher. Bitte die Ursache beheben und noch einmal Fertig drücken.</translation>
+    </message>
+    <message id="RESULT_STILL_NOT_SAVED">
+        <source>The calibration of "%s" is still not saved: %s.
+It is kept in memory while the console runs, and every save tries again.</source>
+        <extracomment>Message box: configuration, then why; the run ends</extracomment>
+        <translation>Die Kalibrierung von "%s" ist noch immer nicht gespeichert: %s.
+Sie bleibt im Speicher, solange die Konsole läuft; jedes Speichern versucht es erneut.</translation>
+    </message>
+    <message id="RESULT_SUPERSEDED">
+        <source>The calibration of "%s" was not saved: another console has changed this configuration meanwhile, and what is stored stays. Balance again with it.</source>
+        <extracomment>Message box: configuration</extracomment>
+        <translation>Die Kalibrierung von "%s" wurde nicht gespeichert: Eine andere Konsole hat diese Konfiguration inzwischen geändert, und das Gespeicherte bleibt. Bitte damit erneut wuchten.</translation>
+    </message>
+    <message id="CONFIGURATION_NOT_SAVED">
+        <source>The changes of configuration "%s" were not saved: %s.
+They are kept in memory; the next save tries again.</source>
+        <extracomment>Message box: configuration, then why</extracomment>
+        <translation>Die Änderungen der Konfiguration "%s" wurden nicht gespeichert: %s.
+Sie bleiben im Speicher; das nächste Speichern versucht es erneut.</translation>
+    </message>
+    <message id="SCREW_TABLE_NOT_SAVED">
+        <source>The screw table "%s" was not saved: %s.</source>
+        <extracomment>Message box: screw table, then why</extracomment>
+        <translation>Die Schraubentabelle "%s" wurde nicht gespeichert: %s.</translation>
+    </message>
+    <message id="STORED_VALUES_STAY">
+        <source>"%s" was changed here and by another console. These stay as they are stored: %s.</source>
+        <extracomment>Message box: configuration or screw table, then the names of values</extracomment>
+        <translation>"%s" wurde hier und von einer anderen Konsole geändert. Diese Werte bleiben, wie sie gespeichert sind: %s.</translation>
+    </message>
+    <message id="CONFIGURATION_NOT_READ">
+        <source>The configuration "%s" can't be read: %s.
+The page shows a new one; what is stored stays as it is.</source>
+        <extracomment>Message box: configuration, then why</extracomment>
+        <translation>Die Konfiguration "%s" kann nicht gelesen werden: %s.
+Die Seite zeigt eine neue; das Gespeicherte bleibt unverändert.</translation>
+    </message>
+    <message id="VALUES_LEFT_OUT">
+        <source>Values of configuration "%s" can't be right, and it counts as not calibrated: %s.</source>
+        <extracomment>Message box: configuration, then what is wrong with which value</extracomment>
+        <translation>Werte der Konfiguration "%s" können nicht stimmen, sie gilt als nicht kalibriert: %s.</translation>
+    </message>
+    <message id="STORE_FULL">
+        <source>no room is left on the disk</source>
+        <extracomment>Why something was not saved; the system's own words follow</extracomment>
+        <translation>auf dem Datenträger ist kein Platz mehr</translation>
+    </message>
+    <message id="STORE_READ_ONLY">
+        <source>the database may not be written</source>
+        <extracomment>Why something was not saved; the system's own words follow</extracomment>
+        <translation>die Datenbank darf nicht beschrieben werden</translation>
+    </message>
+    <message id="STORE_LOCKED">
+        <source>another program holds the database locked</source>
+        <extracomment>Why something was not saved; the system's own words follow</extracomment>
+        <translation>ein anderes Programm hält die Datenbank gesperrt</translation>
+    </message>
+    <message id="STORE_UNREACHABLE">
+        <source>the database can't be reached</source>
+        <extracomment>Why something was not saved; the system's own words follow</extracomment>
+        <translation>die Datenbank ist nicht erreichbar</translation>
+    </message>
+    <message id="STORE_NO_ANSWER">
+        <source>the database doesn't answer</source>
+        <extracomment>Why something was not saved; the system's own words follow</extracomment>
+        <translation>die Datenbank antwortet nicht</translation>
+    </message>
 </context>
 </TS>

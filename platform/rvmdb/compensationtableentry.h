@@ -31,7 +31,7 @@ protected:
     CCompensationTableEntry& operator=(const CCompensationTableEntry&) = default;
 
 private:
-    friend class CPreBalDatabase;
+    friend class CConfigurationFields;
     AffectedPlane m_Plane = eUnknownPlane;
     Direction m_ScalingDirection = CNewEntryDefaults::eScalingDirection;
 };
@@ -57,7 +57,7 @@ public:
     Base::CWDArray<CScrew> GetScrewTable() const;
 
 private:
-    friend class CPreBalDatabase;
+    friend class CConfigurationFields;
     friend class CPlaneCompensation;
     std::string m_ScrewTableName = CNewEntryDefaults::eScrewTableName;
     std::uint32_t m_NumberOfHoles = CNewEntryDefaults::eNumberOfHoles;

@@ -77,6 +77,7 @@ public:
 private:
     friend class CPreBalDatabase;
     friend class CPreBalBaseTableEntry;
+    friend class CConfigurationFields;
     std::uint8_t m_SensorAdaption = 255;
     CPlaneCompensation m_Compensation;
     math::matrix<double> m_InvA;
@@ -135,6 +136,7 @@ public:
 private:
     friend class CPreBalDatabase;
     friend class CPreBalBaseTableEntry;
+    friend class CConfigurationFields;
     std::uint8_t m_Plane1SensorAdaption = 255;
     std::uint8_t m_Plane2SensorAdaption = 255;
     CPlaneCompensation m_Plane1Compensation;

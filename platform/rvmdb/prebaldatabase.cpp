@@ -1,12 +1,16 @@
+// The database as its users see it: the entries that it hands out, and what has become of them since.
 #include "platform/rvmdb/prebaldatabase.h"
 
 #include <algorithm>
+#include <map>
 #include <utility>
 
-#include "platform/rvmdb/databaseimpl.h"
+#include "platform/rvmdb/configurationfields.h"
 #include "platform/rvmdb/log.h"
 #include "platform/rvmdb/newentrydefaults.h"
-#include "platform/rvmdb/schema.h"
+#include "platform/rvmdb/patience.h"
+#include "platform/rvmdb/store.h"
+#include "platform/rvmdb/storethread.h"
 
 namespace PreBalDB {
 
@@ -24,6 +28,19 @@ Base::CStringArray ToArray(const std::vector<std::string>& rNames) {
     return Array;
 }
 
+/// A value that can't be isn't written either: nobody could read it again.
+void RefuseImpossibleValues(const CFieldValues& rBefore, const CFieldValues& rNow) {
+    for (const auto& [rField, rValue] : rNow) {
+        const auto Before = rBefore.find(rField);
+        const std::string Problem = Before == rBefore.end() || Before->second != rValue
+                                        ? ConfigurationFields::Check(rField, rValue)
+                                        : std::string();
+        if (!Problem.empty()) {
+            throw CSqlError(Problem, StoreFailure::eRefused);
+        }
+    }
+}
+
 }  // namespace
 
 void SetDatabaseConnection(std::string NewConnection) {
@@ -34,26 +51,66 @@ std::string GetDatabaseConnection() {
     return Connection;
 }
 
-CPreBalDatabase::Impl::Impl(CPreBalDatabase& rOwner, const std::string& rMachineName)
-    : m_rOwner(rOwner), m_MachineName(rMachineName), m_Connection(Connection) {
-    Schema::Prepare(m_Connection);
-    try {
-        const std::vector<CDirectSQL::CValue> Key = {m_MachineName};
-        if (m_Connection.Query("SELECT 1 FROM machine WHERE name = ?", Key).empty()) {
-            m_Connection.Execute("INSERT INTO machine (name) VALUES (?) ON CONFLICT DO NOTHING", Key);
+struct CPreBalDatabase::Impl {
+    explicit Impl(const std::string& rMachineName);
+
+    /// Does an operation on the store; on failure the log says that What was not done. Whether it succeeded.
+    template <typename Operation>
+    bool Try(const std::string& rWhat, Operation Do) {
+        m_Outcome = {};
+        try {
+            Do();
+            return true;
+        } catch (const CSqlError& rError) {
+            m_Outcome.m_Cause = rError.GetCause();
+            m_Outcome.m_Failure = rError.what();
+            RV_ERROR(g_pLog, "%s of \"%s\": %s", rWhat.c_str(), m_MachineName.c_str(), rError.what());
+            return false;
         }
-        SetDefaults();
+    }
+    void WriteConfiguration();
+    bool RepairScrewTableNames(const std::vector<std::string>& rNames);
+
+    std::string m_MachineName;
+    CStoreThread m_Thread;
+    CStoreOutcome m_Outcome;
+
+    std::unique_ptr<CPreBalBaseTableEntry> m_pConfiguration;
+    /// What m_pConfiguration was read from; name and memory as it is now are entered for a write.
+    CConfigurationWrite m_Read;
+    /// Configurations that could not be written, by name.
+    std::map<std::string, CConfigurationWrite> m_Unwritten;
+
+    std::unique_ptr<CScrewTableEntry> m_pScrewTable;
+    bool m_bScrewTableSound = false;  ///< false if the store couldn't be read: never written
+    std::string m_ReadScrewTableName;
+    CStoredScrewTable m_ReadScrewTable;
+};
+
+CPreBalDatabase::Impl::Impl(const std::string& rMachineName) : m_MachineName(rMachineName) {
+    try {
+        m_Thread.Open(
+            [Machine = m_MachineName, To = Connection] { return std::make_unique<CStore>(Machine, To); });
+        m_Thread.Run([](CStore& rStore) { rStore.Prepare(); });
     } catch (const CSqlError& rError) {
-        throw CDatabaseError(m_Connection.GetUnusableText(rError));
+        throw CDatabaseError("the database can't be used: " + std::string(rError.what()) +
+                             "; see that its server or disk answers");
     }
 }
 
 CPreBalDatabase::CPreBalDatabase(const std::string& rMachineName)
-    : m_pImpl(std::make_unique<Impl>(*this, rMachineName)) {
+    : m_pImpl([&rMachineName] {
+          const CPatience Patience;
+          return std::make_unique<Impl>(rMachineName);
+      }()) {
     OpenMachineNames.push_back(rMachineName);
 }
 
 CPreBalDatabase::~CPreBalDatabase() {
+    for (const auto& [rName, rWrite] : m_pImpl->m_Unwritten) {
+        RV_ERROR(g_pLog, "configuration \"%s\" of \"%s\" ends unwritten", rName.c_str(),
+                 GetMachineName().c_str());
+    }
     // Of several databases of one key the latest goes first, as scopes end.
     const auto Found = std::find(OpenMachineNames.rbegin(), OpenMachineNames.rend(), m_pImpl->m_MachineName);
     OpenMachineNames.erase(std::next(Found).base());
@@ -63,116 +120,188 @@ const std::string& CPreBalDatabase::GetMachineName() const {
     return m_pImpl->m_MachineName;
 }
 
+const CStoreOutcome& CPreBalDatabase::GetOutcome() const {
+    return m_pImpl->m_Outcome;
+}
+
 std::vector<std::string> CPreBalDatabase::GetOpenMachineNames() {
     return OpenMachineNames;
 }
 
 Base::CStringArray CPreBalDatabase::GetProcessNames(BalancingMode Mode, CTypeBase::AffectedPlane Plane,
                                                     std::uint8_t Sensor1, std::uint8_t Sensor2) const {
-    try {
-        return ToArray(m_pImpl->LoadProcessNames(Mode, Plane, Sensor1, Sensor2));
-    } catch (const CSqlError& rError) {
-        RV_ERROR(g_pLog, "names of configurations not read: %s", rError.what());
-        return {};
-    }
+    std::vector<std::string> Names;
+    m_pImpl->Try("names of configurations not read", [&] {
+        Names = m_pImpl->m_Thread.Run(
+            [=](CStore& rStore) { return rStore.LoadProcessNames(Mode, Plane, Sensor1, Sensor2); });
+    });
+    return ToArray(Names);
 }
 
 Base::CStringArray CPreBalDatabase::GetScrewTableNames() const {
-    try {
-        CTransaction Transaction(m_pImpl->m_Connection, CTransaction::eReading);
-        return ToArray(m_pImpl->LoadScrewTableNames());
-    } catch (const CSqlError& rError) {
-        RV_ERROR(g_pLog, "names of screw tables not read: %s", rError.what());
-        return {};
-    }
+    std::vector<std::string> Names;
+    m_pImpl->Try("names of screw tables not read", [&] {
+        Names = m_pImpl->m_Thread.Run([](CStore& rStore) { return rStore.LoadScrewTableNames(); });
+    });
+    return ToArray(Names);
 }
 
 CPreBalBaseTableEntry& CPreBalDatabase::ReadConfiguration(const std::string& rName) {
-    // rName may be the name within the entry that goes.
-    m_pImpl->m_StoredName = rName;
-    const std::string& Name = m_pImpl->m_StoredName;
-    m_pImpl->m_bConfigurationSound = false;
-    std::unique_ptr<CPreBalBaseTableEntry> pEntry;
-    try {
-        pEntry = m_pImpl->LoadConfiguration(Name);
-        m_pImpl->m_bConfigurationSound = true;
-    } catch (const CSqlError& rError) {
-        RV_ERROR(g_pLog, "configuration \"%s\" of \"%s\" not read: %s", Name.c_str(),
-                 GetMachineName().c_str(), rError.what());
+    const std::string Name = rName;  // may be the name within the entry that goes
+    CConfigurationWrite Read;
+    Read.m_StoredName = Name;
+    auto pEntry = std::make_unique<CPreBalBaseTableEntry>(GetMachineName(), Name);
+    pEntry->m_pDatabase = this;
+    const auto Unwritten = m_pImpl->m_Unwritten.find(Name);
+    if (Unwritten != m_pImpl->m_Unwritten.end()) {
+        m_pImpl->m_Outcome = {};
+        Read = Unwritten->second;
+        ConfigurationFields::Write(Read.m_Memory, *pEntry);
+    } else {
+        Read.m_bReadFailed = !m_pImpl->Try("configuration \"" + Name + "\" not read", [&] {
+            Read.m_Read =
+                m_pImpl->m_Thread.Run([Name](CStore& rStore) { return rStore.LoadConfiguration(Name); });
+        });
+        if (Read.m_Read) {
+            m_pImpl->m_Outcome.m_Problems = ConfigurationFields::Write(Read.m_Read->m_Values, *pEntry);
+        }
+        Read.m_MemoryBefore = ConfigurationFields::Read(*pEntry);
+        for (const std::string& rProblem : m_pImpl->m_Outcome.m_Problems) {
+            RV_ERROR(g_pLog, "configuration \"%s\" of \"%s\": left out, and counts as not calibrated: %s",
+                     Name.c_str(), GetMachineName().c_str(), rProblem.c_str());
+        }
     }
-    m_pImpl->m_pConfiguration = pEntry != nullptr ? std::move(pEntry) : m_pImpl->NewConfiguration(Name);
+    m_pImpl->m_Read = std::move(Read);
+    m_pImpl->m_pConfiguration = std::move(pEntry);
     return *m_pImpl->m_pConfiguration;
 }
 
 int CPreBalDatabase::WriteConfiguration() {
-    if (m_pImpl->m_pConfiguration == nullptr || !m_pImpl->m_bConfigurationSound) {
-        RV_ERROR(g_pLog, "no configuration written: none was read without error");
+    m_pImpl->m_Outcome = {};
+    if (m_pImpl->m_pConfiguration == nullptr) {
+        RV_ERROR(g_pLog, "no configuration written: none was read");
         return 0;
     }
-    const CPreBalBaseTableEntry& rEntry = *m_pImpl->m_pConfiguration;
-    try {
-        m_pImpl->StoreConfiguration(rEntry, m_pImpl->m_StoredName);
-    } catch (const CSqlError& rError) {
-        RV_ERROR(g_pLog, "configuration \"%s\" of \"%s\" not written: %s", rEntry.GetProcessName().c_str(),
-                 GetMachineName().c_str(), rError.what());
+    const std::string Name = m_pImpl->m_pConfiguration->GetProcessName();
+    m_pImpl->m_Read.m_Name = Name;
+    m_pImpl->m_Read.m_Memory = ConfigurationFields::Read(*m_pImpl->m_pConfiguration);
+    if (!m_pImpl->Try("configuration \"" + Name + "\" not written",
+                      [this] { m_pImpl->WriteConfiguration(); })) {
+        if (m_pImpl->m_Outcome.m_Cause != StoreFailure::eRefused) {
+            m_pImpl->m_Unwritten[Name] = m_pImpl->m_Read;
+        }
         return 0;
     }
-    m_pImpl->m_StoredName = rEntry.GetProcessName();
+    m_pImpl->m_Unwritten.erase(Name);
+    for (const std::string& rConflict : m_pImpl->m_Outcome.m_Conflicts) {
+        RV_WARNING(
+            g_pLog,
+            "configuration \"%s\" of \"%s\": %s was changed here and by another console; the stored value "
+            "stays",
+            Name.c_str(), GetMachineName().c_str(), rConflict.c_str());
+    }
     return 1;
+}
+
+void CPreBalDatabase::Impl::WriteConfiguration() {
+    CConfigurationWrite& rRead = m_Read;
+    RefuseImpossibleValues(rRead.m_MemoryBefore, rRead.m_Memory);
+    const bool bKnown = rRead.m_Read && rRead.m_Name == rRead.m_StoredName;
+    if (bKnown && rRead.m_Memory == rRead.m_MemoryBefore) {
+        return;  // nothing was changed here
+    }
+    CConfigurationWritten Written =
+        m_Thread.Run([Write = rRead](CStore& rStore) { return rStore.WriteConfiguration(Write); });
+    m_Outcome.m_Conflicts = std::move(Written.m_Conflicts);
+    m_Outcome.m_bCalibrationLost = Written.m_bCalibrationLost;
+    m_Outcome.m_bOthersWrote = Written.m_bOthersWrote && Written.m_Stored.m_Values != rRead.m_Memory;
+    rRead.m_StoredName = rRead.m_Name;
+    rRead.m_Read = std::move(Written.m_Stored);
+    rRead.m_bReadFailed = false;
+    rRead.m_MemoryBefore = rRead.m_Memory;
 }
 
 CScrewTableEntry& CPreBalDatabase::ReadScrewTable(const std::string& rName) {
     auto pTable = std::make_unique<CScrewTableEntry>();
     pTable->SetName(rName);
-    m_pImpl->m_bScrewTableSound = false;
-    try {
-        CTransaction Transaction(m_pImpl->m_Connection, CTransaction::eReading);
-        pTable->SetScrewArray(m_pImpl->LoadScrews(rName));
-        m_pImpl->m_bScrewTableSound = true;
-    } catch (const CSqlError& rError) {
-        RV_ERROR(g_pLog, "screw table \"%s\" of \"%s\" not read: %s", rName.c_str(), GetMachineName().c_str(),
-                 rError.what());
-    }
+    m_pImpl->m_ReadScrewTableName = rName;
+    m_pImpl->m_ReadScrewTable = {};
+    m_pImpl->m_bScrewTableSound = m_pImpl->Try("screw table \"" + rName + "\" not read", [&] {
+        m_pImpl->m_ReadScrewTable =
+            m_pImpl->m_Thread.Run([rName](CStore& rStore) { return rStore.LoadScrewTable(rName); });
+    });
+    pTable->SetScrewArray(m_pImpl->m_ReadScrewTable.m_Screws);
     m_pImpl->m_pScrewTable = std::move(pTable);
     return *m_pImpl->m_pScrewTable;
 }
 
 Base::CWDArray<CScrew> CPreBalDatabase::ReadScrews(const std::string& rName) const {
-    try {
-        CTransaction Transaction(m_pImpl->m_Connection, CTransaction::eReading);
-        return m_pImpl->LoadScrews(rName);
-    } catch (const CSqlError& rError) {
-        RV_ERROR(g_pLog, "screws of \"%s\" of \"%s\" not read: %s", rName.c_str(), GetMachineName().c_str(),
-                 rError.what());
-        return {};
-    }
+    Base::CWDArray<CScrew> Screws;
+    m_pImpl->Try("screws of \"" + rName + "\" not read", [&] {
+        Screws =
+            m_pImpl->m_Thread.Run([rName](CStore& rStore) { return rStore.LoadScrewTable(rName).m_Screws; });
+    });
+    return Screws;
 }
 
 int CPreBalDatabase::WriteScrewTable() {
+    m_pImpl->m_Outcome = {};
     if (m_pImpl->m_pScrewTable == nullptr || !m_pImpl->m_bScrewTableSound) {
         RV_ERROR(g_pLog, "no screw table written: none was read without error");
         return 0;
     }
     const CScrewTableEntry& rTable = *m_pImpl->m_pScrewTable;
-    try {
-        CTransaction Transaction(m_pImpl->m_Connection, CTransaction::eWriting);
-        m_pImpl->StoreScrews(rTable.m_Name, rTable.m_Screws);
-        Transaction.Commit();
-    } catch (const CSqlError& rError) {
-        RV_ERROR(g_pLog, "screw table \"%s\" of \"%s\" not written: %s", rTable.m_Name.c_str(),
-                 GetMachineName().c_str(), rError.what());
-        return 0;
+    CStoredScrewTable& rRead = m_pImpl->m_ReadScrewTable;
+    if (rRead.m_Revision != 0 && rTable.m_Name == m_pImpl->m_ReadScrewTableName &&
+        rTable.m_Screws == rRead.m_Screws) {
+        return 1;  // nothing was changed here
     }
-    return 1;
+    const CScrewTableWrite Write{rTable.m_Name, m_pImpl->m_ReadScrewTableName, rRead.m_Revision,
+                                 rTable.m_Screws};
+    return m_pImpl->Try("screw table \"" + rTable.m_Name + "\" not written", [&] {
+        const auto Revision =
+            m_pImpl->m_Thread.Run([Write](CStore& rStore) { return rStore.WriteScrewTable(Write); });
+        if (Revision) {
+            m_pImpl->m_ReadScrewTableName = rTable.m_Name;
+            rRead = {rTable.m_Screws, *Revision};
+            return;
+        }
+        m_pImpl->m_Outcome.m_Conflicts.push_back("screw_table." + rTable.m_Name);
+        m_pImpl->m_Outcome.m_bOthersWrote = true;
+        RV_WARNING(
+            g_pLog,
+            "screw table \"%s\" of \"%s\" was changed here and by another console; the stored one stays",
+            rTable.m_Name.c_str(), GetMachineName().c_str());
+    });
 }
 
 int CPreBalDatabase::TestAndSetDefaults() {
-    try {
-        return m_pImpl->SetDefaults() ? 1 : 0;
-    } catch (const CSqlError& rError) {
-        RV_ERROR(g_pLog, "defaults of \"%s\" not set: %s", GetMachineName().c_str(), rError.what());
-        return 0;
+    CDefaultsSet Set;
+    m_pImpl->Try("defaults not set", [&] {
+        Set = m_pImpl->m_Thread.Run([](CStore& rStore) { return rStore.SetDefaults(); });
+        Set.m_bChanged |= m_pImpl->RepairScrewTableNames(Set.m_ScrewTableNames);
+    });
+    return Set.m_bChanged ? 1 : 0;
+}
+
+/// The configuration in memory would bring a missing name back.
+bool CPreBalDatabase::Impl::RepairScrewTableNames(const std::vector<std::string>& rNames) {
+    bool bChanged = false;
+    const auto Repair = [&rNames, &bChanged](CPlaneCompensation& rCompensation) {
+        CScrewCompensationTableEntry* const pScrew = rCompensation.m_pScrew.get();
+        if (pScrew != nullptr && std::ranges::find(rNames, pScrew->GetScrewTableName()) == rNames.end()) {
+            pScrew->SetScrewTableName(CNewEntryDefaults::eScrewTableName);
+            bChanged = true;
+        }
+    };
+    if (m_pConfiguration != nullptr && m_pConfiguration->m_pSinglePlane != nullptr) {
+        Repair(m_pConfiguration->m_pSinglePlane->m_Compensation);
     }
+    if (m_pConfiguration != nullptr && m_pConfiguration->m_pTwoPlane != nullptr) {
+        Repair(m_pConfiguration->m_pTwoPlane->m_Plane1Compensation);
+        Repair(m_pConfiguration->m_pTwoPlane->m_Plane2Compensation);
+    }
+    return bChanged;
 }
 
 std::string CPreBalDatabase::GetDefaultScrewTableName() const {

@@ -97,6 +97,9 @@ constexpr std::array Steps = {
     CStep{1, "INSERT INTO schema_version (version) VALUES (0)"},
     // Rings of holes of any radius, in mm; until then all had 100.
     CStep{2, "ALTER TABLE screw_compensation ADD COLUMN radius DOUBLE PRECISION NOT NULL DEFAULT 100.0"},
+    // Grows with every change, so that a console knows when another one has written since it read.
+    CStep{3, "ALTER TABLE configuration ADD COLUMN revision BIGINT NOT NULL DEFAULT 1"},
+    CStep{3, "ALTER TABLE screw_table ADD COLUMN revision BIGINT NOT NULL DEFAULT 1"},
 };
 
 static_assert(Steps.back().m_Version == eCurrentVersion);

@@ -10,7 +10,7 @@ class CDirectSQL;
 /// configuration goes with it.
 namespace Schema {
 
-constexpr int eCurrentVersion = 2;
+constexpr int eCurrentVersion = 3;
 
 /// Brings the store to the current version, from nothing or from an older one, in one transaction. Throws
 /// CDatabaseError for a damaged or foreign store and for one of a newer version, which it leaves as they are.

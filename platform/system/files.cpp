@@ -1,6 +1,7 @@
 #include "platform/system/files.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -47,6 +48,48 @@ std::string ResolveLink(const std::string& rPath) {
     std::error_code Error;
     const std::filesystem::path Target = std::filesystem::canonical(rPath, Error);
     return Error ? rPath : Target.string();
+}
+
+/// Nobody is to write it: then not even a user whom the system would let.
+bool IsWriteProtected(const std::string& rPath, const struct stat& rStatus) {
+    return (rStatus.st_mode & 0222) == 0 || ::access(rPath.c_str(), W_OK) != 0;
+}
+
+/// Between a file's name and six characters more in the name of its successor.
+constexpr const char* c_pTemporary = ".writing-";
+
+/// A successor for a file, beside it. Its writer holds it locked, so that one without a lock is known to be
+/// left over from a writer that was killed.
+int OpenTemporary(const std::string& rPath, std::string& rTemporary) {
+    while (true) {
+        rTemporary = rPath + c_pTemporary + "XXXXXX";
+        const int Handle = ::mkostemp(rTemporary.data(), O_CLOEXEC);
+        struct stat Status;
+        if (Handle < 0 || ::flock(Handle, LOCK_EX | LOCK_NB) != 0 || ::fstat(Handle, &Status) != 0 ||
+            Status.st_nlink != 0) {
+            return Handle;
+        }
+        ::close(Handle);  // taken for a leftover before it was locked
+    }
+}
+
+void RemoveLeftovers(const std::filesystem::path& rPath) {
+    const std::string Beginning = rPath.filename().string() + c_pTemporary;
+    const std::filesystem::path Parent = rPath.has_parent_path() ? rPath.parent_path() : ".";
+    std::error_code Error;
+    std::vector<std::filesystem::path> Leftovers;
+    for (std::filesystem::directory_iterator Entry(Parent, Error), End; !Error && Entry != End;
+         Entry.increment(Error)) {
+        if (Entry->path().filename().string().starts_with(Beginning)) {
+            Leftovers.push_back(Entry->path());
+        }
+    }
+    for (const std::filesystem::path& rLeftover : Leftovers) {
+        const CDescriptor File(::open(rLeftover.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW));
+        if (File.IsOpen() && ::flock(File.Get(), LOCK_EX | LOCK_NB) == 0) {
+            ::unlink(rLeftover.c_str());
+        }
+    }
 }
 
 }  // namespace
@@ -114,13 +157,14 @@ bool WriteAll(const std::string& rPath, const std::vector<std::uint8_t>& rBytes)
     const std::string Path = ResolveLink(ToNative(rPath));
     struct stat Status;
     const bool bExists = ::stat(Path.c_str(), &Status) == 0;
-    if (bExists && !S_ISREG(Status.st_mode)) {
+    if (bExists && (!S_ISREG(Status.st_mode) || IsWriteProtected(Path, Status))) {
         return false;
     }
+    RemoveLeftovers(Path);
     // Written beside the old file, forced to the disk, then put in its place in one step: whenever the power
     // fails, either the old contents or the new ones are there.
-    std::string Temporary = Path + ".XXXXXX";
-    CDescriptor File(::mkostemp(Temporary.data(), O_CLOEXEC));
+    std::string Temporary;
+    CDescriptor File(OpenTemporary(Path, Temporary));
     if (!File.IsOpen()) {
         return false;
     }

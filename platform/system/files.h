@@ -20,7 +20,8 @@ bool IsFile(const std::string& rPath);
 bool CreateDirectory(const std::string& rPath, const char* pAccess);
 /// Whole contents; nothing if the file can't be opened or read.
 std::optional<std::vector<std::uint8_t>> ReadAll(const std::string& rPath);
-/// Replaces the contents, creating the file if need be; the old contents survive a crash. False on failure.
+/// Replaces the contents, creating the file if need be; the old contents survive a crash. What killed writers
+/// of this file have left beside it is removed. False on failure; a write-protected file is left alone.
 bool WriteAll(const std::string& rPath, const std::vector<std::uint8_t>& rBytes);
 /// Directory of the running program, with "\" as separator.
 std::string GetProgramDirectory();

@@ -70,6 +70,7 @@ constexpr UINT WM_RV_HELPORMENU = 1065;         ///< wParam 111 or 127, lParam 0
 constexpr UINT WM_RV_SETMENU = 1075;            ///< wParam menu number, -1 for none
 constexpr UINT WM_RV_SOFTKEYENABLE = 1122;      ///< wParam mask, lParam values of the masked bits
 constexpr UINT WM_RV_BALANCINGACTIVITY = 1124;  ///< wParam 0 configuration, 1 pre-, 2 re-balancing
+constexpr UINT WM_RV_RESULTSAVED = 1151;        ///< a result was to be saved: wParam 1 it is, 0 it isn't
 
 // Within the module.
 constexpr UINT WM_RV_MESSAGEWND = 1066;           ///< foreign thread to window thread

@@ -44,6 +44,7 @@ TEST(RunReport, ResultAndExitFollowTheLastStep) {
                  {10, "RebalOverTarget", 1}, {5, "Failure", 2},      {3, "Setup", 2}};
     for (const auto& rCase : Cases) {
         CRunReport Report;
+        Report.SetSaved(true);
         Report.AddSituation(0, MakeSituation(rCase.m_Step, 5));
         Report.SetFinished(true);
         EXPECT_EQ(Report.GetResult(), rCase.m_pName);
@@ -54,6 +55,7 @@ TEST(RunReport, ResultAndExitFollowTheLastStep) {
 // The NC may end a run as soon as the first sample was judged.
 TEST(RunReport, RunThatDidNotComeToItsEndHasFailedWhateverItsLastStep) {
     CRunReport Report;
+    Report.SetSaved(true);
     Report.AddSituation(0, MakeSituation(7, 5));
     EXPECT_EQ(Report.GetExitCode(), eExitFailed);
     Report.SetFinished(true);
@@ -62,6 +64,19 @@ TEST(RunReport, RunThatDidNotComeToItsEndHasFailedWhateverItsLastStep) {
     EXPECT_EQ(Report.GetExitCode(), eExitFailed);
     EXPECT_EQ(Report.ToJson()["exit"], 2);
     EXPECT_EQ(Report.ToJson()["result"], "SetupSuccess") << "the step stays what it was";
+}
+
+TEST(RunReport, AResultThatIsNotSavedIsAFailure) {
+    CRunReport Report;
+    Report.SetFinished(true);
+    Report.AddSituation(0, MakeSituation(7, 5));
+    EXPECT_EQ(Report.GetExitCode(), eExitFailed);
+    EXPECT_EQ(Report.ToJson()["saved"], false);
+    EXPECT_EQ(Report.ToJson()["exit"], 2);
+    EXPECT_EQ(Report.GetResult(), "SetupSuccess");
+    Report.SetSaved(true);
+    EXPECT_EQ(Report.ToJson()["saved"], true);
+    EXPECT_EQ(Report.ToJson()["exit"], 0);
 }
 
 TEST(RunReport, FirstInitialReadingAndLastFinalReadingStand) {

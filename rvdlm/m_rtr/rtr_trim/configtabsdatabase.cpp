@@ -4,6 +4,7 @@
 #include "platform/window/messagebox.h"
 #include "rvdlm/m_rtr/rtr_trim/log.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalconfigtabs.h"
+#include "rvdlm/m_rtr/rtr_trim/savemessages.h"
 #include "rvlib/settings/installation.h"
 
 using namespace PreBalDB;
@@ -97,9 +98,19 @@ void CPreBalConfigTabs::CloseDatabase() {
 
 void CPreBalConfigTabs::SaveCurrentConfiguration() {
     SaveCurrentScrewTable();
-    if (m_pCurrentBaseEntry != nullptr) {
-        const int Saved = SaveDatabase();
-        RV_ASSERT_AS(g_pLog, Saved, "SaveDatabase()", "SaveDatabase() failed", false);
+    SaveCurrentEntry();
+}
+
+void CPreBalConfigTabs::SaveCurrentEntry() {
+    if (m_pCurrentBaseEntry == nullptr) {
+        return;
+    }
+    const int Saved = SaveDatabase();
+    RV_ASSERT_AS(g_pLog, Saved, "SaveDatabase()", "SaveDatabase() failed", false);
+    const CStoreOutcome Outcome = m_pDatabase->GetOutcome();
+    SaveMessages::TellConfiguration(m_pCurrentBaseEntry->GetProcessName(), Outcome);
+    if (Outcome.m_bOthersWrote) {
+        LoadConfiguration(m_pCurrentBaseEntry->GetProcessName());
     }
 }
 
@@ -107,10 +118,7 @@ void CPreBalConfigTabs::OnSaveConfiguration(WPARAM) {
     if (m_pDatabase == nullptr) {
         return;
     }
-    if (m_pCurrentBaseEntry != nullptr) {
-        const int Saved = SaveDatabase();
-        RV_ASSERT_AS(g_pLog, Saved, "SaveDatabase()", "SaveDatabase() failed", false);
-    }
+    SaveCurrentEntry();
     m_ConfigDlg.SetBalancingConfigurations(GetProcessNames(), true);
 }
 
@@ -121,10 +129,14 @@ void CPreBalConfigTabs::OnProcessNameChanged(WPARAM) {
 }
 
 void CPreBalConfigTabs::OnUpdateConfiguration(WPARAM) {
-    if (m_pDatabase == nullptr) {
-        return;
+    if (m_pDatabase != nullptr) {
+        LoadConfiguration(m_ConfigDlg.GetConfigurationName());
     }
-    m_pCurrentBaseEntry = &m_pDatabase->ReadConfiguration(m_ConfigDlg.GetConfigurationName());
+}
+
+void CPreBalConfigTabs::LoadConfiguration(const std::string& rName) {
+    m_pCurrentBaseEntry = &m_pDatabase->ReadConfiguration(rName);
+    SaveMessages::TellReading(m_pCurrentBaseEntry->GetProcessName(), m_pDatabase->GetOutcome());
     const bool bScrews = PrepareEntry(*m_pCurrentBaseEntry);
     ShowConfiguration();
     OnUpdateTabs(bScrews ? 1 : 0);
@@ -175,6 +187,7 @@ bool CPreBalConfigTabs::WriteCurrentScrewTable() {
     m_pCurrentScrewEntry->SetScrewArray(rScrews);
     const int Written = m_pDatabase->WriteScrewTable();
     RV_ASSERT_AS(g_pLog, Written, "m_pDatabase->WriteScrewTable()", "WriteScrewTable failed!", false);
+    SaveMessages::TellScrewTable(m_ScrewTableDlg.GetScrewTableName(), m_pDatabase->GetOutcome());
     return !rScrews.IsEmpty();
 }
 

@@ -55,8 +55,9 @@ constexpr std::array keyActions{
 LRESULT CPreBalancingMainWnd::OnModuleAction(WPARAM wParam, LPARAM lParam) {
     const int Action = static_cast<int>(wParam);
     const int Flag = static_cast<int>(lParam);
-    if (Flag == eFinishFlag && m_pPrebalancingSequence != nullptr) {
-        CommitAndSave();
+    if (Flag == eFinishFlag && m_pPrebalancingSequence != nullptr && StaysForNextTry(CommitAndSave())) {
+        RepaintAll();
+        return 1;
     }
     m_tabCtrl.Navigate(Action, Flag);
     DoModuleAction(Action, Flag);
@@ -113,11 +114,13 @@ LRESULT CPreBalancingMainWnd::SetPrebalancingState(WPARAM wParam, LPARAM) {
     if (m_pPrebalancingSequence != nullptr) {
         switch (wParam) {
             case eConfiguration:
-                CommitAndSave();
+                if (StaysForNextTry(CommitAndSave())) {
+                    return 0;
+                }
                 TerminatePrebalancingSequence();
                 return 1;
             case eReBalancing:
-                if (!CommitAndSave()) {
+                if (CommitAndSave() != eSaved) {
                     return 0;
                 }
                 Result = m_pPrebalancingSequence->KeyPressed(CPreBalancing::eRebalance);

@@ -189,9 +189,13 @@ std::int32_t CPreBalancingMainWnd::OnNCAbort() {
     }
     RV_INFORMATION(g_pLog, "NC Notification: Calling AbortBalancing()...");
     // A failure without return stays on the panel until the operator has seen it and ends it.
-    if (!m_pPrebalancingSequence->IsFailureWithNoReturn()) {
-        CommitAndSave();
+    if (m_pPrebalancingSequence->IsFailureWithNoReturn()) {
+        return eDone;
+    }
+    const Commitment Result = CommitAndSave();
+    if (!StaysForNextTry(Result)) {
         TerminatePrebalancingSequence();
     }
-    return eDone;
+    // "Done" would tell the NC that its result is kept.
+    return Result == eNotSaved || Result == eSuperseded ? eRefused : eDone;
 }

@@ -1,8 +1,12 @@
 // Start and end of procedures.
+#include <utility>
+
+#include "platform/window/messages.h"
 #include "rvdlm/m_rtr/rtr_trim/log.h"
 #include "rvdlm/m_rtr/rtr_trim/menus.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/warnings.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancingmainwnd.h"
+#include "rvdlm/m_rtr/rtr_trim/savemessages.h"
 
 using RtrTrim::g_pLog;
 
@@ -28,6 +32,7 @@ CPreBalancing* CPreBalancingMainWnd::StartPrebalancingSequence() {
     RV_ASSERT(g_pLog, m_tabCtrl.IsWindowVisible() && m_Browser.IsWindowVisible(), "wrong menu state!");
     HideConfiguration();
     RV_ASSERT(g_pLog, m_pPrebalancingSequence == nullptr, "still running");
+    m_bSaveFailed = false;
     if (m_pPrebalancingSequence == nullptr) {
         PreBalDB::CPreBalBaseTableEntry* const pEntry = m_tabCtrl.GetCurrentBaseEntry();
         RV_ASSERT(g_pLog, pEntry != nullptr, "Called to early! No base table Entry!");
@@ -78,13 +83,29 @@ void CPreBalancingMainWnd::TerminatePrebalancingSequence() {
     Invalidate();
 }
 
-bool CPreBalancingMainWnd::CommitAndSave() {
+CPreBalancingMainWnd::Commitment CPreBalancingMainWnd::CommitAndSave() {
     if (!m_pPrebalancingSequence->CommitChanges()) {
-        return false;
+        return eNoResult;
     }
     const int Saved = m_tabCtrl.SaveDatabase();
     RV_ASSERT_AS(g_pLog, Saved, "m_tabCtrl.SaveDatabase()", "SaveDatabase failed!", false);
-    return true;
+    Commitment Result = eNotSaved;
+    if (m_tabCtrl.HasDatabase()) {
+        const PreBalDB::CStoreOutcome& rOutcome = m_tabCtrl.GetOutcome();
+        SaveMessages::TellResult(m_tabCtrl.GetCurrentBaseEntry()->GetProcessName(), rOutcome, m_bSaveFailed);
+        if (Saved != 0) {
+            Result = rOutcome.m_bCalibrationLost ? eSuperseded : eSaved;
+        }
+    }
+    if (CWnd* const pParent = GetParent()) {
+        pParent->SendMessage(WM_RV_RESULTSAVED, Result == eSaved ? 1 : 0);
+    }
+    return Result;
+}
+
+bool CPreBalancingMainWnd::StaysForNextTry(Commitment Result) {
+    // Once only: nobody is to be caught in a run whose result can't be saved.
+    return Result == eNotSaved && !std::exchange(m_bSaveFailed, true);
 }
 
 LRESULT CPreBalancingMainWnd::OnDestroy(WPARAM wParam, LPARAM lParam) {
@@ -96,7 +117,7 @@ LRESULT CPreBalancingMainWnd::OnDestroy(WPARAM wParam, LPARAM lParam) {
 LRESULT CPreBalancingMainWnd::OnDestroyPending(WPARAM, LPARAM) {
     bool bSaved = false;
     if (m_pPrebalancingSequence != nullptr) {
-        bSaved = CommitAndSave();
+        bSaved = CommitAndSave() == eSaved;
         m_pPrebalancingSequence.reset();
         KillTimer(eWatchTimer);  // the configuration isn't shown again, which would do it
         m_Menu = Menus::eNone;

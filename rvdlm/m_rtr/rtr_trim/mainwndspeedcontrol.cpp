@@ -1,12 +1,8 @@
 // The speed settings and the weight positions that go with them.
 #include "platform/system/archive.h"
-#include "platform/system/files.h"
-#include "rvdlm/m_rtr/rtr_trim/log.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancingmainwnd.h"
 #include "rvlib/settings/installation.h"
 #include "rvlib/settings/profile.h"
-
-using RtrTrim::g_pLog;
 
 namespace {
 
@@ -15,22 +11,6 @@ constexpr int eDefaultIncrement = 10;
 constexpr int eDefaultIncrementBelow = 30;
 /// Degrees, where no speed is known.
 constexpr int eIncrementWithoutSpeed = 30;
-
-/// A name beside rPath that no file has.
-std::string FindFreeName(const std::string& rPath) {
-    std::string Name = rPath + ".damaged";
-    for (int i = 2; Files::IsFile(Name) || Files::IsDirectory(Name); ++i) {
-        Name = rPath + ".damaged" + std::to_string(i);
-    }
-    return Name;
-}
-
-/// Copies a file to a name of its own. The name, empty on failure.
-std::string SetAside(const std::string& rPath) {
-    const auto Bytes = Files::ReadAll(rPath);
-    const std::string Name = FindFreeName(rPath);
-    return Bytes && Files::WriteAll(Name, *Bytes) ? Name : std::string();
-}
 
 }  // namespace
 
@@ -66,21 +46,9 @@ bool CPreBalancingMainWnd::LoadWeightPositions() {
     return true;
 }
 
-/// Runs must go on without the stored positions, and these must not get lost: the file is kept under another
-/// name, and a new one takes its place. If it can't be kept it stays as it is.
 bool CPreBalancingMainWnd::OnWeightPositionsDamaged(const std::string& rReason) {
-    m_WeightPositions = CWeightPositionStore();
     ReadSpeedSettings();
-    const std::string Path = GetWeightPositionFile();
-    const std::string Kept = SetAside(Path);
-    if (Kept.empty()) {
-        RV_ERROR(g_pLog, "%s is damaged (%s) and can't be kept under another name", Path.c_str(),
-                 rReason.c_str());
-        return false;
-    }
-    RV_ERROR(g_pLog, "%s is damaged (%s); kept as %s", Path.c_str(), rReason.c_str(), Kept.c_str());
-    m_WeightPositions.Save();
-    return true;
+    return m_WeightPositions.BeginAnew(rReason);
 }
 
 int CPreBalancingMainWnd::GetSpeedIncrement() {

@@ -159,8 +159,16 @@ private:
     void ShowConfiguration();
     void HideConfiguration();
     void BeginWatch();
-    /// Saves the run's result if it is to be kept; whether it was.
-    bool CommitAndSave();
+    enum Commitment {
+        eNoResult,    ///< the run has none that is to be kept
+        eSaved,       ///< it stands in the database
+        eNotSaved,    ///< it stays in memory, and the next save tries again
+        eSuperseded,  ///< another console has stored one, which stays
+    };
+    /// Saves the run's result if it is to be kept. If that fails the operator and the host are told.
+    Commitment CommitAndSave();
+    /// Whether a run that was to end stays on the page, so that ending it once more tries again.
+    bool StaysForNextTry(Commitment Result);
     bool IsCalibrated() const;
     /// Whether the set's speeds are the rotor's own.
     bool IsSetUsable() const;
@@ -208,6 +216,7 @@ private:
     std::unique_ptr<CPreBalInterfaceToNC> m_pInterfaceToNC;
     std::unique_ptr<CPreBalInterfaceToNCWarnings> m_pInterfaceToNCWarnings;
     CWeightPositionStore m_WeightPositions;
+    bool m_bSaveFailed = false;          ///< in the present run
     std::int32_t m_Menu = Menus::eNone;  ///< last given to SetMenu
     CModuleWatch m_ModuleWatch;
 };

@@ -26,8 +26,10 @@ public:
     /// message box, if the store can't be used: the pane then has no configuration.
     int InitDatabase(const std::string& rKey, std::uint8_t Sensor1, std::uint8_t Sensor2,
                      PreBalDB::CTypeBase::AffectedPlane Input);
-    /// Writes the current configuration as it is in memory. Nonzero for success.
+    /// Writes what was changed in the current configuration. Nonzero for success; the outcome tells more.
     int SaveDatabase();
+    /// Of the last operation on the database, which must be there.
+    const PreBalDB::CStoreOutcome& GetOutcome() const { return m_pDatabase->GetOutcome(); }
     /// Saves the screw table and ends the database; the entries are gone.
     void CloseDatabase();
     bool HasDatabase() const { return m_pDatabase != nullptr; }
@@ -89,6 +91,10 @@ private:
     bool PrepareEntry(PreBalDB::CPreBalBaseTableEntry& rEntry);
     bool PrepareSinglePlane(PreBalDB::CPreBalBaseTableEntry& rEntry);
     bool PrepareTwoPlane(PreBalDB::CPreBalBaseTableEntry& rEntry);
+    /// Reads a configuration, which becomes the current one, and shows it.
+    void LoadConfiguration(const std::string& rName);
+    /// Writes the current entry. One that others have changed too is read anew.
+    void SaveCurrentEntry();
     /// Hands the current entry to the dialog.
     void ShowConfiguration();
     /// Writes the rows of the screw page under the current entry. Whether there were rows.

@@ -218,11 +218,11 @@ TEST_F(CStoreFile, ANewerVersionIsRefused) {
     WriteTarget(7);
     {
         CDirectSQL Sql(m_Connection);
-        Sql.Execute("UPDATE schema_version SET version = 3");
+        Sql.Execute("UPDATE schema_version SET version = 4");
     }
-    static_assert(Schema::eCurrentVersion == 2);
+    static_assert(Schema::eCurrentVersion == 3);
     ExpectRefused(
-        AllOf(HasSubstr("has version 3, this program knows up to 2"), HasSubstr("update the program")));
+        AllOf(HasSubstr("has version 4, this program knows up to 3"), HasSubstr("update the program")));
 }
 
 TEST_F(CStoreFile, AFileThatIsNoDatabaseIsRefused) {

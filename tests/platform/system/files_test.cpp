@@ -1,8 +1,13 @@
 #include "platform/system/files.h"
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -105,6 +110,53 @@ TEST(FilesTest, WritingLeavesNothingElseBehind) {
     ASSERT_TRUE(Files::WriteAll(Directory.At("data"), {1}));
     ASSERT_TRUE(Files::WriteAll(Directory.At("data"), {2}));
     EXPECT_EQ(std::distance(fs::directory_iterator(Directory.GetPath()), fs::directory_iterator()), 1);
+}
+
+TEST(FilesTest, AWriteProtectedFileIsLeftAlone) {
+    const CTempDirectory Directory;
+    WriteTestFile(Directory.At("data"), "old");
+    fs::permissions(Directory.At("data"), fs::perms::owner_read | fs::perms::group_read);
+    EXPECT_FALSE(Files::WriteAll(Directory.At("data"), {1})) << "whoever the user is";
+    EXPECT_EQ(ReadTestFile(Directory.At("data")), "old");
+    EXPECT_EQ(std::distance(fs::directory_iterator(Directory.GetPath()), fs::directory_iterator()), 1);
+}
+
+// A writer dies between the making of the new file and its taking the old one's place.
+TEST(FilesTest, WhatAKilledWriterLeftIsRemovedByTheNextOne) {
+    const CTempDirectory Directory;
+    WriteTestFile(Directory.At("data"), "old");
+    const pid_t Writer = fork();
+    ASSERT_NE(Writer, -1);
+    if (Writer == 0) {
+        // The limit strikes in the middle of the file, by a signal that kills.
+        const rlimit Limit{3, 3};
+        setrlimit(RLIMIT_FSIZE, &Limit);
+        const rlimit NoCore{0, 0};
+        setrlimit(RLIMIT_CORE, &NoCore);
+        Files::WriteAll(Directory.At("data"), {1, 2, 3, 4, 5, 6});
+        _exit(0);
+    }
+    int Status = 0;
+    ASSERT_EQ(waitpid(Writer, &Status, 0), Writer);
+    ASSERT_TRUE(WIFSIGNALED(Status));
+    ASSERT_EQ(std::distance(fs::directory_iterator(Directory.GetPath()), fs::directory_iterator()), 2);
+    WriteTestFile(Directory.At("data.backup"), "somebody's own");
+    EXPECT_TRUE(Files::WriteAll(Directory.At("data"), {1}));
+    EXPECT_EQ(std::distance(fs::directory_iterator(Directory.GetPath()), fs::directory_iterator()), 2);
+    EXPECT_EQ(ReadTestFile(Directory.At("data.backup")), "somebody's own");
+}
+
+TEST(FilesTest, WhatAnotherWriterIsAtIsLeft) {
+    const CTempDirectory Directory;
+    const std::string Successor = Directory.At("data.writing-abcdef");
+    WriteTestFile(Successor, "half");
+    const int Handle = ::open(Successor.c_str(), O_RDONLY | O_CLOEXEC);
+    ASSERT_EQ(::flock(Handle, LOCK_EX), 0);
+    EXPECT_TRUE(Files::WriteAll(Directory.At("data"), {1}));
+    EXPECT_TRUE(fs::exists(Successor));
+    ::close(Handle);
+    EXPECT_TRUE(Files::WriteAll(Directory.At("data"), {1}));
+    EXPECT_FALSE(fs::exists(Successor));
 }
 
 // The old contents live until the new ones are complete: they are a file of their own that takes the old

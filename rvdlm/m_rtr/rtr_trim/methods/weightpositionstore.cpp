@@ -6,6 +6,7 @@
 
 #include "platform/system/archive.h"
 #include "platform/system/files.h"
+#include "rvdlm/m_rtr/rtr_trim/log.h"
 #include "rvlib/settings/installation.h"
 
 namespace {
@@ -41,6 +42,27 @@ void ReadPositions(CArchive& rArchive, math::matrix<double>& rPositions) {
     rArchive >> rPositions(0, 0) >> rPositions(1, 0);
 }
 
+/// A name beside rPath that no file has.
+std::string FindFreeName(const std::string& rPath) {
+    std::string Name = rPath + ".damaged";
+    for (int i = 2; Files::IsFile(Name) || Files::IsDirectory(Name); ++i) {
+        Name = rPath + ".damaged" + std::to_string(i);
+    }
+    return Name;
+}
+
+/// Copies a file to a name of its own. The name, empty on failure.
+std::string SetAside(const std::string& rPath) {
+    const auto Bytes = Files::ReadAll(rPath);
+    const std::string Name = FindFreeName(rPath);
+    return Bytes && Files::WriteAll(Name, *Bytes) ? Name : std::string();
+}
+
+bool IsUsable(double Angle) {
+    constexpr double eLargest = 359.0;
+    return Angle >= 0.0 && Angle <= eLargest;  // no number is neither
+}
+
 }  // namespace
 
 WeightPos2Plane::WeightPos2Plane() {
@@ -66,6 +88,13 @@ void WeightPos2Plane::Serialize(CArchive& rArchive) {
     }
 }
 
+bool WeightPos2Plane::HasUsableAngles() const {
+    const auto AreUsable = [](const math::matrix<double>& rPositions) {
+        return IsUsable(rPositions(0, 0)) && IsUsable(rPositions(1, 0));
+    };
+    return AreUsable(m_PositionsPlane1) && (m_SinglePlane || AreUsable(m_PositionsPlane2));
+}
+
 const WeightPos2Plane& CWeightPositionStore::Get(const std::string& rKey) const {
     const auto Found = m_WeightPositions.find(rKey);
     if (Found == m_WeightPositions.end()) {
@@ -86,14 +115,29 @@ void CWeightPositionStore::Load() {
     auto Bytes = Files::ReadAll(GetWeightPositionFile());
     if (Bytes) {
         CArchive Archive(CArchive::eLoad, std::move(*Bytes));
-        Serialize(Archive);
+        CWeightPositionStore Loaded;
+        Loaded.Serialize(Archive);
+        *this = std::move(Loaded);
     }
 }
 
-void CWeightPositionStore::Save() {
+bool CWeightPositionStore::BeginAnew(const std::string& rReason) {
+    m_WeightPositions.clear();
+    const std::string Path = GetWeightPositionFile();
+    const std::string Kept = SetAside(Path);
+    if (Kept.empty()) {
+        RV_ERROR(RtrTrim::g_pLog, "%s is damaged (%s) and can't be kept under another name", Path.c_str(),
+                 rReason.c_str());
+        return false;
+    }
+    RV_ERROR(RtrTrim::g_pLog, "%s is damaged (%s); kept as %s", Path.c_str(), rReason.c_str(), Kept.c_str());
+    return Save();
+}
+
+bool CWeightPositionStore::Save() {
     CArchive Archive(CArchive::eStore);
     Serialize(Archive);
-    Files::WriteAll(GetWeightPositionFile(), Archive.GetBytes());
+    return Files::WriteAll(GetWeightPositionFile(), Archive.GetBytes());
 }
 
 void CWeightPositionStore::Set(const std::string& rKey, const WeightPos2Plane& rRecord) {

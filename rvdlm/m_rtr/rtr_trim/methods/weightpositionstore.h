@@ -17,6 +17,10 @@ public:
     /// The record of 46 bytes. Read matrices are 2 by 1.
     void Serialize(CArchive& rArchive) override;
 
+    /// Whether the angles of the planes that the record is of are angles on a scale, 0 to 359. A damaged
+    /// file, or one written elsewhere, may hold anything.
+    bool HasUsableAngles() const;
+
     /// Degrees of weight 1 in element (0, 0) and of weight 2 in (1, 0).
     math::matrix<double> m_PositionsPlane1;
     math::matrix<double> m_PositionsPlane2;  ///< single-plane runs leave it alone
@@ -41,10 +45,15 @@ public:
     bool IsPositionsValid(const std::string& rKey) const;
     /// True for an absent key.
     bool IsSinglePlane(const std::string& rKey) const;
-    /// Reads GetWeightPositionFile() into this object; without a file nothing changes.
+    /// Reads GetWeightPositionFile() into this object; without a file, or with a damaged one, nothing
+    /// changes.
     void Load();
-    /// Writes this object to GetWeightPositionFile(); a failure is silent.
-    void Save();
+    /// Writes this object to GetWeightPositionFile(). A failure is silent but for the result.
+    bool Save();
+    /// For a file that was found damaged: runs must go on without the stored positions, and these must not
+    /// get lost. It is kept under another name, and a new one with no entries, and the three numbers of this
+    /// object, takes its place. False if that can't be; it then stays as it is, and must not be written.
+    bool BeginAnew(const std::string& rReason);
     /// Puts a record into the file; no object in memory changes.
     static void Set(const std::string& rKey, const WeightPos2Plane& rRecord);
     /// Writes version "3.1"; reads also "3.0" and what came before.

@@ -1,18 +1,19 @@
 // Positions of the weights in CBalancingSequence: the keys that move them, the store that keeps them.
 #include "platform/system/archive.h"
-#include "rvdlm/m_rtr/rtr_trim/log.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/balancingsequence.h"
 
 namespace {
 
-/// Runs an access to the file of positions. A damaged file must not end the run, let alone the host: the run
-/// goes on without what is stored.
+/// Runs an access to the file of positions. A damaged file must not end the run, let alone the host: it is
+/// set aside, and the access is to a new one.
 template <typename F>
-void AccessStoreFile(F Access) {
+void AccessStoreFile(CWeightPositionStore& rStore, F Access) {
     try {
         Access();
     } catch (const CArchiveException& rError) {
-        RV_ERROR(RtrTrim::g_pLog, "The file of weight positions is damaged: %s", rError.what());
+        if (rStore.BeginAnew(rError.what())) {
+            Access();
+        }
     }
 }
 
@@ -43,13 +44,14 @@ bool CBalancingSequence::CheckStoredWeightPositions() const {
     const CWeightPositionStore& rStore = m_pMainWnd->GetWeightPositionStore();
     const std::string Key = GetStoreKey();
     // A record of the other kind of run isn't taken over.
-    return rStore.IsPositionsValid(Key) && rStore.IsSinglePlane(Key) == (m_Planes.size() == 1);
+    return rStore.IsPositionsValid(Key) && rStore.IsSinglePlane(Key) == (m_Planes.size() == 1) &&
+           rStore.Get(Key).HasUsableAngles();
 }
 
 bool CBalancingSequence::AdoptStoredWeightPositions() {
     const CWeightPositionStore& rStore = m_pMainWnd->GetWeightPositionStore();
     const std::string Key = GetStoreKey();
-    if (!rStore.Contains(Key)) {
+    if (!rStore.Contains(Key) || !rStore.Get(Key).HasUsableAngles()) {
         return false;
     }
     WeightPos2Plane Record = rStore.Get(Key);
@@ -65,7 +67,8 @@ bool CBalancingSequence::AdoptStoredWeightPositions() {
 }
 
 void CBalancingSequence::ReloadPositionStore() {
-    AccessStoreFile([this] { m_pMainWnd->GetWeightPositionStore().Load(); });
+    CWeightPositionStore& rStore = m_pMainWnd->GetWeightPositionStore();
+    AccessStoreFile(rStore, [&rStore] { rStore.Load(); });
 }
 
 WeightPos2Plane CBalancingSequence::MakeStoreRecord() const {
@@ -77,7 +80,8 @@ WeightPos2Plane CBalancingSequence::MakeStoreRecord() const {
 }
 
 void CBalancingSequence::WriteStoreRecord(const WeightPos2Plane& rRecord) {
-    AccessStoreFile([this, &rRecord] { CWeightPositionStore::Set(GetStoreKey(), rRecord); });
+    AccessStoreFile(m_pMainWnd->GetWeightPositionStore(),
+                    [this, &rRecord] { CWeightPositionStore::Set(GetStoreKey(), rRecord); });
 }
 
 void CBalancingSequence::StoreNeutralRPM() {

@@ -377,9 +377,40 @@ TEST_F(WeightPositionStore, FileCutAnywhereThrowsAndStaysAsItIs) {
         PutFile(Cut);
         CWeightPositionStore Store;
         EXPECT_THROW(Store.Load(), CArchiveException) << nSize;
+        EXPECT_FALSE(Store.Contains("000005_A")) << "half a file is none";
         EXPECT_THROW(CWeightPositionStore::Set("B", WeightPos2Plane()), CArchiveException) << nSize;
         EXPECT_EQ(GetFile(), Cut);
     }
+}
+
+TEST_F(WeightPositionStore, LoadingADamagedFileChangesNothing) {
+    CWeightPositionStore Store;
+    PutFile(Head31(1).Text("000005_A").Record(true, 3000, 10, true).m_Bytes);
+    Store.Load();
+    PutFile(CBytes().Text("3.1").Number(77).m_Bytes);
+    EXPECT_THROW(Store.Load(), CArchiveException);
+    EXPECT_TRUE(Store.Contains("000005_A"));
+    EXPECT_NE(Store.m_IncrementRPM, 77);
+}
+
+TEST_F(WeightPositionStore, BeginningAnewKeepsTheDamagedFileAndTheNumbers) {
+    const Bytes Damaged = CBytes().Text("3.1").m_Bytes;
+    PutFile(Damaged);
+    CWeightPositionStore Store;
+    Store.m_IncrementRPM = 1500;
+    EXPECT_TRUE(Store.BeginAnew("cut"));
+    EXPECT_TRUE(std::filesystem::exists(m_Installation.GetWeightPositions().string() + ".damaged"));
+    CWeightPositionStore Stored;
+    EXPECT_NO_THROW(Stored.Load());
+    EXPECT_EQ(Stored.m_IncrementRPM, 1500);
+}
+
+TEST_F(WeightPositionStore, WriteProtectedFileIsLeftAlone) {
+    PutFile(Head31(1).Text("000005_A").Record(true, 3000, 10, true).m_Bytes);
+    const Bytes Before = GetFile();
+    std::filesystem::permissions(m_Installation.GetWeightPositions(), std::filesystem::perms::owner_read);
+    CWeightPositionStore::Set("B", WeightPos2Plane());
+    EXPECT_EQ(GetFile(), Before);
 }
 
 TEST_F(WeightPositionStore, HugeCountOfADamagedFileThrowsAtItsEnd) {

@@ -1,10 +1,14 @@
 // Start of a pre-balancing, and what it makes of stored positions.
 #include <fstream>
+#include <limits>
 
+#include "rvlib/math/vector.h"
 #include "tests/rvdlm/m_rtr/rtr_trim/prebalancing/sequencefixture.h"
+#include "tests/support/textfiles.h"
 
 namespace {
 
+using math::MakeVector;
 using S = CSinglePlaneBalancing;
 using testing::Contains;
 using testing::HasSubstr;
@@ -68,12 +72,21 @@ TEST_F(PreBalanceStartTest, StartReloadsTheStoredPositionsWithWeightsOnly) {
     EXPECT_EQ(m_Wnd.GetMenu(), 19);
 }
 
-TEST_F(PreBalanceStartTest, DamagedPositionFileIsLoggedAndTheRunGoesOn) {
-    std::ofstream(m_Installation.GetWeightPositions(), std::ios::binary) << "\x03"
-                                                                         << "3.1cut";
+TEST_F(PreBalanceStartTest, DamagedPositionFileIsSetAsideAndTheRunGoesOn) {
+    StorePositions(true, true);
+    m_Wnd.m_Store.Load();
+    m_Wnd.m_Store.m_IncrementRPM = 1500;
+    const std::string Damaged =
+        "\x03"
+        "3.1cut";
+    std::ofstream(m_Installation.GetWeightPositions(), std::ios::binary) << Damaged;
     EXPECT_EQ(m_pSequence->StartPreBalancing(0, 1, 1), 1);
     EXPECT_EQ(GetState(), S::eNeutralPosRemoveWeights);
-    EXPECT_THAT(m_Log.GetTexts("Error"), Contains(HasSubstr("weight positions is damaged")));
+    EXPECT_THAT(m_Log.GetTexts("Error"), Contains(HasSubstr("vorwuchttemp.txt is damaged")));
+    EXPECT_EQ(ReadTestFile(m_Installation.GetWeightPositions().string() + ".damaged"), Damaged);
+    EXPECT_EQ(m_Wnd.GetMenu(), 30) << "nothing to adopt";
+    EXPECT_FALSE(m_Wnd.m_Store.Contains("000005_WHEEL1"));
+    EXPECT_EQ(m_Wnd.m_Store.m_IncrementRPM, 1500) << "begun anew with the settings in force";
 }
 
 // --- menus by the stored positions ---
@@ -97,6 +110,35 @@ TEST_F(PreBalanceStartTest, InvalidPositionsAndThoseOfATwoPlaneRunAreNotOffered)
         m_pSequence->StartPreBalancing(eSpeed, 0, 0);
         EXPECT_EQ(m_Wnd.GetMenu(), 28);
     }
+}
+
+// An NC would send the weights there.
+TEST_F(PreBalanceStartTest, AnglesThatAreNoneOfAScaleAreNotOffered) {
+    constexpr double eNan = std::numeric_limits<double>::quiet_NaN();
+    constexpr double eInfinite = std::numeric_limits<double>::infinity();
+    for (const double Angle : {eNan, eInfinite, -eInfinite, -1.0, 360.0, -2147483258.0, 359.5}) {
+        for (const std::uint32_t Weight : {0U, 1U}) {
+            WeightPos2Plane Record;
+            Record.m_PositionsValid = true;
+            Record.m_PositionsPlane1 = MakeVector(77, 266);
+            Record.m_PositionsPlane1(Weight, 0) = Angle;
+            CWeightPositionStore::Set("000005_WHEEL1", Record);
+            Make();
+            m_pSequence->StartPreBalancing(0, 1, 1);
+            EXPECT_EQ(m_Wnd.GetMenu(), 30) << Angle;
+            TakeCalls();
+            Key(K::ePositionAdoption);
+            EXPECT_THAT(TakeCalls(), IsEmpty()) << "nor taken";
+        }
+    }
+    WeightPos2Plane Record;
+    Record.m_PositionsValid = true;
+    Record.m_PositionsPlane1 = MakeVector(0, 359);
+    Record.m_PositionsPlane2 = MakeVector(eNan, eNan);
+    CWeightPositionStore::Set("000005_WHEEL1", Record);
+    Make();
+    m_pSequence->StartPreBalancing(0, 1, 1);
+    EXPECT_EQ(m_Wnd.GetMenu(), 19) << "plane 2 is not in use";
 }
 
 TEST_F(PreBalanceStartTest, ScrewsDontLookAtStoredPositions) {
