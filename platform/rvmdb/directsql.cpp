@@ -170,12 +170,23 @@ struct CDirectSQL::Impl {
         Open();
     }
     void OpenPostgres(const std::string& rUrl) {
-        const CPostgresUrl Url(rUrl);
-        m_Name = "database \"" + Url.GetName() + "\"";
+        const CPostgresUrl Url = CPostgresUrl::Parse(rUrl);
+        m_Name = "database \"" + Url.m_Name + "\"";
         Register("QPSQL", "libqt6sql6-psql");
-        Url.Apply(m_Database);
+        m_Database.setHostName(QString::fromStdString(Url.m_Host));
+        m_Database.setPort(Url.m_Port);
+        m_Database.setUserName(QString::fromStdString(Url.m_User));
+        m_Database.setPassword(QString::fromStdString(Url.m_Password));
+        m_Database.setDatabaseName(QString::fromStdString(Url.m_Database));
+        m_Database.setConnectOptions(QString::fromStdString(Url.m_Options));
         Open();
-        m_Socket.Attach(*m_Database.driver());
+        AttachSocket();
+    }
+    void AttachSocket() {
+        const QVariant Connection = m_Database.driver()->handle();
+        if (Connection.isValid() && std::string_view(Connection.typeName()) == "PGconn*") {
+            m_Socket.Attach(*static_cast<void* const*>(Connection.constData()));
+        }
     }
     void Reopen() {
         m_Socket.Detach();
@@ -184,7 +195,7 @@ struct CDirectSQL::Impl {
             throw MakeError(m_Database.lastError());
         }
         if (!m_bSqlite) {
-            m_Socket.Attach(*m_Database.driver());
+            AttachSocket();
         }
     }
     void Close() {

@@ -1,6 +1,5 @@
 #include "platform/rvmdb/postgresurl.h"
 
-#include <QSqlDatabase>
 #include <QString>
 #include <QUrl>
 #include <QUrlQuery>
@@ -70,34 +69,27 @@ QString Quote(QString Value) {
 
 }  // namespace
 
-struct CPostgresUrl::Impl {
-    QUrl m_Url;
-    std::string m_Name;
-    std::map<QString, QString> m_Options;
-};
-
 bool CPostgresUrl::IsOne(const std::string& rConnection) {
     return rConnection.starts_with(Prefix);
 }
 
-CPostgresUrl::CPostgresUrl(const std::string& rUrl) : m_pImpl(std::make_unique<Impl>()) {
-    m_pImpl->m_Url = QUrl(QString::fromStdString(rUrl), QUrl::StrictMode);
-    const QUrl& rParsed = m_pImpl->m_Url;
-    m_pImpl->m_Name = rParsed.toString(QUrl::RemovePassword | QUrl::RemoveQuery).toStdString();
-    if (!rParsed.isValid() || rParsed.path().size() < 2) {
+CPostgresUrl CPostgresUrl::Parse(const std::string& rUrl) {
+    const QUrl Parsed(QString::fromStdString(rUrl), QUrl::StrictMode);
+    CPostgresUrl Url;
+    Url.m_Name = Parsed.toString(QUrl::RemovePassword | QUrl::RemoveQuery).toStdString();
+    if (!Parsed.isValid() || Parsed.path().size() < 2) {
         throw CDatabaseError(std::string("the connection names no database; give ") + pForm);
     }
+    std::map<QString, QString> Values;
     for (const COption& rOption : Options) {
         if (rOption.m_pDefault[0] != '\0') {
-            m_pImpl->m_Options[rOption.m_pName] = rOption.m_pDefault;
+            Values[rOption.m_pName] = rOption.m_pDefault;
         }
     }
-    for (const auto& [rName, rValue] : QUrlQuery(rParsed).queryItems(QUrl::FullyDecoded)) {
+    const std::string Subject = "the connection to database \"" + Url.m_Name + "\": ";
+    for (const auto& [rName, rValue] : QUrlQuery(Parsed).queryItems(QUrl::FullyDecoded)) {
         const std::string Name = rName.toStdString();
-        const bool bKnown =
-            std::ranges::any_of(Options, [&](const COption& rOption) { return Name == rOption.m_pName; });
-        const std::string Subject = "the connection to database \"" + m_pImpl->m_Name + "\": ";
-        if (!bKnown) {
+        if (std::ranges::none_of(Options, [&](const COption& rOption) { return Name == rOption.m_pName; })) {
             throw CDatabaseError(Subject + "the option \"" + Name + "\" isn't known; known are " +
                                  GetOptionNames());
         }
@@ -106,31 +98,21 @@ CPostgresUrl::CPostgresUrl(const std::string& rUrl) : m_pImpl(std::make_unique<I
             throw CDatabaseError(Subject + "the value of the option \"" + Name +
                                  "\" holds a semicolon, which can't be passed on; give one without");
         }
-        m_pImpl->m_Options[rName] = rValue;
+        Values[rName] = rValue;
     }
     // What the URL says comes last, and so holds.
-    QString& rSettings = m_pImpl->m_Options["options"];
+    QString& rSettings = Values["options"];
     rSettings = (QString(pServerSettings) + " " + rSettings).trimmed();
-}
 
-CPostgresUrl::~CPostgresUrl() = default;
-
-const std::string& CPostgresUrl::GetName() const {
-    return m_pImpl->m_Name;
-}
-
-void CPostgresUrl::Apply(QSqlDatabase& rDatabase) const {
-    const QUrl& rUrl = m_pImpl->m_Url;
-    rDatabase.setHostName(rUrl.host());
-    rDatabase.setPort(rUrl.port(5432));
-    rDatabase.setUserName(rUrl.userName());
-    rDatabase.setPassword(rUrl.password());
-    rDatabase.setDatabaseName(rUrl.path().mid(1));
-    QString Text;
-    for (const auto& [rName, rValue] : m_pImpl->m_Options) {
-        Text += (Text.isEmpty() ? "" : ";") + rName + "=" + Quote(rValue);
+    Url.m_Host = Parsed.host().toStdString();
+    Url.m_Port = Parsed.port(5432);
+    Url.m_User = Parsed.userName().toStdString();
+    Url.m_Password = Parsed.password().toStdString();
+    Url.m_Database = Parsed.path().mid(1).toStdString();
+    for (const auto& [rName, rValue] : Values) {
+        Url.m_Options += (Url.m_Options.empty() ? "" : ";") + (rName + "=" + Quote(rValue)).toStdString();
     }
-    rDatabase.setConnectOptions(Text);
+    return Url;
 }
 
 }  // namespace PreBalDB

@@ -1,8 +1,5 @@
 #pragma once
-#include <memory>
 #include <string>
-
-class QSqlDatabase;
 
 namespace PreBalDB {
 
@@ -10,23 +7,20 @@ namespace PreBalDB {
 /// options are those of the client library that concern the connection, such as sslmode and sslrootcert; they
 /// are passed on. Unless they say otherwise, connecting takes 2 s at most, and so long may a lock be waited
 /// for.
-class CPostgresUrl {
-public:
+struct CPostgresUrl {
     static bool IsOne(const std::string& rConnection);
-
     /// Throws CDatabaseError for an URL that names no database, or an option that isn't known.
-    explicit CPostgresUrl(const std::string& rUrl);
-    ~CPostgresUrl();
-    CPostgresUrl(const CPostgresUrl&) = delete;
-    CPostgresUrl& operator=(const CPostgresUrl&) = delete;
+    static CPostgresUrl Parse(const std::string& rUrl);
 
     /// For people: without password and options, which may hold another one.
-    const std::string& GetName() const;
-    void Apply(QSqlDatabase& rDatabase) const;
-
-private:
-    struct Impl;
-    std::unique_ptr<Impl> m_pImpl;
+    std::string m_Name;
+    std::string m_Host;
+    int m_Port = 0;
+    std::string m_User;
+    std::string m_Password;
+    std::string m_Database;
+    /// As the driver takes them: "sslmode='require';connect_timeout='2'".
+    std::string m_Options;
 };
 
 }  // namespace PreBalDB

@@ -5,9 +5,6 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include <QSqlDriver>
-#include <QVariant>
-#include <string_view>
 #include <utility>
 
 namespace PreBalDB {
@@ -16,8 +13,8 @@ namespace {
 
 /// The operation of the client library that the driver works with. That library is there only with the
 /// driver, and asked for only then: a console without a server needs neither.
-int GetSocket(void* pConnection) {
-    using Operation = int (*)(const void* pConnection);
+int GetSocket(const void* pConnection) {
+    using Operation = int (*)(const void*);
     void* const pLibrary = dlopen("libpq.so.5", RTLD_NOW | RTLD_NOLOAD);
     if (pLibrary == nullptr) {
         return -1;
@@ -30,13 +27,9 @@ int GetSocket(void* pConnection) {
 
 }  // namespace
 
-void CServerSocket::Attach(const QSqlDriver& rDriver) {
+void CServerSocket::Attach(const void* pConnection) {
     Detach();
-    const QVariant Connection = rDriver.handle();
-    if (!Connection.isValid() || std::string_view(Connection.typeName()) != "PGconn*") {
-        return;
-    }
-    const int Handle = GetSocket(*static_cast<void* const*>(Connection.constData()));
+    const int Handle = GetSocket(pConnection);
     const std::lock_guard Guard(m_Lock);
     m_Handle = Handle < 0 ? -1 : fcntl(Handle, F_DUPFD_CLOEXEC, 0);
 }

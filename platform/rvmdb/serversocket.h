@@ -1,8 +1,6 @@
 #pragma once
 #include <mutex>
 
-class QSqlDriver;
-
 namespace PreBalDB {
 
 /// The socket of a connection to a PostgreSQL server. A statement on a server that has frozen ends by none of
@@ -14,8 +12,8 @@ public:
     CServerSocket(const CServerSocket&) = delete;
     CServerSocket& operator=(const CServerSocket&) = delete;
 
-    /// Of an open connection. Does nothing if the driver gives no socket away.
-    void Attach(const QSqlDriver& rDriver);
+    /// Of an open connection of the client library. Does nothing if that gives no socket away.
+    void Attach(const void* pConnection);
     void Detach();
     /// From any thread.
     void ShutDown();

@@ -1,5 +1,6 @@
 // Positions of the weights in CBalancingSequence: the keys that move them, the store that keeps them.
 #include "platform/system/archive.h"
+#include "rvdlm/m_rtr/rtr_trim/log.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/balancingsequence.h"
 
 namespace {

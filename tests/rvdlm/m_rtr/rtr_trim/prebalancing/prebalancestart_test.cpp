@@ -9,6 +9,7 @@
 namespace {
 
 using math::MakeVector;
+using K = CKeyActions;
 using S = CSinglePlaneBalancing;
 using testing::Contains;
 using testing::HasSubstr;
