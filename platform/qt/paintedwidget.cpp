@@ -50,6 +50,10 @@ CPaintedWidget::CPaintedWidget(CWnd& rWnd, QWidget* pParent) : CWindowWidget<QWi
 
 void CPaintedWidget::Follow() {
     CMirror::Follow();
+    FollowLooks();
+}
+
+void CPaintedWidget::FollowLooks() {
     if (GetWnd() == nullptr) {
         return;
     }

@@ -9,6 +9,8 @@ public:
     void Follow() override;
 
 protected:
+    /// All but place and state.
+    void FollowLooks();
     void paintEvent(QPaintEvent* pEvent) override;
     void mousePressEvent(QMouseEvent* pEvent) override { SendMouse(*pEvent); }
     void mouseReleaseEvent(QMouseEvent* pEvent) override { SendMouse(*pEvent); }

@@ -96,7 +96,7 @@ void CWindowView::OnWindowChanged(CWnd& rWnd) {
             FollowVisibility(*pChild);
         }
     }
-    update();
+    FollowLooks();
 }
 
 void CWindowView::OnWindowDestroyed(CWnd& rWnd) {

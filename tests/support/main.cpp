@@ -24,7 +24,9 @@ void ChooseTemporaryDirectory() {
 }  // namespace
 
 int main(int argc, char** argv) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
+    // A real display is for those who want to see the focus there:
+    //   ROTOR_TRIM_TEST_PLATFORM=xcb xvfb-run platform_tests --gtest_filter='*Events*'
+    qputenv("QT_QPA_PLATFORM", qEnvironmentVariable("ROTOR_TRIM_TEST_PLATFORM", "offscreen").toUtf8());
     QTemporaryDir RuntimeDirectory;
     if (qEnvironmentVariableIsEmpty("XDG_RUNTIME_DIR")) {
         qputenv("XDG_RUNTIME_DIR", RuntimeDirectory.path().toUtf8());

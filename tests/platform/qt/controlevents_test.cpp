@@ -634,6 +634,27 @@ TEST_F(ControlEventsTest, SpinButtonsAreHeldWithTheMouse) {
     EXPECT_EQ(Spin.GetPos(), 3);
 }
 
+TEST_F(ControlEventsTest, EachWindowHasItsPointer) {
+    Show();
+    EXPECT_EQ(Find(m_List)->cursor().shape(), Qt::ArrowCursor);
+    m_List.SetCursor(Cursor::eSplitColumns);
+    m_Page.SetCursor(Cursor::eWait);
+    EXPECT_EQ(Find(m_List)->cursor().shape(), Qt::SplitHCursor);
+    EXPECT_EQ(m_pView->cursor().shape(), Qt::WaitCursor);
+    m_List.SetCursor(Cursor::eArrow);
+    EXPECT_EQ(Find(m_List)->cursor().shape(), Qt::ArrowCursor) << "not its parent's";
+}
+
+TEST_F(ControlEventsTest, ScreenReadersFindTheNames) {
+    CEdit Edit;
+    Edit.SetAccessibleName("RPM tolerance");
+    Edit.Create(&m_Page, CRect(10, 130, 100, 150), 2);
+    m_List.SetWindowText("Parameters");
+    Show();
+    EXPECT_EQ(Find(Edit)->accessibleName(), "RPM tolerance");
+    EXPECT_EQ(Find(m_List)->accessibleName(), "Parameters");
+}
+
 TEST_F(ControlEventsTest, TheMouseGoesThroughAStaticText) {
     CStatic Text;
     Text.Create(&m_List, CRect(0, 0, 50, 20), 9);

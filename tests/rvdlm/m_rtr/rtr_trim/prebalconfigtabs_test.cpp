@@ -339,6 +339,16 @@ TEST_F(CPreBalConfigTabsTest, ChangingTabsSavesAndTellsTheHost) {
     EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
 }
 
+TEST_F(CPreBalConfigTabsTest, ATabThatIsClickedShowsItsPage) {
+    OpenWith({"Wheel"}, true);
+    EXPECT_TRUE(Tabs().SelectByOperator(1));
+    EXPECT_TRUE(ScrewDlg().IsWindowVisible());
+    EXPECT_FALSE(Dlg().IsWindowVisible());
+    EXPECT_TRUE(Tabs().SelectByOperator(0));
+    EXPECT_FALSE(ScrewDlg().IsWindowVisible());
+    EXPECT_TRUE(Dlg().IsWindowVisible());
+}
+
 TEST_F(CPreBalConfigTabsTest, TheScrewPageInItsEditModeTakesTheSelectionKeysAway) {
     OpenWith({"Default"}, true);
     ScrewDlg().SetListMode(false);
