@@ -16,8 +16,8 @@ constexpr UINT WM_ENABLE = 10;  ///< wParam 1: the window may be used now; 0: it
 constexpr UINT WM_PAINT = 15;   ///< to draw the surface anew
 /// The window itself was shown (wParam 1) or hidden (0), already done. Its children aren't told.
 constexpr UINT WM_SHOWWINDOW = 24;
-/// A child tells its parent something: wParam the child's id, lParam a CNotification (notification.h), which
-/// also says what an answer means. The base class passes it on to its own parent.
+/// A child tells its parent something: wParam the child's id, lParam a CWndNotification (notification.h),
+/// which also says what an answer means. The base class passes it on to its own parent.
 constexpr UINT WM_NOTIFY = 78;
 
 // Keys, to the window that has the focus. A nonzero answer: the key was used. A key that wasn't goes on:

@@ -28,19 +28,19 @@ constexpr int TCN_SELCHANGING = -552;  ///< he is about to: nonzero refuses
 constexpr int UDN_DELTAPOS = -722;
 
 /// Who tells what. Controls and parents may put their own in a class derived from this one.
-struct CNotification {
+struct CWndNotification {
     CWnd* m_pFrom = nullptr;
     UINT m_Id = 0;  ///< of the window that tells
     int m_Code = 0;
 };
 
 /// UDN_DELTAPOS.
-struct CDeltaPosNotification : CNotification {
+struct CDeltaPosNotification : CWndNotification {
     int m_Pos = 0;    ///< before the step
     int m_Delta = 0;  ///< the step, positive for the upper button; position + delta may lie outside the range
 };
 
 /// The notification in the lParam of message 78. Its code tells of what derived class it is.
-inline CNotification& GetNotification(LPARAM lParam) {
-    return *reinterpret_cast<CNotification*>(lParam);
+inline CWndNotification& GetNotification(LPARAM lParam) {
+    return *reinterpret_cast<CWndNotification*>(lParam);
 }

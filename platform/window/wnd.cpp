@@ -391,7 +391,7 @@ CBitmap CWnd::Compose() const {
     return Result;
 }
 
-LRESULT CWnd::NotifyParent(CNotification& rNotification) {
+LRESULT CWnd::NotifyParent(CWndNotification& rNotification) {
     rNotification.m_pFrom = this;
     rNotification.m_Id = m_Id;
     return m_pParent != nullptr
@@ -400,7 +400,7 @@ LRESULT CWnd::NotifyParent(CNotification& rNotification) {
 }
 
 LRESULT CWnd::NotifyParent(int Code) {
-    CNotification Notification;
+    CWndNotification Notification;
     Notification.m_Code = Code;
     return NotifyParent(Notification);
 }

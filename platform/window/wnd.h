@@ -162,7 +162,7 @@ protected:
     virtual LRESULT WindowProc(UINT Message, WPARAM wParam, LPARAM lParam);
     /// Message 78 to the parent, which answers; 0 without a parent. rNotification gets this window and its
     /// id. The parent may destroy this window meanwhile.
-    LRESULT NotifyParent(CNotification& rNotification);
+    LRESULT NotifyParent(CWndNotification& rNotification);
     /// The same with nothing but a code.
     LRESULT NotifyParent(int Code);
     /// Create is through with messages 1 and 5.

@@ -41,7 +41,7 @@ public:
     std::vector<CHeard> m_Heard;
     std::vector<int> m_Codes;  ///< of notifications
     /// The answer to a notification; 0 without.
-    std::function<LRESULT(CNotification&)> OnNotification;
+    std::function<LRESULT(CWndNotification&)> OnNotification;
     /// The answer to any other message but those of creation and painting.
     std::function<LRESULT(UINT, WPARAM, LPARAM)> OnMessage;
 

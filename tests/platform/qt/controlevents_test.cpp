@@ -388,7 +388,7 @@ TEST_F(EditEventsTest, CharactersOutsideTheBasicPlaneCountAsOne) {
 TEST_F(EditEventsTest, ARefusedChangeNeverShows) {
     Begin("12");
     m_Edit.SelectAll();
-    m_List.OnNotification = [this](CNotification&) -> LRESULT {
+    m_List.OnNotification = [this](CWndNotification&) -> LRESULT {
         return m_Edit.GetWindowText().find('x') != std::string::npos ? 1 : 0;
     };
     QTest::keyClick(GetWidget(), Qt::Key_X);
@@ -401,7 +401,7 @@ TEST_F(EditEventsTest, ARefusedChangeNeverShows) {
 
 TEST_F(EditEventsTest, WhatAHandlerWritesInsteadStands) {
     Begin("");
-    m_List.OnNotification = [this](CNotification& rNotification) -> LRESULT {
+    m_List.OnNotification = [this](CWndNotification& rNotification) -> LRESULT {
         if (rNotification.m_Code == EN_CHANGE && m_Edit.GetWindowText() == "1,") {
             m_Edit.SetWindowText("1.");
             m_Edit.SetSel(-1, 2);
@@ -544,7 +544,7 @@ TEST_F(ComboEventsTest, ArrowsAndFirstLettersChoose) {
 TEST_F(ComboEventsTest, ARefusedChoiceShowsTheFormerOne) {
     Show();
     m_Combo.SetFocus();
-    m_List.OnNotification = [](CNotification&) -> LRESULT { return 1; };
+    m_List.OnNotification = [](CWndNotification&) -> LRESULT { return 1; };
     QTest::keyClick(GetWidget(), Qt::Key_Down);
     EXPECT_EQ(m_Combo.GetCurSel(), 0);
     EXPECT_EQ(GetWidget()->currentIndex(), 0);
@@ -685,7 +685,7 @@ TEST_F(ControlEventsTest, TabsAnswerClicksUnlessTheParentRefuses) {
     EXPECT_EQ(Tabs.GetCurSel(), 1);
     EXPECT_EQ(Tabs.m_nSelected, 1);
     EXPECT_THAT(m_List.m_Codes, ElementsAre(TCN_SELCHANGING, TCN_SELCHANGE));
-    m_List.OnNotification = [](CNotification&) -> LRESULT { return 1; };
+    m_List.OnNotification = [](CWndNotification&) -> LRESULT { return 1; };
     QTest::mouseClick(pBar, Qt::LeftButton, Qt::NoModifier, pBar->tabRect(0).center());
     EXPECT_EQ(Tabs.GetCurSel(), 1);
     EXPECT_EQ(pBar->currentIndex(), 1);

@@ -79,7 +79,7 @@ TEST_F(ControlsTest, ARefusedChangeGivesTextAndSelectionBack) {
     Edit.Create(&m_Parent, CRect(0, 0, 50, 20), 5);
     Edit.SetWindowText("12");
     Edit.SelectAll();
-    m_Parent.OnNotification = [&](CNotification&) -> LRESULT {
+    m_Parent.OnNotification = [&](CWndNotification&) -> LRESULT {
         EXPECT_EQ(Edit.GetWindowText(), "x") << "the handler reads the new text";
         return 1;
     };
@@ -92,7 +92,7 @@ TEST_F(ControlsTest, AHandlerMayWriteAnotherTextInstead) {
     CEdit Edit;
     Edit.Create(&m_Parent, CRect(0, 0, 50, 20), 5);
     for (const LRESULT Answer : {0, 1}) {
-        m_Parent.OnNotification = [&](CNotification&) -> LRESULT {
+        m_Parent.OnNotification = [&](CWndNotification&) -> LRESULT {
             Edit.SetWindowText("7.0");
             Edit.SelectAll();
             return Answer;
@@ -111,7 +111,7 @@ TEST_F(ControlsTest, AControlMayBeDestroyedByWhatItTells) {
     pCombo->AddString("a");
     auto* const pSpin = new CSpinButtonCtrl;
     pSpin->Create(&m_Parent, CRect(0, 40, 50, 60), 7);
-    m_Parent.OnNotification = [](CNotification& rNotification) -> LRESULT {
+    m_Parent.OnNotification = [](CWndNotification& rNotification) -> LRESULT {
         delete rNotification.m_pFrom;
         return 1;
     };
@@ -175,7 +175,7 @@ TEST_F(ControlsTest, AChoiceMayBeRefused) {
     EXPECT_THAT(m_Parent.m_Codes, IsEmpty());
     EXPECT_TRUE(Combo.SelectByOperator(1));
     EXPECT_THAT(m_Parent.m_Codes, ElementsAre(CBN_SELCHANGE));
-    m_Parent.OnNotification = [](CNotification&) -> LRESULT { return 1; };
+    m_Parent.OnNotification = [](CWndNotification&) -> LRESULT { return 1; };
     EXPECT_FALSE(Combo.SelectByOperator(0));
     EXPECT_EQ(Combo.GetCurSel(), 1);
     EXPECT_FALSE(Combo.SelectByOperator(2));
@@ -186,7 +186,7 @@ protected:
     SpinTest() {
         m_Spin.Create(&m_Parent, CRect(0, 0, 15, 20), 7);
         m_Spin.SetRange(0, 10);
-        m_Parent.OnNotification = [this](CNotification& rNotification) -> LRESULT {
+        m_Parent.OnNotification = [this](CWndNotification& rNotification) -> LRESULT {
             const auto& rDelta = static_cast<const CDeltaPosNotification&>(rNotification);
             m_Steps.emplace_back(rDelta.m_Pos, rDelta.m_Delta);
             return m_Answer;

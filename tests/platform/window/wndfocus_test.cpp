@@ -171,7 +171,7 @@ TEST_F(WndFocusTest, ANotificationThatAWindowDoesNotKnowGoesOnToItsParent) {
     Plain.Create(&m_Top, CRect(0, 0, 5, 5), 7);
     CEdit Edit;
     Edit.Create(&Plain, CRect(0, 0, 5, 5), 8);
-    m_Top.OnNotification = [&](CNotification& rNotification) -> LRESULT {
+    m_Top.OnNotification = [&](CWndNotification& rNotification) -> LRESULT {
         EXPECT_EQ(rNotification.m_pFrom, &Edit);
         EXPECT_EQ(rNotification.m_Id, 8u);
         return 1;
