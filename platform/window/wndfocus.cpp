@@ -74,11 +74,7 @@ void CWnd::Withdraw() {
         MoveCapture(nullptr);
     }
     if (Guard.IsAlive() && Holds(rRegistry.m_pFocus)) {
-        CWnd* pHeir = m_pParent;
-        while (pHeir != nullptr && !pHeir->IsOperable()) {
-            pHeir = pHeir->m_pParent;
-        }
-        MoveFocus(pHeir, true);
+        MoveFocus(m_pParent != nullptr && m_pParent->IsOperable() ? m_pParent : nullptr, true);
     }
 }
 

@@ -72,7 +72,7 @@ TEST_F(WndFocusTest, AHiddenOrDisabledWindowDoesNotTakeIt) {
     EXPECT_FALSE(m_Second.SetFocus()) << "a parent counts as well";
 }
 
-TEST_F(WndFocusTest, HidingOrDisablingGivesTheFocusToTheNearestParentThatCanHaveIt) {
+TEST_F(WndFocusTest, HidingOrDisablingGivesTheFocusToTheParent) {
     m_First.SetFocus();
     m_First.ShowWindow(false);
     EXPECT_EQ(CWnd::GetFocus(), &m_Group);
@@ -80,7 +80,9 @@ TEST_F(WndFocusTest, HidingOrDisablingGivesTheFocusToTheNearestParentThatCanHave
     m_Second.SetFocus();
     m_Group.EnableWindow(false);
     EXPECT_EQ(CWnd::GetFocus(), &m_Top) << "the group holds the focus, and is disabled";
-    EXPECT_THAT(m_Second.Of(WM_KILLFOCUS).size(), 1u);
+    EXPECT_EQ(m_Second.Of(WM_KILLFOCUS).size(), 1u);
+    m_Top.ShowWindow(false);
+    EXPECT_EQ(CWnd::GetFocus(), nullptr) << "there is no parent";
 }
 
 TEST_F(WndFocusTest, AHandlerMaySendTheFocusElsewhere) {
