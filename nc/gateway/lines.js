@@ -20,11 +20,12 @@ const LINES = {
   unsubscribe: { id: isId },
   write: { id: isId, node: isText, value: isObject },
   read: { id: isId, node: isText },
+  check: { id: isId, node: isText, value: isObject },
   ping: { id: isId },
 };
 
 /** Who waits for an answer to a line, gets one to a line with a fault too. */
-const ANSWERS = { subscribe: 'changed', write: 'written', read: 'value' };
+const ANSWERS = { subscribe: 'changed', write: 'written', read: 'value', check: 'checked' };
 
 /**
  * Takes the lines of the module.
@@ -50,6 +51,7 @@ export function makeReceiver(session, tell) {
     unsubscribe: ({ id }) => session.unsubscribe(id),
     write: (order) => session.write(order),
     read: (order) => session.read(order),
+    check: (order) => session.check(order),
     ping: ({ id }) => tell({ pong: { id } }),
   };
 

@@ -1,12 +1,11 @@
 // Errors in words for the log of the module. A library's own texts never pass: they may repeat what was sent.
-import { TimeUp } from './timing.js';
 import { StatusCodes } from '../shared/opcua.js';
+import { TimeUp } from '../shared/timing.js';
 
 /** An error with a text of our own, which may be shown. */
 export class Refusal extends Error {}
 
 const WORDS = {
-  BadCertificateUntrusted: "the server doesn't trust the application's certificate (own.pem) yet",
   BadIdentityTokenInvalid: 'the server rejects the login',
   BadIdentityTokenRejected: 'the server rejects the login',
   BadNodeIdInvalid: 'the server has no such node',
@@ -25,7 +24,29 @@ const WORDS = {
   ETIMEDOUT: "the server doesn't answer",
 };
 
-function codeOf(error) {
+/** Answers of a server that has forgotten the session or the channel. */
+const SESSION_GONE = /\bBad(Session|SecureChannel|Connection|Subscription|NoSubscription)/;
+
+/** Whether there is no session with the server any more, by its own words. */
+export const isSessionGone = (error) => SESSION_GONE.test(reasonOf(error));
+
+/** Errors of our own files tell the file and nothing else: they may be shown. */
+export async function shown(promise) {
+  try {
+    return await promise;
+  } catch (error) {
+    throw error.code ? error : new Refusal(error.message);
+  }
+}
+
+/**
+ * @param {unknown} error
+ * @returns {string | undefined} the status or system code that it tells
+ */
+export function codeOf(error) {
+  if (!(error instanceof Error)) {
+    return undefined;
+  }
   const serviceResult = error.response?.responseHeader?.serviceResult?.name;
   if (serviceResult) {
     return serviceResult;

@@ -2,7 +2,7 @@
 // subscriptions, and keeps the order of the writes.
 import { Connection, NO_CONNECTION } from './connection.js';
 import { Refusal, reasonOf } from './reasons.js';
-import { Pause, within } from './timing.js';
+import { Pause, within } from '../shared/timing.js';
 
 const FIRST_PAUSE = 500;
 const LONGEST_PAUSE = 10000;
@@ -160,6 +160,19 @@ export class Session {
       this.#tell({ value: { id, value: await this.#connection.read(node) } });
     } catch (error) {
       this.#tell({ value: { id, error: reasonOf(error) } });
+    }
+  }
+
+  /** Tells whether a value could be written, without writing it. */
+  async check({ id, node, value }) {
+    try {
+      if (this.#connection === null) {
+        throw new Refusal(NO_CONNECTION);
+      }
+      await this.#connection.check(node, value);
+      this.#tell({ checked: { id } });
+    } catch (error) {
+      this.#tell({ checked: { id, error: reasonOf(error) } });
     }
   }
 

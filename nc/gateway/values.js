@@ -1,5 +1,5 @@
 // Values on the socket and values of the server's nodes.
-import { Refusal } from './reasons.js';
+import { Refusal, badStatus } from './reasons.js';
 import { DataType, Variant, VariantArrayType } from '../shared/opcua.js';
 
 const INT32 = { lowest: -(2 ** 31), highest: 2 ** 31 - 1 };
@@ -95,6 +95,18 @@ function toInteger(value, type) {
     return value ? 1 : 0;
   }
   return Array.isArray(value) ? joinHalves(value, type === DataType.Int64) : value;
+}
+
+/**
+ * @param {import('node-opcua-client').DataValue} dataValue what a node holds
+ * @returns {object} typed value of the socket
+ * @throws {Refusal} if there is none for it
+ */
+export function typedOf({ statusCode, value }) {
+  if (statusCode.isBad()) {
+    throw badStatus(statusCode);
+  }
+  return toTyped(value);
 }
 
 /**

@@ -16,6 +16,20 @@ export function fingerprintOf(certificate) {
   return createHash('sha256').update(certificate).digest('hex');
 }
 
+/** SHA-1 of a certificate (DER), by which many OPC UA servers name the certificates that they keep. */
+export function thumbprintOf(certificate) {
+  return createHash('sha1').update(certificate).digest('hex');
+}
+
+/**
+ * When a certificate is valid.
+ * @param {Buffer} certificate DER
+ * @returns {{notBefore: Date, notAfter: Date}}
+ */
+export function validityOf(certificate) {
+  return crypto.exploreCertificate(certificate).tbsCertificate.validity;
+}
+
 /** The certificate (DER) of a PEM file, null if there is no such file. Throws if it holds no certificate. */
 export async function readCertificate(file) {
   let text;

@@ -1,6 +1,7 @@
 // What the NC simulator does once its arguments are read.
 import { createInterface } from 'node:readline';
 import { readObjects } from '../shared/jsonlines.js';
+import { quietly } from '../shared/timing.js';
 import { ArgumentError } from './arguments.js';
 import { CommandError, carryJson, carryText } from './commands.js';
 import { MachineLink } from './machinelink.js';
@@ -8,6 +9,9 @@ import { describeChange } from './notification.js';
 import { Output } from './output.js';
 import { ExitStatus, PartProgram } from './partprogram.js';
 import { NcServer } from './server.js';
+
+/** Clients are told that the server ends; one that doesn't listen holds nothing up. */
+const CLOSING_LIMIT = 5000;
 
 /** Resolves when the program is asked to end. */
 function untilAsked(options) {
@@ -111,6 +115,6 @@ export async function run(options) {
   }
   output.tell({ done: { exit: status } });
   machine?.close();
-  await server.stop();
+  await quietly(server.stop(), CLOSING_LIMIT);
   return status;
 }

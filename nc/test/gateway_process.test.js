@@ -6,6 +6,7 @@ import { afterEach, beforeEach, test } from 'node:test';
 import { fileURLToPath } from 'node:url';
 import { provideCertificate } from './support/certificates.js';
 import { GatewayProcess } from './support/gatewayprocess.js';
+import { PATIENCE, finish } from './support/processes.js';
 import { makeDirectory, removeDirectory } from './support/temporary.js';
 
 let directory;
@@ -30,6 +31,7 @@ async function start() {
 const run = (...args) =>
   spawnSync(process.execPath, [fileURLToPath(new URL('../gateway/main.js', import.meta.url)), ...args], {
     encoding: 'utf8',
+    timeout: PATIENCE,
   });
 
 test('wrong arguments are refused in one line', () => {
@@ -120,7 +122,7 @@ test('the gateway ends on SIGTERM, and when its socket closes', async () => {
   gateway.send({ ping: { id: 1 } });
   await gateway.next('pong');
   gateway.process.kill('SIGTERM');
-  assert.equal(await gateway.exited, 0);
+  assert.equal(await finish(gateway.process), 0);
   await start();
   assert.equal(await gateway.stop(), 0);
 });

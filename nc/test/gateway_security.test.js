@@ -1,15 +1,18 @@
 // Whom the gateway trusts, how it logs in, and what it keeps to itself.
 import assert from 'node:assert/strict';
 import { chmod, readFile, rm, stat, writeFile } from 'node:fs/promises';
+import { createRequire } from 'node:module';
 import { join } from 'node:path';
 import { after, before, describe, test } from 'node:test';
-import { MessageSecurityMode, SecurityPolicy } from '../shared/opcua.js';
-import { fingerprintOf, readCertificate } from '../shared/pki.js';
+import { MessageSecurityMode, SecurityPolicy, StatusCodes } from '../shared/opcua.js';
+import { fingerprintOf, openPki, readCertificate, thumbprintOf } from '../shared/pki.js';
 import { provideCertificate } from './support/certificates.js';
 import { GatewayProcess } from './support/gatewayprocess.js';
-import { startIntermediary } from './support/intermediary.js';
+import { startIntermediary, startRejecting } from './support/intermediary.js';
 import { makeDirectory, removeDirectory } from './support/temporary.js';
 import { TestServer } from './support/testserver.js';
+
+const crypto = createRequire(import.meta.url)('node-opcua-crypto');
 
 /** A directory and gateways of one test, and a server, of its own or not. */
 class Context {
@@ -51,6 +54,37 @@ class Context {
   async fingerprint() {
     return fingerprintOf(await readCertificate(this.server.certificateFile));
   }
+}
+
+/** Looks at what is said to somebody who has to make the server trust this application. */
+async function checkUntrusted(t, context, url) {
+  const gateway = await GatewayProcess.connect(context.directory, url);
+  t.after(() => gateway.stop());
+  const file = join(gateway.pki, 'own.pem');
+  const certificate = await readCertificate(file);
+  const { connected, reason } = gateway.firstState;
+  assert.equal(connected, false);
+  for (const words of ["doesn't trust", file, fingerprintOf(certificate), thumbprintOf(certificate), '"rejected"']) {
+    assert.ok(reason.includes(words), `${words}: ${reason}`);
+  }
+}
+
+/** Key and certificate that was valid in 2020, where ownCertificate() will find them. */
+async function makeExpired(directory) {
+  await openPki(directory);
+  const privateKey = await crypto.generatePrivateKey(2048);
+  await writeFile(join(directory, 'own-key.pem'), (await crypto.privateKeyToPEM(privateKey)).privPem, { mode: 0o600 });
+  const { cert } = await crypto.createSelfSignedCertificate({
+    privateKey,
+    notBefore: new Date('2020-01-01'),
+    validity: 366,
+    subject: 'CN=test-nc',
+    dns: ['localhost'],
+    ip: ['127.0.0.1'],
+    applicationUri: 'urn:test-nc',
+    purpose: crypto.CertificatePurpose.ForApplication,
+  });
+  await writeFile(join(directory, 'own.pem'), cert);
 }
 
 const PASSWORD = 'correct horse battery';
@@ -231,6 +265,35 @@ describe('security', { concurrency: 2 }, () => {
     assert.deepEqual(intermediary.after.filter((type) => type !== 'CLO'), []);
     // Nothing is trusted on somebody else's word.
     await assert.rejects(stat(join(gateway.pki, 'server.pem')), { code: 'ENOENT' });
+  });
+
+  for (const [how, start] of [
+    ['a status', (port) => startRejecting(port, StatusCodes.BadSecurityChecksFailed.value)],
+    ['the very status', (port) => startRejecting(port, StatusCodes.BadCertificateUntrusted.value)],
+    ['silence', (port) => startRejecting(port)],
+  ]) {
+    test(`a server that does not trust the application yet, and says so by ${how}, is told with what to do`, async (t) => {
+      const context = await Context.make(t, strict);
+      const rejecting = await start(strict.options.port);
+      t.after(() => rejecting.stop());
+      await checkUntrusted(t, context, rejecting.url);
+    });
+  }
+
+  test('a server of the same make that does not trust the application yet is told with what to do', async (t) => {
+    const server = await startServer('distrusting', { clientCertificate: Buffer.from('nobody') });
+    t.after(() => server.stop());
+    await checkUntrusted(t, await Context.make(t, server), server.url);
+  });
+
+  test('a certificate of the server that is out of its time is used with a warning', async (t) => {
+    const server = new TestServer(join(home, 'expired'));
+    await makeExpired(server.directory);
+    await server.start();
+    t.after(() => server.stop());
+    const gateway = await (await Context.make(t, server)).connect();
+    assert.deepEqual(gateway.firstState, { connected: true });
+    assert.match(gateway.all('log').at(-1).text, /out of date since 2021-01-01; it is used all the same/);
   });
 
   test('certificates are for this user only, and stay over starts', async (t) => {

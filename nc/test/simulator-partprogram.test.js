@@ -12,7 +12,7 @@ const TIMES = {
   answer: 200,
   valueStands: 5,
   again: 100,
-  silence: 2000,
+  silence: 60000,
   settling: 40,
   shortestAverage: 20,
   longestAverage: 200,
@@ -286,7 +286,7 @@ describe('a failure', () => {
   });
 
   it('of a module that falls silent is found', async () => {
-    const { status } = await run([ready, ...single.slice(0, 4)], { times: { silence: 300 } });
+    const { status } = await run([ready, ...single.slice(0, 4)], { times: { silence: 3000 } });
     assert.equal(status, 2);
     assert.match(said.join('\n'), /the module has said nothing/);
   });
@@ -336,7 +336,7 @@ describe('a connection that is lost', () => {
   });
 
   it('gives up a module that never answers', async () => {
-    const { status, requests } = await run([ready, { on: 1, answer: null }], { times: { silence: 500 } });
+    const { status, requests } = await run([ready, { on: 1, answer: null }], { times: { silence: 3000 } });
     assert.equal(status, 2);
     assert.deepEqual(requests, [1]);
     assert.match(said.join('\n'), /it stands/);

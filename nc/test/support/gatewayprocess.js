@@ -1,14 +1,13 @@
 // The gateway as a process, and the module's end of its local socket.
-import { spawn } from 'node:child_process';
 import { once } from 'node:events';
 import { createServer } from 'node:net';
 import { join } from 'node:path';
 import { fileURLToPath } from 'node:url';
 import { readObjects, writeObject } from '../../shared/jsonlines.js';
 import { provideCertificate } from './certificates.js';
+import { PATIENCE, finish, start } from './processes.js';
 
 const MAIN = fileURLToPath(new URL('../../gateway/main.js', import.meta.url));
-const PATIENCE = 20000;
 
 export class GatewayProcess {
   /** @param {string} directory for the socket and the certificates */
@@ -41,8 +40,7 @@ export class GatewayProcess {
     const listener = createServer();
     listener.listen(this.path);
     await once(listener, 'listening');
-    this.process = spawn(process.execPath, [MAIN, this.path], { env: { ...process.env, ...environment } });
-    this.exited = once(this.process, 'exit').then(([status, signal]) => signal ?? status);
+    this.process = start(process.execPath, [MAIN, this.path], { env: { ...process.env, ...environment } });
     for (const stream of [this.process.stdout, this.process.stderr]) {
       stream.on('data', (bytes) => (this.output += bytes));
     }
@@ -118,6 +116,6 @@ export class GatewayProcess {
   /** Closes the socket; the exit status. */
   async stop() {
     this.socket?.destroy();
-    return await this.exited;
+    return this.process && (await finish(this.process));
   }
 }

@@ -30,6 +30,47 @@ function readMessages(stream, onMessage) {
   });
 }
 
+/** How a server of another make ends a channel: with a status, or without a word. */
+function endWith(socket, status) {
+  if (status === undefined) {
+    socket.destroy();
+    return;
+  }
+  const message = Buffer.alloc(HEADER + 8);
+  message.write('ERRF', 0, 'latin1');
+  message.writeUInt32LE(message.length, 4);
+  message.writeUInt32LE(status, HEADER);
+  message.writeInt32LE(-1, HEADER + 4); // no text
+  socket.end(message);
+}
+
+/**
+ * A server that tells what it offers, and takes nobody's certificate.
+ * @param {number} port of the server that answers what goes without security
+ * @param {number} [status] of the message with which it ends the connection; it just ends if there is none
+ */
+export async function startRejecting(port, status) {
+  const listener = createServer((client) => {
+    const server = connect(port, '127.0.0.1');
+    for (const socket of [client, server]) {
+      socket.on('error', () => {});
+    }
+    client.on('close', () => server.destroy());
+    server.pipe(client);
+    readMessages(client, (message, type) => {
+      if (type === 'OPN' && policyOf(message) !== 'None') {
+        server.unpipe(client);
+        endWith(client, status);
+      } else {
+        server.write(message);
+      }
+    });
+  });
+  listener.listen(0, '127.0.0.1');
+  await once(listener, 'listening');
+  return { url: `opc.tcp://127.0.0.1:${listener.address().port}`, stop: () => listener.close() };
+}
+
 /**
  * Opens channels with security by an answer without: the server's own to a channel without security, said again, with
  * the nonce that it lacks.

@@ -12,6 +12,9 @@ import {
   UserTokenType,
   VariantArrayType,
 } from '../../shared/opcua.js';
+import { quietly } from '../../shared/timing.js';
+
+const CLOSING_LIMIT = 10000;
 
 export class OpcClient {
   /**
@@ -100,8 +103,12 @@ export class OpcClient {
     item.on('changed', ({ value, statusCode }) => onValue(value?.value, statusCode.name));
   }
 
+  /** May be called again; the server may have gone. */
   async disconnect() {
-    await this.session?.close(true);
-    await this.client.disconnect();
+    if (!this.isEnding) {
+      this.isEnding = true;
+      await quietly(this.session.close(true), CLOSING_LIMIT);
+      await quietly(this.client.disconnect(), CLOSING_LIMIT);
+    }
   }
 }

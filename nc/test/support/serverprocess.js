@@ -1,9 +1,8 @@
 // A test server as a process of its own, which can be stopped and killed: serverprocess.js DIRECTORY PORT.
-import { spawn } from 'node:child_process';
-import { once } from 'node:events';
 import { argv } from 'node:process';
-import { createInterface } from 'node:readline';
 import { fileURLToPath } from 'node:url';
+import { within } from '../../shared/timing.js';
+import { readObjects } from '../../shared/jsonlines.js';
 import { provideCertificate } from './certificates.js';
 
 const SELF = fileURLToPath(import.meta.url);
@@ -20,14 +19,13 @@ export class ServerProcess {
   static async start(directory, port = 0) {
     const server = new ServerProcess();
     await provideCertificate(directory, 'test-nc');
-    server.process = spawn(process.execPath, [SELF, directory, String(port)], { stdio: ['ignore', 'pipe', 'ignore'] });
-    server.exited = once(server.process, 'exit');
-    for await (const line of createInterface({ input: server.process.stdout })) {
-      if (line.startsWith('{')) {
-        Object.assign(server, JSON.parse(line)); // url, port, and the node of a variable
-        break;
-      }
-    }
+    const { PATIENCE, start } = await import('./processes.js'); // of tests, which the server itself is not
+    server.process = start(process.execPath, [SELF, directory, String(port)], { stdio: ['ignore', 'pipe', 'ignore'] });
+    const facts = new Promise((resolve, reject) => {
+      readObjects(server.process.stdout, resolve, () => {}); // the library speaks too
+      server.process.ended.then((how) => reject(new Error(`the server ended with ${how}`)));
+    });
+    Object.assign(server, await within(facts, PATIENCE)); // url, port, and the node of a variable
     return server;
   }
 
@@ -37,6 +35,6 @@ export class ServerProcess {
 
   async stop() {
     this.process.kill('SIGKILL');
-    await this.exited;
+    await this.process.ended;
   }
 }

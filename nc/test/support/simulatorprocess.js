@@ -1,22 +1,18 @@
 // The NC simulator as a process, spoken to in JSON lines.
-import { spawn } from 'node:child_process';
-import { once } from 'node:events';
 import { fileURLToPath } from 'node:url';
 import { readObjects, writeObject } from '../../shared/jsonlines.js';
+import { PATIENCE, finish, start } from './processes.js';
 
 const MAIN = fileURLToPath(new URL('../../simulator/main.js', import.meta.url));
-const PATIENCE = 15000;
 
 /** Runs it to its end, for arguments that it refuses. */
 export async function runSimulator(...args) {
-  const process_ = spawn(process.execPath, [MAIN, ...args], { stdio: ['ignore', 'pipe', 'pipe'] });
+  const child = start(process.execPath, [MAIN, ...args], { stdio: ['ignore', 'pipe', 'pipe'] });
   let stdout = '';
   let stderr = '';
-  process_.stdout.on('data', (bytes) => (stdout += bytes));
-  process_.stderr.on('data', (bytes) => (stderr += bytes));
-  const timer = setTimeout(() => process_.kill('SIGKILL'), PATIENCE);
-  const [status] = await once(process_, 'close');
-  clearTimeout(timer);
+  child.stdout.on('data', (bytes) => (stdout += bytes));
+  child.stderr.on('data', (bytes) => (stderr += bytes));
+  const status = await finish(child);
   return { status, stdout, stderr };
 }
 
@@ -28,8 +24,8 @@ export class SimulatorProcess {
 
   /** @param {string} pki directory @param {...string} args beyond --json, --port, --pki */
   constructor(pki, ...args) {
-    this.process = spawn(process.execPath, [MAIN, '--json', '--port', '0', '--pki', pki, ...args]);
-    this.closed = once(this.process, 'close');
+    this.process = start(process.execPath, [MAIN, '--json', '--port', '0', '--pki', pki, ...args]);
+    this.process.stdin.on('error', () => {}); // it may have ended before it was told to
     this.process.stderr.on('data', (bytes) => (this.errors += bytes));
     const came = (line) => {
       this.lines.push(line);
@@ -65,10 +61,14 @@ export class SimulatorProcess {
     writeObject(this.process.stdin, line);
   }
 
-  /** Closes its input and waits for its end. */
+  /** Waits for its end; its status. */
+  finish() {
+    return finish(this.process);
+  }
+
+  /** Closes its input and waits for its end; its status. */
   async stop() {
     this.process.stdin.end();
-    const [status] = await this.closed;
-    return status;
+    return await this.finish();
   }
 }

@@ -44,7 +44,7 @@ function variantOf(type, value) {
   });
 }
 
-/** In place of the library's store of certificates: trusts all, or of users' certificates one. */
+/** In place of the library's store of certificates: trusts all, or one. */
 class Certificates {
   referenceCounter = 0;
   automaticallyAcceptUnknownCertificate = true;
@@ -78,8 +78,10 @@ export class TestServer {
 
   /**
    * @param {string} directory for its certificates
-   * @param {object} options of the library's server, `users`: {name: password}, and `userCertificate` (DER), the only
-   *   one that may log in
+   * @param {object} options of the library's server, `users`: {name: password}, `userCertificate` (DER), the only
+   *   one that may log in, `clientCertificate` (DER), the only application that is trusted, `revise`: fields of
+   *   the requests for subscriptions that this server sets as it likes, `sessionTimeout`, which it tells its clients,
+   *   and `namespaceBefore`, a URI
    */
   constructor(directory, options = {}) {
     this.directory = directory;
@@ -89,7 +91,7 @@ export class TestServer {
   async start() {
     await openPki(this.directory);
     const { certificateFile, privateKeyFile, applicationUri } = await ownCertificate(this.directory, 'test-nc');
-    const { users, userCertificate, port = 0, ...options } = this.options;
+    const { users, userCertificate, clientCertificate, revise, sessionTimeout, namespaceBefore, port = 0, ...options } = this.options;
     this.server = new OPCUAServer({
       port,
       host: '127.0.0.1',
@@ -98,7 +100,7 @@ export class TestServer {
       privateKeyFile,
       nodeset_filename: [nodesets.standard],
       serverInfo: { applicationUri },
-      serverCertificateManager: new Certificates(privateKeyFile, this.directory),
+      serverCertificateManager: new Certificates(privateKeyFile, this.directory, clientCertificate),
       userCertificateManager: new Certificates(privateKeyFile, this.directory, userCertificate),
       securityModes: [MessageSecurityMode.SignAndEncrypt],
       securityPolicies: [SecurityPolicy.Basic256Sha256],
@@ -106,8 +108,12 @@ export class TestServer {
       userManager: { isValidUser: (name, password) => users?.[name] === password },
       ...options,
     });
+    this.#revise({ ...revise }, sessionTimeout);
     await this.server.initialize();
     const { addressSpace } = this.server.engine;
+    if (namespaceBefore !== undefined) {
+      addressSpace.registerNamespace(namespaceBefore);
+    }
     this.space = addressSpace.registerNamespace('urn:test-nc:items');
     this.folder = this.space.addObject({ organizedBy: addressSpace.rootFolder.objects, browseName: 'Items' });
     this.variables = new Map();
@@ -116,6 +122,33 @@ export class TestServer {
     this.options.port = this.server.endpoints[0]._server.address().port; // the next start takes the same
     this.url = `opc.tcp://127.0.0.1:${this.options.port}`;
     this.certificateFile = certificateFile;
+  }
+
+  /** Subscriptions are made as if other values had been asked for; how long a session lasts is only told. */
+  #revise(values, sessionTimeout) {
+    const subscribe = this.server._on_CreateSubscriptionRequest.bind(this.server);
+    this.server._on_CreateSubscriptionRequest = (message, channel) => {
+      Object.assign(message.request, values);
+      return subscribe(message, channel);
+    };
+    const create = this.server._on_CreateSessionRequest.bind(this.server);
+    this.server._on_CreateSessionRequest = (message, channel) => {
+      const send = channel.send_response.bind(channel);
+      channel.send_response = (type, response, ...others) => {
+        channel.send_response = send;
+        response.revisedSessionTimeout = sessionTimeout ?? response.revisedSessionTimeout;
+        return send(type, response, ...others);
+      };
+      return create(message, channel);
+    };
+  }
+
+  /** Ends the sessions of all clients, and leaves their connections. */
+  endSessions() {
+    const { engine } = this.server;
+    for (const session of Object.values(engine._sessions)) {
+      engine.closeSession(session.authenticationToken, true, 'Terminated');
+    }
   }
 
   /** Adds a variable; others: more options of the library. */

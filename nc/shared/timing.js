@@ -21,6 +21,9 @@ export async function within(promise, milliseconds) {
   }
 }
 
+/** For what is only a courtesy: its outcome doesn't matter. */
+export const quietly = (promise, milliseconds) => within(promise, milliseconds).catch(() => {});
+
 /** A pause that can be cut short. */
 export class Pause {
   #end = () => {};
