@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 #include <string_view>
 
+#include "platform/rvopc/opcnodeid.h"
 #include "platform/rvopc/prebalinterfacefromnc.h"
 #include "platform/rvopc/prebalinterfacefromncrotationdirection.h"
 #include "platform/rvopc/prebalinterfacefromnctargetunbalance.h"
@@ -83,6 +84,10 @@ std::map<std::string, std::string> ReadLinkItems(const CJsonFields& rFields) {
         const CJsonFields Items(*pItems, "items", LINK_KEYS);
         for (const std::string_view Key : LINK_KEYS) {
             const std::string Node = Items.GetText(Key, "", eMaxText);
+            if (!Node.empty() && !IsOpcNodeId(Node)) {
+                CJsonFields::Refuse(Items.GetPath(Key),
+                                    "a node id, for example nsu=urn:nc;s=Request or ns=2;s=Request", Node);
+            }
             if (!Node.empty()) {
                 LinkItems.emplace(Key, Node);
             }

@@ -16,8 +16,8 @@ begin_test_run() {
     test_run=$(mktemp -d)
     test_mark=rotor-trim-$$-${RANDOM}${RANDOM}
     test_jobs=()
-    attended_pid=
-    why_none=
+    attended_pid=""
+    why_none=""
     trap finish_test_run EXIT
     trap 'exit 129' HUP
     trap 'exit 130' INT
@@ -31,7 +31,7 @@ attended() {
     attended_pid=$!
     set +m
     wait "$attended_pid" || status=$?
-    attended_pid=
+    attended_pid=""
     return "$status"
 }
 
@@ -100,7 +100,7 @@ read_plain() { printf '0 0 1 \n' >"$1.counts"; }
 
 # run_program FILE LIMIT: writes FILE.report, what is to be shown, and at last FILE.result, "passed failed".
 run_program() {
-    local file=$1 limit=$2 job name kind command status=0 passed failed finished under_way left=() trouble= begin=$SECONDS
+    local file=$1 limit=$2 job name kind command status=0 passed failed finished under_way left=() trouble="" begin=$SECONDS
     job=${file##*/}
     name=$(cat "$file.name")
     kind=$(cat "$file.kind")
@@ -169,15 +169,14 @@ report_program() {
 }
 
 run_programs() {
-    local limit=$1 slots file load later status milliseconds test_name
-    slots=$(nproc)
-    local -A count=([busy]=0 [waiting]=0)
+    local limit=$1 file load later status milliseconds test_name
+    local -A count=([busy]=0 [waiting]=0) slots=([busy]=$(nproc) [waiting]=$(($(nproc) * 2)))
     local pending=("${test_jobs[@]}") running=()
     while [ ${#pending[@]} -gt 0 ] || [ ${#running[@]} -gt 0 ]; do
         later=()
         for file in "${pending[@]}"; do
             load=$(cat "$file.load")
-            if [ "${count[$load]}" -lt "$slots" ]; then
+            if [ "${count[$load]}" -lt "${slots[$load]}" ]; then
                 run_program "$file" "$limit" &
                 running+=("$file")
                 count[$load]=$((count[$load] + 1))
@@ -222,7 +221,7 @@ finish_test_run() {
             [ -e "$file.result" ] || printf '%s was ended before it was done\n' "$(cat "$file.name")"
         done
     else
-        [ "$status" -ne 0 ] || { failed=0 why_none=; }
+        [ "$status" -ne 0 ] || { failed=0 why_none=""; }
         printf 'No test was run%s.\n' "${why_none:+: $why_none}"
     fi
     rm -rf "$test_run" "${test_directory:-}"

@@ -4,6 +4,8 @@
 #include <utility>
 
 #include "platform/rvlog/log.h"
+#include "platform/rvopc/prebalinterfacefromnc.h"
+#include "platform/rvopc/prebalinterfacetonc.h"
 #include "platform/system/eventloop.h"
 
 using nlohmann::json;
@@ -49,6 +51,21 @@ std::optional<COpcValue> ToValue(const json& rAnswer) {
     return std::nullopt;
 }
 
+/// Answers and notifications hold -1, which an unsigned node can't.
+std::map<std::string, COpcValue> FindExacting(const std::map<std::string, std::string>& rLinkItems) {
+    const std::pair<const char*, COpcValue> Values[] = {
+        {CPreBalInterfaceFromNC::ms_pKey, -1},
+        {CPreBalInterfaceToNC::ms_pKey, std::vector<std::int32_t>(CPreBalInterfaceToNC::eNumberOfValues, -1)},
+    };
+    std::map<std::string, COpcValue> Exacting;
+    for (const auto& [pKey, rValue] : Values) {
+        if (const auto Item = rLinkItems.find(pKey); Item != rLinkItems.end()) {
+            Exacting[Item->second] = rValue;
+        }
+    }
+    return Exacting;
+}
+
 void Log(const json& rRecord) {
     const std::string Level = rRecord.value("level", "");
     const std::string Text = rRecord.value("text", "");
@@ -74,7 +91,8 @@ CNetworkOpcServer::CNetworkOpcServer(std::unique_ptr<IFOpcGateway> pGateway,
                                        {"user", rConfiguration.m_User},
                                        {"password", rConfiguration.m_Password},
                                        {"user_certificate", rConfiguration.m_UserCertificate},
-                                       {"user_key", rConfiguration.m_UserKey}})) {
+                                       {"user_key", rConfiguration.m_UserKey}})),
+      m_Exacting(FindExacting(rConfiguration.m_LinkItems)) {
     m_pGateway->OnOpened = [this] { OnGatewayOpened(); };
     m_pGateway->OnLine = [this](const std::string& rLine) { OnLine(rLine); };
     m_pGateway->OnLost = [this](const std::string& rWhy) { OnLost(rWhy); };
@@ -102,7 +120,9 @@ void CNetworkOpcServer::OnLine(const std::string& rLine) {
             if (Kind == "state") {
                 rContent.at("connected").get<bool>() ? OnConnected() : OnLost(rContent.value("reason", ""));
             } else if (Kind == "changed") {
-                OnChanged(rContent.at("id").get<Id>(), ToValue(rContent));
+                OnChanged(rContent.at("id").get<Id>(), ToValue(rContent), rContent.value("error", ""));
+            } else if (Kind == "checked") {
+                OnChecked(rContent.at("id").get<Id>(), rContent.value("error", ""));
             } else if (Kind == "written") {
                 OnWritten(rContent.at("id").get<Id>(), rContent.value("error", ""));
             } else if (Kind == "value" && rContent.at("id").get<Id>() == m_ReadId) {
@@ -125,6 +145,11 @@ void CNetworkOpcServer::OnConnected() {
     }
     m_State = State::eConnected;
     m_LastReason.clear();
+    m_Checks.clear();
+    for (const auto& [rItem, rValue] : m_Exacting) {
+        m_Checks[++m_LastId] = rItem;
+        m_pGateway->SendLine(ToLine("check", {{"id", m_LastId}, {"node", rItem}, {"value", ToJson(rValue)}}));
+    }
     // In the order in which they were made: the NC must not see a step before the answer that precedes it.
     std::map<std::uint32_t, std::pair<const std::string, CItem>*> ToWrite;
     for (auto& rEntry : m_Items) {
@@ -172,7 +197,16 @@ bool CNetworkOpcServer::IsNews(CItem& rItem, const COpcValue& rValue) {
     return true;
 }
 
-void CNetworkOpcServer::OnChanged(Id Subscription, std::optional<COpcValue> Value) {
+void CNetworkOpcServer::OnChecked(Id Check, const std::string& rError) {
+    const auto Node = m_Checks.extract(Check);
+    if (!Node.empty() && !rError.empty()) {
+        RV_ERROR(g_pLog, "%s can't take everything that has to be written to it: %s", Node.mapped().c_str(),
+                 rError.c_str());
+    }
+}
+
+void CNetworkOpcServer::OnChanged(Id Subscription, std::optional<COpcValue> Value,
+                                  const std::string& rError) {
     const auto Position = m_Subscriptions.find(Subscription);
     const std::shared_ptr<CSubscription> pSubscription =
         Position != m_Subscriptions.end() ? Position->second.lock() : nullptr;
@@ -180,7 +214,7 @@ void CNetworkOpcServer::OnChanged(Id Subscription, std::optional<COpcValue> Valu
         return;  // ended while this was on its way
     }
     if (!Value) {
-        RV_WARNING(g_pLog, "%s can't be read", pSubscription->m_Item.c_str());
+        RV_WARNING(g_pLog, "%s can't be read: %s", pSubscription->m_Item.c_str(), rError.c_str());
         Post(pSubscription, std::nullopt);
         return;
     }

@@ -24,8 +24,7 @@
 /// - What was written to a shared item before the first connection came about replaces what the item holds,
 ///   which is not told: it was there before we were ready.
 /// - When the last subscription of an item ends, what is known of the item is forgotten with it: nobody is
-/// left
-///   here to answer a request, so none may be overwritten.
+///   left here to answer a request, so none may be overwritten.
 ///
 /// While a connection stands, every change is told in order, our own writes among them: when both sides write
 /// at once, what matters is the order in which the server took it.
@@ -82,7 +81,8 @@ private:
     void OnLine(const std::string& rLine);
     void OnConnected();
     void OnLost(const std::string& rWhy);
-    void OnChanged(Id Subscription, std::optional<COpcValue> Value);
+    void OnChanged(Id Subscription, std::optional<COpcValue> Value, const std::string& rError);
+    void OnChecked(Id Check, const std::string& rError);
     void OnWritten(Id Write, const std::string& rError);
     void OnWriteFailed(CPendingWrite& rWrite);
     /// What the first look at a shared item after a new connection means; true if it is news.
@@ -95,6 +95,10 @@ private:
 
     std::unique_ptr<IFOpcGateway> m_pGateway;
     std::string m_ConnectLine;
+    /// Values that some items will have to take in a run, which not each type can hold: checked at each
+    /// connection, since in the run it would be too late.
+    std::map<std::string, COpcValue> m_Exacting;
+    std::map<Id, std::string> m_Checks;  ///< under way: item by id
     State m_State = State::eConnecting;
     Id m_LastId = 0;
     std::uint32_t m_nWrites = 0;

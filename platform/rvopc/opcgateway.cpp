@@ -78,9 +78,9 @@ private:
     CTimer m_WatchTimer;
     CGrowingPause m_Pause;
     std::uint64_t m_LaunchedAt = 0;
-    std::uint64_t m_HeardAt = 0;
-    std::uint64_t m_nLines = 0;  ///< that came, from all gateways
-    std::string m_LastReason;    ///< of the outage that lasts; told once
+    std::uint32_t m_nUnanswered = 0;  ///< times that it was asked and has said nothing since
+    std::uint64_t m_nLines = 0;       ///< that came, from all gateways
+    std::string m_LastReason;         ///< of the outage that lasts; told once
 };
 
 COpcGateway::~COpcGateway() {
@@ -114,7 +114,8 @@ bool COpcGateway::Listen() {
 
 void COpcGateway::Launch() {
     m_LaunchTimer.Stop();
-    m_LaunchedAt = m_HeardAt = IFEventLoop::Current().Now();
+    m_LaunchedAt = IFEventLoop::Current().Now();
+    m_nUnanswered = 0;
     if (!Listen()) {
         Lose("no local socket can be made in " + FindRuntimeDirectory().toStdString());
         return;
@@ -150,7 +151,7 @@ void COpcGateway::OnConnection() {
         }
         m_pSocket = pSocket;
         m_Lines.Reset();
-        m_HeardAt = IFEventLoop::Current().Now();
+        m_nUnanswered = 0;
         QObject::connect(pSocket, &QLocalSocket::readyRead, pSocket, [this] { OnBytes(); });
         QObject::connect(pSocket, &QLocalSocket::disconnected, pSocket,
                          [this] { Lose("it closed its connection"); });
@@ -173,9 +174,9 @@ void COpcGateway::TakeLine(const std::string& rLine) {
         return;  // followed the one for which the gateway was given up
     }
     ++m_nLines;
-    m_HeardAt = IFEventLoop::Current().Now();
+    m_nUnanswered = 0;
     m_LastReason.clear();
-    if (m_HeardAt - m_LaunchedAt >= m_Times.m_Sound) {
+    if (IFEventLoop::Current().Now() - m_LaunchedAt >= m_Times.m_Sound) {
         m_Pause.Reset();
     }
     if (OnLine) {
@@ -200,11 +201,14 @@ void COpcGateway::LogOutput() {
     }
 }
 
+/// Silence is told by the questions, not by the clock: while this process wasn't running nobody was asked.
 void COpcGateway::Watch() {
-    if (IFEventLoop::Current().Now() - m_HeardAt > m_Times.m_Silence) {
+    const std::uint32_t Patience = m_pSocket != nullptr ? m_Times.m_Silence : m_Times.m_Start;
+    if (m_nUnanswered * m_Times.m_Ping >= Patience) {
         Lose("it doesn't answer");
     } else {
         SendLine(PING);
+        ++m_nUnanswered;
     }
 }
 

@@ -28,6 +28,7 @@ public:
 struct COpcGatewayTimes {
     std::uint32_t m_Ping = 2000;      ///< between two questions whether it lives
     std::uint32_t m_Silence = 10000;  ///< one that says nothing for so long is replaced
+    std::uint32_t m_Start = 120000;   ///< until it is there; a busy machine loads a program for long
     std::uint32_t m_Sound = 10000;    ///< one that has served so long is replaced with the shortest pause
 };
 

@@ -9,6 +9,7 @@
 #include "tests/support/tempdirectory.h"
 
 namespace fs = std::filesystem;
+using testing::AllOf;
 using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;
@@ -71,8 +72,8 @@ TEST_F(COpcSetupTest, EachFieldIsTaken) {
 /// The two keys of the rotation direction are deliberately different ones.
 TEST_F(COpcSetupTest, BothKeysOfTheRotationDirectionAreKnown) {
     const auto Configuration =
-        Read(R"({"server": "opc.tcp://nc", "items": {"PreBalInterfaceFromNCRotationDirection": "a",
-                 "PreBalInterfaceFromNcRotationDirection": "b"}})");
+        Read(R"({"server": "opc.tcp://nc", "items": {"PreBalInterfaceFromNCRotationDirection": "s=a",
+                 "PreBalInterfaceFromNcRotationDirection": "s=b"}})");
     ASSERT_TRUE(Configuration) << m_Error;
     EXPECT_EQ(Configuration->m_LinkItems.size(), 2U);
 }
@@ -112,6 +113,8 @@ TEST_F(COpcSetupTest, WhatIsWrongIsNamed) {
     EXPECT_THAT(Refusal(R"("items": {"Request": "a"})"), HasSubstr("unknown field \"items.Request\""));
     EXPECT_THAT(Refusal(R"("items": {"PreBalInterfaceToNC": 7})"),
                 HasSubstr("items.PreBalInterfaceToNC must be a text"));
+    EXPECT_THAT(Refusal(R"("items": {"PreBalInterfaceToNC": "Request"})"),
+                AllOf(HasSubstr("items.PreBalInterfaceToNC must be a node id"), HasSubstr("Request")));
 }
 
 TEST_F(COpcSetupTest, HalfALoginIsRefused) {

@@ -1,4 +1,8 @@
 #pragma once
+#include <sys/prctl.h>
+
+#include <QProcess>
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <set>
@@ -27,4 +31,10 @@ inline bool IsAlive(int Pid) {
     const std::string Stat{std::istreambuf_iterator<char>(In), {}};
     const std::size_t Name = Stat.rfind(')');
     return Name != std::string::npos && Stat.at(Name + 2) != 'Z';
+}
+
+/// A process that a test starts ends with the test's own, even if that crashes. To be called before it
+/// starts.
+inline void EndWithUs(QProcess& rProcess) {
+    rProcess.setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGKILL); });
 }

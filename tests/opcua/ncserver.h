@@ -17,13 +17,19 @@
 #include "platform/rvopc/prebalinterfacetonc.h"
 #include "platform/rvopc/prebalinterfacetoncwarnings.h"
 #include "platform/system/eventloop.h"
+#include "tests/opcua/children.h"
 
 /// The NC simulator without a part program: a test writes its items by hand and sees what the module writes.
 class CNcServer {
 public:
-    static constexpr std::uint32_t ePatience = 20000;
+    /// For whatever must come at all: starts of programs, connections, answers; on a busy machine they take
+    /// many times as long.
+    static constexpr std::uint32_t ePatience = 240000;
 
-    CNcServer() { m_Process.setProcessChannelMode(QProcess::SeparateChannels); }
+    CNcServer() {
+        m_Process.setProcessChannelMode(QProcess::SeparateChannels);
+        EndWithUs(m_Process);
+    }
     ~CNcServer() { Kill(); }
     CNcServer(const CNcServer&) = delete;
     CNcServer& operator=(const CNcServer&) = delete;
@@ -46,7 +52,7 @@ public:
     /// As a power failure would.
     void Kill() {
         m_Process.kill();
-        m_Process.waitForFinished();
+        m_Process.waitForFinished(ePatience);
     }
     /// How the module reaches it.
     COpcSetup GetSetup() const {

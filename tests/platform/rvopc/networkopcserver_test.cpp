@@ -7,6 +7,9 @@
 #include <deque>
 #include <nlohmann/json.hpp>
 
+#include "platform/rvopc/prebalinterfacefromnc.h"
+#include "platform/rvopc/prebalinterfacetonc.h"
+#include "platform/rvopc/prebalinterfacetoncwarnings.h"
 #include "platform/system/virtualeventloop.h"
 #include "tests/support/logcapture.h"
 
@@ -220,6 +223,34 @@ TEST_F(CNetworkOpcServerTest, AnOutageIsLoggedOncePerReasonAndSoIsItsEnd) {
                             "connected to the NC again", "no connection to the NC: timeout"));
 }
 
+/// In the run it would be too late to find out.
+TEST_F(CNetworkOpcServerTest, AtEachConnectionItIsCheckedThatTheNodesCanTakeWhatWillBeWritten) {
+    COpcConfiguration Configuration;
+    Configuration.m_LinkItems = {{CPreBalInterfaceFromNC::ms_pKey, "s=Request"},
+                                 {CPreBalInterfaceToNC::ms_pKey, "s=Notification"},
+                                 {CPreBalInterfaceToNCWarnings::ms_pKey, "s=Warning"}};
+    auto pGateway = std::make_unique<CFakeGateway>();
+    m_pGateway = pGateway.get();
+    m_pServer = std::make_unique<CNetworkOpcServer>(std::move(pGateway), Configuration, "");
+    OpenGateway();
+    EXPECT_THAT(GetOrders(), ElementsAre("connect"));
+    for (int nConnections = 1; nConnections <= 2; ++nConnections) {
+        m_pGateway->m_Sent.clear();
+        SayConnected();
+        ASSERT_THAT(GetOrders(), ElementsAre("check", "check"));
+        EXPECT_EQ(m_pGateway->m_Sent[0]["check"]["value"]["int32s"], std::vector<int>(14, -1));
+        EXPECT_EQ(m_pGateway->m_Sent[1]["check"]["value"], json({{"int32", -1}}));
+        Say({{"checked", {{"id", LastIdOf("check", "s=Notification")}}}});
+        Say({{"checked", {{"id", LastIdOf("check", "s=Request")}, {"error", "-1 does not fit UInt16"}}}});
+        Say({{"checked", {{"id", LastIdOf("check", "s=Request")}, {"error", "told before"}}}});
+        EXPECT_TRUE(m_pServer->IsConnected());
+        SayLost();
+    }
+    const std::string Told =
+        "s=Request can't take everything that has to be written to it: -1 does not fit UInt16";
+    EXPECT_THAT(m_Log.GetTexts("Error"), ElementsAre(Told, Told));
+}
+
 // Values on the wire
 
 TEST_F(CNetworkOpcServerTest, ValuesAreWrittenWithTheirType) {
@@ -410,7 +441,7 @@ TEST_F(CNetworkOpcServerTest, AnItemThatCannotBeReadIsToldAndLogged) {
     const auto pSubscription = Listen("Request");
     Say({{"changed", {{"id", 1}, {"error", "BadNodeIdUnknown"}}}});
     EXPECT_THAT(GetTold(), ElementsAre(eUnreadable));
-    EXPECT_THAT(m_Log.GetTexts("Warning"), ElementsAre("Request can't be read"));
+    EXPECT_THAT(m_Log.GetTexts("Warning"), ElementsAre("Request can't be read: BadNodeIdUnknown"));
 }
 
 TEST_F(CNetworkOpcServerTest, AnEndedSubscriptionIsTakenBackAndNotToldAnyMore) {
