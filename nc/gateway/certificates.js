@@ -5,22 +5,25 @@ import { TimeUp } from '../shared/timing.js';
 
 /** What servers answer to a certificate that they don't take; many say no more than the last one. */
 const REJECTED = /^Bad(Certificate|SecurityChecksFailed)/;
-/** Others say nothing, and end the connection. */
+/** Others say nothing, and end the connection while it is being made secure. */
 const ENDED = new Set(['ECONNRESET', 'EPIPE', undefined]);
 
 /**
  * Why a secure connection couldn't be opened at a server that had just answered without security.
  * @param {unknown} error
  * @param {{certificateFile: string}} own
+ * @param {boolean} isFirst whether the server was shown the certificate for the first time
  * @returns {Promise<unknown>} the error, or what it most likely means
  */
-export async function explainRejection(error, own) {
+export async function explainRejection(error, own, isFirst) {
   const code = codeOf(error);
-  if (error instanceof TimeUp || !(REJECTED.test(code ?? '') || ENDED.has(code))) {
+  const isRejected = REJECTED.test(code ?? '');
+  const isEnded = isFirst && ENDED.has(code) && !(error instanceof TimeUp);
+  if (!isRejected && !isEnded) {
     return error;
   }
   const certificate = await readCertificate(own.certificateFile);
-  const what = REJECTED.test(code ?? '')
+  const what = isRejected
     ? `the server doesn't trust this application's certificate yet (${code})`
     : "the server ended the connection when it was shown this application's certificate: most likely it doesn't trust it yet";
   return new Refusal(

@@ -75,7 +75,7 @@ export class Connection {
     }
     client.on('connection_lost', () => this.#lose(ENDED));
     client.on('close', () => this.#lose('the connection was closed'));
-    await this.#show(own, isSecure, client.connect(settings.server));
+    await this.#show(isSecure && own, client.connect(settings.server), true);
 
     // What the server offers came without security before. Now it has proved that the certificate is its own.
     const offered = chooseEndpoint(await this.#step(client.getEndpoints()), settings, serverCertificate ?? null);
@@ -83,7 +83,7 @@ export class Connection {
     if (isSecure) {
       await this.#trust(pinFile, serverCertificate, log);
     }
-    this.#session = await this.#show(own, isSecure, client.createSession(identity));
+    this.#session = await this.#show(isSecure && own, client.createSession(identity), false);
     forbidRepair(this.#session, (error) => this.#lose(reasonOf(error)));
     this.#subscriptions = new Subscriptions(
       this.#session,
@@ -95,13 +95,13 @@ export class Connection {
     this.#watch();
   }
 
-  /** A step in which the server sees our certificate. */
-  async #show(own, isSecure, promise) {
+  /** A step in which the server is shown our certificate, if there is security. */
+  async #show(own, promise, isFirst) {
     try {
       return await this.#step(promise);
     } catch (error) {
       const isOther = error instanceof Refusal && error.message !== ENDED;
-      throw isOther || !isSecure ? error : await explainRejection(error, own);
+      throw isOther || !own ? error : await explainRejection(error, own, isFirst);
     }
   }
 

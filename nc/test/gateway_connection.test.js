@@ -104,7 +104,8 @@ describe('connection', { concurrency: 4 }, () => {
     const silent = createServer((socket) => socket.on('error', () => {})).listen(0, '127.0.0.1');
     t.after(() => silent.close());
     await once(silent, 'listening');
-    const gateway = await context.startGateway(`opc.tcp://127.0.0.1:${silent.address().port}`);
+    const url = `opc.tcp://127.0.0.1:${silent.address().port}`;
+    const gateway = (context.gateway = await GatewayProcess.connect(context.directory, url, {}, () => true));
     assert.equal(gateway.firstState.connected, false);
     assert.match(gateway.firstState.reason, /doesn't answer/);
   });

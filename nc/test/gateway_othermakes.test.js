@@ -44,7 +44,7 @@ describe('servers of other makes', { concurrency: 4 }, () => {
       assert.deepEqual(await gateway.write(server.node('Request'), { int32: 0 }), { id: 1 });
       assert.deepEqual((await gateway.changed(1)).value, { int32: 0 });
       assert.deepEqual(gateway.all('changed').map(({ value }) => value.int32), [0, 3, 1, 0]); // each once
-      assert.deepEqual(gateway.all('state'), [{ connected: true }]);
+      assert.deepEqual(gateway.states, [{ connected: true }]);
       for (const [told, expected] of [[warnings(gateway), warned], [texts(gateway, 'information'), informed]]) {
         assert.equal(told.length, expected.length, told.join('\n'));
         expected.forEach((text, place) => assert.match(told[place], text));

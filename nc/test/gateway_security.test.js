@@ -7,7 +7,7 @@ import { after, before, describe, test } from 'node:test';
 import { MessageSecurityMode, SecurityPolicy, StatusCodes } from '../shared/opcua.js';
 import { fingerprintOf, openPki, readCertificate, thumbprintOf } from '../shared/pki.js';
 import { provideCertificate } from './support/certificates.js';
-import { GatewayProcess } from './support/gatewayprocess.js';
+import { GatewayProcess, isSettled } from './support/gatewayprocess.js';
 import { startIntermediary, startRejecting } from './support/intermediary.js';
 import { makeDirectory, removeDirectory } from './support/temporary.js';
 import { TestServer } from './support/testserver.js';
@@ -195,7 +195,7 @@ describe('security', { concurrency: 2 }, () => {
       NODEOPCUACHECKTIMEOUT: '1',
     });
     gateway.connect(context.server.url, { user: 'balancing', password: PASSWORD });
-    assert.equal((await gateway.next('state')).connected, true);
+    assert.equal((await gateway.next('state', isSettled)).connected, true);
     gateway.socket.write(`{"connect": {"password": "${PASSWORD}"}}\n{"password": "${PASSWORD}"\n`);
     await gateway.next('log', ({ text }) => /wrong server/.test(text));
     await gateway.next('log', ({ text }) => /no JSON/.test(text));
@@ -300,7 +300,7 @@ describe('security', { concurrency: 2 }, () => {
     const context = await Context.make(t, strict);
     const gateway = await context.start();
     gateway.connect(strict.url);
-    assert.deepEqual(await gateway.next('state'), { connected: true });
+    assert.deepEqual(await gateway.next('state', isSettled), { connected: true });
     const mode = async (name) => (await stat(join(gateway.pki, name))).mode & 0o777;
     assert.equal(await mode('.'), 0o700);
     assert.equal(await mode('own-key.pem'), 0o600);
@@ -312,7 +312,7 @@ describe('security', { concurrency: 2 }, () => {
     await chmod(join(gateway.pki, 'own-key.pem'), 0o644);
     const again = await context.start();
     again.connect(strict.url);
-    assert.deepEqual(await again.next('state'), { connected: true });
+    assert.deepEqual(await again.next('state', isSettled), { connected: true });
     assert.equal(await mode('.'), 0o700);
     assert.equal(await mode('own-key.pem'), 0o600);
     assert.equal(await readFile(join(gateway.pki, 'own.pem'), 'utf8'), before);

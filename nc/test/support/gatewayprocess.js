@@ -9,6 +9,9 @@ import { PATIENCE, finish, start } from './processes.js';
 
 const MAIN = fileURLToPath(new URL('../../gateway/main.js', import.meta.url));
 
+/** Connected, or not for good reason: a busy machine may need more than one attempt. */
+export const isSettled = ({ reason }) => !/in time/.test(reason);
+
 export class GatewayProcess {
   /** @param {string} directory for the socket and the certificates */
   constructor(directory) {
@@ -25,13 +28,14 @@ export class GatewayProcess {
    * @param {string} directory
    * @param {string} url of the server
    * @param {object} [settings] what differs from a connection of anybody with security
+   * @param {(state: object) => boolean} [accepts] which state to wait for
    */
-  static async connect(directory, url, settings = {}) {
+  static async connect(directory, url, settings = {}, accepts = isSettled) {
     const gateway = new GatewayProcess(directory);
     await provideCertificate(gateway.pki, 'opc-gateway');
     await gateway.start();
     gateway.connect(url, settings);
-    gateway.firstState = await gateway.next('state');
+    gateway.firstState = await gateway.next('state', accepts);
     return gateway;
   }
 
@@ -106,6 +110,12 @@ export class GatewayProcess {
   /** Lines of a kind that came so far. */
   all(kind) {
     return this.lines.filter((line) => line[kind] !== undefined).map((line) => line[kind]);
+  }
+
+  /** States since it was connected first. */
+  get states() {
+    const states = this.all('state');
+    return states.slice(states.findIndex(({ connected }) => connected));
   }
 
   /** All that came out of it, to look for what must not be there. */
