@@ -55,7 +55,7 @@ describe('connection', { concurrency: 4 }, () => {
     const { gateway, server } = await (await Context.make(t)).startProcesses();
     gateway.send({ subscribe: { id: 1, node: server.node, rate: 100 } });
     await gateway.changed(1);
-    let watch = new Stopwatch();
+    let watch = new Stopwatch(gateway.process.pid);
     server.signal('SIGSTOP');
     assert.match((await gateway.next('state', isLost)).reason, /doesn't answer/);
     assert.ok(watch.usable < 10);
@@ -64,7 +64,7 @@ describe('connection', { concurrency: 4 }, () => {
     await gateway.next('state', isConnected); // only after the values
     // While it hangs again, the socket closes: the gateway ends all the same.
     server.signal('SIGSTOP');
-    watch = new Stopwatch();
+    watch = new Stopwatch(gateway.process.pid);
     assert.equal(await gateway.stop(), 0);
     assert.ok(watch.usable < 4);
   });
@@ -72,7 +72,7 @@ describe('connection', { concurrency: 4 }, () => {
   test('a write that a hanging server does not answer fails after 5 s', async (t) => {
     const { gateway, server } = await (await Context.make(t)).startProcesses();
     server.signal('SIGSTOP');
-    const watch = new Stopwatch();
+    const watch = new Stopwatch(gateway.process.pid);
     const answer = await gateway.write(server.node, { int32: 1 });
     assert.match(answer.error, /doesn't answer in time/);
     assert.ok(watch.passed > 4 && watch.usable < 8);
@@ -131,7 +131,7 @@ describe('connection', { concurrency: 4 }, () => {
     gateway.send({ read: { id: 20, node: server.node } });
     gateway.send({ ping: { id: 21 } });
     await gateway.next('pong'); // all lines before were taken
-    const watch = new Stopwatch();
+    const watch = new Stopwatch(gateway.process.pid);
     server.signal('SIGKILL');
     await gateway.next('state', isLost);
     assert.ok(watch.usable < 2);

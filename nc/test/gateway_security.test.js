@@ -132,7 +132,8 @@ after(async () => {
   await removeDirectory(home);
 });
 
-describe('security', { concurrency: 2 }, () => {
+// One after the other: while a server is started the others of this process don't answer.
+describe('security', () => {
   test('the first certificate is trusted with a warning, another one later is refused', async (t) => {
     const server = await startServer('changing');
     t.after(() => server.stop());

@@ -1,25 +1,31 @@
 #pragma once
-#include <atomic>
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
-#include <stop_token>
-#include <thread>
+#include <fstream>
 
-/// Time since it was made as this machine could use it, in ms: counts only the moments in which a thread that
-/// does nothing else got to run. What a program promises in seconds it can't keep while others have the
-/// processor.
+/// Time since it was made as this thread could use it, in ms. What a program promises in seconds it can't
+/// keep while others have the processor, so that time doesn't count.
 class CUsableClock {
 public:
-    std::uint64_t Now() const { return m_nTicks * ePeriod; }
+    std::uint64_t Now() const {
+        const Duration Usable = std::chrono::steady_clock::now() - m_Start - (ReadDelay() - m_DelayAtStart);
+        return static_cast<std::uint64_t>(
+            std::max(std::chrono::duration_cast<std::chrono::milliseconds>(Usable).count(), INT64_C(0)));
+    }
 
 private:
-    static constexpr std::uint64_t ePeriod = 5;
+    using Duration = std::chrono::nanoseconds;
 
-    std::atomic<std::uint64_t> m_nTicks = 0;
-    std::jthread m_Thread{[this](const std::stop_token& rStop) {
-        while (!rStop.stop_requested()) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(ePeriod));
-            ++m_nTicks;
-        }
-    }};
+    /// How long this thread has waited for a processor so far.
+    static Duration ReadDelay() {
+        std::ifstream In("/proc/thread-self/schedstat");
+        std::int64_t Run = 0;
+        std::int64_t Delay = 0;
+        In >> Run >> Delay;
+        return Duration(Delay);
+    }
+
+    std::chrono::steady_clock::time_point m_Start = std::chrono::steady_clock::now();
+    Duration m_DelayAtStart = ReadDelay();
 };

@@ -1,6 +1,7 @@
 // Processes that tests start: each wait for them has an end, and they end with the tests, failed or not.
 import { spawn } from 'node:child_process';
 import { once } from 'node:events';
+import { readFileSync } from 'node:fs';
 import { after } from 'node:test';
 import { within } from '../../shared/timing.js';
 
@@ -40,21 +41,40 @@ export async function finish(child) {
   }
 }
 
+/** How long a process has waited for a processor so far, s; undefined when it has gone. */
+function delayOf(pid) {
+  try {
+    return Number(readFileSync(`/proc/${pid}/schedstat`, 'utf8').split(' ')[1]) / 1e9;
+  } catch {
+    return undefined;
+  }
+}
+
 /**
- * Time as this machine could use it: counts only the moments in which a timer was served. What a program promises in
- * seconds it can't keep while others have the processor.
+ * Time as a process could use it: what it promises in seconds it can't keep while others have the processor, so that
+ * time doesn't count.
  */
 export class Stopwatch {
-  #ticks = 0;
+  #pid;
   #start = performance.now();
+  #delayAtStart;
+  #delay;
 
-  constructor() {
-    setInterval(() => ++this.#ticks, 20).unref();
+  /** @param {number} [pid] of the process that is to keep a promise */
+  constructor(pid = process.pid) {
+    this.#pid = pid;
+    this.#delay = this.#delayAtStart = delayOf(pid) ?? 0;
+    setInterval(() => this.#look(), 20).unref(); // it may end meanwhile
   }
 
-  /** Seconds in which this process could have worked, at most the time that has passed. */
+  #look() {
+    this.#delay = delayOf(this.#pid) ?? this.#delay;
+  }
+
+  /** Seconds that the process could have used. */
   get usable() {
-    return (this.#ticks * 20) / 1000;
+    this.#look();
+    return this.passed - (this.#delay - this.#delayAtStart);
   }
 
   /** Seconds that have passed. */
