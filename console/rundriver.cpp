@@ -74,6 +74,10 @@ void CRunDriver::LookNow() {
     if (m_TimerID == 0) {
         return;
     }
+    if (IsHeld && IsHeld()) {
+        m_LastChange = IFEventLoop::Current().Now();
+        return;
+    }
     const CSituation Situation = m_Look();
     const std::uint64_t Now = IFEventLoop::Current().Now();
     if (HasPanelChanged(Situation)) {

@@ -46,6 +46,8 @@ public:
     /// The rings of holes of the machine's planes, for screws.
     void SetHoleRings(const std::array<CHoleRing, 2>& rRings) { m_Rings = rRings; }
 
+    /// While this is so nothing is done, and no time counts as standing still.
+    std::function<bool()> IsHeld;
     /// Just before a measurement is accepted, and before the final verdict is.
     std::function<void(const CSituation&)> OnMeasurementAccepted;
     std::function<void(const CSituation&)> OnVerdictAccepted;

@@ -94,8 +94,10 @@ void CRunRecorder::Record() {
                 rProgress.m_Instruction.c_str(), rProgress.m_Warning.empty() ? "" : "  ! ",
                 rProgress.m_Warning.c_str()));
     TakeScreenshot();
-    if (OnSituation) {
+    if (OnSituation && !m_bTelling) {
+        m_bTelling = true;
         OnSituation(Situation);
+        m_bTelling = false;
     }
 }
 
@@ -117,6 +119,7 @@ void CRunRecorder::TakeScreenshot() {
 }
 
 void CRunRecorder::Attach(CRunDriver& rDriver) {
+    rDriver.IsHeld = [this] { return m_bTelling; };
     rDriver.OnMeasurementAccepted = [this](const CSituation& rSituation) {
         m_Report.SetInitial(rSituation);
         Tell("measured" + DescribeReadings(rSituation));

@@ -32,7 +32,8 @@ public:
     std::function<void(const std::string&)> OnProgress;
     /// Takes what people have to know even if they don't follow it.
     std::function<void(const std::string&)> OnTrouble;
-    /// Called when the situation has changed, after it was recorded.
+    /// Called when the situation has changed, after it was recorded. If it runs the loop, whoever drives the run
+    /// waits until it has returned.
     std::function<void(const CSituation&)> OnSituation;
     /// Called after a recording that was asked for by RecordLater.
     std::function<void()> OnRecorded;
@@ -52,6 +53,7 @@ private:
     CRunReport m_Report;
     std::shared_ptr<void> m_pLogGuard;
     bool m_bRecordPending = false;
+    bool m_bTelling = false;  ///< OnSituation is under way
     std::uint32_t m_nPictures = 0;
     std::shared_ptr<bool> m_pAlive = std::make_shared<bool>(true);
 };

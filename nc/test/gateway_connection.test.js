@@ -31,8 +31,9 @@ class Context {
     return this.server;
   }
 
-  async startGateway(url = this.server.url) {
-    this.gateway = await GatewayProcess.connect(this.directory, url);
+  /** Others: see GatewayProcess.connect(). */
+  async startGateway(url = this.server.url, ...others) {
+    this.gateway = await GatewayProcess.connect(this.directory, url, ...others);
     return this.gateway;
   }
 
@@ -46,6 +47,7 @@ class Context {
 }
 
 const isConnected = (state) => state.connected;
+const isAny = () => true;
 const isLost = (state) => !state.connected;
 
 
@@ -104,8 +106,7 @@ describe('connection', { concurrency: 4 }, () => {
     const silent = createServer((socket) => socket.on('error', () => {})).listen(0, '127.0.0.1');
     t.after(() => silent.close());
     await once(silent, 'listening');
-    const url = `opc.tcp://127.0.0.1:${silent.address().port}`;
-    const gateway = (context.gateway = await GatewayProcess.connect(context.directory, url, {}, () => true));
+    const gateway = await context.startGateway(`opc.tcp://127.0.0.1:${silent.address().port}`, {}, isAny);
     assert.equal(gateway.firstState.connected, false);
     assert.match(gateway.firstState.reason, /doesn't answer/);
   });
@@ -116,7 +117,7 @@ describe('connection', { concurrency: 4 }, () => {
     const other = createServer(answer).listen(0, '127.0.0.1');
     t.after(() => other.close());
     await once(other, 'listening');
-    const gateway = await context.startGateway(`opc.tcp://127.0.0.1:${other.address().port}`);
+    const gateway = await context.startGateway(`opc.tcp://127.0.0.1:${other.address().port}`, {}, isAny);
     assert.equal(gateway.firstState.connected, false);
     assert.equal((await gateway.next('state')).connected, false);
   });

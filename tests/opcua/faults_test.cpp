@@ -3,6 +3,8 @@
 #include <signal.h>
 
 #include <algorithm>
+#include <deque>
+#include <functional>
 
 #include "console/headlessrun.h"
 #include "console/installation.h"
@@ -76,49 +78,57 @@ TEST(OpcFaults, TheRunGoesOnFromThePanelWhateverBecomesOfTheNc) {
     int nKilledGateway = 0;
     bool bStepSeenAfterRestart = false;
     bool bStepSeenFromNewGateway = false;
+    // Each at its step, or later if the run has gone on by itself while the one before was waiting.
+    std::deque<std::pair<std::uint32_t, std::function<void()>>> Faults{
+        {2, [&] { Nc.Kill(); }},
+        {4,
+         [&] {
+             Nc.Start();
+             bStepSeenAfterRestart = Nc.NextValue("Notification").has_value();
+         }},
+        {5,
+         [&] {
+             nKilledGateway = FindGateway();
+             kill(nKilledGateway, SIGKILL);
+         }},
+        // The new gateway has to be told everything again, and tells the NC where the run stands.
+        {7,
+         [&] {
+             bStepSeenFromNewGateway = Nc.NextValue("Notification", [&](const json& r) {
+                                             return r[1] == Session.Look().m_Notification.GetAction();
+                                         }).has_value();
+         }},
+        {8,
+         [&] {
+             Nc.Send({{"remove", {{"item", "Warning"}}}});
+             Nc.Send({{"retype", {{"item", "Notification"}, {"type", "String"}}}});
+         }},
+        {9,
+         [&] {
+             Nc.Send({{"retype", {{"item", "Request"}, {"type", "String"}}}});
+             Nc.Write("Request", "please go on");
+         }},
+        {10,
+         [&] {
+             Nc.Send({{"restore", {{"item", "Request"}}}});
+             Nc.Send({{"restore", {{"item", "Warning"}}}});
+             Nc.Send({{"restore", {{"item", "Notification"}}}});
+         }},
+    };
     std::uint32_t LastStep = 0;
-    Run.OnSituation = [&](const CSituation& rSituation) {
-        if (std::exchange(LastStep, rSituation.m_Progress.m_Step) == rSituation.m_Progress.m_Step) {
-            return;
-        }
-        switch (LastStep) {
-            case 2:
-                Nc.Kill();
-                break;
-            case 4:
-                Nc.Start();
-                bStepSeenAfterRestart = Nc.NextValue("Notification").has_value();
-                break;
-            case 5:
-                nKilledGateway = FindGateway();
-                kill(nKilledGateway, SIGKILL);
-                break;
-            case 7:
-                // The new gateway has to be told everything again, and tells the NC where the run stands.
-                bStepSeenFromNewGateway = Nc.NextValue("Notification", [](const json& r) {
-                                                return r[1] == CPreBalCodes::eMeasure;
-                                            }).has_value();
-                break;
-            case 8:
-                Nc.Send({{"remove", {{"item", "Warning"}}}});
-                Nc.Send({{"retype", {{"item", "Notification"}, {"type", "String"}}}});
-                break;
-            case 9:
-                Nc.Send({{"retype", {{"item", "Request"}, {"type", "String"}}}});
-                Nc.Write("Request", "please go on");
-                break;
-            case 10:
-                Nc.Send({{"restore", {{"item", "Request"}}}});
-                Nc.Send({{"restore", {{"item", "Warning"}}}});
-                Nc.Send({{"restore", {{"item", "Notification"}}}});
-                break;
-            default:
-                break;
+    Run.OnSituation = [&](const CSituation&) {
+        LastStep = Session.Look().m_Progress.m_Step;
+        while (!Faults.empty() && LastStep >= Faults.front().first) {
+            const std::function<void()> Happen = std::move(Faults.front().second);
+            Faults.pop_front();
+            Happen();
+            LastStep = Session.Look().m_Progress.m_Step;
         }
     };
     const CStallMeter Meter;
     EXPECT_EQ(Run.Run(), eExitWithinTarget);
     EXPECT_EQ(LastStep, 11U);
+    EXPECT_TRUE(Faults.empty());
     EXPECT_NE(nKilledGateway, 0);
     EXPECT_TRUE(bStepSeenAfterRestart);
     EXPECT_TRUE(bStepSeenFromNewGateway);
@@ -152,7 +162,7 @@ TEST(OpcFaults, ReadingTheTestWeightEndsWithoutAnNc) {
     CConsoleSession Session(Options, &Rotor, Installation.GetDatabaseFile().string());
     ASSERT_TRUE(Session.Initialise());
     Session.Commission();
-    const CUsableClock Clock;
+    CUsableClock Clock;
     Session.SendAction(Softkeys::eActionStart, Softkeys::eFlagNone);
     EXPECT_LT(Clock.Now(), 4000U);
     EXPECT_TRUE(Session.Look().m_bRunning);

@@ -8,10 +8,12 @@
 /// keep while others have the processor, so that time doesn't count.
 class CUsableClock {
 public:
-    std::uint64_t Now() const {
+    std::uint64_t Now() {
         const Duration Usable = std::chrono::steady_clock::now() - m_Start - (ReadDelay() - m_DelayAtStart);
+        // The delay is booked some time after it was.
+        m_Last = std::max(m_Last, Usable);
         return static_cast<std::uint64_t>(
-            std::max(std::chrono::duration_cast<std::chrono::milliseconds>(Usable).count(), INT64_C(0)));
+            std::chrono::duration_cast<std::chrono::milliseconds>(m_Last).count());
     }
 
 private:
@@ -28,4 +30,5 @@ private:
 
     std::chrono::steady_clock::time_point m_Start = std::chrono::steady_clock::now();
     Duration m_DelayAtStart = ReadDelay();
+    Duration m_Last{};
 };
