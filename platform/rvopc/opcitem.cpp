@@ -2,12 +2,22 @@
 
 #include <utility>
 
+#include "platform/rvlog/log.h"
 #include "platform/rvopc/opcdatabase.h"
+
+namespace {
+
+CLogComponent* g_pLog = CLogComponent::Register("rvOPC", {});
+
+}  // namespace
 
 COpcItem::COpcItem(std::shared_ptr<COPCGroup> pGroup, std::string Name, const char* pKey)
     : m_pGroup(std::move(pGroup)),
       m_Name(std::move(Name)),
-      m_Item(COpcDatabaseRef(pKey)->GetOpcLinkItem(pKey)) {}
+      m_Item(COpcDatabaseRef(pKey)->GetOpcLinkItem(pKey)) {
+    RV_INFORMATION(g_pLog, "%s is the item %s, updated every %u ms", m_Name.c_str(), m_Item.c_str(),
+                   m_pGroup->GetUpdateRate());
+}
 
 void COpcItem::SetFailureHandler(IFOpcServer::FailureHandler OnFailure) {
     *m_pOnFailure = std::move(OnFailure);

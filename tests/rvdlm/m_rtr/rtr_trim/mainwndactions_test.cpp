@@ -1,6 +1,7 @@
 // Actions and states that the host asks for.
 #include <gmock/gmock.h>
 
+#include "platform/rvmdb/directsql.h"
 #include "tests/rvdlm/m_rtr/rtr_trim/mainwndfixture.h"
 
 using testing::Contains;
@@ -9,7 +10,17 @@ using testing::IsEmpty;
 
 namespace {
 
-class CMainWndActionsTest : public CMainWndFixture {};
+class CMainWndActionsTest : public CMainWndFixture {
+protected:
+    /// From now on the store takes no configuration.
+    static void RefuseConfigurations() {
+        PreBalDB::CDirectSQL Store(PreBalDB::GetDatabaseConnection());
+        for (const char* pEvent : {"INSERT", "UPDATE"}) {
+            Store.Execute(std::string("CREATE TRIGGER refused_") + pEvent + " BEFORE " + pEvent +
+                          " ON configuration BEGIN SELECT RAISE(ABORT, 'refused'); END");
+        }
+    }
+};
 
 struct CActionCase {
     int m_Action;
@@ -170,6 +181,17 @@ TEST_F(CMainWndActionsTest, FlagFiveCommitsAndSaves) {
     EXPECT_TRUE(IsStoredCalibrated(m_pWnd->GetMachineName()));
     EXPECT_THAT(m_Host.Get(1124), ElementsAre(Message{1124, 0, 1}));
     EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
+}
+
+TEST_F(CMainWndActionsTest, ACommittedResultThatCannotBeSavedIsAsserted) {
+    Open();
+    Act(102);
+    m_Sequence.m_bCommit = true;
+    RefuseConfigurations();
+    Forget();
+    Act(4501, 5);
+    EXPECT_THAT(m_Log.GetAssertions(), Contains("SaveDatabase failed!"));
+    EXPECT_FALSE(IsStoredCalibrated(m_pWnd->GetMachineName()));
 }
 
 TEST_F(CMainWndActionsTest, FlagFiveSavesNothingThatIsNotCommitted) {

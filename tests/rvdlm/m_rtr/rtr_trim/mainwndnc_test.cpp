@@ -8,6 +8,7 @@
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::IsSupersetOf;
 
 namespace {
 
@@ -24,7 +25,9 @@ public:
         return true;
     }
     std::optional<COpcValue> Read(const std::string&) override { return std::nullopt; }
-    std::shared_ptr<void> Subscribe(const std::string&, std::uint32_t, ChangeHandler Handler) override {
+    std::shared_ptr<void> Subscribe(const std::string&, std::uint32_t UpdateRate,
+                                    ChangeHandler Handler) override {
+        m_UpdateRate = UpdateRate;
         m_pHandler = std::make_shared<ChangeHandler>(std::move(Handler));
         return m_pHandler;
     }
@@ -39,6 +42,7 @@ public:
     std::map<std::string, std::vector<COpcValue>> m_Written;
     std::map<std::string, FailureHandler> m_OnFailure;
     std::shared_ptr<ChangeHandler> m_pHandler;
+    std::uint32_t m_UpdateRate = 0;
 };
 
 class CMainWndNCTest : public CMainWndFixture {
@@ -188,6 +192,21 @@ TEST_F(CMainWndOpcTest, OnlyLinkedItemsAreMade) {
     EXPECT_EQ(m_Opc.GetServer().Read("warnings"), COpcValue(9));
     EXPECT_EQ(m_Opc.GetServer().GetSubscriptionCount(), 0U);
     EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
+}
+
+TEST_F(CMainWndNCTest, TheItemsHaveTheirNamesAndAreUpdatedEvery100Milliseconds) {
+    Create();
+    EXPECT_THAT(m_Log.GetTexts("Information"),
+                IsSupersetOf({"CPreBalancingMainWnd::CPreBalInterfaceFromNC is the item "
+                              "PreBalInterfaceFromNC, updated every 100 ms",
+                              "CPreBalancingMainWnd::CPreBalInterfaceToNC is the item "
+                              "PreBalInterfaceToNC, updated every 100 ms",
+                              "CPreBalancingMainWnd::CPreBalInterfaceToNCWarnings is the item "
+                              "PreBalInterfaceToNCWarnings, updated every 100 ms"}));
+}
+
+TEST_F(CMainWndDistantNCTest, RequestsAreAskedForEvery100Milliseconds) {
+    EXPECT_EQ(m_pServer->m_UpdateRate, 100U);
 }
 
 TEST_F(CMainWndNCTest, TheItemsGoWithTheWindow) {

@@ -230,6 +230,15 @@ TEST_P(CChangedSetTest, Aborts) {
 
 INSTANTIATE_TEST_SUITE_P(Fields, CChangedSetTest, testing::Range(0, 9));
 
+TEST_F(CMainWndQueryChainTest, TheChainGoesOnAfterAChangedSet) {
+    Open();
+    Act(102);
+    Forget();
+    ReportSet(MakeSet(3), Comm::eSuccess);
+    EXPECT_THAT(GetSequenceCalls(), ElementsAre("AbortBalancing 1"));
+    EXPECT_THAT(m_Module.m_Calls, ElementsAre("state"));
+}
+
 TEST_F(CMainWndQueryChainTest, AChangedSetWithoutProcedureStartsOneToShowTheFailure) {
     Open();
     ReportSet(MakeSet(3));
@@ -335,6 +344,13 @@ TEST_F(CMainWndQueryChainTest, MissingFlagsAreAsserted) {
     // Plane 2 and the lock of the panel aren't looked at here.
     m_pWnd->OnModuleState(Comm::eIndication, nullptr, &Zero, &Zero, nullptr, nullptr, nullptr);
     EXPECT_THAT(GetSequenceCalls(), ElementsAre("OutOfLock 0", "InvalidRPM 0"));
+}
+
+TEST_F(CMainWndQueryChainTest, TheChainGoesOnAfterMissingFlags) {
+    Open();
+    m_pWnd->OnModuleState(Comm::eSuccess, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
+    EXPECT_THAT(m_Log.GetAssertions(), ElementsAre("impossible"));
+    EXPECT_THAT(m_Module.m_Calls, ElementsAre("rpm"));
 }
 
 TEST_F(CMainWndQueryChainTest, SpeedReachesTheProcedureAndTheStatusLine) {

@@ -40,6 +40,25 @@ private:
     }
 };
 
+/// Notes which children of a host are left after each change.
+class CChildrenRecord : public IFWindowPeer {
+public:
+    explicit CChildrenRecord(const CWnd& rHost) : m_rHost(rHost) {}
+    void OnWindowChanged(CWnd&) override {
+        std::vector<UINT> Ids;
+        for (const CWnd* pChild : m_rHost.GetChildren()) {
+            Ids.push_back(pChild->GetDlgCtrlID());
+        }
+        if (m_Left.empty() || m_Left.back() != Ids) {
+            m_Left.push_back(Ids);
+        }
+    }
+    std::vector<std::vector<UINT>> m_Left;
+
+private:
+    const CWnd& m_rHost;
+};
+
 class CModuleInstanceTest : public testing::Test {
 protected:
     CTestInstallation m_Installation;
@@ -110,15 +129,21 @@ TEST_F(CModuleInstanceTest, AForeignPointerIsIgnored) {
     EXPECT_EQ(Instance.GetWindowCount(), 1U);
 }
 
-TEST_F(CModuleInstanceTest, UnloadDeletesWhatIsLeft) {
+TEST_F(CModuleInstanceTest, UnloadDeletesWhatIsLeftInOrderOfCreation) {
     CRecordingHost Host;
+    CChildrenRecord Record(Host);
     {
         CModuleInstance Instance(m_Framework);
-        Instance.GetWindow()->Create(&Host, CRect(0, 0, 300, 200), 1);
-        Instance.GetWindow()->Create(&Host, CRect(300, 0, 600, 200), 2);
-        EXPECT_EQ(Host.GetChildren().size(), 2U);
+        const std::vector<CWnd*> Windows = {Instance.GetWindow(), Instance.GetWindow(), Instance.GetWindow()};
+        // Shown in another order than they were made.
+        for (const std::size_t i : {2U, 0U, 1U}) {
+            Windows[i]->Create(&Host, CRect(0, 0, 300, 200), static_cast<UINT>(i + 1));
+        }
+        Host.SetPeer(&Record);
     }
-    EXPECT_TRUE(Host.GetChildren().empty());
+    EXPECT_THAT(Record.m_Left,
+                ElementsAre(ElementsAre(3U, 1U, 2U), ElementsAre(3U, 2U), ElementsAre(3U), IsEmpty()));
+    Host.SetPeer(nullptr);
 }
 
 }  // namespace

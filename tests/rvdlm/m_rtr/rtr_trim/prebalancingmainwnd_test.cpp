@@ -19,6 +19,21 @@ namespace {
 
 constexpr COLORREF ePanel = RGB(0xEC, 0xE9, 0xD8);
 
+/// A window that keeps the buffers of its frames.
+class CBufferKeeper : public CWnd {
+public:
+    std::vector<std::pair<std::uint8_t*, LPARAM>> m_Buffers;
+
+protected:
+    LRESULT WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) override {
+        if (Message == WM_RV_RAWDATA_FIRST) {
+            // NOLINTNEXTLINE(performance-no-int-to-ptr): a message's parameters are whole numbers
+            m_Buffers.emplace_back(reinterpret_cast<std::uint8_t*>(wParam), lParam);
+        }
+        return CWnd::WindowProc(Message, wParam, lParam);
+    }
+};
+
 class CPreBalancingMainWndTest : public CMainWndFixture {
 protected:
     /// A frame as the transport hands it over: an unknown handle, one unused byte, the frame.
@@ -56,6 +71,17 @@ TEST_F(CPreBalancingMainWndTest, InitWindowStoresTheAddressAndAsksForTheIdentifi
     EXPECT_THAT(m_Module.m_Calls, ElementsAre("identification"));
     EXPECT_EQ(m_pWnd->GetTabs().GetCurSel(), 0);
     EXPECT_EQ(m_pWnd->GetTabs().GetConfigDlg().GetPlane(), 0);
+}
+
+TEST_F(CPreBalancingMainWndTest, InitWindowShowsTheFirstPage) {
+    Create();
+    auto& rTabs = dynamic_cast<CPreBalConfigTabs&>(*m_pWnd->GetDlgItem(101));
+    rTabs.SetCurSel(1);
+    rTabs.UpdateTabSelection();
+    ASSERT_FALSE(rTabs.GetConfigDlg().IsWindowVisible());
+    Init();
+    EXPECT_EQ(rTabs.GetCurSel(), 0);
+    EXPECT_TRUE(rTabs.GetConfigDlg().IsWindowVisible());
 }
 
 TEST_F(CPreBalancingMainWndTest, HardwareTypeFiveIsPlaneTwo) {
@@ -184,6 +210,35 @@ TEST_F(CPreBalancingMainWndTest, FramesOfTheModuleArriveAndTheirBuffersComeBack)
     Pair.m_pSecond->Write(LineDiscipline::Encode(std::vector<std::uint8_t>{0x1C, 5, 1, 2}));
     m_Loop.RunPosted();
     EXPECT_EQ(rvCOM::GetBuffersOut(), 0U);
+    rvCOM::SetLink(nullptr);
+}
+
+TEST_F(CPreBalancingMainWndTest, BuffersOfFramesThatGoNowhereComeBackToo) {
+    CLinkPair Pair = MakeLinkPair();
+    rvCOM::SetLink(std::move(Pair.m_pFirst));
+    Pair.m_pSecond->Open();
+    m_Loop.RunPosted();
+    CBufferKeeper Keeper;
+    Keeper.CreateMessageOnly();
+    rvCOM::Notify(&Keeper, RV_NOTIFY_RAWDATA, 5);
+    for (int i = 0; i < 2; ++i) {
+        Pair.m_pSecond->Write(LineDiscipline::Encode(std::vector<std::uint8_t>{0x1C, 5, 1, 2}));
+    }
+    m_Loop.RunPosted();
+    ASSERT_EQ(rvCOM::GetBuffersOut(), 2U);
+    const auto HandOver = [&](std::size_t i) {
+        const auto& [pBytes, nLength] = Keeper.m_Buffers.at(i);
+        m_pWnd->SendMessage(WM_RV_RAWDATA_FIRST, reinterpret_cast<WPARAM>(pBytes), nLength);
+    };
+    Create();
+    HandOver(0);
+    EXPECT_EQ(rvCOM::GetBuffersOut(), 1U) << "without a mapper";
+    Init();
+    m_Module.m_Calls.clear();
+    Keeper.m_Buffers[1].first[3] = 4;
+    HandOver(1);
+    EXPECT_EQ(rvCOM::GetBuffersOut(), 0U) << "the reserved command";
+    EXPECT_THAT(m_Module.m_Calls, IsEmpty());
     rvCOM::SetLink(nullptr);
 }
 

@@ -12,8 +12,8 @@
 #include "rvlib/math/vector.h"
 
 /// A method that moves nothing: notes its calls in the window's list and answers what a test sets. Every menu
-/// has a number of its own; the menus that depend on the number of planes add it. With two planes the calls
-/// say which plane they go to: "1:SetUA".
+/// has a number of its own; the menus that depend on the number of planes add it, and those of plane 2 lie
+/// eMenusOfPlane2 higher. With two planes the calls say which plane they go to: "1:SetUA".
 class CFakeMethod : public CPlaneBalancingMethod {
 public:
     enum Menus : int {
@@ -21,7 +21,8 @@ public:
         eTestMenu = 110,
         eTestChangeMenu = 120,
         eCommitMenu = 130,
-        eCheckMenu = 140
+        eCheckMenu = 140,
+        eMenusOfPlane2 = 100
     };
 
     /// Plane: 0 the only one, else 1 or 2.
@@ -36,11 +37,11 @@ public:
         CPlaneBalancingMethod::SetDisplayMode(Mode);
         Note(std::string("SetPlainDisplayMode ") + DisplayModeToString(Mode));
     }
-    int GetNeutralPositionMenu(std::uint8_t Plane) override { return eNeutralMenu + Plane; }
-    int GetTestUnbalanceMenu() override { return eTestMenu; }
-    int GetTestUnbalanceChangeMenu() override { return eTestChangeMenu; }
-    int GetCommitChangeMenu(std::uint8_t Plane) override { return eCommitMenu + Plane; }
-    int GetCheckWeightsMenu(std::uint8_t Plane) override { return eCheckMenu + Plane; }
+    int GetNeutralPositionMenu(std::uint8_t nPlanes) override { return Own(eNeutralMenu + nPlanes); }
+    int GetTestUnbalanceMenu() override { return Own(eTestMenu); }
+    int GetTestUnbalanceChangeMenu() override { return Own(eTestChangeMenu); }
+    int GetCommitChangeMenu(std::uint8_t nPlanes) override { return Own(eCommitMenu + nPlanes); }
+    int GetCheckWeightsMenu(std::uint8_t nPlanes) override { return Own(eCheckMenu + nPlanes); }
     const math::matrix<double>* GetTestUnbalanceVectorInDeg() override {
         return m_bHasPositions ? &m_Positions : nullptr;
     }
@@ -96,6 +97,7 @@ public:
     PreBalDB::CTypeBase::Direction m_Scaling = PreBalDB::CTypeBase::eCounterClockwise;
 
 private:
+    int Own(int Menu) const { return m_Plane == 2 ? Menu + eMenusOfPlane2 : Menu; }
     void Note(const std::string& rCall) {
         m_rCalls.push_back(m_Plane == 0 ? rCall : std::to_string(m_Plane) + ":" + rCall);
     }

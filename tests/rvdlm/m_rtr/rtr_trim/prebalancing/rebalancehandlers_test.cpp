@@ -78,9 +78,10 @@ TEST_F(ReBalanceTest, CommitShowsTheStoredCorrection) {
 
 TEST_F(ReBalanceTest, NextInCommitStoresThePositionsAndLeadsOn) {
     Reach(S::eReBalanceCommitWeights);
+    m_pMethod->m_UA = MakeVector(0.1, 0.2);
     Next();
     EXPECT_EQ(GetState(), S::eReBalanceRPMStart1);
-    EXPECT_TRUE(GetPlaneEntry().GetUA() == m_pMethod->m_UA);
+    EXPECT_TRUE(GetPlaneEntry().GetUA() == MakeVector(0.1, 0.2));
 }
 
 TEST_F(ReBalanceTest, ExtrasInCommitShowsTheMenuToMoveTheWeights) {
@@ -133,6 +134,14 @@ TEST_F(ReBalanceTest, IgnoreRebalWeightsLetsTheRunGoOnInCommit) {
 }
 
 // --- eReBalanceMeasurement1 ---
+
+TEST_F(ReBalanceTest, TheMeasurementTestsTheStoredCorrection) {
+    m_pSequence->StartReBalancing(eSpeed, 0, 0);
+    ASSERT_EQ(m_pMethod->m_SetUAs.size(), 1U);
+    EXPECT_TRUE(m_pMethod->m_SetUAs[0].m_UA == MakeVector(1.5, -0.25));
+    EXPECT_TRUE(m_pMethod->m_SetUAs[0].m_bPercent);
+    EXPECT_FALSE(m_pMethod->m_SetUAs[0].m_bAllowEqualAngles);
+}
 
 TEST_F(ReBalanceTest, CorrectionBeyondTheCapacityRefusesTheRunInTheMeasurement) {
     LackCapacity(33.333);
@@ -209,10 +218,21 @@ TEST_F(ReBalanceTest, SetWeightsWarnsOfALackOfCapacityAndGoesOn) {
     EXPECT_EQ(GetState(), S::eReBalanceRPMStart2);
 }
 
+TEST_F(ReBalanceTest, SetWeightsShowsTheNewCorrection) {
+    const auto EnterIt = Approach(S::eReBalanceSetWeights);
+    m_pMethod->m_SetUAs.clear();
+    EnterIt();
+    ASSERT_EQ(m_pMethod->m_SetUAs.size(), 1U);
+    EXPECT_TRUE(m_pMethod->m_SetUAs[0].m_UA == m_pMath->m_RebalanceUA);
+    EXPECT_TRUE(m_pMethod->m_SetUAs[0].m_bPercent);
+    EXPECT_TRUE(m_pMethod->m_SetUAs[0].m_bAllowEqualAngles);
+}
+
 TEST_F(ReBalanceTest, NextInSetWeightsStoresTheNewCorrectionButNotTheInfluence) {
     Reach(S::eReBalanceSetWeights);
+    m_pMethod->m_UA = MakeVector(0.1, 0.2);
     Next();
-    EXPECT_TRUE(GetPlaneEntry().GetUA() == m_pMethod->m_UA);
+    EXPECT_TRUE(GetPlaneEntry().GetUA() == MakeVector(0.1, 0.2));
     EXPECT_TRUE(GetPlaneEntry().GetInvA() == FakeStoredInvA());
 }
 
@@ -239,12 +259,14 @@ TEST_F(ReBalanceTest, OtherKeysInSetWeightsAreIgnored) {
 
 TEST_F(ReBalanceTest, ValidSpeedInSetWeightsSkipsTheSpindleStart) {
     Reach(S::eReBalanceSetWeights);
+    m_pMethod->m_UA = MakeVector(0.1, 0.2);
     m_pSequence->InvalidRPM(1);
     EXPECT_EQ(GetState(), S::eReBalanceSetWeights);
+    EXPECT_FALSE(GetPlaneEntry().GetUA() == m_pMethod->m_UA);
     m_pSequence->InvalidRPM(0);
     EXPECT_EQ(GetState(), S::eReBalanceMeasurement2);
     EXPECT_EQ(GetSteps(), std::make_pair(7U, 7U));
-    EXPECT_TRUE(GetPlaneEntry().GetUA() == m_pMethod->m_UA);
+    EXPECT_TRUE(GetPlaneEntry().GetUA() == MakeVector(0.1, 0.2));
 }
 
 // --- eReBalanceCheckWeights ---

@@ -139,6 +139,20 @@ TEST_F(TestRunTest, EnoughCapacityDoesntWarn) {
     EXPECT_EQ(m_pSequence->GetWarningMode(), 0U);
 }
 
+// --- ePreBalanceSetWeights ---
+
+TEST_F(TestRunTest, KeysButNextAreIgnoredWhileTheCorrectionIsSet) {
+    Reach(S::ePreBalanceSetWeights);
+    TakeCalls();
+    for (int i = K::eRebalance; i <= K::eIncPosActiveWeightUp; ++i) {
+        EXPECT_EQ(Key(static_cast<K::KeyAction>(i)), 1);
+        EXPECT_EQ(GetState(), S::ePreBalanceSetWeights) << i;
+    }
+    EXPECT_THAT(TakeCalls(), IsEmpty());
+    Next();
+    EXPECT_EQ(GetState(), S::ePreBalanceRPMStart);
+}
+
 TEST_F(TestRunTest, TestRunWithoutInfluenceFailsWithWarning5) {
     const auto EnterIt = Approach(S::eFailureWithReset);
     TakeWarnings();

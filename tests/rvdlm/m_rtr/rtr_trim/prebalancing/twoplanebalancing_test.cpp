@@ -1,8 +1,9 @@
-// What distinguishes the two-plane procedure in its conduct: the active plane, two streams of samples, the
-// target for both, and pairs of different means.
+// What distinguishes the two-plane procedure in its conduct: the active plane, pairs of different means, and
+// results of both planes.
+#include <algorithm>
+
 #include "platform/window/bitmap.h"
 #include "platform/window/dc.h"
-#include "platform/window/prebalprogress.h"
 #include "rvlib/math/vector.h"
 #include "tests/rvdlm/m_rtr/rtr_trim/prebalancing/twoplanefixture.h"
 
@@ -110,7 +111,7 @@ TEST_F(TwoPlaneTest, ExtrasPicksPlane1AndTheToggleKeyTheOther) {
                                              "2:SetDisplayMode eInactive", "SetMenu 102"));
         Key(K::eTogglePlane);
         EXPECT_THAT(TakeCalls(), ElementsAre("1:SetDisplayMode eInactive",
-                                             "2:SetPlainDisplayMode eNeutralPosition", "SetMenu 102"));
+                                             "2:SetPlainDisplayMode eNeutralPosition", "SetMenu 202"));
         Key(K::eIncPosWeight1Down);
         EXPECT_THAT(m_pMethod2->m_Keys, ElementsAre(std::pair<int, int>(K::eIncPosWeight1Down, 5)));
         EXPECT_THAT(m_pMethod1->m_Keys, IsEmpty());
@@ -127,7 +128,7 @@ TEST_F(TwoPlaneTest, CommitCanChangeEitherPlane) {
     EXPECT_EQ(m_pSequence->GetMode(), 9U);
     Key(K::eTogglePlane);
     EXPECT_THAT(TakeCalls(), ElementsAre("1:SetDisplayMode eInactive",
-                                         "2:SetPlainDisplayMode eUACompensation", "SetMenu 132"));
+                                         "2:SetPlainDisplayMode eUACompensation", "SetMenu 232"));
     Key(K::eIncPosWeight1Down);
     EXPECT_THAT(m_pMethod2->m_Keys, ElementsAre(std::pair<int, int>(K::eIncPosWeight1Down, 1)));
 }
@@ -149,7 +150,7 @@ TEST_F(TwoPlaneTest, CheckOfTheWeightsCanToggle) {
     TakeCalls();
     Key(K::eTogglePlane);
     EXPECT_THAT(TakeCalls(), ElementsAre("1:SetDisplayMode eInactive",
-                                         "2:SetPlainDisplayMode eUACompensation", "SetMenu 142"));
+                                         "2:SetPlainDisplayMode eUACompensation", "SetMenu 242"));
 }
 
 TEST_F(TwoPlaneTest, SpeedInTheCheckHidesBothPlanesUntilItIsOff) {
@@ -192,15 +193,80 @@ TEST_F(TwoPlaneTest, ExtrasInATestLegShowsThatPlanesMenu) {
     for (const int State : {S::ePlane1TestUnbalanceSetWeights, S::ePlane2TestUnbalanceSetWeights}) {
         Reach(State);
         Key(K::eExtras);
-        EXPECT_EQ(m_Wnd.GetMenu(), CFakeMethod::eTestChangeMenu);
+        const bool bPlane2 = State == S::ePlane2TestUnbalanceSetWeights;
+        EXPECT_EQ(m_Wnd.GetMenu(),
+                  CFakeMethod::eTestChangeMenu + (bPlane2 ? CFakeMethod::eMenusOfPlane2 : 0));
     }
 }
 
-TEST_F(TwoPlaneTest, CorrectionsOfAPrebalancingCannotBeToggled) {
+TEST_F(TwoPlaneTest, CorrectionsOfAPrebalancingCanNeitherBeToggledNorMoved) {
     Reach(S::ePreBalanceSetWeights);
     TakeCalls();
-    Key(K::eTogglePlane);
+    for (int i = K::eRebalance; i <= K::eIncPosActiveWeightUp; ++i) {
+        EXPECT_EQ(Key(static_cast<K::KeyAction>(i)), 1);
+        EXPECT_EQ(GetState(), S::ePreBalanceSetWeights) << i;
+    }
     EXPECT_THAT(TakeCalls(), IsEmpty());
+}
+
+TEST_F(TwoPlaneTest, ValidSpeedInATestLegTakesItsPositionsAndSkipsTheSpindleStart) {
+    struct CLeg {
+        int m_SetWeights;
+        int m_Measurement;
+        unsigned m_Step;
+        const char* m_pCall;
+    };
+    for (const CLeg& rLeg : {CLeg{S::ePlane1TestUnbalanceSetWeights, S::ePlane1TestUnbalanceMeasurement, 7,
+                                  "Math.SetTestUnbalanceVectorCase1 15,25 1"},
+                             CLeg{S::ePlane2TestUnbalanceSetWeights, S::ePlane2TestUnbalanceMeasurement, 11,
+                                  "Math.SetTestUnbalanceVectorCase2 35,45 0"}}) {
+        Reach(rLeg.m_SetWeights);
+        m_pMethod1->m_Positions = MakeVector(15, 25);
+        m_pMethod2->m_Positions = MakeVector(35, 45);
+        m_pSequence->InvalidRPM(1);
+        EXPECT_EQ(GetState(), rLeg.m_SetWeights);
+        TakeCalls();
+        m_pSequence->InvalidRPM(0);
+        EXPECT_EQ(GetState(), rLeg.m_Measurement);
+        EXPECT_EQ(GetSteps(), std::make_pair(rLeg.m_Step, 15U));
+        const std::vector<std::string> Calls = TakeCalls();
+        EXPECT_EQ(Calls.front(), rLeg.m_pCall);
+        EXPECT_EQ(
+            std::ranges::count_if(Calls, [](const std::string& rCall) { return rCall.starts_with("Math."); }),
+            1);
+    }
+    EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
+}
+
+TEST_F(TwoPlaneTest, KeysOfATestLegMoveTheMeansOfItsPlane) {
+    for (const int State : {S::ePlane1TestUnbalanceSetWeights, S::ePlane2TestUnbalanceSetWeights}) {
+        Reach(State);
+        const bool bPlane1 = State == S::ePlane1TestUnbalanceSetWeights;
+        const std::string Pressed = bPlane1 ? "1:KeyPressed" : "2:KeyPressed";
+        for (int i = K::eRebalance; i <= K::eIncPosActiveWeightUp; ++i) {
+            if (i == K::eExtras) {
+                continue;
+            }
+            const auto Action = static_cast<K::KeyAction>(i);
+            const bool bPlain = Action == K::eIncrement || Action == K::eDecrement ||
+                                Action == K::eNeutralPosition || Action == K::eWeightSelection ||
+                                Action == K::eStepSelection;
+            const bool bMove = (i >= K::eIncPosWeight1Down && i <= K::eDecPosWeight2Up) ||
+                               (i >= K::eDecPosActiveWeightDown && i <= K::eIncPosActiveWeightUp);
+            TakeCalls();
+            EXPECT_EQ(Key(Action), 1);
+            EXPECT_EQ(GetState(), State);
+            if (bPlain) {
+                EXPECT_THAT(TakeCalls(), ElementsAre(Pressed)) << i;
+            } else if (bMove) {
+                EXPECT_THAT(TakeCalls(), ElementsAre(Pressed, "PreBalNotification 3 4")) << i;
+            } else {
+                EXPECT_THAT(TakeCalls(), IsEmpty()) << i;
+            }
+        }
+        EXPECT_THAT((bPlane1 ? m_pMethod2 : m_pMethod1)->m_Keys, IsEmpty());
+    }
+    EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
 }
 
 // Pairs of different means.
@@ -266,119 +332,6 @@ TEST_P(MixedMeans, CommitStoresNoPositions) {
     EXPECT_TRUE(m_pSequence->CommitChanges());
     m_Wnd.m_Store.Load();
     EXPECT_FALSE(m_Wnd.m_Store.Contains("000005_WHEEL1"));
-}
-
-// Samples and target.
-
-TEST_F(TwoPlaneTest, BothPlanesTakeASampleInTheSameTick) {
-    Reach(S::ePlane1TestUnbalanceMeasurement);
-    m_pSequence->CurrentXYValuePlane1(1, 2);
-    m_pSequence->CurrentXYValuePlane2(3, 4);
-    m_pMath->m_Samples.clear();
-    m_Loop.Advance(3050);
-    EXPECT_THAT(m_pMath->m_Samples, ElementsAre(std::pair(1, 2), std::pair(3, 4)));
-}
-
-TEST_F(TwoPlaneTest, EitherPlaneThatIsCompleteReleasesTheKey) {
-    for (const std::size_t Plane : {0U, 1U}) {
-        Reach(S::eNeutralPosMeasurement);
-        TakeNotifications();
-        m_pMath->m_bComplete[Plane] = true;
-        m_Loop.Advance(3050);
-        EXPECT_EQ(m_Wnd.GetMenu(), 0);
-        EXPECT_THAT(TakeNotifications(),
-                    ElementsAre(std::pair<int, int>(Nc::eSetup, Nc::eMeasurementValuesOK)));
-        m_Loop.Advance(500);
-        EXPECT_THAT(TakeNotifications(), IsEmpty()) << "once";
-    }
-}
-
-TEST_F(TwoPlaneTest, MeasurementOfARebalancingReleasesMenu8) {
-    Reach(S::eReBalanceMeasurement1);
-    TakeNotifications();
-    CompleteMeasurement();
-    EXPECT_EQ(m_Wnd.GetMenu(), 8);
-    EXPECT_THAT(TakeNotifications(),
-                ElementsAre(std::pair<int, int>(Nc::eReBalActive, Nc::eMeasurementValuesOK)));
-}
-
-TEST_F(TwoPlaneTest, NextBeforeTheValuesAreCompleteIsIgnored) {
-    for (const int State : {S::eNeutralPosMeasurement, S::ePlane1TestUnbalanceMeasurement,
-                            S::ePlane2TestUnbalanceMeasurement, S::eReBalanceMeasurement1}) {
-        Reach(State);
-        Next();
-        EXPECT_EQ(GetState(), State);
-    }
-}
-
-struct CVerdict {
-    int m_State;
-    int m_StepWithin;
-    int m_StepOver;
-};
-class TwoPlaneVerdict : public TwoPlaneTest, public testing::WithParamInterface<CVerdict> {};
-INSTANTIATE_TEST_SUITE_P(States, TwoPlaneVerdict, testing::Values(CVerdict{18, 7, 9}, CVerdict{27, 8, 10}),
-                         [](const auto& rInfo) {
-                             return CTwoPlaneBalancing::STATESToString(rInfo.param.m_State);
-                         });
-
-TEST_P(TwoPlaneVerdict, BothPlanesMustReachTheTarget) {
-    Reach(GetParam().m_State);
-    ShowReadings(10, 10);  // the target
-    EXPECT_EQ(m_pMethod1->m_MeasurementDisplayState, Method::eWithinTarget);
-    EXPECT_EQ(m_pMethod2->m_MeasurementDisplayState, Method::eWithinTarget);
-    EXPECT_EQ(m_pSequence->GetNotification().m_Step, GetParam().m_StepWithin);
-    EXPECT_EQ(m_Wnd.m_WarningModes.back(), 0U);
-}
-
-TEST_P(TwoPlaneVerdict, PlaneWithinTheTargetStaysGreenWhileTheOtherIsRed) {
-    Reach(GetParam().m_State);
-    ShowReadings(11, 3);
-    EXPECT_EQ(m_Wnd.m_WarningModes.back(), 8U);
-    EXPECT_EQ(m_pMethod1->m_MeasurementDisplayState, Method::eOverTarget);
-    EXPECT_EQ(m_pMethod2->m_MeasurementDisplayState, Method::eWithinTarget);
-    EXPECT_EQ(m_pSequence->GetNotification().m_Step, GetParam().m_StepOver);
-
-    Reach(GetParam().m_State);
-    ShowReadings(3, 11);
-    EXPECT_EQ(m_Wnd.m_WarningModes.back(), 8U);
-    EXPECT_EQ(m_pMethod1->m_MeasurementDisplayState, Method::eWithinTarget);
-    EXPECT_EQ(m_pMethod2->m_MeasurementDisplayState, Method::eOverTarget);
-    EXPECT_EQ(m_pSequence->GetNotification().m_Step, GetParam().m_StepOver);
-}
-
-TEST_P(TwoPlaneVerdict, IsToldOnlyWhenItChanges) {
-    Reach(GetParam().m_State);
-    TakeNotifications();
-    ShowReadings(3, 11);
-    const auto Told = TakeNotifications();
-    ASSERT_FALSE(Told.empty());
-    EXPECT_EQ(Told.back(), (std::pair<int, int>(GetParam().m_StepOver, Nc::eMeasure)));
-    m_Loop.Advance(1000);
-    EXPECT_THAT(TakeNotifications(), IsEmpty());
-}
-
-// Plane 2's readings come without lock at first: one whole window is not enough.
-TEST_P(TwoPlaneVerdict, WithTheFlagWaitsForTheWholeWindowsOfBothPlanes) {
-    m_Installation.EnableFeature("PreBalancingVerdictOnFullWindow");
-    Reach(GetParam().m_State);
-    m_pSequence->OutOfLock(1);
-    m_pSequence->CurrentXYValuePlane2(11, 0);
-    m_pSequence->OutOfLock(0);
-    m_pSequence->CurrentXYValuePlane1(3, 0);
-    TakeNotifications();
-    m_Loop.Advance(4000);
-    CPreBalProgress Progress;
-    m_pSequence->GetProgress(Progress);
-    EXPECT_TRUE(Progress.m_Readings[0].m_bComplete);
-    EXPECT_FALSE(Progress.m_Readings[1].m_bComplete);
-    EXPECT_THAT(TakeNotifications(), IsEmpty());
-    m_pSequence->CurrentXYValuePlane2(11, 0);
-    m_Loop.Advance(4 * 50);
-    m_pSequence->GetProgress(Progress);
-    EXPECT_TRUE(Progress.m_Readings[1].m_bComplete);
-    EXPECT_THAT(TakeNotifications(),
-                testing::ElementsAre(std::pair<int, int>(GetParam().m_StepOver, Nc::eMeasure)));
 }
 
 // Results.
@@ -538,6 +491,60 @@ TEST_F(TwoPlaneTest, RebalancingCalculatesFromTheStoredCalibration) {
     Next();
     EXPECT_TRUE(m_Entry.GetTwoPlane()->GetUAPlane1() == m_pMethod1->m_UA);
     EXPECT_TRUE(m_Entry.GetTwoPlane()->GetUAPlane2() == m_pMethod2->m_UA);
+}
+
+// What the operator moved since the correction was shown counts, in either plane.
+TEST_F(TwoPlaneTest, PositionsAsTheyStandBecomeTheStoredCorrection) {
+    struct CWayOn {
+        int m_State;
+        bool m_bByKey;
+        int m_Next;
+    };
+    for (const CWayOn& rWay : {CWayOn{S::eReBalanceCommitWeights, true, S::eReBalanceRPMStart1},
+                               CWayOn{S::eReBalanceCommitWeights, false, S::eReBalanceMeasurement1},
+                               CWayOn{S::eReBalanceSetWeights, true, S::eReBalanceRPMStart2},
+                               CWayOn{S::eReBalanceSetWeights, false, S::eReBalanceMeasurement2},
+                               CWayOn{S::eReBalanceCheckWeights, true, S::eReBalanceSetWeights}}) {
+        Reach(rWay.m_State);
+        m_pMethod1->m_UA = MakeVector(0.1, 0.2);
+        m_pMethod2->m_UA = MakeVector(0.3, 0.4);
+        if (rWay.m_bByKey) {
+            Next();
+        } else {
+            m_pSequence->InvalidRPM(0);
+        }
+        EXPECT_EQ(GetState(), rWay.m_Next);
+        EXPECT_TRUE(m_Entry.GetTwoPlane()->GetUAPlane1() == MakeVector(0.1, 0.2)) << rWay.m_Next;
+        EXPECT_TRUE(m_Entry.GetTwoPlane()->GetUAPlane2() == MakeVector(0.3, 0.4)) << rWay.m_Next;
+        EXPECT_TRUE(m_Entry.GetTwoPlane()->GetInvA() == CFakeTwoPlaneMath::MakeDiagonal(7.0));
+    }
+}
+
+// Weights may come to lie on one another when a correction is calculated, not when a stored one is shown.
+TEST_F(TwoPlaneTest, EqualAnglesAreAllowedForACalculatedCorrectionOnly) {
+    struct CCorrection {
+        int m_State;
+        bool m_bCalculated;
+        bool m_bPercent;
+    };
+    for (const CCorrection& rCorrection : {CCorrection{S::ePreBalanceSpindleStop, true, true},
+                                           CCorrection{S::eReBalanceCommitWeights, false, true},
+                                           CCorrection{S::eReBalanceMeasurement1, false, true},
+                                           CCorrection{S::eReBalanceSpindleStop, true, false},
+                                           CCorrection{S::eReBalanceSetWeights, true, true},
+                                           CCorrection{S::eReBalanceCheckWeights, false, false}}) {
+        const auto EnterIt = Approach(rCorrection.m_State);
+        m_pMethod1->m_SetUAs.clear();
+        m_pMethod2->m_SetUAs.clear();
+        EnterIt();
+        for (const CFakeMethod* pMethod : {m_pMethod1, m_pMethod2}) {
+            ASSERT_EQ(pMethod->m_SetUAs.size(), 1U) << S::STATESToString(rCorrection.m_State);
+            EXPECT_EQ(pMethod->m_SetUAs[0].m_bAllowEqualAngles, rCorrection.m_bCalculated)
+                << S::STATESToString(rCorrection.m_State);
+            EXPECT_EQ(pMethod->m_SetUAs[0].m_bPercent, rCorrection.m_bPercent)
+                << S::STATESToString(rCorrection.m_State);
+        }
+    }
 }
 
 TEST_F(TwoPlaneTest, RebalancingWithoutACalibrationIsRefused) {

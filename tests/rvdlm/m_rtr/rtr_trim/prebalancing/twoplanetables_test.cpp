@@ -145,7 +145,7 @@ std::vector<CEntryRow> MakeEntryRows() {
         {9, 6, 15, 4, {"Math.SetTestUnbalanceVectorCase1 11,22 1", "WarningModeChanged 0", "1:SetDisplayMode eInactive", "2:SetDisplayMode eInactive", "SetMenu 4", "PreBalNotification 3 2"}},
         {10, 7, 15, 6, {"WarningModeChanged 0", "1:SetDisplayMode eMeasurementValues", "2:SetDisplayMode eMeasurementValues", "SetMenu 4", "PreBalNotification 3 5"}},
         {11, 8, 15, 2, {"Math.ApplyTestPlusRawUnbalanceXYValuesCase1", "WarningModeChanged 0", "1:SetDisplayMode eInactive", "2:SetDisplayMode eTestUnbalance", "2:SetDisplayMode eInactive", "SetMenu 4", "PreBalNotification 3 3"}},
-        {12, 9, 15, 7, {"WarningModeChanged 0", "1:SetDisplayMode eInactive", "2:SetPlainDisplayMode eTestUnbalance", "SetMenu 110", "PreBalNotification 3 4"}},
+        {12, 9, 15, 7, {"WarningModeChanged 0", "1:SetDisplayMode eInactive", "2:SetPlainDisplayMode eTestUnbalance", "SetMenu 210", "PreBalNotification 3 4"}},
         {13, 10, 15, 4, {"Math.SetTestUnbalanceVectorCase2 33,44 0", "WarningModeChanged 0", "1:SetDisplayMode eInactive", "2:SetDisplayMode eInactive", "SetMenu 4", "PreBalNotification 3 2"}},
         {14, 11, 15, 6, {"WarningModeChanged 0", "1:SetDisplayMode eMeasurementValues", "2:SetDisplayMode eMeasurementValues", "SetMenu 4", "PreBalNotification 3 5"}},
         {15, 12, 15, 2, {"Math.GetPrebalanceResult", "1:SetUA", "2:SetUA", "WarningModeChanged 0", "1:SetDisplayMode eInactive", "2:SetDisplayMode eInactive", "SetMenu 4", "PreBalNotification 3 3"}},
