@@ -32,8 +32,7 @@ programs() {
 
 work=build/mutate
 copy=$work/tree
-# Not in the copy, so that it stays when the copy is renewed.
-build=$work/build
+build=$copy/build/release
 log=$work/log
 
 fail() {
@@ -80,16 +79,15 @@ mkdir -p "$work"
 exec 9>"$work/lock"
 flock -n 9 || fail "another one is running in $work"
 
-# The copy: what git knows and what is new, with its dates, so that only what has changed is built again.
-rm -rf "$copy"
+# The copy: what git knows and what is new, with its dates, so that only what has changed is built again. Its build stays.
 mkdir -p "$copy"
+find "$copy" -mindepth 1 -maxdepth 1 ! -name build -exec rm -rf {} +
 git ls-files -coz --exclude-standard | while IFS= read -r -d '' file; do
     [ ! -e "$file" ] || printf '%s\0' "$file"
 done | tar --null -cf - -T - | tar -xf - -C "$copy"
 
-# Built as ./test builds, so that all that isn't broken comes from the compiler cache.
-[ -e "$build/build.ninja" ] ||
-    cmake -S "$copy" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release >"$log" 2>&1 ||
+# Built as ./test builds, in the same place of the copy, so that all that isn't broken comes from the compiler cache.
+[ -e "$build/build.ninja" ] || (cd "$copy" && cmake --preset release) >"$log" 2>&1 ||
     { cat "$log" >&2; fail "the copy can't be configured"; }
 
 # What is broken isn't kept in that cache, and a warning doesn't keep it from being built.
