@@ -40,7 +40,7 @@ sub code_of {
     $text =~ s{(?<text>R"(?<mark>[^\s()\\]*)\(.*?\)\g{mark}"|"(?:\\.|[^"\\\n])*"|(?<![0-9a-fA-F])'(?:\\.|[^'\\\n])*')|(?<comment>/\*.*?\*/|//[^\n]*)}
               { defined $+{comment} ? blank($+{comment}) : $+{text} =~ s/[^\n]/"/gr }gse;
     $text =~ s{^[ \t]*#(?:[^\n]*\\\n)*[^\n]*}{blank($&)}gme;
-    $text =~ s{\b(?:static_assert|PB_FLOW|PB_MATH|RV_DEBUG|RV_PROTOCOL|RV_PROTOCOL_DETAIL|RV_INFORMATION)\s*$parens;?}{blank($&)}ge;
+    $text =~ s{\b(?:static_assert|PB_FLOW|PB_MATH|LOG_MATRIX|DUMP_MATRIX|RV_DEBUG|RV_PROTOCOL|RV_PROTOCOL_DETAIL|RV_INFORMATION)\s*$parens;?}{blank($&)}ge;
     # What an error says is a text; that it is said isn't.
     $text =~ s{(\bRV_(?:WARNING|ERROR)\s*)($parens)}{$1 . '(' . blank(substr($2, 1, -1)) =~ tr/ /"/r . ')'}ge;
     $text =~ s{\[\[.*?\]\]}{blank($&)}gse;

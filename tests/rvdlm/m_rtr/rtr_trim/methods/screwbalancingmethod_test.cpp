@@ -13,6 +13,7 @@
 #include "tests/rvdlm/m_rtr/rtr_trim/screwentry.h"
 #include "tests/support/logcapture.h"
 #include "tests/support/opcstate.h"
+#include "tests/support/pagecolors.h"
 #include "tests/support/testinstallation.h"
 
 namespace {
@@ -255,6 +256,31 @@ TEST_F(ScrewBalancingMethod, AnEmptyTableIsAnInvalidArgumentWhereAScrewIsNeeded)
     EXPECT_THROW(pMethod->SetDisplayMode(Method::eTestUnbalance), std::invalid_argument);
     EXPECT_THROW(pMethod->SetUA(MakeVector(1.0, 0.0), nullptr, true), std::invalid_argument);
     EXPECT_TRUE(pMethod->SetUA(MakeVector(0.0, 0.0), nullptr, true));
+}
+
+// Square of 280 at (10, 10), the 8 holes on a circle of 122 around its middle, each 22 wide. The number
+// stands in the middle of a hole, so the pixels looked at lie 8 beside it.
+TEST_F(ScrewBalancingMethod, TheScrewsAreDrawnInTheirHoles) {
+    const auto PaintOn = [this](CTypeBase::Direction Scaling) {
+        Make(MakeTable(3), 0, 8);
+        m_pEntry->Screws().SetScalingDirection(Scaling);
+        Method Screws(m_pEntry->Screws(), 0, 3);
+        Screws.SetUA(MakeVector(3.0, 1.0), nullptr, true);
+        EXPECT_EQ(*Screws.GetScrews(), (Fitted{{1, 3.0, "M3"}, {3, 1.0, "M1"}}));
+        Screws.SetPlainDisplayMode(Method::eUACompensation);
+        CBitmap Bitmap(CSize(300, 300));
+        CDC DC(Bitmap);
+        Screws.Paint(&DC, CRect(0, 0, 300, 300), true);
+        EXPECT_EQ(Bitmap.GetPixel(150 - 8, 150 - 122), PageColors::c_Ink) << "1 at the top";
+        EXPECT_EQ(Bitmap.GetPixel(150 + 86 - 8, 150 - 86), PageColors::c_Panel) << "the next is empty";
+        EXPECT_EQ(Bitmap.GetPixel(150 + 122 - 8, 150), PageColors::c_Ink) << "3 to the right";
+        EXPECT_EQ(Bitmap.GetPixel(150 - 8, 150 + 122), PageColors::c_Panel) << "5 is empty";
+        EXPECT_EQ(Bitmap.GetPixel(150 - 122 - 8, 150), PageColors::c_Panel) << "7 is empty";
+        return Bitmap;
+    };
+    const CBitmap Clockwise = PaintOn(CTypeBase::eClockwise);
+    EXPECT_FALSE(PaintOn(CTypeBase::eCounterClockwise) == Clockwise)
+        << "the holes are numbered the other way round";
 }
 
 TEST_F(ScrewBalancingMethod, OnlyTheMeasurementMayBePaintedWithoutTheRest) {

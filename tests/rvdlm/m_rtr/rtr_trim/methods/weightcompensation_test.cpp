@@ -104,6 +104,9 @@ INSTANTIATE_TEST_SUITE_P(
                     COrderCase{"OneExactly90", CW, 0, 130, 40, {90, 170}},
                     COrderCase{"BothUpTo180", CW, 0, 135, 20, {115, 155}},
                     COrderCase{"BothFrom180", CW, 0, 225, 20, {245, 205}},
+                    // Exactly 180 belongs to both halves of the turn; the lower half is asked first.
+                    COrderCase{"FirstExactly180", CW, 0, 165, 15, {150, 180}},
+                    COrderCase{"SecondExactly180", CW, 0, 200, 20, {220, 180}},
                     COrderCase{"FirstBelowSecondAbove", CW, 0, 20, 80, {300, 100}},
                     COrderCase{"FirstAboveSecondNearer", CW, 0, 180, 30, {210, 150}},
                     COrderCase{"FirstAboveSecondFarther", CW, 0, 190, 30, {160, 220}},
@@ -111,6 +114,7 @@ INSTANTIATE_TEST_SUITE_P(
                     COrderCase{"CounterOneUpTo90", CCW, 0, 315, 20, {25, 65}},
                     COrderCase{"CounterBothUpTo180", CCW, 0, 135, 20, {205, 245}},
                     COrderCase{"CounterBothFrom180", CCW, 0, 225, 20, {155, 115}},
+                    COrderCase{"CounterOneAt0OneAt180", CCW, 0, 270, 90, {180, 0}},  // M would be (360, 180)
                     COrderCase{"CounterFirstBelowRaw", CCW, 0, 325, 75, {40, 250}},  // M would be (320, 110)
                     COrderCase{"CounterOneExactly90", CCW, 0, 355, 85, {90, 280}},
                     COrderCase{"CounterFirstAboveNearer", CCW, 0, 180, 30, {150, 210}},
