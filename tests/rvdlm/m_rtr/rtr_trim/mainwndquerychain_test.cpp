@@ -91,6 +91,7 @@ TEST_F(CMainWndQueryChainTest, FailingQueriesAreAsserted) {
     EXPECT_THAT(m_Log.GetAssertions(),
                 ElementsAre("QueryActiveSet() failed!", "QueryModuleState() failed!",
                             "QueryRPMData() failed!", "QueryUnbalanceXYValues() failed!"));
+    EXPECT_THAT(TakeShownMessages(), IsEmpty()) << "for the log, not for the operator";
 }
 
 TEST_F(CMainWndQueryChainTest, IdentificationBeginsTheMachineName) {
@@ -155,6 +156,36 @@ TEST_F(CMainWndQueryChainTest, ASetThatLacksASensorIsAssertedAndUsed) {
                 Contains("current set configuration does not fit with balancing mode!"));
     EXPECT_EQ(m_pWnd->GetMachineName(), "0#255#255-0-123456-4711-2");
     EXPECT_TRUE(m_pWnd->GetTabs().HasDatabase());
+}
+
+// A mode needs the sensors of its planes and the speed of the first of them; what it doesn't use may be
+// unknown.
+TEST_F(CMainWndQueryChainTest, AModeNeedsItsOwnSensorsAndInputOnly) {
+    using Field = std::uint8_t CSet::*;
+    constexpr std::array<Field, 4> Fields{&CSet::RPMInputPlane1, &CSet::SensorAdaptionPlane1,
+                                          &CSet::RPMInputPlane2, &CSet::SensorAdaptionPlane2};
+    struct CNeed {
+        LPARAM m_Flags;
+        std::array<bool, 4> m_bNeeded;
+    };
+    for (const CNeed& rNeed :
+         {CNeed{eKestrelPlane1, {true, true, false, false}}, CNeed{eLannerPlane2, {false, false, true, true}},
+          CNeed{eKestrelTwoPlane, {true, true, false, true}}}) {
+        for (std::size_t i = 0; i <= Fields.size(); ++i) {
+            Start(rNeed.m_Flags);
+            Identify();
+            CSet Set = MakeSet();
+            if (i < Fields.size()) {
+                Set.*Fields[i] = 255;
+            }
+            ReportSet(Set);
+            const std::vector<std::string> Assertions = m_Log.GetAssertions();
+            EXPECT_EQ(
+                std::ranges::count(Assertions, "current set configuration does not fit with balancing mode!"),
+                i < Fields.size() && rNeed.m_bNeeded[i] ? 1 : 0)
+                << "flags " << rNeed.m_Flags << ", field " << i;
+        }
+    }
 }
 
 TEST_F(CMainWndQueryChainTest, ASetBeforeTheIdentificationOpensNothing) {

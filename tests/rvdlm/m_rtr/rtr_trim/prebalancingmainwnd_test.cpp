@@ -213,6 +213,26 @@ TEST_F(CPreBalancingMainWndTest, FramesOfTheModuleArriveAndTheirBuffersComeBack)
     rvCOM::SetLink(nullptr);
 }
 
+TEST_F(CPreBalancingMainWndTest, NobodyButTheModuleAndAKestrelsSlaveIsListenedTo) {
+    constexpr LPARAM eSlaveSix = LPARAM{6} << 8;
+    for (const LPARAM Flags : {eKestrelPlane1, eLannerPlane2 | eSlaveSix}) {
+        CLinkPair Pair = MakeLinkPair();
+        rvCOM::SetLink(std::move(Pair.m_pFirst));
+        Pair.m_pSecond->Open();
+        m_Loop.RunPosted();
+        Create();
+        Init(Flags);
+        m_Module.m_Calls.clear();
+        for (const std::uint8_t Source : std::initializer_list<std::uint8_t>{0, 5, 6, 255}) {
+            Pair.m_pSecond->Write(LineDiscipline::Encode(std::vector<std::uint8_t>{0x1C, Source, 1, 2}));
+        }
+        m_Loop.RunPosted();
+        EXPECT_THAT(m_Module.m_Calls, ElementsAre("frame 28 5 1 2"));
+        m_pWnd.reset();
+        rvCOM::SetLink(nullptr);
+    }
+}
+
 TEST_F(CPreBalancingMainWndTest, BuffersOfFramesThatGoNowhereComeBackToo) {
     CLinkPair Pair = MakeLinkPair();
     rvCOM::SetLink(std::move(Pair.m_pFirst));

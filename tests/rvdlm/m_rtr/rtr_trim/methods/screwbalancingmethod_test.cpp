@@ -165,6 +165,15 @@ TEST_F(ScrewBalancingMethod, AVectorOfNothingNeedsNoSearch) {
     EXPECT_TRUE(pMethod->GetUA() == MakeVector(0.0, 0.0));
 }
 
+TEST_F(ScrewBalancingMethod, AVectorAlongAnAxisIsNotNothing) {
+    const auto pMethod = Make(MakeTable(3));
+    for (const auto& rUA : {MakeVector(0.0, 1.0), MakeVector(1.0, 0.0)}) {
+        EXPECT_TRUE(pMethod->SetUA(rUA, nullptr, true));
+        EXPECT_FALSE(pMethod->GetScrews()->IsEmpty());
+        EXPECT_LT((pMethod->GetUA() - rUA).Norm(), 0.5);
+    }
+}
+
 // With a reference weight of 2 g: 3 g in hole 1, and 1 g in hole 4, which is at 90 degrees.
 TEST_F(ScrewBalancingMethod, SetUAPlacesScrewsForTheReferenceWeight) {
     const auto pMethod = Make(MakeTable(3));
@@ -285,20 +294,25 @@ TEST_F(ScrewBalancingMethod, TheScrewsAreDrawnInTheirHoles) {
 
 TEST_F(ScrewBalancingMethod, OnlyTheMeasurementMayBePaintedWithoutTheRest) {
     const auto pMethod = Make(MakeTable(3));
-    CBitmap Bitmap(CSize(300, 300));
-    CDC DC(Bitmap);
-    const CRect Rect(0, 0, 300, 300);
+    const auto Paint = [&](bool bRedrawAll) {
+        CBitmap Bitmap(CSize(300, 300));
+        CDC DC(Bitmap);
+        pMethod->Paint(&DC, CRect(0, 0, 300, 300), bRedrawAll);
+        return Bitmap;
+    };
     for (const auto Mode : {Method::eEmpty, Method::eNeutralPosition, Method::eInactive,
                             Method::eTestUnbalance, Method::eUACompensation}) {
         pMethod->SetPlainDisplayMode(Mode);
-        pMethod->Paint(&DC, Rect, true);
+        const CBitmap Whole = Paint(true);
         EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
-        pMethod->Paint(&DC, Rect, false);
+        EXPECT_TRUE(Paint(false) == Whole) << Mode;
         EXPECT_THAT(m_Log.GetAssertions(), ElementsAre("must be TRUE!")) << Mode;
         m_Log.Clear();
     }
     pMethod->SetDisplayMode(Method::eMeasurementValues);
-    pMethod->Paint(&DC, Rect, false);
+    constexpr CPoint c_Ring(150, 14);
+    EXPECT_EQ(Paint(false).GetPixel(c_Ring.x, c_Ring.y), PageColors::c_White) << "not drawn";
+    EXPECT_EQ(Paint(true).GetPixel(c_Ring.x, c_Ring.y), PageColors::c_Ring);
     EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
 }
 
