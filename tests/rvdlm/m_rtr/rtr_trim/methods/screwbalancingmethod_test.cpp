@@ -292,6 +292,20 @@ TEST_F(ScrewBalancingMethod, TheScrewsAreDrawnInTheirHoles) {
         << "the holes are numbered the other way round";
 }
 
+TEST_F(ScrewBalancingMethod, TheArrowShowsTheRotation) {
+    const auto pMethod = Make(MakeTable(3));
+    pMethod->SetPlainDisplayMode(Method::eNeutralPosition);
+    const auto PaintArrow = [&](CTypeBase::Direction Rotation) {
+        pMethod->SetRotationDirection(Rotation);
+        CBitmap Bitmap(CSize(300, 300));
+        CDC DC(Bitmap);
+        pMethod->Paint(&DC, CRect(0, 0, 300, 300), true);
+        EXPECT_EQ(Bitmap.GetPixel(150, 150 - 24), PageColors::c_Ink);
+        return Bitmap;
+    };
+    EXPECT_FALSE(PaintArrow(CTypeBase::eClockwise) == PaintArrow(CTypeBase::eCounterClockwise));
+}
+
 TEST_F(ScrewBalancingMethod, OnlyTheMeasurementMayBePaintedWithoutTheRest) {
     const auto pMethod = Make(MakeTable(3));
     const auto Paint = [&](bool bRedrawAll) {

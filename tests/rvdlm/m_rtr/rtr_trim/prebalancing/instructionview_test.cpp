@@ -128,6 +128,7 @@ TEST_F(InstructionViewTest, ANewInstructionClearsTheWarningAndAnnouncesThatInAny
     m_View.SetMode(4);
     EXPECT_EQ(m_View.GetMode(), 4u);
     EXPECT_EQ(m_View.GetWarningMode(), 0u);
+    EXPECT_EQ(m_View.GetPercent(), 0.0);
     m_View.SetMode(4);
     EXPECT_THAT(m_View.m_Announced, ElementsAre(6, 0, 0));
 }
@@ -242,6 +243,29 @@ TEST_F(InstructionViewPaintTest, AWarningIsRedAtTheBottomLeftAndLeavesTheInstruc
     m_View.SetWarningMode(0);
     Paint(c_Pane);
     EXPECT_TRUE(m_Bitmap == Without);
+}
+
+// The body lies from row 43 to 109; its texts 10 from the left, 5 from top and right, 10 from the bottom.
+TEST_F(InstructionViewPaintTest, TheTextsOfTheBodyKeepItsMargins) {
+    m_View.SetWarningMode(3);
+    Paint(c_Pane);
+    CBitmap Expected({980, 140});
+    CDC Dc(Expected);
+    Dc.SetBkMode(CDC::eTransparent);
+    const auto Draw = [&Dc](const std::string& rText, int nHeight, COLORREF Color, unsigned Format) {
+        Dc.SelectFont(CFont("Arial", nHeight));
+        Dc.SetTextColor(Color);
+        CRect Inner(30, 48, 955, 99);
+        Dc.DrawText(rText, Inner, Format | DT_SINGLELINE | DT_LEFT);
+    };
+    Draw(m_View.GetWarningText(), 20, c_Warning, DT_BOTTOM);
+    Draw(m_View.GetInstructionText(), 24, c_Black, DT_TOP);
+    const CRect Body(20, 43, 959, 108);  // but for the frame line
+    CBitmap Painted(CSize(Body.Width(), Body.Height()));
+    CBitmap Wanted(CSize(Body.Width(), Body.Height()));
+    CDC(Painted).BitBlt(GetWhole(Painted), m_Bitmap, {Body.left, Body.top});
+    CDC(Wanted).BitBlt(GetWhole(Wanted), Expected, {Body.left, Body.top});
+    EXPECT_TRUE(Painted == Wanted);
 }
 
 TEST_F(InstructionViewPaintTest, TextsAreNoHigherThanTheirArea) {

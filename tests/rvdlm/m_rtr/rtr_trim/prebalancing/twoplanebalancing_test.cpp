@@ -547,6 +547,19 @@ TEST_F(TwoPlaneTest, EqualAnglesAreAllowedForACalculatedCorrectionOnly) {
     }
 }
 
+TEST_F(TwoPlaneTest, StoredCorrectionsGoToTheirOwnPlane) {
+    for (const int State :
+         {S::eReBalanceCommitWeights, S::eReBalanceMeasurement1, S::eReBalanceCheckWeights}) {
+        const auto EnterIt = Approach(State);
+        m_Entry.CreateTwoPlane().SetUAPlane1(MakeVector(0.5, 0.6));
+        m_Entry.CreateTwoPlane().SetUAPlane2(MakeVector(0.7, 0.8));
+        EnterIt();
+        ASSERT_EQ(GetState(), State);
+        EXPECT_TRUE(m_pMethod1->m_SetUAs.back().m_UA == MakeVector(0.5, 0.6)) << S::STATESToString(State);
+        EXPECT_TRUE(m_pMethod2->m_SetUAs.back().m_UA == MakeVector(0.7, 0.8)) << S::STATESToString(State);
+    }
+}
+
 TEST_F(TwoPlaneTest, RebalancingWithoutACalibrationIsRefused) {
     EXPECT_EQ(m_pSequence->StartReBalancing(0, 0, 1), 0);
     EXPECT_EQ(GetState(), S::eIdle);
