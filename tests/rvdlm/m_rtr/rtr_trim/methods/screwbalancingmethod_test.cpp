@@ -81,6 +81,9 @@ TEST_F(ScrewBalancingMethod, TheNCPresetsTheFirstScrewThatIsHeavyEnough) {
         EXPECT_EQ(GetTestScrew(MakeTable(3)), pName) << Wanted;
     }
     EXPECT_THAT(m_Log.GetTexts("Information"), Contains("Setting OPC TestWeight: 2/3g"));
+    EXPECT_THAT(m_Log.GetTexts("Information"),
+                Contains("CScrewBalancingMethod::PreBalInterfaceFromNcTestWeight is the item weight, updated "
+                         "every 100 ms"));
     EXPECT_EQ(COpcDatabase::GetInstance()->GetRefCount(), 0U);
 }
 

@@ -245,22 +245,23 @@ TEST_F(InstructionViewPaintTest, AWarningIsRedAtTheBottomLeftAndLeavesTheInstruc
     EXPECT_TRUE(m_Bitmap == Without);
 }
 
-// The body lies from row 43 to 109; its texts 10 from the left, 5 from top and right, 10 from the bottom.
+// The body lies from row 43 to 109; its texts 10 from the left, 5 from top and right, 10 from the bottom. Of
+// 965 columns that leaves 950, just enough for an instruction 25 high.
 TEST_F(InstructionViewPaintTest, TheTextsOfTheBodyKeepItsMargins) {
     m_View.SetWarningMode(3);
-    Paint(c_Pane);
+    Paint(CRect(10, 10, 975, 109));
     CBitmap Expected({980, 140});
     CDC Dc(Expected);
     Dc.SetBkMode(CDC::eTransparent);
     const auto Draw = [&Dc](const std::string& rText, int nHeight, COLORREF Color, unsigned Format) {
         Dc.SelectFont(CFont("Arial", nHeight));
         Dc.SetTextColor(Color);
-        CRect Inner(30, 48, 955, 99);
+        CRect Inner(20, 48, 970, 99);
         Dc.DrawText(rText, Inner, Format | DT_SINGLELINE | DT_LEFT);
     };
     Draw(m_View.GetWarningText(), 20, c_Warning, DT_BOTTOM);
-    Draw(m_View.GetInstructionText(), 24, c_Black, DT_TOP);
-    const CRect Body(20, 43, 959, 108);  // but for the frame line
+    Draw(m_View.GetInstructionText(), 25, c_Black, DT_TOP);
+    const CRect Body(10, 43, 974, 108);  // but for the frame line
     CBitmap Painted(CSize(Body.Width(), Body.Height()));
     CBitmap Wanted(CSize(Body.Width(), Body.Height()));
     CDC(Painted).BitBlt(GetWhole(Painted), m_Bitmap, {Body.left, Body.top});
