@@ -340,7 +340,7 @@ TEST_F(CPreBalConfigTabsTest, ChangingTabsSavesAndTellsTheHost) {
 }
 
 TEST_F(CPreBalConfigTabsTest, ATabThatIsClickedShowsItsPage) {
-    OpenWith({"Wheel"}, true);
+    OpenWith({"Default"}, true);
     EXPECT_TRUE(Tabs().SelectByOperator(1));
     EXPECT_TRUE(ScrewDlg().IsWindowVisible());
     EXPECT_FALSE(Dlg().IsWindowVisible());
