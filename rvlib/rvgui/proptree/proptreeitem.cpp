@@ -1,0 +1,231 @@
+#include "rvlib/rvgui/proptree/proptreeitem.h"
+
+#include "platform/window/syscolor.h"
+#include "rvlib/rvgui/gradient.h"
+#include "rvlib/rvgui/proptree/proptree.h"
+
+namespace PropTree {
+
+namespace {
+
+constexpr int eBoxWidth = 22;  // of the places where expand box and check box answer
+constexpr int eBoxSize = 13;   // of the boxes as drawn
+constexpr int eTextInset = 4;  // of label and value
+constexpr COLORREF c_Heading = RGB(0xDE, 0xD9, 0xC4);
+
+}  // namespace
+
+void CPropTreeItem::SetLabelText(const std::string& rText) {
+    m_Label = rText;
+    Redraw();
+}
+
+void CPropTreeItem::SetInfoText(const std::string& rText) {
+    m_Info = rText;
+    Redraw();
+}
+
+void CPropTreeItem::SetRangeText(const std::string& rText) {
+    m_Range = rText;
+    Redraw();
+}
+
+bool CPropTreeItem::IsTopLevel() const {
+    return m_pParentItem != nullptr && m_pParentItem->m_pParentItem == nullptr;
+}
+
+bool CPropTreeItem::Holds(const CPropTreeItem& rItem) const {
+    const CPropTreeItem* pItem = &rItem;
+    while (pItem != nullptr && pItem != this) {
+        pItem = pItem->m_pParentItem;
+    }
+    return pItem != nullptr;
+}
+
+void CPropTreeItem::Expand(bool bExpand) {
+    if (m_pTree != nullptr) {
+        m_pTree->ExpandItem(*this, bExpand);
+    } else {
+        SetState(eExpanded, bExpand);
+    }
+}
+
+void CPropTreeItem::ShowCheckBox(bool bShow) {
+    SetState(eWithCheckBox, bShow);
+    if (m_pTree != nullptr) {
+        m_pTree->UpdateLayout();
+    }
+}
+
+void CPropTreeItem::SetChecked(bool bChecked) {
+    SetState(eChecked, bChecked);
+    Redraw();
+}
+
+void CPropTreeItem::Activate() {
+    if (m_bActive || m_pTree == nullptr || !m_pTree->IsWindowEnabled()) {
+        return;
+    }
+    m_bChangeSent = false;
+    OnActivate();
+}
+
+void CPropTreeItem::CommitChanges() {
+    const std::weak_ptr<const bool> pLife = m_pLife;
+    m_bActive = false;
+    OnCommit();
+    if (!pLife.expired() && m_pTree != nullptr) {
+        m_pTree->SendNotify(CPropTree::eItemChanged, this);
+    }
+    if (!pLife.expired() && m_pTree != nullptr) {
+        m_pTree->TakeFocusBack();
+        Redraw();
+    }
+}
+
+void CPropTreeItem::CancelChanges() {
+    if (!m_bActive) {
+        return;
+    }
+    const std::weak_ptr<const bool> pLife = m_pLife;
+    m_bActive = false;
+    StopRepeat();
+    OnCancel();
+    if (!pLife.expired() && m_pTree != nullptr && m_bChangeSent) {
+        m_pTree->SendNotify(CPropTree::eItemChanged, this);
+    }
+    if (!pLife.expired() && m_pTree != nullptr) {
+        m_pTree->TakeFocusBack();
+        Redraw();
+    }
+}
+
+void CPropTreeItem::StopRepeat() {
+    StopAutoIncrement();
+    StopAutoDecrement();
+}
+
+bool CPropTreeItem::OnCharacter(char32_t /*Character*/) {
+    return false;
+}
+
+LRESULT CPropTreeItem::OnControlNotification(const CNotification& /*rNotification*/) {
+    return 0;
+}
+
+void CPropTreeItem::OnActivate() {
+    PassHelp();
+}
+
+void CPropTreeItem::SendChanged() {
+    m_bChangeSent = true;
+    if (m_pTree != nullptr) {
+        m_pTree->SendNotify(CPropTree::eItemChanged, this);
+    }
+}
+
+void CPropTreeItem::PassHelp() const {
+    if (m_pTree != nullptr) {
+        m_pTree->PassHelp(*this);
+    }
+}
+
+void CPropTreeItem::Redraw() const {
+    if (m_pTree != nullptr) {
+        m_pTree->Redraw();
+    }
+}
+
+bool CPropTreeItem::IsKeyboardOnly() const {
+    return m_pTree != nullptr && m_pTree->IsKeyboardOnly();
+}
+
+COLORREF CPropTreeItem::GetTextColor() const {
+    return GetSysColor(m_pTree->IsWindowEnabled() ? SysColor::eWindowText : SysColor::eGrayText);
+}
+
+int CPropTreeItem::Place(int x, int y) {
+    m_Y = y;
+    m_Height = CPropTree::eRowHeight;
+    // As high as the row and wider than drawn: a finger has to find them.
+    m_ExpandRect = HasChildren() ? CRect(x, y, x + eBoxWidth, y + m_Height) : CRect();
+    m_LabelX = x + eBoxWidth;
+    m_CheckRect = HasCheckBox() ? CRect(m_LabelX, y, m_LabelX + eBoxWidth, y + m_Height) : CRect();
+    m_LabelX += m_CheckRect.Width();
+    return m_Height;
+}
+
+int CPropTreeItem::Draw(CDC& rDC, const CRect& rClient, int y) const {
+    const CRect Row(rClient.left, y, rClient.right, y + m_Height);
+    DrawGround(rDC, Row);
+    const auto DrawBox = [&](const CRect& rBox, CDC::Part Kind, bool bOn) {
+        if (!rBox.IsRectEmpty()) {
+            const CPoint TopLeft(rBox.left + (rBox.Width() - eBoxSize) / 2,
+                                 Row.top + (Row.Height() - eBoxSize) / 2);
+            rDC.DrawPart(CRect(TopLeft, CSize(eBoxSize, eBoxSize)), Kind,
+                         {m_pTree->IsWindowEnabled(), false, bOn});
+        }
+    };
+    DrawBox(m_ExpandRect, CDC::eExpandBox, IsExpanded());
+    DrawBox(m_CheckRect, CDC::eCheckBox, IsChecked());
+    DrawLabel(rDC, Row);
+    DrawAttribute(rDC, m_pTree->GetValueRect(*this));
+    // The frame of the focus around the whole row, so that it is seen on headings and beside a value, too.
+    if (IsSelected() && m_pTree->HasListFocus()) {
+        rDC.DrawFocusRect(CRect(Row.left, Row.top, Row.right, Row.bottom - 1));
+    }
+    return m_Height;
+}
+
+void CPropTreeItem::DrawGround(CDC& rDC, const CRect& rRow) const {
+    const COLORREF Line = GetSysColor(SysColor::eShadow);
+    if (IsTopLevel()) {
+        Gui::FillGradient(rDC, rRow, c_Heading);
+        return;
+    }
+    rDC.FillSolidRect(CRect(rRow.left, rRow.bottom - 1, rRow.right, rRow.bottom), Line);
+    const int nOrigin = m_pTree->GetOrigin();
+    rDC.FillSolidRect(CRect(nOrigin, rRow.top, nOrigin + 1, rRow.bottom), Line);
+}
+
+void CPropTreeItem::DrawLabel(CDC& rDC, const CRect& rRow) const {
+    const bool bWholeRow = IsTopLevel() && GetValueText().empty();
+    const int nRight = bWholeRow ? rRow.right : std::min(m_pTree->GetOrigin(), rRow.right);
+    CRect Text(m_LabelX, rRow.top, nRight - 2, rRow.bottom - 1);
+    rDC.SelectFont(IsTopLevel() ? CPropTree::GetBoldFont() : CPropTree::GetNormalFont());
+    COLORREF Color = GetTextColor();
+    if (IsSelected()) {
+        CRect Bar = Text;
+        if (IsTopLevel()) {
+            Bar.DeflateRect(0, 3);  // the gradient stays to be seen
+            Bar.right = std::min(Bar.right, Bar.left + rDC.GetTextExtent(m_Label).cx + 2 * eTextInset);
+        }
+        const bool bHere = m_bActive || m_pTree->HasListFocus();
+        rDC.FillSolidRect(Bar, GetSysColor(bHere ? SysColor::eSelection : SysColor::eShadow));
+        Color = bHere ? GetSysColor(SysColor::eSelectionText) : Color;
+    }
+    Text.DeflateRect(eTextInset, 0);
+    if (!Text.IsRectEmpty()) {
+        rDC.SetTextColor(Color);
+        rDC.DrawText(m_Label, Text, DT_SINGLELINE | DT_VCENTER | DT_LEFT | DT_END_ELLIPSIS);
+    }
+}
+
+void CPropTreeItem::DrawAttribute(CDC& rDC, const CRect& rRect) const {
+    const std::string Text = GetValueText();
+    CRect Rect = rRect;
+    // Without a window over it, as in keyboard-only mode, a value that is being edited has to look so itself.
+    if (m_bActive && IsKeyboardOnly()) {
+        rDC.FillSolidRect(Rect, GetSysColor(SysColor::eWindow));
+        rDC.FrameRect(Rect, GetSysColor(SysColor::eSelection));
+    }
+    Rect.DeflateRect(eTextInset, 0);
+    if (Text.empty() || Rect.IsRectEmpty()) {
+        return;
+    }
+    rDC.SelectFont(CPropTree::GetNormalFont());
+    rDC.SetTextColor(GetTextColor());
+    rDC.DrawText(Text, Rect, DT_SINGLELINE | DT_VCENTER | DT_LEFT | DT_END_ELLIPSIS);
+}
+
+}  // namespace PropTree

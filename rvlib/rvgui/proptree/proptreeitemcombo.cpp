@@ -1,0 +1,189 @@
+#include "rvlib/rvgui/proptree/proptreeitemcombo.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <string_view>
+
+#include "platform/system/text.h"
+#include "platform/window/keys.h"
+#include "rvlib/rvgui/log.h"
+#include "rvlib/rvgui/proptree/proptree.h"
+
+namespace PropTree {
+
+CPropTreeItemCombo::CPropTreeItemCombo(int Min, int Max)
+    : m_Min(Min), m_Max(Max), m_NextData(Min), m_Value(Min) {}
+
+int CPropTreeItemCombo::Append(const std::string& rText) {
+    const int Index = CComboBox::AddString(rText);
+    RV_ASSERT(Gui::g_pLog, Index >= 0, "CPropTreeItemCombo::AddString failed!");
+    SetItemData(Index, static_cast<std::uintptr_t>(m_NextData));
+    ++m_NextData;
+    return Index;
+}
+
+int CPropTreeItemCombo::AddString(const std::string& rText) {
+    if (m_NextData < m_Min || m_NextData > m_Max) {
+        ++m_NextData;
+        return -1;
+    }
+    return Append(rText);
+}
+
+void CPropTreeItemCombo::SetItemValue(int Value) {
+    m_Value = Value;
+    // The values follow one another from the minimum on, as whatever is refused is refused behind them all.
+    const std::int64_t Index = std::int64_t{Value} - m_Min;
+    const bool bShowable = Index >= 0 && Index < eMaxItems;
+    RV_ASSERT_AS(Gui::g_pLog, Index < eMaxItems, "Index >= 0", "CPropTreeItemCombo::AddString failed!",
+                 false);
+    if (bShowable && Index >= GetCount()) {
+        m_NextData = m_Min + GetCount();
+        while (Index >= GetCount()) {
+            Append("<" + std::to_string(m_NextData) + ">");
+        }
+    }
+    SetCurSel(bShowable ? static_cast<int>(Index) : -1);
+    Redraw();
+}
+
+int CPropTreeItemCombo::GetItemValue() const {
+    return GetCurSel() >= 0 ? static_cast<int>(GetItemData(GetCurSel())) : m_Value;
+}
+
+std::string CPropTreeItemCombo::GetValueText() const {
+    return GetCurSel() >= 0 ? GetLBText(GetCurSel()) : "<" + std::to_string(m_Value) + ">";
+}
+
+bool CPropTreeItemCombo::OnCharacter(char32_t Character) {
+    constexpr char32_t eFirstPrintable = 0x20;
+    constexpr char32_t eBehindAscii = 0x80;
+    if (Character <= eFirstPrintable || Character >= eBehindAscii) {
+        return false;
+    }
+    const std::string First(1, static_cast<char>(Character));
+    for (int i = 1; i <= GetCount(); ++i) {
+        const int Index = (std::max(GetCurSel(), 0) + i) % GetCount();
+        if (Text::EqualNoCase(std::string_view(GetLBText(Index)).substr(0, 1), First)) {
+            Choose(Index);
+            return true;
+        }
+    }
+    return false;
+}
+
+void CPropTreeItemCombo::Choose(int Index) {
+    if (Index != GetCurSel()) {
+        SetCurSel(Index);
+        OnChosen();
+    }
+}
+
+void CPropTreeItemCombo::OnChosen() {
+    m_Value = GetItemValue();
+    Redraw();
+    SendChanged();
+}
+
+LRESULT CPropTreeItemCombo::OnControlNotification(const CNotification& rNotification) {
+    switch (rNotification.m_Code) {
+        case CBN_SELCHANGE:
+            OnChosen();
+            break;
+        case CBN_KILLFOCUS:
+            if (IsActive()) {
+                CommitChanges();
+            }
+            break;
+        default:
+            break;
+    }
+    return 0;
+}
+
+LRESULT CPropTreeItemCombo::WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) {
+    if (IsActive() && (Message == WM_KEYDOWN || Message == WM_KEYUP)) {
+        if (wParam == VK_RETURN) {
+            // On the release, as in the other items: the list would take it for its own otherwise.
+            if (Message == WM_KEYUP) {
+                CommitChanges();
+            }
+            return 1;
+        }
+        if (wParam == VK_ESCAPE) {
+            if (Message == WM_KEYDOWN) {
+                CancelChanges();
+            }
+            return 1;
+        }
+    }
+    return CComboBox::WindowProc(Message, wParam, lParam);
+}
+
+void CPropTreeItemCombo::OnActivate() {
+    SetActive(true);
+    m_FormerSel = GetCurSel();
+    const std::weak_ptr<const bool> pLife = GetLife();
+    CPropTree& rTree = *GetTree();
+    const bool bShow = !IsKeyboardOnly();
+    SetAccessibleName(GetLabelText());
+    if (!IsWindow()) {
+        Create(&rTree.GetList(), m_Place, 0, false);
+    }
+    ShowWindow(bShow);
+    if (bShow) {
+        SetFocus();
+    }
+    if (pLife.expired() || !IsActive()) {
+        return;
+    }
+    PassHelp();
+    Redraw();
+    if (!bShow) {
+        rTree.TakeFocusBack();
+        rTree.SendNotify(CPropTree::eItemChanged, this);
+    }
+}
+
+void CPropTreeItemCombo::Close() {
+    SetActive(false);
+    StopRepeat();
+    ShowWindow(false);
+}
+
+void CPropTreeItemCombo::OnCommit() {
+    Close();
+}
+
+void CPropTreeItemCombo::OnCancel() {
+    SetCurSel(m_FormerSel);
+    m_Value = GetItemValue();
+    Close();
+}
+
+void CPropTreeItemCombo::OnPlace(const CRect& rValue) {
+    m_Place = rValue;
+    MoveWindow(rValue);
+}
+
+void CPropTreeItemCombo::OnLeaveTree() {
+    Close();
+    DestroyWindow();
+}
+
+void CPropTreeItemCombo::DrawAttribute(CDC& rDC, const CRect& rRect) const {
+    if (!IsActive() || IsKeyboardOnly()) {
+        CPropTreeItem::DrawAttribute(rDC, rRect);
+    }
+}
+
+void CPropTreeItemCombo::Step(int nWay) {
+    if (GetCount() == 0) {
+        return;
+    }
+    // None is in front of the first one and behind the last one.
+    const int Former = GetCurSel() < 0 && nWay < 0 ? 0 : GetCurSel();
+    Choose((Former + nWay + GetCount()) % GetCount());
+}
+
+}  // namespace PropTree

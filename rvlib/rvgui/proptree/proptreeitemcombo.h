@@ -1,0 +1,58 @@
+#pragma once
+#include "platform/window/combobox.h"
+#include "rvlib/rvgui/proptree/proptreeitem.h"
+
+namespace PropTree {
+
+/// A choice of strings, each with a number: the item data. A choice counts at once (-1105), the end of
+/// editing tells it once more. While the item is being edited the box lies over its value.
+class CPropTreeItemCombo : public CComboBox, public CPropTreeItem {
+public:
+    /// Item data from Min to Max are accepted.
+    CPropTreeItemCombo(int Min, int Max);
+
+    /// Appends a string with the next data value, which starts at the minimum and rises also when this one is
+    /// beyond the maximum and isn't appended. The string's index, or -1.
+    int AddString(const std::string& rText);
+    /// Selects the string with that data value. For a value behind them all, strings like "<7>" are added
+    /// until it can be shown, beyond the maximum, too: so a stored value that no text exists for isn't lost.
+    void SetItemValue(int Value);
+    /// Data of the selected string; the value that was set if none could be selected.
+    int GetItemValue() const;
+    /// Value of the next string.
+    int GetNextData() const { return m_NextData; }
+
+    std::string GetValueText() const override;
+    /// Type-ahead: chooses the next string that begins with the character.
+    bool OnCharacter(char32_t Character) override;
+    LRESULT OnControlNotification(const CNotification& rNotification) override;
+
+protected:
+    LRESULT WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) override;
+    void OnActivate() override;
+    void OnCommit() override;
+    void OnCancel() override;
+    void OnPlace(const CRect& rValue) override;
+    void OnLeaveTree() override;
+    void DrawAttribute(CDC& rDC, const CRect& rRect) const override;
+    /// The next string, behind the last one the first.
+    void OnAutoIncrement() override { Step(1); }
+    void OnAutoDecrement() override { Step(-1); }
+
+private:
+    int Append(const std::string& rText);
+    void Step(int nWay);
+    /// By the operator, with or without the box.
+    void Choose(int Index);
+    void OnChosen();
+    void Close();
+
+    int m_Min;
+    int m_Max;
+    int m_NextData;
+    int m_Value;           ///< last one set or chosen
+    int m_FormerSel = -1;  ///< when editing began
+    CRect m_Place;
+};
+
+}  // namespace PropTree

@@ -1,0 +1,556 @@
+#include "rvlib/rvgui/proptree/proptreeitemspinedit.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <type_traits>
+#include <utility>
+
+#include "platform/system/text.h"
+#include "platform/window/keys.h"
+#include "rvlib/rvgui/log.h"
+#include "rvlib/rvgui/proptree/numbertext.h"
+#include "rvlib/rvgui/proptree/proptree.h"
+
+namespace PropTree {
+
+namespace {
+
+constexpr int eButtonWidth = 26;
+
+/// What the types of values differ in: the storage, and whether a step can be fractional.
+template <typename T>
+struct CTraits {
+    static constexpr double GetFraction(T /*Step*/) { return 0.0; }
+    static std::int64_t ToInteger(T Value) {
+        return static_cast<std::int64_t>(
+            std::min<std::uint64_t>(Value, std::numeric_limits<std::int64_t>::max()));
+    }
+    static bool FromInteger(std::int64_t Integer, T& rValue) {
+        if (Integer < 0 || static_cast<std::uint64_t>(Integer) > std::numeric_limits<T>::max()) {
+            return false;
+        }
+        rValue = static_cast<T>(Integer);
+        return true;
+    }
+};
+
+template <>
+struct CTraits<double> {
+    static double GetFraction(double Step) { return Step - std::trunc(Step); }
+    static std::int64_t ToInteger(double Value) {
+        constexpr double c_Limit = 9.0e18;  // within what 64 bits hold
+        return static_cast<std::int64_t>(std::clamp(Value, -c_Limit, c_Limit));
+    }
+    static bool FromInteger(std::int64_t Integer, double& rValue) {
+        rValue = static_cast<double>(Integer);
+        return true;
+    }
+};
+
+/// Digits behind the point that a fraction has: 2 for 0.01, 1 for 0.25.
+int CountDigits(double Fraction) {
+    constexpr double c_Rounding = 1e-9;  // 0.01 of 2.01 isn't quite that
+    constexpr int eMost = 15;
+    int nDigits = 0;
+    while (Fraction < 1.0 - c_Rounding && nDigits < eMost) {
+        Fraction *= 10.0;
+        ++nDigits;
+    }
+    return nDigits;
+}
+
+bool IsDigit(char Character) {
+    return Character >= '0' && Character <= '9';
+}
+
+/// Nothing but digits, one point, and a sign in front.
+bool IsFractionText(std::string_view Text) {
+    bool bPoint = false;
+    for (std::size_t i = 0; i < Text.size(); ++i) {
+        const bool bFirstPoint = Text[i] == '.' && !bPoint;
+        const bool bSign = i == 0 && (Text[i] == '+' || Text[i] == '-');
+        if (!IsDigit(Text[i]) && !bFirstPoint && !bSign) {
+            return false;
+        }
+        bPoint = bPoint || bFirstPoint;
+    }
+    return true;
+}
+
+}  // namespace
+
+template <typename T>
+CPropTreeItemSpinEdit<T>::CPropTreeItemSpinEdit(T Min, T Max, T Value, T Step, const CSpinEditLook& rLook)
+    : m_Min(Min),
+      m_Max(Max),
+      m_Value(Value),
+      m_Step(Step),
+      m_Unit(rLook.m_Unit),
+      m_Editable(rLook.m_bEditable),
+      m_Hex(rLook.m_bHex),
+      m_ZeroText(rLook.m_ZeroText),
+      m_FormerValue(Value) {
+    RV_ASSERT(Gui::g_pLog, Min <= Max, "invalid min/max values");
+    if (m_Min > m_Max) {
+        std::swap(m_Min, m_Max);
+    }
+    ClampValue();
+    ChooseFormat();
+    UpdateRangeText();
+}
+
+template <typename T>
+void CPropTreeItemSpinEdit<T>::ClampValue() {
+    if (m_Value < m_Min) {
+        m_Value = m_Min;
+        RV_WARNING(Gui::g_pLog, "value not in range");
+    }
+    if (m_Value > m_Max) {
+        m_Value = m_Max;
+        RV_WARNING(Gui::g_pLog, "value not in range");
+    }
+}
+
+template <typename T>
+void CPropTreeItemSpinEdit<T>::ChooseFormat() {
+    if (m_Hex && m_Min < T{}) {
+        RV_ASSERT_AS(Gui::g_pLog, false, "m_Min >= 0", "integer not allowed in Hex format", false);
+        m_Hex = false;
+    }
+    const double Fraction = CTraits<T>::GetFraction(m_Step);
+    m_Fractional = Fraction > 0.0 && Fraction < 1.0;
+    if (m_Fractional) {
+        RV_ASSERT(Gui::g_pLog, !m_Hex, "invalid usage");
+        m_Hex = false;
+        m_ValueFormat = {CNumberFormat::eFraction, CountDigits(Fraction)};
+    }
+    if (!m_Hex) {
+        return;
+    }
+    constexpr std::array<std::pair<std::int64_t, int>, 3> c_Widths{{{0xFF, 2}, {0xFFFF, 4}, {0xFFFFFFFF, 8}}};
+    for (const auto& [Most, nDigits] : c_Widths) {
+        if (CTraits<T>::ToInteger(m_Max) <= Most) {
+            m_ValueFormat = {CNumberFormat::eHex, nDigits};
+            return;
+        }
+    }
+    // Beyond, the list stays decimal; only the edit box is hexadecimal.
+}
+
+template <typename T>
+void CPropTreeItemSpinEdit<T>::UpdateRangeText() {
+    SetRangeText("[" + FormatNumber(m_Min, m_ValueFormat) + ".." + FormatNumber(m_Max, m_ValueFormat) + "]");
+}
+
+template <typename T>
+std::string CPropTreeItemSpinEdit<T>::FormatNumber(T Value, CNumberFormat Format) const {
+    switch (Format.m_Kind) {
+        case CNumberFormat::eFraction:
+            return WriteFraction(static_cast<double>(Value), Format.m_nDigits);
+        case CNumberFormat::eHex:
+            return (Format.m_nDigits > 0 ? "0x" : "") +
+                   WriteHex(CTraits<T>::ToInteger(Value), Format.m_nDigits);
+        case CNumberFormat::eInteger:
+            break;
+    }
+    return WriteInteger(CTraits<T>::ToInteger(Value));
+}
+
+template <typename T>
+std::string CPropTreeItemSpinEdit<T>::FormatText(T Value, bool bEditBox) const {
+    if (Value == T{} && !m_ZeroText.empty()) {
+        return m_ZeroText;
+    }
+    const CNumberFormat Format = bEditBox && m_Hex ? CNumberFormat{CNumberFormat::eHex, 0} : m_ValueFormat;
+    std::string Text = FormatNumber(Value, Format) + " " + m_Unit;
+    if (bEditBox) {
+        Text.erase(Text.find_last_not_of(' ') + 1);
+    }
+    return Text;
+}
+
+template <typename T>
+int CPropTreeItemSpinEdit<T>::ToSteps(T Value) const {
+    const double Steps = m_Fractional ? std::round(static_cast<double>(Value) / static_cast<double>(m_Step))
+                                      : static_cast<double>(CTraits<T>::ToInteger(Value));
+    return static_cast<int>(
+        std::clamp<double>(Steps, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
+}
+
+template <typename T>
+bool CPropTreeItemSpinEdit<T>::Parse(std::string_view Text, T& rValue) const {
+    if (!m_ZeroText.empty() && Text::EqualNoCase(Text, m_ZeroText)) {  // the box has made capitals of it
+        rValue = T{};
+        return true;
+    }
+    if (m_Hex) {
+        const std::optional<std::int64_t> Read = ReadHex(Text);
+        return Read && CTraits<T>::FromInteger(*Read, rValue);
+    }
+    if constexpr (std::is_floating_point_v<T>) {
+        if (m_Fractional) {
+            const bool bSignOnly = Text == "+" || Text == "-";  // a step on the way to a number
+            const std::optional<double> Read = bSignOnly ? 0.0 : ReadFraction(Text);
+            if (Read) {
+                // The whole step that is added, and not half of one, is deliberate: it takes up what a
+                // division such as 0.3 / 0.1 lacks, and otherwise goes down to the grid.
+                rValue = std::floor(*Read / m_Step + m_Step) * m_Step;
+            }
+            return Read.has_value();
+        }
+    }
+    if (m_Min >= T{} && Text.starts_with('-')) {
+        return false;
+    }
+    const std::optional<std::int64_t> Read = ReadInteger(Text);
+    return Read && CTraits<T>::FromInteger(*Read, rValue);
+}
+
+template <typename T>
+void CPropTreeItemSpinEdit<T>::SetItemValue(T Value) {
+    m_Value = Value;
+    ClampValue();
+    m_FormerValue = m_Value;
+    ShowValue();
+}
+
+template <typename T>
+void CPropTreeItemSpinEdit<T>::SetRange(T Min, T Max) {
+    RV_ASSERT(Gui::g_pLog, Min <= Max, "invalid min/max values");
+    m_Min = std::min(Min, Max);
+    m_Max = std::max(Min, Max);
+    ClampValue();
+    ChooseFormat();
+    UpdateRangeText();
+    m_Button.SetRange(ToSteps(m_Min), ToSteps(m_Max));
+    ShowValue();
+}
+
+template <typename T>
+void CPropTreeItemSpinEdit<T>::SetUnit(const std::string& rUnit) {
+    m_Unit = rUnit;
+    ShowValue();
+}
+
+template <typename T>
+void CPropTreeItemSpinEdit<T>::SetZeroText(const std::string& rText) {
+    m_ZeroText = rText;
+    ShowValue();
+}
+
+template <typename T>
+void CPropTreeItemSpinEdit<T>::WriteText(const std::string& rText) {
+    m_EditText = rText;
+    m_Updating = true;
+    m_Edit.SetWindowText(rText);
+    m_Updating = false;
+}
+
+template <typename T>
+void CPropTreeItemSpinEdit<T>::ShowValue() {
+    m_Button.SetPos(ToSteps(m_Value));
+    WriteText(GetEditText());
+    m_Edit.SelectAll();
+    Redraw();
+}
+
+template <typename T>
+LRESULT CPropTreeItemSpinEdit<T>::OnCreate() {
+    const bool bShow = !IsKeyboardOnly();
+    m_Edit.SetUpperCase(true);
+    m_Edit.SetReadOnly(!m_Editable);
+    m_Edit.SetFont(CPropTree::GetNormalFont());
+    m_Edit.SetAccessibleName(GetLabelText());
+    const std::array Accel{CSpinButtonCtrl::CAccel{0, m_Fractional ? 1 : std::max(ToSteps(m_Step), 1)}};
+    m_Button.SetAccel(Accel);
+    m_Button.SetWrap(true);
+    m_Button.SetRange(ToSteps(m_Min), ToSteps(m_Max));
+    if (!m_Button.Create(this, CRect(), eButtonId, bShow) || !m_Edit.Create(this, CRect(), eEditId, bShow)) {
+        return -1;
+    }
+    ShowValue();
+    return 0;
+}
+
+template <typename T>
+void CPropTreeItemSpinEdit<T>::OnSize() {
+    const CRect Client = GetClientRect();
+    const int nMiddle = std::max(Client.right - eButtonWidth, 0);
+    m_Edit.MoveWindow(CRect(0, 0, nMiddle, Client.bottom));
+    m_Button.MoveWindow(CRect(nMiddle, 0, Client.right, Client.bottom));
+}
+
+template <typename T>
+LRESULT CPropTreeItemSpinEdit<T>::WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) {
+    switch (Message) {
+        case WM_CREATE:
+            return OnCreate();
+        case WM_SIZE:
+            OnSize();
+            return 0;
+        case WM_NOTIFY: {
+            const CNotification& rNotification = GetNotification(lParam);
+            if (rNotification.m_pFrom == &m_Edit) {
+                return m_Edit.OnParentNotified(rNotification);
+            }
+            if (rNotification.m_Code == UDN_DELTAPOS) {
+                OnDeltaposSpinButton(static_cast<const CDeltaPosNotification&>(rNotification));
+                return 1;  // the position is set already
+            }
+            return 0;
+        }
+        default:
+            return CWnd::WindowProc(Message, wParam, lParam);
+    }
+}
+
+template <typename T>
+void CPropTreeItemSpinEdit<T>::OnDeltaposSpinButton(const CDeltaPosNotification& rNotification) {
+    if (!m_Editable) {
+        return;
+    }
+    const std::int64_t Wanted = std::int64_t{rNotification.m_Pos} + rNotification.m_Delta;
+    const int nPos = Wanted < m_Button.GetLower()   ? m_Button.GetUpper()
+                     : Wanted > m_Button.GetUpper() ? m_Button.GetLower()
+                                                    : static_cast<int>(Wanted);
+    if constexpr (std::is_floating_point_v<T>) {
+        m_Value = m_Fractional ? nPos * m_Step : nPos;
+    } else {
+        m_Value = static_cast<T>(nPos);
+    }
+    ShowValue();
+    SendChanged();
+}
+
+template <typename T>
+void CPropTreeItemSpinEdit<T>::ProvideWindow() {
+    if (!IsWindow()) {
+        Create(&GetTree()->GetList(), m_Place, 0, false);
+    }
+}
+
+template <typename T>
+void CPropTreeItemSpinEdit<T>::OnActivate() {
+    const std::weak_ptr<const bool> pLife = GetLife();
+    CPropTree& rTree = *GetTree();
+    SetActive(true);
+    m_FormerValue = m_Value;
+    ProvideWindow();
+    ShowWindow(!IsKeyboardOnly());
+    ShowValue();
+    m_Edit.SetFocus();
+    if (pLife.expired() || !IsActive()) {
+        return;  // whoever lost the focus had other plans
+    }
+    PassHelp();
+    if (IsKeyboardOnly()) {
+        rTree.TakeFocusBack();
+        rTree.SendNotify(CPropTree::eItemChanged, this);
+        return;
+    }
+    if (IsWindowVisible()) {
+        m_Button.EnableWindow(m_Editable);
+        m_Edit.SetReadOnly(!m_Editable);
+        if (m_Editable) {
+            m_Edit.SelectAll();
+        } else {
+            m_Edit.SetSel(-1, 0);
+        }
+    }
+}
+
+template <typename T>
+void CPropTreeItemSpinEdit<T>::Close() {
+    SetActive(false);
+    if (!IsKeyboardOnly()) {
+        ShowWindow(false);
+    }
+    StopRepeat();
+}
+
+template <typename T>
+void CPropTreeItemSpinEdit<T>::OnCommit() {
+    const std::weak_ptr<const bool> pLife = GetLife();
+    m_Value = std::clamp(m_Value, m_Min, m_Max);
+    Close();
+    ShowValue();
+    if (GetTree() == nullptr) {
+        return;
+    }
+    GetTree()->TakeFocusBack();
+    if (!pLife.expired() && GetTree() != nullptr && GetTree()->IsWindow()) {
+        GetTree()->SendNotify(CPropTree::eItemChanged, this);
+    }
+}
+
+template <typename T>
+void CPropTreeItemSpinEdit<T>::OnCancel() {
+    m_Value = m_FormerValue;
+    Close();
+    ShowValue();
+}
+
+template <typename T>
+void CPropTreeItemSpinEdit<T>::OnPlace(const CRect& rValue) {
+    m_Place = rValue;
+    MoveWindow(rValue);
+}
+
+template <typename T>
+void CPropTreeItemSpinEdit<T>::OnLeaveTree() {
+    if (IsActive()) {
+        m_Value = std::clamp(m_Value, m_Min, m_Max);
+    }
+    Close();
+    DestroyWindow();
+}
+
+template <typename T>
+void CPropTreeItemSpinEdit<T>::DrawAttribute(CDC& rDC, const CRect& rRect) const {
+    if (!IsActive() || IsKeyboardOnly()) {
+        CPropTreeItem::DrawAttribute(rDC, rRect);
+    }
+}
+
+template <typename T>
+void CPropTreeItemSpinEdit<T>::ClickButton(CSpinButtonCtrl::Button Which) {
+    if (GetTree() == nullptr) {
+        return;
+    }
+    const std::weak_ptr<const bool> pLife = GetLife();
+    if (!m_Button.IsShown() && !IsKeyboardOnly()) {
+        Activate();
+    }
+    if (!pLife.expired() && GetTree() != nullptr && GetTree()->IsWindowEnabled()) {
+        ProvideWindow();
+        m_Button.Click(Which);
+    }
+}
+
+template <typename T>
+bool CPropTreeItemSpinEdit<T>::OnCharacter(char32_t Character) {
+    constexpr std::u32string_view c_Starts = U"+-.,0123456789abcdefABCDEF";
+    if (IsKeyboardOnly() || !m_Editable || c_Starts.find(Character) == std::u32string_view::npos) {
+        return false;
+    }
+    const std::weak_ptr<const bool> pLife = GetLife();
+    Activate();
+    if (!pLife.expired() && IsActive()) {
+        // As if it were typed over the text, which is selected as a whole.
+        m_Edit.ChangeByOperator(MakeUpper(std::string(1, static_cast<char>(Character))), 1, 1);
+    }
+    return true;
+}
+
+template <typename T>
+void CPropTreeItemSpinEdit<T>::OnEditKillFocus() {
+    if (IsActive()) {
+        RV_DEBUG(Gui::g_pLog, "committing changes");
+        CommitChanges();
+    }
+}
+
+template <typename T>
+bool CPropTreeItemSpinEdit<T>::OnEditKeyDown(UINT Key) {
+    if (!IsActive()) {
+        return false;
+    }
+    switch (Key) {
+        case VK_UP:
+        case VK_DOWN:
+        case VK_PRIOR:
+        case VK_NEXT:
+            // The list moves on by it, once the editing is over.
+            GetTree()->GetList().PostMessage(WM_KEYDOWN, Key);
+            CommitChanges();
+            return true;
+        case VK_ESCAPE:
+            CancelChanges();
+            return true;
+        case VK_RETURN:  // its release counts
+            return true;
+        default:
+            return false;
+    }
+}
+
+template <typename T>
+bool CPropTreeItemSpinEdit<T>::OnEditKeyUp(UINT Key) {
+    if (Key != VK_RETURN || !IsActive()) {
+        return false;
+    }
+    CommitChanges();
+    return true;
+}
+
+template <typename T>
+bool CPropTreeItemSpinEdit<T>::OnEditChange() {
+    if (m_Updating) {
+        return false;
+    }
+    std::string Typed = m_Edit.GetWindowText();
+    std::replace(Typed.begin(), Typed.end(), ',', '.');
+    Typed = MakeUpper(Typed);
+    // The unit stands in the box behind the number, and may be left standing there.
+    const std::string Unit = " " + MakeUpper(m_Unit);
+    const bool bWithUnit = !m_Unit.empty() && Typed.ends_with(Unit);
+    std::string Number = bWithUnit ? Typed.substr(0, Typed.size() - Unit.size()) : Typed;
+    Number.erase(Number.find_last_not_of(' ') + 1);
+    if (!TakeText(Number)) {
+        Refuse();
+        return false;
+    }
+    m_Button.SetPos(ToSteps(m_Value));
+    if (const std::string Text = bWithUnit ? Number + " " + m_Unit : Number; Text != m_Edit.GetWindowText()) {
+        const int nAnchor = m_Edit.GetAnchor();
+        const int nCaret = m_Edit.GetCaret();
+        WriteText(Text);
+        m_Edit.SetSel(nAnchor, nCaret);
+    } else {
+        m_EditText = Text;
+    }
+    return false;
+}
+
+template <typename T>
+bool CPropTreeItemSpinEdit<T>::TakeText(const std::string& rNumber) {
+    // The zero text comes letter by letter.
+    const bool bOnTheWay = !rNumber.empty() && rNumber.size() < m_ZeroText.size() &&
+                           Text::EqualNoCase(rNumber, std::string_view(m_ZeroText).substr(0, rNumber.size()));
+    T Value = m_Value;
+    if (m_Fractional) {
+        const bool bZeroText = !m_ZeroText.empty() && Text::EqualNoCase(rNumber, m_ZeroText);
+        if (!bOnTheWay && !bZeroText && !IsFractionText(rNumber)) {
+            return false;
+        }
+        // A text on the way to a number, as a point alone, leaves the value.
+        if (Parse(rNumber, Value)) {
+            m_Value = Value;
+        }
+        return true;
+    }
+    if (Parse(rNumber, Value)) {
+        const CNumberFormat Format = m_Hex ? CNumberFormat{CNumberFormat::eHex, 0} : CNumberFormat{};
+        const bool bZeroText = Value == T{} && !m_ZeroText.empty();
+        if (Text::EqualNoCase(rNumber, bZeroText ? m_ZeroText : FormatNumber(Value, Format))) {
+            m_Value = Value;
+            return true;
+        }
+    }
+    return bOnTheWay;
+}
+
+template <typename T>
+void CPropTreeItemSpinEdit<T>::Refuse() {
+    WriteText(GetEditText());
+    m_Edit.SelectAll();
+}
+
+template class CPropTreeItemSpinEdit<double>;
+template class CPropTreeItemSpinEdit<unsigned long>;
+template class CPropTreeItemSpinEdit<unsigned char>;
+
+}  // namespace PropTree

@@ -1,0 +1,317 @@
+// Whatever is done in whatever order, and whatever the parent refuses or deletes meanwhile: the tree stays in
+// order. Sequences come from fixed seeds, so that a failure repeats.
+#include <algorithm>
+#include <array>
+#include <random>
+#include <string_view>
+
+#include "tests/rvlib/rvgui/proptree/treefixture.h"
+
+namespace PropTree {
+namespace {
+
+class CSequence {
+public:
+    explicit CSequence(unsigned Seed) : m_Random(Seed) {
+        m_Page.Create(nullptr, CRect(0, 0, 320, 260), 0);
+        m_pTree = std::make_unique<CPropTree>();
+        m_pTree->ModifyStyle(0, CPropTree::eNotifyParent);
+        m_pTree->SetMode(Seed % 4 == 0 ? CPropTree::eKeyboardOnly : CPropTree::eNormalMode);
+        m_pTree->Create(&m_Page, CRect(10, 10, 310, 210), 7);
+        m_Page.OnNotification = [this](CNotification& rNotification) -> LRESULT {
+            return Answer(rNotification);
+        };
+    }
+    ~CSequence() { m_Page.OnNotification = nullptr; }
+    CSequence(const CSequence&) = delete;
+    CSequence& operator=(const CSequence&) = delete;
+
+    void Step() {
+        switch (Pick(12)) {
+            case 0:
+                Insert();
+                break;
+            case 1:
+                if (CPropTreeItem* const pItem = PickItem(); pItem != nullptr && Pick(3) == 0) {
+                    m_pTree->Delete(pItem);
+                }
+                break;
+            case 2:
+                if (CPropTreeItem* const pItem = PickItem(); pItem != nullptr && Pick(3) == 0) {
+                    m_pTree->PostMessage(WM_RV_DELETEITEM, reinterpret_cast<WPARAM>(pItem));
+                }
+                break;
+            case 3:
+            case 4:
+                Mouse();
+                break;
+            case 5:
+            case 6:
+            case 7:
+                Key();
+                break;
+            case 8:
+                Action();
+                break;
+            case 9:
+                Type();
+                break;
+            case 10:
+                m_Loop.Advance(static_cast<std::uint32_t>(Pick(700)));
+                break;
+            default:
+                Program();
+                break;
+        }
+        if (Pick(3) == 0) {
+            m_Loop.RunPosted();
+        }
+    }
+
+    void Check() {
+        std::vector<CPropTreeItem*> Expected;
+        int nSelected = 0;
+        int nActive = 0;
+        const auto Walk = [&](const auto& rSelf, CPropTreeItem& rParent, bool bVisible) -> void {
+            for (CPropTreeItem* pItem = rParent.GetChild(); pItem != nullptr; pItem = pItem->GetSibling()) {
+                ASSERT_EQ(pItem->GetParentItem(), &rParent);
+                ASSERT_EQ(pItem->IsInVisibleChain(), bVisible);
+                if (bVisible) {
+                    Expected.push_back(pItem);
+                }
+                nSelected += pItem->IsSelected() ? 1 : 0;
+                nActive += pItem->IsActive() ? 1 : 0;
+                ASSERT_EQ(pItem->IsSelected(), pItem == m_pTree->GetFocusedItem());
+                ASSERT_TRUE(!pItem->IsActive() || pItem->IsSelected()) << "edited without the focus";
+                CheckValue(*pItem);
+                rSelf(rSelf, *pItem, bVisible && pItem->IsExpanded());
+            }
+        };
+        Walk(Walk, m_pTree->GetRoot(), true);
+        ASSERT_LE(nSelected, 1);
+        ASSERT_LE(nActive, 1);
+        std::vector<CPropTreeItem*> Rows;
+        int y = 0;
+        for (CPropTreeItem* pRow = m_pTree->GetFirstVisible(); pRow != nullptr;
+             pRow = pRow->GetNextVisible()) {
+            ASSERT_EQ(pRow->GetY(), y);
+            y += pRow->GetHeight();
+            Rows.push_back(pRow);
+        }
+        ASSERT_EQ(Rows, Expected);
+        ASSERT_EQ(m_pTree->GetContentHeight(), y);
+        ASSERT_GE(m_pTree->GetScrollPos(), 0);
+        ASSERT_LE(m_pTree->GetScrollPos(), std::max(y - m_pTree->GetList().GetContentRect().Height(), 0));
+        ASSERT_TRUE(CWnd::GetFocus() == nullptr || CWnd::GetFocus()->IsShown());
+    }
+    int GetEdits() const { return m_nEdits; }
+
+private:
+    std::size_t Pick(std::size_t nCount) {
+        return std::uniform_int_distribution<std::size_t>(0, nCount - 1)(m_Random);
+    }
+
+    CPropTreeItem* PickItem() {
+        std::vector<CPropTreeItem*> Items;
+        const auto Walk = [&Items](const auto& rSelf, CPropTreeItem& rParent) -> void {
+            for (CPropTreeItem* pItem = rParent.GetChild(); pItem != nullptr; pItem = pItem->GetSibling()) {
+                Items.push_back(pItem);
+                rSelf(rSelf, *pItem);
+            }
+        };
+        Walk(Walk, m_pTree->GetRoot());
+        return Items.empty() ? nullptr : Items[Pick(Items.size())];
+    }
+    void Insert() {
+        CPropTreeItem* const pParent = Pick(3) == 0 ? nullptr : PickItem();
+        CPropTreeItem* pItem = nullptr;
+        switch (Pick(5)) {
+            case 0:
+                pItem = m_pTree->Insert(std::make_unique<CDoubleItem>(-2.0, 15.0, 5.0, 0.1), pParent);
+                break;
+            case 1:
+                pItem = m_pTree->Insert(std::make_unique<CLongItem>(1UL, 100UL, 5UL, 7UL), pParent);
+                break;
+            case 2:
+                pItem = m_pTree->Insert(std::make_unique<CByteItem>(
+                                            0, 200, 5, 1, CSpinEditLook{.m_bHex = true, .m_ZeroText = "OFF"}),
+                                        pParent);
+                break;
+            case 3:
+                if (auto* const pCombo =
+                        m_pTree->Insert(std::make_unique<CPropTreeItemCombo>(0, 3), pParent)) {
+                    for (const char* pText : {"one", "two", "three"}) {
+                        pCombo->AddString(pText);
+                    }
+                    pCombo->SetItemValue(static_cast<int>(Pick(6)));
+                    pItem = pCombo;
+                }
+                break;
+            default:
+                pItem = m_pTree->Insert(std::make_unique<CPropTreeItemStatic>("Row", "text"), pParent);
+                break;
+        }
+        if (pItem != nullptr) {
+            pItem->Expand(Pick(4) != 0);
+            pItem->ShowCheckBox(Pick(6) == 0);
+        }
+    }
+    void Mouse() {
+        CWnd& rList = m_pTree->GetList();
+        constexpr std::array c_Messages{WM_LBUTTONDOWN, WM_LBUTTONUP,     WM_LBUTTONUP,
+                                        WM_MOUSEMOVE,   WM_LBUTTONDBLCLK, WM_MOUSEWHEEL};
+        const UINT Message = c_Messages[Pick(c_Messages.size())];
+        const CPoint Point(static_cast<int>(Pick(320)) - 10, static_cast<int>(Pick(220)) - 10);
+        const LPARAM lParam = MakePointParam(Point);
+        if (Message == WM_LBUTTONDOWN && Pick(2) == 0) {
+            rList.SendMessage(WM_LBUTTONDOWN, MK_LBUTTON, lParam);
+            rList.SendMessage(WM_LBUTTONUP, 0, lParam);
+        } else {
+            rList.SendMessage(
+                Message, Message == WM_MOUSEWHEEL ? MakeWheelParam(0, Pick(2) == 0 ? 120 : -120) : 0, lParam);
+        }
+    }
+    void Key() {
+        constexpr std::array c_Keys{VK_UP,    VK_DOWN, VK_LEFT, VK_RIGHT, VK_RETURN, VK_RETURN, VK_ESCAPE,
+                                    VK_SPACE, VK_F2,   VK_HOME, VK_END,   VK_PRIOR,  VK_NEXT};
+        const UINT VirtualKey = c_Keys[Pick(c_Keys.size())];
+        for (const UINT Message : {WM_KEYDOWN, WM_KEYUP}) {
+            if (CWnd* const pFocus = CWnd::GetFocus(); pFocus != nullptr && Pick(10) != 0) {
+                pFocus->SendMessage(Message, VirtualKey, 1);
+            }
+        }
+    }
+    void Action() {
+        switch (Pick(6)) {
+            case 0:
+                m_pTree->SelectNeighbour(Pick(2) == 0);
+                break;
+            case 1:
+                m_pTree->StartStepping(Pick(2) == 0);
+                break;
+            case 2:
+                m_pTree->StopStepping();
+                break;
+            case 3:
+                m_pTree->Accept();
+                break;
+            case 4:
+                m_pTree->ToggleExpanded();
+                break;
+            default:
+                m_pTree->SetFocus();
+                break;
+        }
+    }
+    void Type() {
+        constexpr std::string_view c_Characters = "0159.,-+xoaF ";
+        const char Character = c_Characters[Pick(c_Characters.size())];
+        if (auto* const pEdit = dynamic_cast<CEdit*>(CWnd::GetFocus())) {
+            const std::string Text =
+                Pick(2) == 0 ? pEdit->GetWindowText() + Character : std::string(1, Character);
+            pEdit->ChangeByOperator(Text, static_cast<int>(Text.size()), static_cast<int>(Text.size()));
+            ++m_nEdits;
+        } else if (auto* const pCombo = dynamic_cast<CComboBox*>(CWnd::GetFocus())) {
+            pCombo->SelectByOperator(static_cast<int>(Pick(5)));
+            ++m_nEdits;
+        } else {
+            m_pTree->GetList().SendMessage(WM_CHAR, static_cast<WPARAM>(Character));
+        }
+    }
+    void Program() {
+        switch (Pick(7)) {
+            case 0:
+                m_pTree->EnsureVisible(Pick(2) == 0 ? m_pTree->GetFirstVisible() : m_pTree->GetLastVisible());
+                break;
+            case 1:
+                m_pTree->EnableWindow(Pick(3) != 0);
+                break;
+            case 2:
+                m_pTree->ShowWindow(Pick(3) != 0);
+                break;
+            case 3:
+                m_pTree->SetFocusedItem(Pick(3) == 0 ? nullptr : PickItem());
+                break;
+            case 4:
+                m_pTree->SetMode(Pick(2) == 0 ? CPropTree::eKeyboardOnly : CPropTree::eNormalMode);
+                break;
+            case 5:
+                m_pTree->MoveWindow(CRect(0, 0, static_cast<int>(Pick(320)), static_cast<int>(Pick(250))));
+                break;
+            default:
+                if (CPropTreeItem* const pItem = PickItem()) {
+                    pItem->Expand(Pick(3) != 0);
+                }
+                break;
+        }
+    }
+    LRESULT Answer(const CNotification& rNotification) {
+        auto* const pItem = static_cast<const CTreeNotification&>(rNotification).m_pItem;
+        if (m_nDepth > 2) {
+            return 0;
+        }
+        ++m_nDepth;
+        // A commit is told with a value within its limits.
+        if (rNotification.m_Code == CPropTree::eItemChanged && !pItem->IsActive()) {
+            CheckValue(*pItem);
+        }
+        LRESULT Result = Pick(4) == 0 ? 1 : 0;
+        switch (Pick(30)) {
+            case 0:
+                m_pTree->Delete(PickItem());
+                break;
+            case 1:
+                m_pTree->SetFocusedItem(PickItem());
+                break;
+            case 2:
+                m_pTree->EndEditing();
+                break;
+            case 3:
+                Insert();
+                break;
+            default:
+                break;
+        }
+        --m_nDepth;
+        return Result;
+    }
+    template <typename Item>
+    static void CheckRange(const CPropTreeItem& rItem) {
+        if (const auto* const pItem = dynamic_cast<const Item*>(&rItem);
+            pItem != nullptr && !pItem->IsActive()) {
+            EXPECT_GE(pItem->GetItemValue(), pItem->GetMin());
+            EXPECT_LE(pItem->GetItemValue(), pItem->GetMax());
+        }
+    }
+    static void CheckValue(const CPropTreeItem& rItem) {
+        CheckRange<CDoubleItem>(rItem);
+        CheckRange<CLongItem>(rItem);
+        CheckRange<CByteItem>(rItem);
+    }
+
+    std::mt19937 m_Random;
+    CVirtualEventLoop m_Loop;
+    CListeningWnd m_Page;
+    std::unique_ptr<CPropTree> m_pTree;
+    int m_nDepth = 0;
+    int m_nEdits = 0;
+};
+
+TEST(RandomEventsTest, TheTreeStaysInOrder) {
+    int nEdits = 0;
+    for (unsigned Seed = 0; Seed < 60; ++Seed) {
+        CSequence Sequence(Seed);
+        for (int i = 0; i < 500; ++i) {
+            Sequence.Step();
+            Sequence.Check();
+            if (testing::Test::HasFailure()) {
+                FAIL() << "seed " << Seed << ", step " << i;
+            }
+        }
+        nEdits += Sequence.GetEdits();
+    }
+    EXPECT_GT(nEdits, 500) << "else the sequences would test little";
+}
+
+}  // namespace
+}  // namespace PropTree
