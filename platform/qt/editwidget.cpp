@@ -3,7 +3,10 @@
 #include <QGuiApplication>
 #include <QInputMethod>
 #include <QKeyEvent>
+#include <QWheelEvent>
 #include <algorithm>
+
+#include "platform/qt/inputevents.h"
 
 namespace {
 
@@ -102,4 +105,10 @@ void CEditWidget::focusInEvent(QFocusEvent* pEvent) {
 void CEditWidget::focusOutEvent(QFocusEvent* pEvent) {
     Quietly([this, pEvent] { QLineEdit::focusOutEvent(pEvent); });
     Follow();  // the toolkit has dropped the selection
+}
+
+void CEditWidget::wheelEvent(QWheelEvent* pEvent) {
+    if (GetWnd() != nullptr) {
+        SendWheel(*GetWnd(), *pEvent);
+    }
 }

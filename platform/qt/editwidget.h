@@ -14,6 +14,8 @@ protected:
     void keyPressEvent(QKeyEvent* pEvent) override;
     void focusInEvent(QFocusEvent* pEvent) override;
     void focusOutEvent(QFocusEvent* pEvent) override;
+    /// Scrolls what is beneath.
+    void wheelEvent(QWheelEvent* pEvent) override;
 
 private:
     void OnTextChanged();

@@ -290,12 +290,7 @@ void CPropTree::StartStepping(bool bUp) {
     if (m_pFocus == nullptr || !IsWindowEnabled()) {
         return;
     }
-    m_pFocus->StopRepeat();  // the other key may still be held
-    if (bUp) {
-        m_pFocus->StartAutoIncrement(eHeldKey);
-    } else {
-        m_pFocus->StartAutoDecrement(eHeldKey);
-    }
+    m_pFocus->StartRepeat(bUp, eHeldKey);
 }
 
 void CPropTree::StopStepping() {
@@ -305,13 +300,8 @@ void CPropTree::StopStepping() {
 }
 
 void CPropTree::StepOnce(bool bUp) {
-    if (m_pFocus == nullptr || !IsWindowEnabled()) {
-        return;
-    }
-    if (bUp) {
-        m_pFocus->OnAutoIncrement();
-    } else {
-        m_pFocus->OnAutoDecrement();
+    if (m_pFocus != nullptr && IsWindowEnabled()) {
+        m_pFocus->MakeStep(bUp);
     }
 }
 

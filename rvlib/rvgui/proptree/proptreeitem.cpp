@@ -1,5 +1,8 @@
 #include "rvlib/rvgui/proptree/proptreeitem.h"
 
+#include <algorithm>
+
+#include "platform/system/eventloop.h"
 #include "platform/window/syscolor.h"
 #include "rvlib/rvgui/gradient.h"
 #include "rvlib/rvgui/proptree/proptree.h"
@@ -63,7 +66,7 @@ void CPropTreeItem::SetChecked(bool bChecked) {
 }
 
 void CPropTreeItem::Activate() {
-    if (m_bActive || m_pTree == nullptr || !m_pTree->IsWindowEnabled()) {
+    if (m_bActive || m_pTree == nullptr || !m_pTree->IsWindowEnabled() || !m_pTree->SetFocusedItem(this)) {
         return;
     }
     m_bChangeSent = false;
@@ -100,9 +103,39 @@ void CPropTreeItem::CancelChanges() {
     }
 }
 
+void CPropTreeItem::StartRepeat(bool bUp, std::uint32_t msInitial) {
+    StopRepeat();  // the other key may still be held
+    ++m_nSeries;
+    if (bUp) {
+        StartAutoIncrement(msInitial);
+    } else {
+        StartAutoDecrement(msInitial);
+    }
+}
+
 void CPropTreeItem::StopRepeat() {
     StopAutoIncrement();
     StopAutoDecrement();
+    if (!m_bStepping) {
+        return;
+    }
+    // Out of a step of the series itself that has no effect, as the timer is between two shots. Once more,
+    // then, when the step is over.
+    IFEventLoop::Current().Post([this, pLife = GetLife(), nSeries = m_nSeries] {
+        if (!pLife.expired() && m_nSeries == nSeries) {
+            StopAutoIncrement();
+            StopAutoDecrement();
+        }
+    });
+}
+
+void CPropTreeItem::MakeStep(bool bUp) {
+    const std::weak_ptr<const bool> pLife = m_pLife;
+    m_bStepping = true;
+    OnStep(bUp);
+    if (!pLife.expired()) {
+        m_bStepping = false;
+    }
 }
 
 bool CPropTreeItem::OnCharacter(char32_t /*Character*/) {

@@ -109,8 +109,10 @@ protected:
     /// Colour of text, grey in a tree that is disabled.
     COLORREF GetTextColor() const;
 
-    void OnAutoIncrement() override {}
-    void OnAutoDecrement() override {}
+    /// One step of the value, up or down, by a key that is held or for once.
+    virtual void OnStep(bool bUp) { (void)bUp; }
+    void OnAutoIncrement() final { MakeStep(true); }
+    void OnAutoDecrement() final { MakeStep(false); }
 
 private:
     friend class CPropTree;
@@ -122,6 +124,9 @@ private:
     int Place(int x, int y);
     /// Draws the row, whose top is at y in rClient; returns its height.
     int Draw(CDC& rDC, const CRect& rClient, int y) const;
+    /// A series of steps while a key is held: one at once, the next after msInitial.
+    void StartRepeat(bool bUp, std::uint32_t msInitial);
+    void MakeStep(bool bUp);
     void DrawGround(CDC& rDC, const CRect& rRow) const;
     void DrawLabel(CDC& rDC, const CRect& rRow) const;
 
@@ -138,8 +143,10 @@ private:
     std::uint32_t m_State = 0;
     bool m_bInChain = false;
     bool m_bActive = false;
-    bool m_bChangeSent = false;  ///< since editing began
-    CRect m_ExpandRect;          ///< both empty without such a box
+    bool m_bChangeSent = false;   ///< since editing began
+    bool m_bStepping = false;     ///< in the middle of a step
+    std::uint32_t m_nSeries = 0;  ///< of steps, so far
+    CRect m_ExpandRect;           ///< both empty without such a box
     CRect m_CheckRect;
     int m_Y = 0;
     int m_Height = 0;

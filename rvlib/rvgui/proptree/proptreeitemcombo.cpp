@@ -177,10 +177,11 @@ void CPropTreeItemCombo::DrawAttribute(CDC& rDC, const CRect& rRect) const {
     }
 }
 
-void CPropTreeItemCombo::Step(int nWay) {
-    if (GetCount() == 0) {
+void CPropTreeItemCombo::OnStep(bool bUp) {
+    if (GetCount() == 0 || GetTree() == nullptr || !GetTree()->IsWindowEnabled()) {
         return;
     }
+    const int nWay = bUp ? 1 : -1;
     // None is in front of the first one and behind the last one.
     const int Former = GetCurSel() < 0 && nWay < 0 ? 0 : GetCurSel();
     Choose((Former + nWay + GetCount()) % GetCount());

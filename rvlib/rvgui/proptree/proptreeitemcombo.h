@@ -36,12 +36,10 @@ protected:
     void OnLeaveTree() override;
     void DrawAttribute(CDC& rDC, const CRect& rRect) const override;
     /// The next string, behind the last one the first.
-    void OnAutoIncrement() override { Step(1); }
-    void OnAutoDecrement() override { Step(-1); }
+    void OnStep(bool bUp) override;
 
 private:
     int Append(const std::string& rText);
-    void Step(int nWay);
     /// By the operator, with or without the box.
     void Choose(int Index);
     void OnChosen();

@@ -416,7 +416,7 @@ void CPropTreeItemSpinEdit<T>::DrawAttribute(CDC& rDC, const CRect& rRect) const
 }
 
 template <typename T>
-void CPropTreeItemSpinEdit<T>::ClickButton(CSpinButtonCtrl::Button Which) {
+void CPropTreeItemSpinEdit<T>::OnStep(bool bUp) {
     if (GetTree() == nullptr) {
         return;
     }
@@ -426,7 +426,7 @@ void CPropTreeItemSpinEdit<T>::ClickButton(CSpinButtonCtrl::Button Which) {
     }
     if (!pLife.expired() && GetTree() != nullptr && GetTree()->IsWindowEnabled()) {
         ProvideWindow();
-        m_Button.Click(Which);
+        m_Button.Click(bUp ? CSpinButtonCtrl::eUp : CSpinButtonCtrl::eDown);
     }
 }
 

@@ -83,10 +83,8 @@ protected:
     void OnPlace(const CRect& rValue) override;
     void OnLeaveTree() override;
     void DrawAttribute(CDC& rDC, const CRect& rRect) const override;
-    /// A click on the button at its top.
-    void OnAutoIncrement() override { ClickButton(CSpinButtonCtrl::eUp); }
-    /// And at its bottom.
-    void OnAutoDecrement() override { ClickButton(CSpinButtonCtrl::eDown); }
+    /// A click on the button, at its top or bottom.
+    void OnStep(bool bUp) override;
 
 private:
     void ChooseFormat();
@@ -99,7 +97,6 @@ private:
     LRESULT OnCreate();
     void OnSize();
     void OnDeltaposSpinButton(const CDeltaPosNotification& rNotification);
-    void ClickButton(CSpinButtonCtrl::Button Which);
     /// Makes the window if it doesn't stand.
     void ProvideWindow();
     /// Writes the box.

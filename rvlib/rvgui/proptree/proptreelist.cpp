@@ -114,8 +114,11 @@ LRESULT CPropTreeList::WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) {
 }
 
 void CPropTreeList::OnSetFocus(const CWnd* pFormer) {
-    // Who arrives by the Tab key has to see where he is.
-    if (!m_rTree.IsWithin(pFormer) && m_rTree.GetFocusedItem() == nullptr) {
+    // Who arrives by the Tab key has to see where he is. Not so when the box over a value hands it back.
+    while (pFormer != nullptr && pFormer != this) {
+        pFormer = pFormer->GetParent();
+    }
+    if (pFormer == nullptr && m_rTree.GetFocusedItem() == nullptr) {
         m_rTree.SetFocusedItem(m_rTree.GetFirstVisible());
     }
     Redraw();

@@ -465,6 +465,21 @@ TEST_F(SpinEditInTreeTest, ACommitEndsTheSeries) {
     EXPECT_FALSE(m_pSpeed->IsActive());
 }
 
+TEST_F(SpinEditInTreeTest, AHandlerThatMovesOnEndsTheSeriesToo) {
+    m_pTree->SetFocusedItem(m_pSpeed);
+    OnTold = [this](int Code, CPropTreeItem*) -> LRESULT {
+        if (Code == CPropTree::eItemChanged && m_pSpeed->GetItemValue() == 102) {
+            m_pTree->SetFocusedItem(m_pResult);
+        }
+        return 0;
+    };
+    m_pTree->StartStepping(true);
+    m_Loop.Advance(3000);
+    EXPECT_EQ(m_pSpeed->GetItemValue(), 102u);
+    EXPECT_FALSE(m_pSpeed->IsActive());
+    EXPECT_EQ(m_pTree->GetFocusedItem(), m_pResult);
+}
+
 TEST_F(SpinEditInTreeTest, AnItemThatIsDeletedInItsOwnStepIsNoHarm) {
     m_pTree->SetFocusedItem(m_pSpeed);
     OnTold = [this](int Code, CPropTreeItem* pItem) -> LRESULT {

@@ -27,7 +27,7 @@ public:
     CSequence& operator=(const CSequence&) = delete;
 
     void Step() {
-        switch (Pick(12)) {
+        switch (Pick(14)) {
             case 0:
                 Insert();
                 break;
@@ -54,9 +54,11 @@ public:
                 Action();
                 break;
             case 9:
+            case 10:
+            case 11:
                 Type();
                 break;
-            case 10:
+            case 12:
                 m_Loop.Advance(static_cast<std::uint32_t>(Pick(700)));
                 break;
             default:
@@ -182,7 +184,7 @@ private:
         }
     }
     void Action() {
-        switch (Pick(6)) {
+        switch (Pick(8)) {
             case 0:
                 m_pTree->SelectNeighbour(Pick(2) == 0);
                 break;
@@ -198,8 +200,13 @@ private:
             case 4:
                 m_pTree->ToggleExpanded();
                 break;
-            default:
+            case 5:
                 m_pTree->SetFocus();
+                break;
+            default:
+                if (CPropTreeItem* const pItem = PickItem()) {
+                    pItem->Activate();
+                }
                 break;
         }
     }
@@ -224,10 +231,10 @@ private:
                 m_pTree->EnsureVisible(Pick(2) == 0 ? m_pTree->GetFirstVisible() : m_pTree->GetLastVisible());
                 break;
             case 1:
-                m_pTree->EnableWindow(Pick(3) != 0);
+                m_pTree->EnableWindow(Pick(8) != 0);
                 break;
             case 2:
-                m_pTree->ShowWindow(Pick(3) != 0);
+                m_pTree->ShowWindow(Pick(8) != 0);
                 break;
             case 3:
                 m_pTree->SetFocusedItem(Pick(3) == 0 ? nullptr : PickItem());

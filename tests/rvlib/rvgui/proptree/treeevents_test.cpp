@@ -214,6 +214,8 @@ TEST_F(TreeEventsTest, TheWheelOverABoxScrollsAndNeverChangesAValue) {
     EXPECT_EQ(m_pTree->GetScrollPos(), 3 * 28);
     m_pTree->SetScrollPos(0);
     ClickList(ValueOf(*m_pTime));
+    ASSERT_TRUE(m_pTime->IsActive());
+    ASSERT_TRUE(Find(m_pTime->GetEdit())->isVisible());
     TurnWheel(Find(m_pTime->GetEdit()), -120);
     EXPECT_EQ(m_pTime->GetValueText(), "5.0 s");
     EXPECT_EQ(m_pTree->GetScrollPos(), 3 * 28);
