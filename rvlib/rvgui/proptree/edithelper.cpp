@@ -2,7 +2,7 @@
 
 namespace PropTree {
 
-LRESULT CEditHelper::OnParentNotified(const CNotification& rNotification) {
+LRESULT CEditHelper::OnParentNotified(const CWndNotification& rNotification) {
     switch (rNotification.m_Code) {
         case EN_KILLFOCUS:
             m_rOwner.OnEditKillFocus();

@@ -24,7 +24,7 @@ public:
     explicit CEditHelper(CEditHelperEvents& rOwner) : m_rOwner(rOwner) {}
 
     /// The parent hands back the notifications that it gets of this box; the result is its answer to them.
-    LRESULT OnParentNotified(const CNotification& rNotification);
+    LRESULT OnParentNotified(const CWndNotification& rNotification);
 
 protected:
     LRESULT WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) override;

@@ -13,7 +13,7 @@ namespace PropTree {
 
 /// What a tree tells its parent: one of CPropTree::Code, and the item that it is about (null for the
 /// splitter's).
-struct CTreeNotification : CNotification {
+struct CTreeNotification : CWndNotification {
     CPropTreeItem* m_pItem = nullptr;
 };
 

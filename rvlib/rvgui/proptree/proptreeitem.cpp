@@ -142,7 +142,7 @@ bool CPropTreeItem::OnCharacter(char32_t /*Character*/) {
     return false;
 }
 
-LRESULT CPropTreeItem::OnControlNotification(const CNotification& /*rNotification*/) {
+LRESULT CPropTreeItem::OnControlNotification(const CWndNotification& /*rNotification*/) {
     return 0;
 }
 
@@ -234,7 +234,11 @@ void CPropTreeItem::DrawLabel(CDC& rDC, const CRect& rRow) const {
             Bar.right = std::min(Bar.right, Bar.left + rDC.GetTextExtent(m_Label).cx + 2 * eTextInset);
         }
         const bool bHere = m_bActive || m_pTree->HasListFocus();
-        rDC.FillSolidRect(Bar, GetSysColor(bHere ? SysColor::eSelection : SysColor::eShadow));
+        if (m_pTree->IsWindowEnabled()) {
+            rDC.FillSolidRect(Bar, GetSysColor(bHere ? SysColor::eSelection : SysColor::eShadow));
+        } else {
+            rDC.FrameRect(Bar, GetSysColor(SysColor::eShadow));  // grey on it couldn't be read
+        }
         Color = bHere ? GetSysColor(SysColor::eSelectionText) : Color;
     }
     Text.DeflateRect(eTextInset, 0);

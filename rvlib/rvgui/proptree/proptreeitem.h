@@ -73,7 +73,7 @@ public:
     /// A character typed while the item is selected and not being edited. True: it was used.
     virtual bool OnCharacter(char32_t Character);
     /// Answer to a notification of a control that is the item itself.
-    virtual LRESULT OnControlNotification(const CNotification& rNotification);
+    virtual LRESULT OnControlNotification(const CWndNotification& rNotification);
 
     /// Place in the list, in pixels from the first row's top.
     int GetY() const { return m_Y; }

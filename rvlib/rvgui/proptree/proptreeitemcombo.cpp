@@ -85,7 +85,7 @@ void CPropTreeItemCombo::OnChosen() {
     SendChanged();
 }
 
-LRESULT CPropTreeItemCombo::OnControlNotification(const CNotification& rNotification) {
+LRESULT CPropTreeItemCombo::OnControlNotification(const CWndNotification& rNotification) {
     switch (rNotification.m_Code) {
         case CBN_SELCHANGE:
             OnChosen();
@@ -127,6 +127,7 @@ void CPropTreeItemCombo::OnActivate() {
     CPropTree& rTree = *GetTree();
     const bool bShow = !IsKeyboardOnly();
     SetAccessibleName(GetLabelText());
+    SetFont(CPropTree::GetNormalFont());
     if (!IsWindow()) {
         Create(&rTree.GetList(), m_Place, 0, false);
     }

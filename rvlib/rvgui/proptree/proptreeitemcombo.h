@@ -25,7 +25,7 @@ public:
     std::string GetValueText() const override;
     /// Type-ahead: chooses the next string that begins with the character.
     bool OnCharacter(char32_t Character) override;
-    LRESULT OnControlNotification(const CNotification& rNotification) override;
+    LRESULT OnControlNotification(const CWndNotification& rNotification) override;
 
 protected:
     LRESULT WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) override;

@@ -292,7 +292,7 @@ LRESULT CPropTreeItemSpinEdit<T>::WindowProc(UINT Message, WPARAM wParam, LPARAM
             OnSize();
             return 0;
         case WM_NOTIFY: {
-            const CNotification& rNotification = GetNotification(lParam);
+            const CWndNotification& rNotification = GetNotification(lParam);
             if (rNotification.m_pFrom == &m_Edit) {
                 return m_Edit.OnParentNotified(rNotification);
             }

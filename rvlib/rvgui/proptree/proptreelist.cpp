@@ -124,7 +124,7 @@ void CPropTreeList::OnSetFocus(const CWnd* pFormer) {
     Redraw();
 }
 
-LRESULT CPropTreeList::OnNotify(const CNotification& rNotification) const {
+LRESULT CPropTreeList::OnNotify(const CWndNotification& rNotification) const {
     // Of items that are controls themselves. They may be gone afterwards.
     auto* const pItem = dynamic_cast<CPropTreeItem*>(rNotification.m_pFrom);
     return pItem != nullptr ? pItem->OnControlNotification(rNotification) : 0;

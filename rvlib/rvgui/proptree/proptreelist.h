@@ -34,7 +34,7 @@ private:
     void Paint();
     void PaintRows();
     void OnSetFocus(const CWnd* pFormer);
-    LRESULT OnNotify(const CNotification& rNotification) const;
+    LRESULT OnNotify(const CWndNotification& rNotification) const;
 
     // Mouse.
     void OnButtonDown(CPoint Point, bool bDouble);

@@ -18,7 +18,7 @@ public:
         m_pTree->ModifyStyle(0, CPropTree::eNotifyParent);
         m_pTree->SetMode(Seed % 4 == 0 ? CPropTree::eKeyboardOnly : CPropTree::eNormalMode);
         m_pTree->Create(&m_Page, CRect(10, 10, 310, 210), 7);
-        m_Page.OnNotification = [this](CNotification& rNotification) -> LRESULT {
+        m_Page.OnNotification = [this](CWndNotification& rNotification) -> LRESULT {
             return Answer(rNotification);
         };
     }
@@ -252,7 +252,7 @@ private:
                 break;
         }
     }
-    LRESULT Answer(const CNotification& rNotification) {
+    LRESULT Answer(const CWndNotification& rNotification) {
         auto* const pItem = static_cast<const CTreeNotification&>(rNotification).m_pItem;
         if (m_nDepth > 2) {
             return 0;

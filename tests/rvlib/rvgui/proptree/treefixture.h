@@ -38,7 +38,7 @@ protected:
     };
 
     explicit CTreeFixture(CPropTree::Mode Mode = CPropTree::eNormalMode) {
-        m_Page.OnNotification = [this](CNotification& rNotification) -> LRESULT {
+        m_Page.OnNotification = [this](CWndNotification& rNotification) -> LRESULT {
             const auto& rTold = static_cast<const CTreeNotification&>(rNotification);
             m_Told.push_back({rTold.m_Code, rTold.m_pItem});
             return OnTold ? OnTold(rTold.m_Code, rTold.m_pItem) : 0;
