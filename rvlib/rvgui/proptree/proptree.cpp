@@ -11,7 +11,6 @@ namespace {
 constexpr UINT eListId = 1;
 constexpr UINT eInfoId = 2;
 constexpr int eFontHeight = 15;
-constexpr int eNarrowest = 40;           // of a column
 constexpr std::uint32_t eHeldKey = 450;  // ms to the second step
 
 /// Shared by all trees; the window thread alone comes here.
@@ -73,9 +72,7 @@ LRESULT CPropTree::WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) {
                        : -1;
         case WM_DESTROY:
             // Boxes over values end with the window; the items stay.
-            for (CPropTreeItem* pItem = m_pFirstVisible; pItem != nullptr; pItem = pItem->m_pNextVisible) {
-                pItem->OnLeaveTree();
-            }
+            CloseBoxes(*m_pRoot);
             return 0;
         case WM_SIZE:
             PlaceWindows();
@@ -356,11 +353,16 @@ void CPropTree::SetMode(Mode NewMode) {
     }
     EndEditing();
     // Boxes are made for the mode.
-    for (CPropTreeItem* pItem = m_pFirstVisible; pItem != nullptr; pItem = pItem->m_pNextVisible) {
-        pItem->OnLeaveTree();
-    }
+    CloseBoxes(*m_pRoot);
     m_Mode = NewMode;
     UpdateLayout();
+}
+
+void CPropTree::CloseBoxes(CPropTreeItem& rParent) {
+    for (CPropTreeItem* pChild = rParent.GetChild(); pChild != nullptr; pChild = pChild->GetSibling()) {
+        pChild->OnLeaveTree();
+        CloseBoxes(*pChild);
+    }
 }
 
 LRESULT CPropTree::SendNotify(int NotifyCode, CPropTreeItem* pItem) {
@@ -396,100 +398,6 @@ void CPropTree::PassHelp(const CPropTreeItem& rItem) const {
     if (m_pDynamicHelp != nullptr) {
         m_pDynamicHelp->SetHelpTopic(rItem.GetHelpKey().empty() ? m_HelpKey : rItem.GetHelpKey());
     }
-}
-
-void CPropTree::ShowInfo(bool bShow, int nHeight) {
-    m_bShowInfo = bShow;
-    m_nInfoHeight = nHeight;
-    m_Info.ShowWindow(bShow);
-    PlaceWindows();
-}
-
-void CPropTree::PlaceWindows() {
-    if (!IsWindow()) {
-        return;
-    }
-    const CRect Client = GetClientRect();
-    const int nInfo = m_bShowInfo ? std::clamp(m_nInfoHeight, 0, Client.bottom) : 0;
-    m_List.MoveWindow(CRect(0, 0, Client.right, Client.bottom - nInfo));
-    m_Info.MoveWindow(CRect(0, Client.bottom - nInfo, Client.right, Client.bottom));
-    UpdateLayout();
-}
-
-void CPropTree::SetOrigin(int x) {
-    m_bOriginSet = true;
-    m_Origin = x;
-    UpdateLayout();
-}
-
-void CPropTree::SetScrollPos(int nPos) {
-    const int nPage = m_List.GetContentRect().Height();
-    m_ScrollPos = std::clamp(nPos, 0, std::max(m_nContentHeight - nPage, 0));
-    m_List.FitScrollBar();
-    PlaceEditor();
-    Redraw();
-}
-
-void CPropTree::ScrollTo(const CPropTreeItem& rItem) {
-    const int nPage = m_List.GetContentRect().Height();
-    const int nLowest = std::max(rItem.m_Y + rItem.m_Height - nPage, 0);
-    SetScrollPos(std::min(std::max(m_ScrollPos, nLowest), rItem.m_Y));
-}
-
-void CPropTree::UpdateLayout() {
-    const auto Unchain = [](const auto& rSelf, CPropTreeItem& rParent) -> void {
-        for (CPropTreeItem* pChild = rParent.GetChild(); pChild != nullptr; pChild = pChild->GetSibling()) {
-            pChild->m_pNextVisible = nullptr;
-            pChild->m_bInChain = false;
-            rSelf(rSelf, *pChild);
-        }
-    };
-    Unchain(Unchain, *m_pRoot);
-    m_pFirstVisible = nullptr;
-    m_nContentHeight = 0;
-    CPropTreeItem* pLast = nullptr;
-    AppendRows(*m_pRoot, 0, pLast);
-    if (m_pFocus != nullptr && !m_pFocus->m_bInChain) {
-        m_pFocus->SetState(CPropTreeItem::eSelected, false);
-        m_pFocus->StopRepeat();
-        m_pFocus = nullptr;
-    }
-    const CRect Content = m_List.GetContentRect();
-    if (!m_bOriginSet) {
-        m_Origin = Content.left + Content.Width() / 2;
-    }
-    m_Origin = std::max(std::min(m_Origin, Content.right - eNarrowest), Content.left + eNarrowest);
-    SetScrollPos(m_ScrollPos);
-}
-
-void CPropTree::AppendRows(CPropTreeItem& rParent, int nLevel, CPropTreeItem*& rpLast) {
-    constexpr int eIndent = 14;
-    for (CPropTreeItem* pItem = rParent.GetChild(); pItem != nullptr; pItem = pItem->GetSibling()) {
-        (rpLast == nullptr ? m_pFirstVisible : rpLast->m_pNextVisible) = pItem;
-        rpLast = pItem;
-        pItem->m_bInChain = true;
-        m_nContentHeight += pItem->Place(m_List.GetContentRect().left + nLevel * eIndent, m_nContentHeight);
-        if (pItem->IsExpanded()) {
-            AppendRows(*pItem, nLevel + 1, rpLast);
-        }
-    }
-}
-
-CRect CPropTree::GetValueRect(const CPropTreeItem& rItem) const {
-    const CRect Content = m_List.GetContentRect();
-    const int y = Content.top + rItem.m_Y - m_ScrollPos;
-    return {m_Origin + 1, y, std::max(Content.right, m_Origin + 1), y + rItem.m_Height - 1};
-}
-
-void CPropTree::PlaceEditor() {
-    for (CPropTreeItem* pItem = m_pFirstVisible; pItem != nullptr; pItem = pItem->m_pNextVisible) {
-        pItem->OnPlace(GetValueRect(*pItem));
-    }
-}
-
-void CPropTree::Redraw() {
-    m_List.Redraw();
-    m_Info.Invalidate();
 }
 
 }  // namespace PropTree

@@ -116,6 +116,10 @@ public:
     /// The topic of items that have none.
     void SetHelpKey(const std::string& rKey) { m_HelpKey = rKey; }
 
+    /// Sends -1112 to -1101 to the parent, but for -1111 and -1104; nothing without the style bit. The
+    /// parent's answer.
+    LRESULT SendNotify(int NotifyCode, CPropTreeItem* pItem);
+
     CPropTreeList& GetList() { return m_List; }
     CPropTreeInfo& GetInfo() { return m_Info; }
     /// The list itself has the window's focus.
@@ -147,8 +151,8 @@ private:
     /// A single step of the value with the focus.
     void StepOnce(bool bUp);
 
-    /// Sends -1112 to -1101 to the parent, but for -1111 and -1104; nothing without the style bit.
-    LRESULT SendNotify(int NotifyCode, CPropTreeItem* pItem);
+    /// Ends the windows over values, without a word to anybody.
+    void CloseBoxes(CPropTreeItem& rParent);
     /// The window's focus goes to the list, but for one that the operator has put outside the tree.
     void TakeFocusBack();
     void PassHelp(const CPropTreeItem& rItem) const;

@@ -66,6 +66,28 @@ TEST_F(PropTreeTest, WithoutTheStyleBitNothingIsTold) {
     EXPECT_THAT(m_Told, IsEmpty());
 }
 
+TEST_F(PropTreeTest, TheSenderForwardsItsRangeButForTwoCodes) {
+    OnTold = [](int, CPropTreeItem*) -> LRESULT { return 5; };
+    for (int Code = -1114; Code <= -1099; ++Code) {
+        const bool bForwarded = Code >= -1112 && Code <= -1101 && Code != -1111 && Code != -1104;
+        EXPECT_EQ(m_pTree->SendNotify(Code, m_pSpeed), bForwarded ? 5 : 0) << Code;
+    }
+    EXPECT_EQ(m_Told.size(), 10u);
+}
+
+TEST_F(PropTreeTest, AnotherModeReachesBoxesInClosedGroupsToo) {
+    m_pSpeed->Activate();
+    m_pSpeed->CommitChanges();
+    m_pGroup->Expand(false);
+    m_pTree->SetMode(CPropTree::eKeyboardOnly);
+    m_pGroup->Expand();
+    m_pSpeed->Activate();
+    EXPECT_TRUE(m_pSpeed->IsActive());
+    EXPECT_FALSE(m_pSpeed->GetEdit().IsWindowVisible());
+    EXPECT_FALSE(m_pSpeed->GetButton().IsWindowVisible());
+    EXPECT_EQ(CWnd::GetFocus(), &List());
+}
+
 TEST_F(PropTreeTest, ARefusedDeletionKeepsItemAndChildren) {
     OnTold = [](int Code, CPropTreeItem*) -> LRESULT { return Code == CPropTree::eDeleteAsked ? 1 : 0; };
     EXPECT_FALSE(m_pTree->Delete(m_pGroup));
