@@ -84,6 +84,7 @@ LRESULT CPropTree::WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) {
             Redraw();
             return 0;
         case WM_RV_DELETEITEM:
+            // NOLINTNEXTLINE(performance-no-int-to-ptr): a message's parameters are whole numbers
             Delete(reinterpret_cast<CPropTreeItem*>(wParam));
             return 0;
         default:

@@ -71,6 +71,7 @@ LRESULT CPropTreeList::WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) {
             Paint();
             return 0;
         case WM_SETFOCUS:
+            // NOLINTNEXTLINE(performance-no-int-to-ptr): a message's parameters are whole numbers
             OnSetFocus(reinterpret_cast<const CWnd*>(wParam));
             return 0;
         case WM_KILLFOCUS:
