@@ -14,7 +14,7 @@ protected:
     void keyPressEvent(QKeyEvent* pEvent) override;
     void focusInEvent(QFocusEvent* pEvent) override;
     void focusOutEvent(QFocusEvent* pEvent) override;
-    /// Scrolls what is beneath.
+    /// To what scrolls beneath: the toolkit doesn't hand it on by itself.
     void wheelEvent(QWheelEvent* pEvent) override;
 
 private:

@@ -2,11 +2,6 @@
 
 #include "rvlib/rvgui/gradient.h"
 
-void CStaticLabel::SetText(const std::string& rText) {
-    m_Text = rText;
-    Invalidate();
-}
-
 void CStaticLabel::SetBackground(COLORREF Enabled, COLORREF Disabled) {
     m_Enabled.m_Background = Enabled;
     m_Disabled.m_Background = Disabled;
@@ -46,7 +41,7 @@ void CStaticLabel::Paint(CDC& rDC, const CRect& rRect) const {
     rDC.SetTextColor(m_TextColor);
     CRect Rect = rRect;
     Rect.left += c_nInset;
-    rDC.DrawText(m_Text, Rect, DT_SINGLELINE | DT_VCENTER | DT_LEFT);
+    rDC.DrawText(GetText(), Rect, DT_SINGLELINE | DT_VCENTER | DT_LEFT);
     rDC.RestoreDC(Saved);
 }
 

@@ -9,8 +9,9 @@ class CStaticLabel : public CWnd {
 public:
     CStaticLabel() = default;
 
-    void SetText(const std::string& rText);
-    const std::string& GetText() const { return m_Text; }
+    /// The window's text, so that a screen reader has it, too.
+    void SetText(const std::string& rText) { SetWindowText(rText); }
+    const std::string& GetText() const { return GetWindowText(); }
     void SetBackground(COLORREF Enabled, COLORREF Disabled);
     void SetGradient(bool bEnabled, bool bDisabled);
     /// Without a font no text is drawn.
@@ -22,6 +23,7 @@ public:
 
 protected:
     LRESULT WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) override;
+    void OnTextSet() override { Invalidate(); }
 
 private:
     /// How the label looks in one of its two states.
@@ -32,7 +34,6 @@ private:
 
     CLook m_Enabled;
     CLook m_Disabled;
-    std::string m_Text;
     COLORREF m_TextColor = RGB(0, 0, 0);
     bool m_bHasFont = false;
 };

@@ -4,48 +4,23 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <set>
 
-#include "tests/pictures/picturefile.h"
 #include "tests/pictures/scenepage.h"
+#include "tests/pictures/tests/storedpicture.h"
 
 namespace {
 
-std::filesystem::path GetStoredFolder() {
-    return std::filesystem::path(TEST_DATA_DIR) / "pictures" / "stored";
-}
-
 std::filesystem::path GetStoredFile(const CScene& rScene) {
     return GetStoredFolder() / (rScene.m_Name + ".png");
-}
-
-/// Where pictures of failed tests go.
-std::filesystem::path GetFailedFolder() {
-    return std::filesystem::path(TEST_BIN_DIR).parent_path() / "failed_pictures";
 }
 
 class PicturesTest : public testing::TestWithParam<CScene> {};
 
 TEST_P(PicturesTest, LooksAsStored) {
     const CScene& rScene = GetParam();
-    const CBitmap Actual = RenderScene(rScene);
-    if (std::getenv("ROTOR_TRIM_STORE_PICTURES") != nullptr) {
-        ASSERT_TRUE(SavePicture(Actual, GetStoredFile(rScene)));
-        GTEST_SKIP() << "stored";
-    }
-    CBitmap Stored;
-    ASSERT_TRUE(Stored.LoadPng(GetStoredFile(rScene).string())) << GetStoredFile(rScene);
-    const CPictureDifference Difference(Actual, Stored);
-    if (!Difference.IsAlike()) {
-        std::filesystem::create_directories(GetFailedFolder());
-        const std::string Base = (GetFailedFolder() / rScene.m_Name).string();
-        Actual.SavePng(Base + ".png");
-        Difference.m_Picture.SavePng(Base + ".difference.png");
-        FAIL() << rScene.m_Caption << ": " << Difference.ToText() << "; see " << Base << ".png and " << Base
-               << ".difference.png";
-    }
+    ExpectLooksAsStored(RenderScene(rScene), GetStoredFile(rScene), rScene.m_Caption);
 }
 
 INSTANTIATE_TEST_SUITE_P(Page, PicturesTest, testing::ValuesIn(GetScenes()),

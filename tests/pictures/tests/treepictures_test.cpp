@@ -12,7 +12,8 @@ namespace {
 class TreePicturesTest : public testing::TestWithParam<CTreeScene> {};
 
 TEST_P(TreePicturesTest, LooksAsStored) {
-    ExpectAsStored(RenderTreeScene(GetParam()), "tree", GetParam().m_Name, GetParam().m_Caption);
+    ExpectLooksAsStored(RenderTreeScene(GetParam()), GetStoredFolder("tree") / (GetParam().m_Name + ".png"),
+                        GetParam().m_Caption);
 }
 
 INSTANTIATE_TEST_SUITE_P(Tree, TreePicturesTest, testing::ValuesIn(GetTreeScenes()),
