@@ -174,6 +174,9 @@ void CFlexTable::Activate() {
     if (GetFocus() == this) {
         m_Box.SetFocus();
     }
+    if (GetFocus() != &m_Box) {
+        m_Box.SetSel(-1, 0);  // a selection would look as if the focus were here
+    }
 }
 
 void CFlexTable::PlaceBox() {

@@ -102,9 +102,7 @@ void CFlexTable::OnBox(int Code) {
             break;
         case EN_KILLFOCUS:
             Commit(CFlexTableItem::eFinished);
-            m_pActive->Activate(m_Box);
-            m_Box.SetSel(-1, 0);  // a selection would look as if the focus were here
-            Invalidate();
+            Activate();
             break;
         default:
             break;

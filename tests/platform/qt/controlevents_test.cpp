@@ -376,6 +376,14 @@ TEST_F(EditEventsTest, TypingReplacesTheSelectionAndIsTold) {
     EXPECT_EQ(m_List.m_Codes.size(), 2u) << "the program's text isn't told";
 }
 
+TEST_F(EditEventsTest, TheWheelGoesOnToWhatIsBeneath) {
+    Begin("12");
+    TurnWheel(GetWidget(), QPoint(5, 5), -120);
+    ASSERT_EQ(m_List.Of(WM_MOUSEWHEEL).size(), 1u);
+    EXPECT_EQ(GetPointParam(m_List.Of(WM_MOUSEWHEEL)[0].m_lParam), CPoint(15, 15));
+    EXPECT_EQ(m_Edit.GetWindowText(), "12");
+}
+
 TEST_F(EditEventsTest, CharactersOutsideTheBasicPlaneCountAsOne) {
     Begin("");
     Type(m_Edit, QString::fromUtf8("a😀b"));

@@ -70,6 +70,7 @@ TEST_F(FlexTableItemTest, TheBoxIsMadeOnFirstUseAndLiesInTheCell) {
 
 TEST_F(FlexTableItemTest, TheBoxBeginsWithTheValueAllOfItSelected) {
     m_Table.SetItemData(1, 1, 12.345);
+    m_Table.SetFocus();
     m_Table.MoveTo(1, 1);
     EXPECT_EQ(GetBox()->GetWindowText(), "12.35") << "without the unit";
     int nStart = -1;
@@ -81,6 +82,10 @@ TEST_F(FlexTableItemTest, TheBoxBeginsWithTheValueAllOfItSelected) {
     EXPECT_EQ(GetBox()->GetWindowText(), "Screw");
     GetBox()->GetSel(nStart, nEnd);
     EXPECT_EQ(nEnd - nStart, 5);
+    m_Page.SetFocus();
+    m_Table.MoveTo(1, 1);
+    GetBox()->GetSel(nStart, nEnd);
+    EXPECT_EQ(nEnd, nStart) << "without the focus it would look as if that were here";
 }
 
 TEST_F(FlexTableItemTest, TheBoxMovesAndScrollsWithItsCell) {

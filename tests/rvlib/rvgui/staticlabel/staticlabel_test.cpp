@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/system/virtualeventloop.h"
+#include "rvlib/rvgui/gradient.h"
 #include "tests/support/pixels.h"
 
 namespace {
@@ -44,6 +45,34 @@ TEST_F(StaticLabelTest, WithoutAFontNoTextIsDrawn) {
     m_Label.SetText("Label");
     EXPECT_EQ(CountPixels(Paint(), c_Orange), 100 * 30);
     EXPECT_EQ(m_Label.GetText(), "Label");
+}
+
+TEST_F(StaticLabelTest, TheTextIsTheWindowsTextForScreenReaders) {
+    m_Label.SetFont(CFont("Arial", 14));
+    m_Label.SetText("Label");
+    EXPECT_EQ(m_Label.GetWindowText(), "Label");
+    Paint();
+    m_Label.SetWindowText("");
+    EXPECT_EQ(m_Label.GetText(), "");
+    EXPECT_EQ(CountPixels(Paint(), c_Orange), 100 * 30) << "and is painted anew";
+}
+
+TEST_F(StaticLabelTest, TheGradientFillsTheWindowBehindTheText) {
+    m_Label.SetGradient(true, false);
+    CBitmap Expected;
+    Expected.Create(CSize(100, 30));
+    {
+        CDC DC(Expected);
+        Gui::FillGradient(DC, CRect(0, 0, 100, 30), c_Orange);
+        DC.SelectFont(CFont("Arial", 14));
+        DC.SetTextColor(RGB(0, 0, 128));
+        CRect Rect(10, 0, 100, 30);
+        DC.DrawText("Label", Rect, 36);
+    }
+    m_Label.SetText("Label");
+    m_Label.SetTextColor(RGB(0, 0, 128));
+    m_Label.SetFont(CFont("Arial", 14));
+    EXPECT_FALSE(FindDifference(Paint(), Expected));
 }
 
 TEST_F(StaticLabelTest, TheTextStandsTenPixelsFromTheLeftInTheMiddleOfTheHeight) {
