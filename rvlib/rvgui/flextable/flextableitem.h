@@ -76,7 +76,7 @@ public:
 
     void Activate(CEdit& rEdit) override {
         m_Former = m_Value;
-        m_Typed = m_Value;
+        m_Typed = m_Value;  // not what the box shows, which is rounded: a cell that is only passed keeps it
         CFlexTableItem::Activate(rEdit);
     }
 
@@ -86,8 +86,7 @@ public:
         }
         if (How == eAbandoned) {
             SetValue(m_Former);
-        } else if (IsEdited()) {
-            // Only then: the box shows a rounded value, and a cell that was only passed keeps its own.
+        } else {
             m_Value = m_Typed;
         }
     }
