@@ -327,7 +327,7 @@ TEST_F(FlexTableTest, OtherKeysAreNotTheTables) {
 
 TEST_F(FlexTableTest, TheParentIsToldWhenTheCursorMoves) {
     AddRows(2);
-    m_Page.OnNotification = [this](CNotification& rNotification) -> LRESULT {
+    m_Page.OnNotification = [this](CWndNotification& rNotification) -> LRESULT {
         EXPECT_EQ(rNotification.m_pFrom, &m_Table);
         EXPECT_EQ(rNotification.m_Id, 101u);
         return 0;
@@ -352,7 +352,7 @@ TEST_F(FlexTableTest, TheParentIsToldWhenTheCursorMoves) {
 TEST_F(FlexTableTest, TheParentFindsTheCursorInItsNewPlace) {
     AddRows(2);
     std::pair<unsigned, unsigned> Told;
-    m_Page.OnNotification = [&](CNotification&) -> LRESULT {
+    m_Page.OnNotification = [&](CWndNotification&) -> LRESULT {
         Told = GetCursor();
         return 0;
     };
@@ -364,13 +364,13 @@ TEST_F(FlexTableTest, TheParentFindsTheCursorInItsNewPlace) {
 
 TEST_F(FlexTableTest, TheParentMayMoveTheCursorOnOrEndTheTableWhenItIsTold) {
     AddRows(3);
-    m_Page.OnNotification = [this](CNotification&) -> LRESULT {
+    m_Page.OnNotification = [this](CWndNotification&) -> LRESULT {
         m_Table.MoveTo(2, 1);
         return 0;
     };
     Click(5, 5);
     EXPECT_THAT(GetCursor(), Pair(2, 1));
-    m_Page.OnNotification = [this](CNotification&) -> LRESULT {
+    m_Page.OnNotification = [this](CWndNotification&) -> LRESULT {
         m_Table.MoveOff();
         return 0;
     };
@@ -381,7 +381,7 @@ TEST_F(FlexTableTest, TheParentMayMoveTheCursorOnOrEndTheTableWhenItIsTold) {
         pTable->SetColumns({{CFlexTable::eString, "", ""}});
         pTable->AddRow();
         pTable->Create(&m_Page, CRect(0, 0, 100, 50), 102);
-        m_Page.OnNotification = [&pTable](CNotification&) -> LRESULT {
+        m_Page.OnNotification = [&pTable](CWndNotification&) -> LRESULT {
             pTable.reset();
             return 0;
         };
