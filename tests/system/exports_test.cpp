@@ -98,8 +98,8 @@ TEST_F(CExportsTest, WindowsComeAndGo) {
 // Also that nothing in the library keeps it from being unloaded, and that what it left queued is dropped.
 TEST_F(CExportsTest, UnloadDeletesTheWindowsLeft) {
     auto pLibrary = std::make_unique<CLibrary>();
-    // The library's publisher comes with it and outlives it: with the topics that it has, or tests behind this
-    // one would log what is asserted in doing so.
+    // The library's publisher comes with it and outlives it: with the topics that it has, or tests behind
+    // this one would log what is asserted in doing so.
     const CLogCapture Log(true);
     ASSERT_TRUE(pLibrary->m_pGetWindow()->Create(&m_Host, CRect(0, 0, 600, 440), 1));
     m_Host.GetChildren().front()->PostMessage(WM_RV_MODULEACTION, 102);
