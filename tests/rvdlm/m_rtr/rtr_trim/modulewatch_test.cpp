@@ -50,7 +50,12 @@ protected:
         Speed(3000);
         Act(102);
         Forget();
+        ForgetQuestions();
+    }
+    /// Also those that are still to be answered.
+    void ForgetQuestions() {
         m_Questions.clear();
+        m_New.clear();
     }
     void Put(std::vector<std::uint8_t> Frame) {
         Frame.insert(Frame.begin(), {0, 0, 0});
@@ -65,7 +70,8 @@ protected:
         Put({0x1C, eMaster, 0, static_cast<std::uint8_t>(RPM & 0xFFU), static_cast<std::uint8_t>(RPM >> 8U)});
     }
     void Reading(std::uint8_t Module) { Put({0x1E, Module, 0, 1, 0, 2, 0}); }
-    /// Lets time pass while modules report readings every 50 ms; those that answer do so at once.
+    /// Lets time pass while modules report readings every 50 ms; those that answer a question for their state
+    /// do so at once.
     void Pass(std::uint64_t Milliseconds, const std::vector<std::uint8_t>& rReporting,
               const std::vector<std::uint8_t>& rAnswering = {}) {
         for (std::uint64_t Passed = 0; Passed < Milliseconds; Passed += 50) {
@@ -74,8 +80,9 @@ protected:
             }
             m_Loop.Advance(50);
             for (const std::string& rQuestion : std::exchange(m_New, {})) {
-                const std::uint8_t Module = Bytes(rQuestion)[2];
-                if (std::ranges::find(rAnswering, Module) != rAnswering.end()) {
+                const std::vector<std::uint8_t> Question = Bytes(rQuestion);
+                const std::uint8_t Module = Question[2];
+                if (Question[0] == 0x08 && std::ranges::find(rAnswering, Module) != rAnswering.end()) {
                     Answer(Module, true);
                 }
             }
@@ -106,6 +113,17 @@ TEST_F(ModuleWatch, AsksForAStateThatIsASecondOldAndTheAnswerHasNoEffect) {
     EXPECT_THAT(m_Questions, testing::Each("08 01 05"));
     EXPECT_THAT(GetLockCalls(), IsEmpty());
     EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
+}
+
+TEST_F(ModuleWatch, AsksWhenSamplingBeginsHoweverNewTheStateIs) {
+    StartRun(eKestrelPlane1);
+    Pass(100, m_Modules);
+    State(eMaster, true);
+    m_Loop.Advance(1);
+    ASSERT_THAT(m_Questions, IsEmpty());
+    m_pWnd->PleaseQueryXYValuesNOW();
+    m_Loop.Advance(1);
+    EXPECT_THAT(m_Questions, Contains("08 01 05"));
 }
 
 TEST_F(ModuleWatch, LockWhoseReturnWasReportedInALostFrameIsFoundByAsking) {
@@ -172,6 +190,16 @@ TEST_F(ModuleWatch, SilentPlaneCountsAsOutOfLockWhateverTheOtherModuleSays) {
     EXPECT_THAT(m_Log.GetTexts("Warning"), ElementsAre("readings stay away: measuring waits"));
 }
 
+// No readings are expected there, so only the missing answers tell.
+TEST_F(ModuleWatch, ModuleThatAnswersNoMoreIsSilentOutOfLockToo) {
+    StartRun(eKestrelPlane1);
+    Pass(1500, m_Modules, m_Modules);
+    State(eMaster, false);
+    Pass(6000, {});
+    EXPECT_THAT(GetLockCalls(), ElementsAre("OutOfLock 1", "OutOfLock 1"));
+    EXPECT_THAT(m_Log.GetTexts("Warning"), ElementsAre("readings stay away: measuring waits"));
+}
+
 TEST_F(ModuleWatch, BehindASilenceTheStateIsHeardOfFirst) {
     StartRun(eKestrelTwoPlane);
     Pass(1000, m_Modules, m_Modules);
@@ -206,10 +234,23 @@ TEST_F(ModuleWatch, SecondRunOnTheSameDeadLineIsToldToo) {
     }
 }
 
+// What the run before left unanswered is no sign of a dead line in this one.
+TEST_F(ModuleWatch, RunBehindADeadLineIsNotSilentFromItsBeginning) {
+    StartRun(eKestrelPlane1);
+    Pass(1000, m_Modules, m_Modules);
+    Pass(5000, {});
+    Act(4501);
+    Act(102);
+    Forget();
+    Pass(1000, {});
+    Pass(3000, m_Modules, m_Modules);
+    EXPECT_THAT(GetLockCalls(), IsEmpty());
+}
+
 TEST_F(ModuleWatch, SpindleAtRestMayBeSilentAndIsNotAskedFor) {
     StartRun(eKestrelPlane1);
     Speed(0);
-    m_Questions.clear();
+    ForgetQuestions();
     Pass(60000, {});
     EXPECT_THAT(m_Questions, IsEmpty());
     EXPECT_THAT(GetLockCalls(), IsEmpty());
@@ -225,7 +266,7 @@ TEST_F(ModuleWatch, NothingIsAskedWhereTheStateDoesNotMatter) {
 TEST_F(ModuleWatch, NothingIsAskedOnceTheHostHasEndedTheRun) {
     StartRun(eKestrelPlane1);
     m_pWnd->SendMessage(WM_RV_DESTROYPENDING);
-    m_Questions.clear();
+    ForgetQuestions();
     Pass(10000, m_Modules);
     EXPECT_THAT(m_Questions, IsEmpty());
 }

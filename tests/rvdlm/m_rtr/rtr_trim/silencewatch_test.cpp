@@ -77,6 +77,26 @@ TEST_F(SilenceWatchOnce, SpindleAtRestMayBeSilent) {
     EXPECT_TRUE(PassTo(m_Now + 400, 0));
 }
 
+TEST_F(SilenceWatchOnce, SilenceEndsWhenTheSpindleStops) {
+    Turn();
+    PassTo(1000, 50);
+    ASSERT_TRUE(PassTo(3000, 0));
+    m_Watch.OnConditions(m_Now, false, true);
+    EXPECT_FALSE(m_Watch.IsSilent());
+    Turn();
+    EXPECT_FALSE(PassTo(m_Now + 900, 0));
+}
+
+TEST_F(SilenceWatchOnce, RestIsNoPeriod) {
+    Turn();
+    PassTo(1001, 50);
+    m_Watch.OnConditions(m_Now, false, true);
+    m_Now = 4000;
+    Turn();
+    m_Watch.OnReading(m_Now, true);
+    EXPECT_EQ(m_Watch.GetLimit(), CSilenceWatch::eShortestLimit);
+}
+
 TEST_F(SilenceWatchOnce, NothingIsExpectedOutOfLock) {
     Turn(false);
     EXPECT_FALSE(PassTo(100000, 0));
@@ -110,6 +130,15 @@ TEST_F(SilenceWatchOnce, AnswersSayNothingOfThePeriod) {
     m_Watch.OnReading(15000, true);
     EXPECT_EQ(m_Watch.GetLimit(), Limit);
     EXPECT_EQ(Limit, 6750U);
+}
+
+// Only the first answer to a question that was repeated is told as one.
+TEST_F(SilenceWatchOnce, FurtherAnswersToARepeatedQuestionAreNoReports) {
+    Turn();
+    m_Watch.OnReading(3000, false);
+    m_Watch.OnReading(3500, true);
+    m_Watch.OnReading(4000, true);
+    EXPECT_EQ(m_Watch.GetLimit(), 6750U);
 }
 
 TEST_F(SilenceWatchOnce, OutageIsNoPeriod) {

@@ -75,6 +75,12 @@ TEST_F(StateQuestion, SpindleThatStopsOvertakesToo) {
     EXPECT_FALSE(Put(1700, eAnswerUnlocked));
 }
 
+TEST_F(StateQuestion, StateLongBehindItsQuestionIsNoAnswer) {
+    Put(0, eReportInLock);
+    Ask(1000);
+    EXPECT_TRUE(Put(1000 + CStateQuestion::eAnswerLife + 1, eAnswerInLock));
+}
+
 // What the module reports by itself passes, whatever is asked and unanswered.
 TEST_F(StateQuestion, ReportsOfAModuleThatDoesNotAnswerPassAtOnce) {
     for (std::uint64_t Now = 0; Now < 10000; Now += 1000) {
@@ -137,4 +143,14 @@ TEST_F(StateQuestion, ModuleThatReportsButAnswersNoMoreIsNotDeadEither) {
     Ask(1000);
     Put(2600, eReading);
     EXPECT_FALSE(m_Question.IsDead(9000));
+}
+
+TEST_F(StateQuestion, WhatWasAskedBeforeARunSaysNothingInIt) {
+    Ask(0);
+    Put(3, eAnswerInLock);
+    Ask(1100);
+    ASSERT_TRUE(m_Question.IsDead(5000));
+    m_Question.Begin();
+    EXPECT_FALSE(m_Question.IsDead(5000));
+    EXPECT_TRUE(m_Question.IsDue(1101)) << "at once";
 }
