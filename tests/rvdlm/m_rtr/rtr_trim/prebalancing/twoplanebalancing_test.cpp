@@ -424,36 +424,30 @@ TEST_F(TwoPlaneTest, Plane1WithoutInfluenceFailsWithWarningFive) {
     EXPECT_EQ(m_Wnd.m_WarningModes.back(), 5U);
 }
 
-// Weights that stand as in the first measurement can have no effect, also if they have changed places. The
-// mathematics doesn't look; the operator is told behind the leg that it happened in.
+// Weights that stand as in the first measurement can have no effect, also if they have changed places, or
+// were opposed and are opposed again. The mathematics doesn't look; the operator is told behind the leg that
+// it happened in.
 TEST_F(TwoPlaneTest, TestWeightsOfPlane1ThatWereNotMovedFailBehindTheirLeg) {
-    for (const auto& [First, Second] : {std::pair(10, 190), std::pair(190, 10)}) {
-        Make();
-        m_pMethod1->m_Positions = math::MakeVector(First, Second);
-        Reach(S::ePlane1TestUnbalanceMeasurement);
-        CompleteMeasurement();
-        Next();
+    for (const auto& rPositions : {MakeVector(10, 190), MakeVector(190, 10), MakeVector(50, 230)}) {
+        TestPlane1(rPositions);
         EXPECT_EQ(GetState(), S::eFailureWithReset);
         EXPECT_EQ(m_Wnd.m_WarningModes.back(), 5U);
     }
 }
 
 TEST_F(TwoPlaneTest, TestWeightsOfPlane2ThatWereNotMovedFailBehindTheirLeg) {
-    m_pMethod2->m_Positions = math::MakeVector(210, 30);
-    Reach(S::ePlane2TestUnbalanceMeasurement);
-    EXPECT_EQ(GetState(), S::ePlane2TestUnbalanceMeasurement);
-    CompleteMeasurement();
-    Next();
-    EXPECT_EQ(GetState(), S::eFailureWithReset);
-    EXPECT_EQ(m_Wnd.m_WarningModes.back(), 5U);
+    for (const auto& rPositions : {MakeVector(30, 200), MakeVector(200, 30)}) {
+        TestPlane2(rPositions);
+        EXPECT_EQ(GetState(), S::eFailureWithReset);
+        EXPECT_EQ(m_Wnd.m_WarningModes.back(), 5U);
+    }
 }
 
 TEST_F(TwoPlaneTest, TestWeightMovedByADegreeCounts) {
-    m_pMethod1->m_Positions = math::MakeVector(10, 191);
-    Reach(S::ePlane1TestUnbalanceMeasurement);
-    CompleteMeasurement();
-    Next();
+    TestPlane1(MakeVector(10, 191));
     EXPECT_EQ(GetState(), S::ePlane2TestUnbalanceSpindleStop);
+    TestPlane2(MakeVector(31, 200));
+    EXPECT_EQ(GetState(), S::ePreBalanceSpindleStop);
 }
 
 TEST_F(TwoPlaneTest, ModuleStateMattersButWhereTheRunWaitsForTheSpindleToStop) {
@@ -608,9 +602,28 @@ TEST_F(TwoPlaneTest, StoredPositionsAreAdoptedInBothPlanes) {
     Key(K::ePositionAdoption);
     EXPECT_EQ(GetState(), S::eNeutralPosRPMStart);
     EXPECT_EQ(GetSteps(), std::make_pair(3U, 16U));
-    EXPECT_THAT(TakeCalls(), Contains("Math.SetRawUnbalanceVectorsAngles 10,190 30,210 1 0"));
+    EXPECT_THAT(TakeCalls(), Contains("Math.SetRawUnbalanceVectorsAngles 11,22 33,44 1 0"));
     EXPECT_TRUE(m_pMethod1->m_Positions == MakeVector(11, 22));
     EXPECT_TRUE(m_pMethod2->m_Positions == MakeVector(33, 44));
+}
+
+// The first measurement is made at the adopted positions, so test weights there haven't been moved.
+TEST_F(TwoPlaneTest, TestWeightsThatStandAsAdoptedFailTheirLeg) {
+    Reach(S::ePreBalanceMeasurement);
+    m_pSequence->CommitChanges();
+    Reach(S::eNeutralPosSpindleStop);
+    Key(K::ePositionAdoption);
+    m_pSequence->CurrentRPM(eSpeed);
+    m_pSequence->OutOfLock(0);
+    m_pSequence->InvalidRPM(0);
+    Next();
+    CompleteMeasurement();
+    Next();
+    StopSpindle();
+    ASSERT_EQ(GetState(), S::ePlane1TestUnbalanceSetWeights);
+    FinishTestLeg();
+    EXPECT_EQ(GetState(), S::eFailureWithReset);
+    EXPECT_EQ(m_Wnd.m_WarningModes.back(), 5U);
 }
 
 TEST_F(TwoPlaneTest, StoredPositionsOfOnePlaneAreNotOffered) {

@@ -136,7 +136,7 @@ protected:
         m_pMethod1->m_Positions = math::MakeVector(11, 22);
         m_pMethod2->m_Positions = math::MakeVector(33, 44);
         m_pMethod1->m_FirstPositions = math::MakeVector(10, 190);
-        m_pMethod2->m_FirstPositions = math::MakeVector(30, 210);
+        m_pMethod2->m_FirstPositions = math::MakeVector(30, 200);  // not quite opposed
         m_pMethod2->m_UA = math::MakeVector(-0.5, 0.125);
         m_pMethod2->m_Scaling = PreBalDB::CTypeBase::eClockwise;
         m_pMethod1->m_bHasPositions = m_Means1 == PreBalDB::CCompensationTableEntry::eWeights;
@@ -146,6 +146,24 @@ protected:
     }
     void MakeAnew() override { Make(); }
     void SetComplete(bool bComplete) override { m_pMath->m_bComplete = {bComplete, bComplete}; }
+    /// A new procedure's test leg of a plane, up to its verdict, with the weights at these positions. Those
+    /// of a leg before it are moved.
+    void TestPlane1(const math::matrix<double>& rPositions) {
+        Reach(S::ePlane1TestUnbalanceSetWeights);
+        m_pMethod1->m_Positions = rPositions;
+        FinishTestLeg();
+    }
+    void TestPlane2(const math::matrix<double>& rPositions) {
+        Reach(S::ePlane2TestUnbalanceSetWeights);
+        m_pMethod2->m_Positions = rPositions;
+        FinishTestLeg();
+    }
+    void FinishTestLeg() {
+        Next();
+        m_pSequence->CurrentRPM(eSpeed);
+        CompleteMeasurement();
+        Next();
+    }
     /// A measurement of this plane alone that is over or within the target, in a final state.
     void ShowReadings(std::int16_t Plane1, std::int16_t Plane2) {
         m_pSequence->CurrentXYValuePlane1(Plane1, 0);

@@ -138,7 +138,7 @@ std::vector<CEntryRow> MakeEntryRows() {
         {2, 0, 0, 0, {"Math.GetPrebalanceResult", "SetBalancingActivity 0", "WarningModeChanged 0", "1:SetDisplayMode eEmpty", "2:SetDisplayMode eEmpty", "SetMenu 4", "PreBalNotification 5 0", "WarningModeChanged 5"}},
         {3, 1, 16, 1, {"Math.SetRawUnbalanceVectors 1 0", "SetBalancingActivity 1", "WarningModeChanged 0", "1:SetDisplayMode eNeutralPosition", "1:SetDisplayMode eInactive", "2:SetDisplayMode eNeutralPosition", "2:SetDisplayMode eInactive", "SetMenu 28", "PreBalNotification 3 3"}},
         {4, 1, 15, 3, {"Math.SetRawUnbalanceVectors 1 0", "SetBalancingActivity 1", "WarningModeChanged 0", "1:SetDisplayMode eNeutralPosition", "2:SetDisplayMode eNeutralPosition", "SetMenu 30", "PreBalNotification 3 4"}},
-        {5, 2, 15, 5, {"Math.SetRawUnbalanceVectorsAngles 10,190 30,210 1 0", "WarningModeChanged 0", "WarningModeChanged 3", "1:SetDisplayMode eInactive", "2:SetDisplayMode eInactive", "SetMenu 4", "PreBalNotification 3 0"}},
+        {5, 2, 15, 5, {"Math.SetRawUnbalanceVectorsAngles 10,190 30,200 1 0", "WarningModeChanged 0", "WarningModeChanged 3", "1:SetDisplayMode eInactive", "2:SetDisplayMode eInactive", "SetMenu 4", "PreBalNotification 3 0"}},
         {6, 3, 15, 6, {"WarningModeChanged 0", "1:SetDisplayMode eMeasurementValues", "2:SetDisplayMode eMeasurementValues", "SetMenu 4", "PreBalNotification 3 5"}},
         {7, 4, 15, 2, {"Math.ApplyNeutralPositionXYValues", "WarningModeChanged 0", "1:SetDisplayMode eTestUnbalance", "1:SetDisplayMode eInactive", "2:SetDisplayMode eInactive", "SetMenu 4", "PreBalNotification 3 3"}},
         {8, 5, 15, 7, {"WarningModeChanged 0", "1:SetPlainDisplayMode eTestUnbalance", "2:SetDisplayMode eInactive", "SetMenu 110", "PreBalNotification 3 4"}},
