@@ -181,9 +181,10 @@ INSTANTIATE_TEST_SUITE_P(
         CBadCase{R"({"modules": "lanner", "swap": 1})", "swap must be true or false, not 1"},
         CBadCase{R"({"swap": true})", "swap goes with modules lanner only"},
         CBadCase{R"({"seed": 1.5})", "seed must be a whole number of 0 or more, not 1.5"},
-        CBadCase{R"([])",
-                 "the whole must be an object with the fields modules, rotation, speed_rpm, ramp_rpm_per_s, "
-                 "planes, influence, noise_counts, scale, holes, seed, swap, not an array of 0"},
+        CBadCase{
+            R"([])",
+            "the whole must be an object with the fields modules, rotation, speed_rpm, ramp_rpm_per_s, "
+            "planes, influence, noise_counts, scale, holes, seed, swap, report_period_ms, not an array of 0"},
         CBadCase{R"({"planes": [{"unbalanse": {}}]})",
                  "unknown field \"planes[0].unbalanse\", known here: unbalance"},
         CBadCase{R"({"planes": [{"unbalance": {"angle": 1}}]})",
