@@ -173,9 +173,9 @@ int main(int argc, char** argv) {
         return Refuse(
             "There is no display: set DISPLAY, or run the procedure automatically with --headless.");
     }
-    CEndSignals Signals;
-    Options->m_GetEndRequest = CEndSignals::GetName;
     try {
+        CEndSignals Signals;
+        Options->m_GetEndRequest = CEndSignals::GetName;
         CTemporaryDirectory::RemoveLeftovers();
         const auto pRuntimeDirectory = ProvideRuntimeDirectory();
         QApplication App(argc, argv);

@@ -42,5 +42,6 @@ struct CDeltaPosNotification : CWndNotification {
 
 /// The notification in the lParam of message 78. Its code tells of what derived class it is.
 inline CWndNotification& GetNotification(LPARAM lParam) {
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): a message's parameters are whole numbers
     return *reinterpret_cast<CWndNotification*>(lParam);
 }
