@@ -195,7 +195,7 @@ int main(int argc, char** argv) {
     } catch (const CBrokenOff& rError) {
         std::fprintf(stderr, "%s\n", rError.what());
         return eExitFailed;
-    } catch (const std::runtime_error& rError) {
+    } catch (const std::exception& rError) {
         return Refuse(rError.what());
     }
 }

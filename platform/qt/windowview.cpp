@@ -64,7 +64,7 @@ CMirror& CWindowView::Provide(CWnd& rWnd) {
 }
 
 void CWindowView::FollowTree(CWnd& rWnd) {
-    OnWindowChanged(rWnd);
+    CWindowView::OnWindowChanged(rWnd);  // by name: the constructor comes here, too
     for (CWnd* pChild : rWnd.GetChildren()) {
         FollowTree(*pChild);
     }

@@ -84,8 +84,11 @@ private:
         for (const std::string& rField : rFields) {
             const CDirectSQL::CValue* const pStored = Find(m_rStored.m_Now, rField);
             const CDirectSQL::CValue* const pMemory = Find(m_rMemory.m_Now, rField);
-            m_Result.m_Values[rField] =
-                pStored == nullptr || (bTakeMemory && pMemory != nullptr) ? *pMemory : *pStored;
+            const CDirectSQL::CValue* const pTaken =
+                pStored == nullptr || (bTakeMemory && pMemory != nullptr) ? pMemory : pStored;
+            if (pTaken != nullptr) {
+                m_Result.m_Values[rField] = *pTaken;
+            }
         }
         if (bTakeMemory) {
             return Winner::eMemory;

@@ -62,6 +62,16 @@ std::string GetOptionNames() {
     return Names;
 }
 
+CDatabaseError MakeUnknownOptionError(const std::string& rSubject, const std::string& rOption) {
+    return CDatabaseError(rSubject + "the option \"" + rOption + "\" isn't known; known are " +
+                          GetOptionNames());
+}
+
+CDatabaseError MakeSemicolonError(const std::string& rSubject, const std::string& rOption) {
+    return CDatabaseError(rSubject + "the value of the option \"" + rOption +
+                          "\" holds a semicolon, which can't be passed on; give one without");
+}
+
 /// A value as the client library reads it, in quotes.
 QString Quote(QString Value) {
     return "'" + Value.replace("\\", "\\\\").replace("'", "\\'") + "'";
@@ -90,13 +100,11 @@ CPostgresUrl CPostgresUrl::Parse(const std::string& rUrl) {
     for (const auto& [rName, rValue] : QUrlQuery(Parsed).queryItems(QUrl::FullyDecoded)) {
         const std::string Name = rName.toStdString();
         if (std::ranges::none_of(Options, [&](const COption& rOption) { return Name == rOption.m_pName; })) {
-            throw CDatabaseError(Subject + "the option \"" + Name + "\" isn't known; known are " +
-                                 GetOptionNames());
+            throw MakeUnknownOptionError(Subject, Name);
         }
         // The driver takes it for the end of an option.
         if (rValue.contains(';')) {
-            throw CDatabaseError(Subject + "the value of the option \"" + Name +
-                                 "\" holds a semicolon, which can't be passed on; give one without");
+            throw MakeSemicolonError(Subject, Name);
         }
         Values[rName] = rValue;
     }
