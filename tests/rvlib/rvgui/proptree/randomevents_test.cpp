@@ -253,10 +253,10 @@ private:
         }
     }
     LRESULT Answer(const CWndNotification& rNotification) {
-        auto* const pItem = static_cast<const CTreeNotification&>(rNotification).m_pItem;
-        if (m_nDepth > 2) {
+        if (m_nDepth > 2 || rNotification.m_pFrom != m_pTree.get()) {
             return 0;
         }
+        auto* const pItem = static_cast<const CTreeNotification&>(rNotification).m_pItem;
         ++m_nDepth;
         // A commit is told with a value within its limits.
         if (rNotification.m_Code == CPropTree::eItemChanged && !pItem->IsActive()) {

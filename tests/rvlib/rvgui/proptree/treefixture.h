@@ -39,6 +39,9 @@ protected:
 
     explicit CTreeFixture(CPropTree::Mode Mode = CPropTree::eNormalMode) {
         m_Page.OnNotification = [this](CWndNotification& rNotification) -> LRESULT {
+            if (rNotification.m_pFrom != m_pTree.get()) {
+                return 0;  // of a box that lies over a value
+            }
             const auto& rTold = static_cast<const CTreeNotification&>(rNotification);
             m_Told.push_back({rTold.m_Code, rTold.m_pItem});
             return OnTold ? OnTold(rTold.m_Code, rTold.m_pItem) : 0;
