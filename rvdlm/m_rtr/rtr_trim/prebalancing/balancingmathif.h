@@ -1,5 +1,4 @@
 #pragma once
-#include <cstddef>
 #include <cstdint>
 
 #include "platform/rvmdb/typebase.h"
@@ -73,10 +72,6 @@ public:
     /// The compensation that the smoothed readings ask for. It becomes the one to start from: a further call
     /// corrects from here, unlike in one plane.
     virtual void GetRebalanceResult(Matrix& rUAPlane1, Matrix& rUAPlane2) = 0;
-    /// Whether the test weights of that leg (0: plane 1, 1: plane 2), which is measured, changed the reading
-    /// of any plane at all. Nothing is calculated from it: a leg for which it is false makes the system
-    /// singular, which shows behind the second leg only.
-    virtual bool HasTestEffect(std::size_t Leg) const = 0;
 
     void SetMatricesAndGetRebalanceResult(const Matrix& rInvA, const Matrix& rStoredUAPlane1,
                                           const Matrix& rStoredUAPlane2, Matrix& rUAPlane1,

@@ -237,18 +237,18 @@ void CTwoPlaneBalancing::SetTestPositions(std::size_t Leg) {
 }
 
 std::uint32_t CTwoPlaneBalancing::FinishTestRun(std::size_t Leg, CCalibration& rCalibration) {
+    // The mathematics doesn't look at the weights' effect. Weights that weren't moved can have none, and that
+    // is told right behind their own leg.
     std::uint32_t Status = 0;
     if (Leg == ePlane1) {
         m_pMath->ApplyTestPlusRawUnbalanceXYValuesCase1(Status);
-    } else {
-        rCalibration.m_InvA.SetSize(4, 4);
-        rCalibration.m_UA.assign(2, Matrix(2, 1));
-        m_pMath->GetPrebalanceResult(rCalibration.m_InvA, rCalibration.m_UA[ePlane1],
-                                     rCalibration.m_UA[ePlane2], Status);
+        return m_bTestChanges.at(Leg) ? Status : eNoInfluence;
     }
-    // The status doesn't look at the weights' effect. Weights that weren't moved can have none, and readings
-    // that didn't change at all show none: that is told right behind their own leg.
-    return m_bTestChanges.at(Leg) && m_pMath->HasTestEffect(Leg) ? Status : eNoInfluence;
+    rCalibration.m_InvA.SetSize(4, 4);
+    rCalibration.m_UA.assign(2, Matrix(2, 1));
+    m_pMath->GetPrebalanceResult(rCalibration.m_InvA, rCalibration.m_UA[ePlane1], rCalibration.m_UA[ePlane2],
+                                 Status);
+    return m_bTestChanges.at(Leg) ? Status : eNoInfluence;
 }
 
 bool CTwoPlaneBalancing::IsTestChange(std::size_t Plane, const Matrix* pPositions) const {

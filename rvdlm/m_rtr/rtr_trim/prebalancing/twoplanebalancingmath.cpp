@@ -143,15 +143,6 @@ void CTwoPlaneBalancingMath::SetTestUnbalanceVectorCase2(const Matrix* pTestUnba
     m_Plane2.SetTestWeightAngles(CPlane::eDirect, Positions);
 }
 
-bool CTwoPlaneBalancingMath::HasTestEffect(std::size_t Leg) const {
-    const CPlane& rOwn = Leg == 0 ? static_cast<const CPlane&>(m_Plane1) : m_Plane2;
-    const CPlane& rOther = Leg == 0 ? static_cast<const CPlane&>(m_Plane2) : m_Plane1;
-    // Not a number, as with weights that weren't moved, is no effect either.
-    return math::VectorLength(rOwn.GetOwnWeightUnbalance()) +
-               math::VectorLength(rOther.GetCrossWeightUnbalance()) >
-           0.0;
-}
-
 int CTwoPlaneBalancingMath::BuildMatrices() {
     m_A.SetSize(4, 4);
     PutBlock(m_A, 0, 0, m_Plane1.GetAlphaDirect());

@@ -36,7 +36,6 @@ public:
                              std::uint32_t& rStatus) override;
     void SetMathMatrices(Matrix InvA, Matrix UAPlane1, Matrix UAPlane2) override;
     void GetRebalanceResult(Matrix& rUAPlane1, Matrix& rUAPlane2) override;
-    bool HasTestEffect(std::size_t Leg) const override;
 
     const CPlane& GetPlane1() const { return m_Plane1; }
     const CPlane& GetPlane2() const { return m_Plane2; }

@@ -307,26 +307,6 @@ TEST(TwoPlaneBalancingMath, SingularSystemAtFirstGivesZeroWithStatusZero) {
     EXPECT_THAT(Log.GetTexts("Warning"), Contains("m_A is singular!!"));
 }
 
-TEST(TwoPlaneBalancingMath, TestThatChangesAReadingOfEitherPlaneHasAnEffect) {
-    const Complex None(40, 0);
-    const Complex Changed(41, 0);
-    const struct {
-        Readings m_Readings;
-        bool m_bLeg1;
-        bool m_bLeg2;
-    } Cases[] = {{{{{None, None}, {None, None}, {Changed, None}}}, false, true},
-                 {{{{None, None}, {None, Changed}, {None, Changed}}}, true, false},
-                 {{{{None, None}, {Changed, None}, {Changed, Changed}}}, true, true},
-                 {{{{None, None}, {None, None}, {None, None}}}, false, false}};
-    for (const auto& rCase : Cases) {
-        CTwoPlaneBalancingMath Math(eSamples);
-        Math.SetRotationDirectionPlane1(CCW);
-        RunMath(Math, rCase.m_Readings, nullptr, nullptr, CW, CW);
-        EXPECT_EQ(Math.HasTestEffect(0), rCase.m_bLeg1);
-        EXPECT_EQ(Math.HasTestEffect(1), rCase.m_bLeg2);
-    }
-}
-
 TEST(TwoPlaneBalancingMath, SingularSystemLaterGoesOnWithTheLastInverse) {
     CTwoPlaneBalancingMath Math(eSamples);
     Math.SetRotationDirectionPlane1(CCW);

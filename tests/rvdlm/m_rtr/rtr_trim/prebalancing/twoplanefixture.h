@@ -63,8 +63,6 @@ public:
         rUAPlane2 = m_RebalanceUA2;
     }
 
-    bool HasTestEffect(std::size_t Leg) const override { return m_bTestEffects.at(Leg); }
-
     static Matrix MakeDiagonal(double Value) {
         Matrix Result = math::MakeNull(4, 4);
         for (std::uint32_t i = 0; i < 4; ++i) {
@@ -75,7 +73,6 @@ public:
 
     std::vector<std::pair<int, int>> m_Samples;
     std::array<bool, 2> m_bComplete{};
-    std::array<bool, 2> m_bTestEffects{true, true};
     std::uint32_t m_Case1Status = 0;
     std::uint32_t m_Status = 0;
     Matrix m_InvA = MakeDiagonal(3.0);
