@@ -32,8 +32,8 @@ public:
     std::function<void(const std::string&)> OnProgress;
     /// Takes what people have to know even if they don't follow it.
     std::function<void(const std::string&)> OnTrouble;
-    /// Called when the situation has changed, after it was recorded. If it runs the loop, whoever drives the run
-    /// waits until it has returned.
+    /// Called when the situation has changed, after it was recorded. If it runs the loop, whoever drives the
+    /// run waits until it has returned.
     std::function<void(const CSituation&)> OnSituation;
     /// Called after a recording that was asked for by RecordLater.
     std::function<void()> OnRecorded;
