@@ -14,6 +14,7 @@
 #include "tests/opcua/children.h"
 #include "tests/opcua/ncserver.h"
 #include "tests/opcua/usableclock.h"
+#include "tests/support/testpaths.h"
 
 using nlohmann::json;
 using testing::AnyOf;
@@ -63,7 +64,7 @@ TEST(OpcFaults, TheRunGoesOnFromThePanelWhateverBecomesOfTheNc) {
     ASSERT_NO_FATAL_FAILURE(Nc.Start());
     COptions Options;
     Options.m_bHeadless = true;
-    Options.m_ModuleLibrary = TEST_BIN_DIR "/librtr_trim.so";
+    Options.m_ModuleLibrary = TestProgram("librtr_trim.so");
     Options.m_Opc = Nc.GetSetup();
     CRotorFile Rotor = CRotorFile::GetBuiltIn(CRotorFile::eKestrel);
     Rotor.m_RampRpmPerS = 100000.0;
@@ -152,7 +153,7 @@ TEST(OpcFaults, ReadingTheTestWeightEndsWithoutAnNc) {
     ASSERT_NO_FATAL_FAILURE(Nc.Start());
     COptions Options;
     Options.m_bHeadless = true;
-    Options.m_ModuleLibrary = TEST_BIN_DIR "/librtr_trim.so";
+    Options.m_ModuleLibrary = TestProgram("librtr_trim.so");
     Options.m_Opc = Nc.GetSetup();
     Options.m_Methods = {"screws"};
     Options.m_ScrewTable = {1.0, 2.0, 3.0};

@@ -13,6 +13,7 @@
 #include "simulator/machineclient.h"
 #include "tests/opcua/children.h"
 #include "tests/opcua/ncserver.h"
+#include "tests/support/testpaths.h"
 
 using nlohmann::json;
 using testing::IsEmpty;
@@ -31,7 +32,7 @@ public:
         m_Console.setProcessChannelMode(QProcess::MergedChannels);
         EndWithUs(m_Console);
         m_Console.start(
-            TEST_BIN_DIR "/console",
+            QString::fromStdString(TestProgram("console")),
             QStringList{"--headless", "--nc", "opcua", "--rotor", Rotor, "--config-dir",
                         m_Directory.filePath("root"), "--report", m_Directory.filePath("report.json")} +
                 rArguments);
@@ -148,7 +149,7 @@ TEST(NcRun, TheMachineIsLeftBalanced) {
     EndWithUs(Machine);
     const QString Rotor = Directory.filePath("machine.json");
     std::ofstream(Rotor.toStdString()) << "{" << QUICK << "}";
-    Machine.start(TEST_BIN_DIR "/simulator",
+    Machine.start(QString::fromStdString(TestProgram("simulator")),
                   {"--frames", "tcp:127.0.0.1:0", "--machine", "tcp:127.0.0.1:0", "--rotor", Rotor});
     std::map<QString, QString> Links;
     while (Links.size() < 2 && (Machine.canReadLine() || Machine.waitForReadyRead(CNcServer::ePatience))) {

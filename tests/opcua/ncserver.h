@@ -18,6 +18,7 @@
 #include "platform/rvopc/prebalinterfacetoncwarnings.h"
 #include "platform/system/eventloop.h"
 #include "tests/opcua/children.h"
+#include "tests/support/testpaths.h"
 
 /// The NC simulator without a part program: a test writes its items by hand and sees what the module writes.
 class CNcServer {
@@ -39,7 +40,7 @@ public:
         m_Values.clear();
         m_Buffer.clear();
         m_Listening = nullptr;
-        m_Process.start(TEST_BIN_DIR "/nc-simulator",
+        m_Process.start(QString::fromStdString(TestProgram("nc-simulator")),
                         {"--json", "--port", QString::number(m_Port), "--pki", m_Directory.filePath("nc")});
         const auto IsListening = [this] {
             Read();
@@ -65,7 +66,7 @@ public:
             {CPreBalInterfaceToNCWarnings::ms_pKey, rItems.at("Warning")},
             {CPreBalInterfaceFromNcTestWeight::ms_pKey, rItems.at("TestWeight")}};
         Setup.m_PkiDirectory = m_Directory.filePath("pki").toStdString();
-        Setup.m_GatewayProgram = TEST_BIN_DIR "/opc-gateway";
+        Setup.m_GatewayProgram = TestProgram("opc-gateway");
         return Setup;
     }
 

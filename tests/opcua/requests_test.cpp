@@ -9,6 +9,7 @@
 #include "simulator/simulator.h"
 #include "tests/opcua/ncserver.h"
 #include "tests/support/logcapture.h"
+#include "tests/support/testpaths.h"
 
 using nlohmann::json;
 using testing::Contains;
@@ -24,7 +25,7 @@ protected:
     CRequestsTest() {
         m_Nc.Start();
         m_Options.m_bHeadless = true;
-        m_Options.m_ModuleLibrary = TEST_BIN_DIR "/librtr_trim.so";
+        m_Options.m_ModuleLibrary = TestProgram("librtr_trim.so");
         m_Options.m_Opc = m_Nc.GetSetup();
     }
     void Open() {

@@ -14,6 +14,7 @@
 #include "platform/rvcom/bytelink.h"
 #include "platform/rvcom/linediscipline.h"
 #include "simulator/machineclient.h"
+#include "tests/support/testpaths.h"
 
 namespace {
 
@@ -36,7 +37,7 @@ protected:
         for (const std::string& rArgument : rArguments) {
             Arguments.append(QString::fromStdString(rArgument));
         }
-        m_Process.start(TEST_BIN_DIR "/simulator", Arguments);
+        m_Process.start(QString::fromStdString(TestProgram("simulator")), Arguments);
     }
     /// The next line that it prints.
     std::string ReadLine() {

@@ -1,4 +1,5 @@
 #include "simulator/rotorfile.h"
+#include "tests/support/testpaths.h"
 
 #include <gmock/gmock.h>
 
@@ -246,8 +247,7 @@ TEST(RotorFileTest, AFileThatIsNotThereIsNamed) {
 
 // The samples that come with the simulator are good, and the one called default is the built-in one.
 TEST(RotorFileTest, TheSamplesCanBeRead) {
-    const std::filesystem::path Folder =
-        std::filesystem::path(TEST_DATA_DIR).parent_path() / "simulator/rotors";
+    const std::filesystem::path Folder = TestData("../simulator/rotors");
     int nFiles = 0;
     for (const auto& rEntry : std::filesystem::directory_iterator(Folder)) {
         std::string Error;

@@ -13,6 +13,7 @@
 
 #include "platform/qt/qteventloop.h"
 #include "tests/support/tempdirectory.h"
+#include "tests/support/testpaths.h"
 
 namespace fs = std::filesystem;
 using nlohmann::json;
@@ -36,7 +37,7 @@ public:
         Environment.insert("QT_QPA_PLATFORM", "offscreen");
         Environment.remove("XDG_RUNTIME_DIR");
         m_Process.setProcessEnvironment(Environment);
-        m_Process.start(TEST_BIN_DIR "/console",
+        m_Process.start(QString::fromStdString(TestProgram("console")),
                         rArguments + QStringList{"--report", QString::fromStdString(GetReportFile())});
     }
     ~CConsoleProgram() {
@@ -132,7 +133,7 @@ TEST_F(ConsoleProgramTest, BrokenOffWhileTheModuleIsAwaitedItEndsTheSameWay) {
     QProcess Simulator;
     const QString Rotor = QString::fromStdString(Directory.At("rotor.json"));
     std::ofstream(Rotor.toStdString()) << "{}";
-    Simulator.start(TEST_BIN_DIR "/simulator",
+    Simulator.start(QString::fromStdString(TestProgram("simulator")),
                     {"--frames", "tcp:127.0.0.1:0", "--rotor", Rotor, "--addresses", "77"});
     ASSERT_TRUE(m_Loop.RunUntil([&] { return Simulator.canReadLine(); }, TIMEOUT));
     const QString Link = QString::fromUtf8(Simulator.readLine()).trimmed().remove("frames on ");

@@ -15,13 +15,14 @@
 #include "tests/support/opcstate.h"
 #include "tests/support/recordinghost.h"
 #include "tests/support/testinstallation.h"
+#include "tests/support/testpaths.h"
 
 using testing::Contains;
 using testing::ElementsAre;
 
 namespace {
 
-const std::string libraryPath = std::string(TEST_BIN_DIR) + "/librtr_trim.so";
+const std::string libraryPath = TestProgram("librtr_trim.so");
 
 class CLibrary {
 public:

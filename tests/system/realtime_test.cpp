@@ -9,13 +9,15 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 
+#include "tests/support/testpaths.h"
+
 namespace {
 
 constexpr int READY_TIMEOUT = 30000;
 constexpr int RUN_TIMEOUT = 240000;
 
 QString GetProgram(const char* pName) {
-    return QString(TEST_BIN_DIR) + "/" + pName;
+    return QString::fromStdString(TestProgram(pName));
 }
 
 /// A simulator and a console that balances its rotor.

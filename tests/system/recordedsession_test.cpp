@@ -7,6 +7,7 @@
 #include <filesystem>
 
 #include "tests/support/linerecording.h"
+#include "tests/support/testpaths.h"
 #include "tests/support/textfiles.h"
 #include "tests/system/wholerun.h"
 
@@ -30,7 +31,7 @@ protected:
         return Rotor;
     }
     static std::string GetFile(const char* pExtension) {
-        return std::string(TEST_DATA_DIR "/system/recordings/") + GetParam().m_pName + pExtension;
+        return TestData("system/recordings/").string() + GetParam().m_pName + pExtension;
     }
     /// A whole run; gives the report.
     template <typename Wrap>

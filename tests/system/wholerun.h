@@ -13,6 +13,7 @@
 #include "platform/system/virtualeventloop.h"
 #include "simulator/rotorfile.h"
 #include "simulator/simulator.h"
+#include "tests/support/testpaths.h"
 
 /// A whole run under virtual time: simulator, line discipline, frames, the module's library, database and
 /// files, with nothing in their place. What it leaves is judged by the rotor's physics.
@@ -20,7 +21,7 @@ class CWholeRun {
 public:
     explicit CWholeRun(CRotorFile Rotor) : m_Rotor(std::move(Rotor)) {
         m_Options.m_bHeadless = true;
-        m_Options.m_ModuleLibrary = TEST_BIN_DIR "/librtr_trim.so";
+        m_Options.m_ModuleLibrary = TestProgram("librtr_trim.so");
     }
 
     /// Settings of the installation, as attributes of system_falconet.

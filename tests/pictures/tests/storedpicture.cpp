@@ -6,18 +6,19 @@
 
 #include "tests/pictures/picturefile.h"
 #include "tests/support/tempdirectory.h"
+#include "tests/support/testpaths.h"
 
 namespace {
 
 /// Where pictures of failed tests go.
 std::filesystem::path GetFailedFolder() {
-    return std::filesystem::path(TEST_BIN_DIR).parent_path() / "failed_pictures";
+    return std::filesystem::path(TestProgram("")).parent_path().parent_path() / "failed_pictures";
 }
 
 }  // namespace
 
 std::filesystem::path GetStoredFolder(const std::string& rKind) {
-    return std::filesystem::path(TEST_DATA_DIR) / "pictures" / (rKind.empty() ? "stored" : "stored-" + rKind);
+    return TestData("pictures") / (rKind.empty() ? "stored" : "stored-" + rKind);
 }
 
 void ExpectLooksAsStored(const CBitmap& rPicture, const std::filesystem::path& rFile,

@@ -12,6 +12,7 @@
 
 #include "platform/window/bitmap.h"
 #include "platform/window/dc.h"
+#include "tests/support/testpaths.h"
 #include "tests/support/textfiles.h"
 
 namespace {
@@ -19,7 +20,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-const std::filesystem::path c_Source = std::filesystem::path(TEST_DATA_DIR).parent_path();
+const std::filesystem::path c_Source = TestData("..");
 
 /// Puts back English, which all other tests expect.
 class GetTextTest : public testing::Test {

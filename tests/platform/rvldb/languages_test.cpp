@@ -1,4 +1,5 @@
 #include "platform/rvldb/languages.h"
+#include "tests/support/testpaths.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -11,7 +12,7 @@ using testing::IsEmpty;
 /// Languages with gaps: each of the two lacks keys of the other.
 class CLanguagesTest : public testing::Test {
 protected:
-    CLanguages m_Languages{TEST_DATA_DIR "/platform/rvldb/languages"};
+    CLanguages m_Languages{TestData("platform/rvldb/languages")};
 };
 
 // The folder also holds a broken file of a third.

@@ -13,6 +13,7 @@
 
 #include "platform/rvmdb/schema.h"
 #include "tests/platform/rvmdb/databasefixture.h"
+#include "tests/support/testpaths.h"
 
 using namespace PreBalDB;
 using testing::AllOf;
@@ -147,7 +148,7 @@ TEST_F(CStoreFile, AServerThatIsNotThereIsToldWithoutThePassword) {
 
 TEST_F(CStoreFile, AnOlderVersionIsBroughtToTheCurrentOne) {
     constexpr const char* pMachine = "0#3#255-0-4711-12-2";
-    std::filesystem::copy_file(TEST_DATA_DIR "/platform/rvmdb/version1.sqlite", m_Path);
+    std::filesystem::copy_file(TestData("platform/rvmdb/version1.sqlite"), m_Path);
     ASSERT_EQ(GetVersion(), 1);
     {
         CPreBalDatabase Database(pMachine);
@@ -192,7 +193,7 @@ TEST_F(CStoreFile, AnOlderVersionBecomesTheSameTablesAsANewStore) {
         return Columns;
     };
     const std::string Old = m_Path + ".old";
-    std::filesystem::copy_file(TEST_DATA_DIR "/platform/rvmdb/version1.sqlite", Old);
+    std::filesystem::copy_file(TestData("platform/rvmdb/version1.sqlite"), Old);
     SetDatabaseConnection("sqlite:" + Old);
     EXPECT_EQ(GetOpeningError(), "");
     SetDatabaseConnection(m_Connection);
@@ -202,7 +203,7 @@ TEST_F(CStoreFile, AnOlderVersionBecomesTheSameTablesAsANewStore) {
 }
 
 TEST_F(CStoreFile, AMigrationThatFailsLeavesTheOldVersion) {
-    std::filesystem::copy_file(TEST_DATA_DIR "/platform/rvmdb/version1.sqlite", m_Path);
+    std::filesystem::copy_file(TestData("platform/rvmdb/version1.sqlite"), m_Path);
     {
         // The step's last statement fails after its first has changed a table.
         CDirectSQL Sql(m_Connection);
