@@ -8,6 +8,7 @@
 #include "console/headlessrun.h"
 #include "console/installation.h"
 #include "console/session.h"
+#include "contract/actions.h"
 #include "platform/rvcom/bytelink.h"
 #include "platform/rvcom/linediscipline.h"
 #include "platform/rvcom/rvcom.h"
@@ -62,7 +63,7 @@ void BM_BytesToProcedure(benchmark::State& rState) {
     const CConsoleInstallation Installation("", true);
     CVirtualEventLoop Loop;
     CConsoleSession Session(Options, &Rotor, Installation.GetDatabaseFile().string());
-    if (!Session.Initialise() || Session.SendAction(Softkeys::eActionStart, Softkeys::eFlagNone) == 0) {
+    if (!Session.Initialise() || Session.SendAction(Actions::eStart, Actions::eNone) == 0) {
         rState.SkipWithError("the procedure did not start");
         return;
     }

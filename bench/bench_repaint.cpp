@@ -5,10 +5,10 @@
 #include <memory>
 
 #include "bench/qtmain.h"
+#include "contract/prebalprogress.h"
 #include "platform/rvmdb/prebalbasetableentry.h"
 #include "platform/system/virtualeventloop.h"
 #include "platform/window/dc.h"
-#include "platform/window/prebalprogress.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/singleplanebalancing.h"
 #include "tests/support/fakemainwnd.h"
 

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "console/ncwatch.h"
+#include "contract/actions.h"
 #include "platform/system/eventloop.h"
 #include "platform/window/messagebox.h"
 
@@ -124,7 +125,7 @@ void CHeadlessRun::DisturbRotor() {
     }
 }
 
-bool CHeadlessRun::RunProcedure(Softkeys::Action Start) {
+bool CHeadlessRun::RunProcedure(Actions::Action Start) {
     BringSpindleToStart();
     if (IsBrokenOff()) {
         return false;
@@ -133,10 +134,10 @@ bool CHeadlessRun::RunProcedure(Softkeys::Action Start) {
     if (!m_rSession.StartProcedure(Start)) {
         // A message box that says why comes through the loop.
         Pause(1);
-        Print(Start == Softkeys::eActionRebalance ? "The re-balancing was refused: the configuration isn't "
-                                                    "calibrated. Run --procedure prebalance with the "
-                                                    "same --config-dir first."
-                                                  : "The procedure did not start; the log says why.");
+        Print(Start == Actions::eRebalance ? "The re-balancing was refused: the configuration isn't "
+                                             "calibrated. Run --procedure prebalance with the "
+                                             "same --config-dir first."
+                                           : "The procedure did not start; the log says why.");
         return false;
     }
     COperator Operator(m_rSession, m_rSession.GetMachine(), m_rSession.GetWorkingSpeed());
@@ -144,8 +145,7 @@ bool CHeadlessRun::RunProcedure(Softkeys::Action Start) {
     // Ends the procedure; a result that may be kept is kept, but not one that was broken off. One that can't
     // be saved stays for a second try.
     for (int nTries = 0; nTries < 2 && m_rSession.Look().m_bRunning; ++nTries) {
-        m_rSession.SendAction(Softkeys::eActionEnd,
-                              IsBrokenOff() ? Softkeys::eFlagNone : Softkeys::eFlagCommit);
+        m_rSession.SendAction(Actions::eTerminate, IsBrokenOff() ? Actions::eNone : Actions::eCommit);
         IFEventLoop::Current().RunUntil([this] { return m_rSession.GetHost().GetActivity() == 0; }, 1000);
     }
     return bFinished && IsResultSaved();
@@ -207,13 +207,13 @@ ExitCode CHeadlessRun::Run() {
         }
     } else {
         if (bPrebalance) {
-            bFinished = RunProcedure(Softkeys::eActionStart);
+            bFinished = RunProcedure(Actions::eStart);
         }
         if (bFinished && bPrebalance && bRebalance) {
             DisturbRotor();
         }
         if (bFinished && bRebalance) {
-            bFinished = RunProcedure(Softkeys::eActionRebalance);
+            bFinished = RunProcedure(Actions::eRebalance);
         }
     }
     if (IsBrokenOff()) {

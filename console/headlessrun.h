@@ -8,6 +8,7 @@
 #include "console/runrecorder.h"
 #include "console/runreport.h"
 #include "console/session.h"
+#include "contract/actions.h"
 
 /// A run without a display: the procedures that the options ask for, operated by COperator, with progress
 /// lines, report and pictures. A request to end the program breaks it off.
@@ -35,7 +36,7 @@ private:
     /// A spindle that is to turn at the start gets so long to reach its speed, ms.
     static constexpr std::uint32_t eSpinUpTimeout = 120000;
 
-    bool RunProcedure(Softkeys::Action Start);
+    bool RunProcedure(Actions::Action Start);
     /// Before each procedure.
     void ForgetResult();
     /// Whether the procedure's result stands in the database; enters it in the report.

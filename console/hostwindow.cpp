@@ -1,5 +1,6 @@
 #include "console/hostwindow.h"
 
+#include "contract/hostmessages.h"
 #include "platform/rvcom/rvcom.h"
 #include "platform/window/messages.h"
 

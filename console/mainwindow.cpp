@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "contract/actions.h"
 #include "platform/qt/windowview.h"
 #include "platform/rvcom/rvcom.h"
 #include "platform/rvldb/gettext.h"
@@ -165,12 +166,12 @@ QWidget* CMainWindow::MakeMachinePanel() {
 
 void CMainWindow::ShowMenu() {
     const bool bReady = m_rSession.GetHost().IsConfigured();
-    const std::span<const Softkeys::CKey> Keys = Softkeys::GetKeys(m_rSession.GetHost().GetMenu());
+    const std::span<const MenuKeys::CKey> Keys = MenuKeys::GetKeys(m_rSession.GetHost().GetMenu());
     m_Shown.assign(Keys.begin(), Keys.end());
     for (std::size_t i = 0; i < eNumberOfKeys; ++i) {
         const bool bUsed = bReady && i < m_Shown.size();
-        const bool bNeedsCalibration = bUsed && m_rSession.GetHost().GetActivity() == 0 &&
-                                       m_Shown[i].m_Action == Softkeys::eActionRebalance;
+        const bool bNeedsCalibration =
+            bUsed && m_rSession.GetHost().GetActivity() == 0 && m_Shown[i].m_Action == Actions::eRebalance;
         m_Keys[i]->setText(bUsed ? Text(m_Shown[i].m_pTextKey) : QString());
         m_Keys[i]->setEnabled(bUsed && (!bNeedsCalibration || m_rSession.GetHost().IsCalibrated()));
     }
@@ -178,7 +179,7 @@ void CMainWindow::ShowMenu() {
 
 void CMainWindow::OnKeyDown(std::size_t Index) {
     if (Index < m_Shown.size()) {
-        const Softkeys::CKey Key = m_Shown[Index];
+        const MenuKeys::CKey Key = m_Shown[Index];
         m_rSession.SendAction(Key.m_Action, Key.m_Flag);
     }
 }
@@ -186,7 +187,7 @@ void CMainWindow::OnKeyDown(std::size_t Index) {
 void CMainWindow::OnKeyUp(std::size_t Index) {
     // The menu may have changed while the key was down; only a repeating key has to be let go.
     if (Index < m_Shown.size() && m_Shown[Index].m_bRepeats) {
-        m_rSession.SendAction(m_Shown[Index].m_Action, Softkeys::eFlagNone);
+        m_rSession.SendAction(m_Shown[Index].m_Action, Actions::eNone);
     }
 }
 

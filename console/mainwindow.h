@@ -6,7 +6,7 @@
 
 #include "console/screenrun.h"
 #include "console/session.h"
-#include "console/softkeys.h"
+#include "contract/menukeys.h"
 
 class CWindowView;
 class QLabel;
@@ -47,7 +47,7 @@ private:
     QLabel* m_pConnection = nullptr;
     bool m_bLinkOpen = false;  ///< at the last look
     std::array<QPushButton*, eNumberOfKeys> m_Keys{};
-    std::vector<Softkeys::CKey> m_Shown;
+    std::vector<MenuKeys::CKey> m_Shown;
     QSpinBox* m_pSpeed = nullptr;
     QLabel* m_pMachineState = nullptr;
     QLabel* m_pWeights = nullptr;

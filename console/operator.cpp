@@ -1,4 +1,5 @@
 #include "console/operator.h"
+#include "contract/actions.h"
 
 #include <utility>
 
@@ -142,7 +143,7 @@ void COperator::FitFrom(std::size_t Place) {
 
 void COperator::Confirm() {
     const CSituation Situation = Look();
-    if (const Softkeys::CKey* pKey = Softkeys::FindKey(Situation.m_Menu, Softkeys::eActionNext)) {
+    if (const MenuKeys::CKey* pKey = MenuKeys::FindKey(Situation.m_Menu, Actions::eNext)) {
         m_rPanel.PressKey(*pKey);
     }
 }

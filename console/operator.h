@@ -9,7 +9,7 @@
 #include "console/operatorrules.h"
 #include "console/rundriver.h"
 #include "console/situation.h"
-#include "console/softkeys.h"
+#include "contract/menukeys.h"
 #include "simulator/machine.h"
 
 /// What the operator works with.
@@ -18,7 +18,7 @@ public:
     virtual ~IFOperatorPanel() = default;
     virtual CSituation Look() = 0;
     /// Presses a softkey that the present menu has.
-    virtual void PressKey(const Softkeys::CKey& rKey) = 0;
+    virtual void PressKey(const MenuKeys::CKey& rKey) = 0;
     /// Something for a person to read.
     virtual void Say(const std::string& rText) = 0;
 };

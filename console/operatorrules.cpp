@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <array>
 
-#include "console/softkeys.h"
+#include "contract/actions.h"
+#include "contract/menukeys.h"
 
 namespace {
 
@@ -61,6 +62,6 @@ Deed ChooseDeed(const CSituation& rSituation) {
     if (pRule == RULES.end()) {
         return Deed::eWait;
     }
-    const bool bCanConfirm = Softkeys::FindKey(rSituation.m_Menu, Softkeys::eActionNext) != nullptr;
+    const bool bCanConfirm = MenuKeys::FindKey(rSituation.m_Menu, Actions::eNext) != nullptr;
     return pRule->m_Deed == Deed::eConfirm && !bCanConfirm ? Deed::eWait : pRule->m_Deed;
 }

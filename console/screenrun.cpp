@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "contract/actions.h"
 #include "platform/rvldb/gettext.h"
 
 namespace {
@@ -10,17 +11,17 @@ namespace {
 constexpr std::int32_t PREBALANCING = 1;
 constexpr std::int32_t REBALANCING = 2;
 
-std::vector<Softkeys::Action> ChooseProcedures(const COptions& rOptions) {
+std::vector<Actions::Action> ChooseProcedures(const COptions& rOptions) {
     // An NC starts what it wants by itself.
     if (!rOptions.m_bProcedureGiven || rOptions.IsDrivenByNc()) {
         return {};
     }
-    std::vector<Softkeys::Action> Procedures;
+    std::vector<Actions::Action> Procedures;
     if (rOptions.m_Procedure != COptions::Procedure::ePrebalance) {
-        Procedures.push_back(Softkeys::eActionRebalance);
+        Procedures.push_back(Actions::eRebalance);
     }
     if (rOptions.m_Procedure != COptions::Procedure::eRebalance) {
-        Procedures.push_back(Softkeys::eActionStart);
+        Procedures.push_back(Actions::eStart);
     }
     return Procedures;
 }
@@ -65,15 +66,14 @@ void CScreenRun::GoOn() {
 }
 
 void CScreenRun::StartNext() {
-    const Softkeys::Action Start = m_ToStart.back();
+    const Actions::Action Start = m_ToStart.back();
     m_ToStart.pop_back();
     if (m_rSession.StartProcedure(Start)) {
         return;
     }
     m_ToStart.clear();
     if (OnSay) {
-        OnSay(
-            GetText(Start == Softkeys::eActionRebalance ? "CONSOLE_NOT_CALIBRATED" : "CONSOLE_NOT_STARTED"));
+        OnSay(GetText(Start == Actions::eRebalance ? "CONSOLE_NOT_CALIBRATED" : "CONSOLE_NOT_STARTED"));
     }
 }
 
@@ -83,7 +83,7 @@ void CScreenRun::End(bool bKeep) {
     }
     m_ToStart.clear();
     m_Recorder.Record();
-    m_rSession.SendAction(Softkeys::eActionEnd, bKeep ? Softkeys::eFlagCommit : Softkeys::eFlagNone);
+    m_rSession.SendAction(Actions::eTerminate, bKeep ? Actions::eCommit : Actions::eNone);
     if (bKeep) {
         GoOn();
     } else {

@@ -6,6 +6,7 @@
 #include "console/ncwatch.h"
 #include "console/runrecorder.h"
 #include "console/session.h"
+#include "contract/actions.h"
 
 /// The runs of a session with a window, which a person drives at the panel, or an NC: begins with the
 /// procedures that the command line asks for, keeps pictures, and writes the report of each run when it ends.
@@ -34,8 +35,8 @@ private:
     CConsoleSession& m_rSession;
     CRunRecorder m_Recorder;
     CNcWatch m_Watch;
-    std::vector<Softkeys::Action> m_ToStart;  ///< last one first
-    bool m_bRunning = false;                  ///< at the last look
-    bool m_bPrebalanced = false;              ///< in the run that the report is of
+    std::vector<Actions::Action> m_ToStart;  ///< last one first
+    bool m_bRunning = false;                 ///< at the last look
+    bool m_bPrebalanced = false;             ///< in the run that the report is of
     bool m_bRebalanced = false;
 };

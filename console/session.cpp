@@ -7,6 +7,9 @@
 #include <utility>
 #include <vector>
 
+#include "contract/actions.h"
+#include "contract/hostmessages.h"
+#include "contract/initflags.h"
 #include "platform/rvcom/bytelink.h"
 #include "platform/rvcom/rvcom.h"
 #include "platform/rvmdb/prebaldatabase.h"
@@ -21,16 +24,10 @@ namespace {
 using PreBalDB::CPreBalDatabase;
 using PreBalDB::CTypeBase;
 
-/// Fields of message 1045.
-constexpr LPARAM MODE_SHIFT = 0;
-constexpr LPARAM SLAVE_SHIFT = 8;
-constexpr LPARAM IDENTIFICATION_SHIFT = 16;
-constexpr LPARAM NO_SLAVE = 0xFF;
-
 /// A family as the console knows it.
 struct CFamily {
     const char* m_pName;
-    LPARAM m_Identification;
+    std::uint8_t m_Identification;
     std::vector<std::uint8_t> m_Addresses;
     /// What the family can balance; the first is what it does unless told otherwise.
     std::vector<CPreBalDatabase::BalancingMode> m_Modes;
@@ -39,10 +36,10 @@ struct CFamily {
 const CFamily& GetFamily(CRotorFile::Modules Modules) {
     static const std::array FAMILIES = {
         // as CRotorFile::Modules
-        CFamily{"kestrel", 1, {5}, {CPreBalDatabase::eModePlane1}},
-        CFamily{"kestrel-pair", 1, {5, 6}, {CPreBalDatabase::eModeTwoPlane}},
+        CFamily{"kestrel", CInitFlags::eKestrel, {5}, {CPreBalDatabase::eModePlane1}},
+        CFamily{"kestrel-pair", CInitFlags::eKestrel, {5, 6}, {CPreBalDatabase::eModeTwoPlane}},
         CFamily{"lanner",
-                9,
+                CInitFlags::eLanner,
                 {9},
                 {CPreBalDatabase::eModePlane1, CPreBalDatabase::eModePlane2, CPreBalDatabase::eModeTwoPlane}},
     };
@@ -51,8 +48,6 @@ const CFamily& GetFamily(CRotorFile::Modules Modules) {
 
 constexpr std::array MODE_NAMES = {"plane1", "plane2", "two-plane"};  // as BalancingMode
 
-/// Child window id of the module's configuration tabs.
-constexpr UINT CONFIG_TABS_ID = 101;
 constexpr const char* CONFIGURATION = "Default";
 
 CRotorFile::Modules ChooseModules(const COptions& rOptions, const CRotorFile* pRotor) {
@@ -279,10 +274,10 @@ void CConsoleSession::SendInit() {
     if (std::exchange(m_bInitSent, true)) {
         m_pModule->SendMessage(WM_RV_DESTROYPENDING);
     }
-    const LPARAM Slave = m_Options.m_Addresses.size() > 1 ? m_Options.m_Addresses[1] : NO_SLAVE;
-    m_pModule->SendMessage(WM_RV_INITWINDOW, m_Options.m_Addresses[0],
-                           (LPARAM{m_Mode} << MODE_SHIFT) | (Slave << SLAVE_SHIFT) |
-                               (GetFamily(m_Modules).m_Identification << IDENTIFICATION_SHIFT));
+    const std::uint8_t Slave =
+        m_Options.m_Addresses.size() > 1 ? m_Options.m_Addresses[1] : CInitFlags::eNoSlave;
+    const CInitFlags Flags(m_Mode, Slave, GetFamily(m_Modules).m_Identification);
+    m_pModule->SendMessage(WM_RV_INITWINDOW, m_Options.m_Addresses[0], Flags.GetValue());
 }
 
 bool CConsoleSession::Initialise() {
@@ -333,9 +328,7 @@ void CConsoleSession::Commission() {
         rEntry.SetIsCalibrated(0);
         RefuseUnwritten(Database, Database.WriteConfiguration());
     }
-    if (CWnd* pTabs = m_pModule->GetDlgItem(CONFIG_TABS_ID)) {
-        pTabs->SendMessage(WM_RV_UPDATECONFIGURATION);
-    }
+    m_pModule->SendMessage(WM_RV_STORECHANGED);
 }
 
 bool CConsoleSession::CommissionSinglePlane(PreBalDB::CPreBalBaseTableEntry& rEntry) const {
@@ -398,8 +391,8 @@ std::array<CHoleRing, 2> CConsoleSession::GetHoleRings() const {
     return Rings;
 }
 
-bool CConsoleSession::StartProcedure(Softkeys::Action Start) {
-    SendAction(Start, Softkeys::eFlagNone);
+bool CConsoleSession::StartProcedure(Actions::Action Start) {
+    SendAction(Start, Actions::eNone);
     return Look().m_bRunning;
 }
 
@@ -423,14 +416,14 @@ CSituation CConsoleSession::Look() {
     return Situation;
 }
 
-LRESULT CConsoleSession::SendAction(Softkeys::Action Wanted, std::int32_t Flag) {
+LRESULT CConsoleSession::SendAction(Actions::Action Wanted, std::int32_t Flag) {
     return m_pModule->SendMessage(WM_RV_MODULEACTION, static_cast<WPARAM>(Wanted), Flag);
 }
 
-void CConsoleSession::PressKey(const Softkeys::CKey& rKey) {
+void CConsoleSession::PressKey(const MenuKeys::CKey& rKey) {
     SendAction(rKey.m_Action, rKey.m_Flag);
     if (rKey.m_bRepeats) {
-        SendAction(rKey.m_Action, Softkeys::eFlagNone);
+        SendAction(rKey.m_Action, Actions::eNone);
     }
 }
 

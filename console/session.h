@@ -14,6 +14,7 @@
 #include "console/operator.h"
 #include "console/options.h"
 #include "console/situation.h"
+#include "contract/actions.h"
 #include "platform/rvmdb/prebaldatabase.h"
 #include "simulator/machine.h"
 #include "simulator/rotorfile.h"
@@ -61,15 +62,15 @@ public:
     /// the default one.
     void Commission();
     /// Starts a procedure, from the configuration. False if it was refused.
-    bool StartProcedure(Softkeys::Action Start);
+    bool StartProcedure(Actions::Action Start);
     /// Ends what runs, lets the module save, and closes the window.
     void Close();
 
     CSituation Look() override;
-    void PressKey(const Softkeys::CKey& rKey) override;
+    void PressKey(const MenuKeys::CKey& rKey) override;
     void Say(const std::string& rText) override;
     /// Sends an action whether or not a menu shows it.
-    LRESULT SendAction(Softkeys::Action Wanted, std::int32_t Flag);
+    LRESULT SendAction(Actions::Action Wanted, std::int32_t Flag);
 
     /// With the addresses that the modules have unless told otherwise.
     const COptions& GetOptions() const { return m_Options; }

@@ -3,42 +3,9 @@
 #include <cstdint>
 #include <vector>
 
-#include "console/holering.h"
-#include "platform/window/prebalcodes.h"
-#include "platform/window/prebalprogress.h"
-
-/// A notification as the NC gets it: step, action, then per plane angle and weight of three corrections.
-struct CNcNotification : CPreBalCodes {
-    static constexpr std::size_t eSize = 14;
-    static constexpr std::size_t eCorrections = 3;
-
-    std::int32_t GetStep() const { return m_Values[0]; }
-    std::int32_t GetAction() const { return m_Values[1]; }
-    /// Angles of a plane's corrections in degrees, those in use only. Plane counts from 0.
-    std::vector<int> GetAngles(std::size_t Plane) const {
-        std::vector<int> Angles;
-        for (std::size_t i = 0; i < eCorrections; ++i) {
-            const std::int32_t Angle = GetAngle(Plane, i);
-            if (Angle >= 0) {
-                Angles.push_back(Angle);
-            }
-        }
-        return Angles;
-    }
-    /// A correction of a plane; angle in degrees, below 0 if it isn't in use.
-    std::int32_t GetAngle(std::size_t Plane, std::size_t Correction) const {
-        return m_Values[2 + 2 * (Plane * eCorrections + Correction)];
-    }
-    /// Hundredths of a gram, with screws.
-    std::int32_t GetWeight(std::size_t Plane, std::size_t Correction) const {
-        return m_Values[3 + 2 * (Plane * eCorrections + Correction)];
-    }
-    friend bool operator==(const CNcNotification& rLeft, const CNcNotification& rRight) {
-        return rLeft.m_Values == rRight.m_Values;
-    }
-
-    std::array<std::int32_t, eSize> m_Values{};
-};
+#include "contract/holering.h"
+#include "contract/ncnotification.h"
+#include "contract/prebalprogress.h"
 
 /// Everything that somebody at the panel can see of a run.
 struct CSituation {

@@ -3,6 +3,9 @@
 #
 #     console, simulator  ->  rvdlm  ->  rvlib  ->  platform  ->  Qt, spdlog, SQL, sockets
 #
+# contract/, what host, module and NC agree on, lies beside them: everybody may include it, and it includes nothing but
+# the standard library.
+#
 # Lists each include, and each Qt name, that breaks this, as "file:line: what: why", and fails if there is one.
 # "check_layers.sh DIRECTORY" looks at another tree than this one.
 set -euo pipefail
@@ -17,7 +20,7 @@ files() {
 }
 
 # shellcheck disable=SC2046
-perl - $(files platform rvlib rvdlm console simulator) <<'PERL'
+perl - $(files contract platform rvlib rvdlm console simulator) <<'PERL'
 use strict;
 use warnings;
 
@@ -50,8 +53,8 @@ sub forbidden {
     my ($file, $header, $angled) = @_;
     my ($folder) = $file =~ m{^([^/]+)/};
     my $seam_header = ($folder eq 'platform' && $file =~ /\.h$/ && $file !~ m{^platform/qt/});
-    if ($angled || $header !~ m{^(platform|rvlib|rvdlm|console|simulator)/}) {
-        if ($folder eq 'rvlib' || $folder eq 'rvdlm' || $seam_header) {
+    if ($angled || $header !~ m{^(contract|platform|rvlib|rvdlm|console|simulator)/}) {
+        if ($folder =~ /^(?:contract|rvlib|rvdlm)$/ || $seam_header) {
             my $who = $seam_header ? 'a header of the seam' : "$folder/";
             return "quoted includes start at the root of the tree" if !$angled;
             return "$who includes the standard library only" if !$standard{$header};
@@ -63,13 +66,14 @@ sub forbidden {
         return 'platform/qt/ is for what knows the toolkit';
     }
     my %below = (
-        platform  => [qw(platform)],
-        rvlib     => [qw(platform rvlib)],
-        rvdlm     => [qw(platform rvlib rvdlm)],
+        contract  => [qw(contract)],
+        platform  => [qw(contract platform)],
+        rvlib     => [qw(contract platform rvlib)],
+        rvdlm     => [qw(contract platform rvlib rvdlm)],
         # The console loads the module at run time and knows it by its messages only.
-        console   => [qw(platform rvlib simulator console)],
+        console   => [qw(contract platform rvlib simulator console)],
         # The rotor's physics stand apart from the module's own view of them, or they could not prove it.
-        simulator => [qw(platform simulator)],
+        simulator => [qw(contract platform simulator)],
     );
     return '' if grep { $_ eq $target } @{$below{$folder}};
     return '' if $folder eq 'platform' && $values{$header};
@@ -91,7 +95,7 @@ for my $file (@ARGV) {
             report($file, $line, $2, $why) if $why;
         } elsif (/^\s*#\s*include/) {
             report($file, $line, $_, 'an include that hides its header');
-        } elsif ($file =~ /\.h$/ && $file =~ m{^(platform/(?!qt/)|rvlib/|rvdlm/)} || $file =~ m{^(rvlib|rvdlm)/}) {
+        } elsif ($file =~ /\.h$/ && $file =~ m{^(contract/|platform/(?!qt/)|rvlib/|rvdlm/)} || $file =~ m{^(rvlib|rvdlm)/}) {
             # Forward declarations are names too.
             my $code = s/"(?:\\.|[^"\\])*"//gr;
             report($file, $line, $1, 'no Qt type shows here') if $code =~ /\b(Q[A-Z][a-z]\w*|Qt::\w+|Q_[A-Z]+)\b/;

@@ -1,7 +1,7 @@
 /**
  * The ring of holes of a plane, and its two numberings. The module counts holes clockwise as seen from the plane's end,
  * and so do the angles of its notifications; on the rotor the numbers are engraved in the sense of its scale. Hole 1 is
- * the same in both. The console's holering.h says the same.
+ * the same in both. The module's holering.h says the same.
  * @typedef {{holes: number, counterClockwise: boolean}} HoleRing
  */
 

@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "contract/hostmessages.h"
 #include "platform/rvcom/bytelink.h"
 #include "platform/rvcom/linediscipline.h"
 #include "platform/rvlog/log.h"

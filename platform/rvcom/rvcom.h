@@ -5,6 +5,9 @@
 
 #include "platform/window/types.h"
 
+/// Code of rvCOM::Notify: deliver frames of an address to a window.
+constexpr UINT RV_NOTIFY_RAWDATA = 1008;
+
 class CWnd;
 class IFByteLink;
 
@@ -21,11 +24,11 @@ void SetTransmitAddress(std::uint8_t Address);
 /// a module.
 int SendRawData(const std::uint8_t* pData, std::uint32_t nSize);
 
-/// With Code 1008: frames from module Address go to pWnd as message 1035, wParam the buffer, lParam its
-/// length. The buffer holds a handle (16 bits, low byte first), one unused byte, then the frame. It stays
-/// valid until FreeBuffer or until its window goes. A frame whose first byte is 4 is never delivered. Null
-/// pWnd and other codes are refused with 0. Registering twice delivers once; a window that is destroyed is
-/// forgotten.
+/// With Code RV_NOTIFY_RAWDATA: frames from module Address go to pWnd as message 1035, wParam the buffer,
+/// lParam its length. The buffer holds a handle (16 bits, low byte first), one unused byte, then the frame.
+/// It stays valid until FreeBuffer or until its window goes. A frame whose first byte is 4 is never
+/// delivered. Null pWnd and other codes are refused with 0. Registering twice delivers once; a window that is
+/// destroyed is forgotten.
 int Notify(CWnd* pWnd, UINT Code, std::uint8_t Address);
 /// Ends all registrations of the window and takes back its buffers. Called by windows that go; a handler that
 /// destroys its own window may still read its frame to the end.

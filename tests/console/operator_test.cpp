@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "contract/actions.h"
 #include "platform/system/virtualeventloop.h"
 
 using nlohmann::json;
@@ -17,7 +18,7 @@ constexpr std::int32_t eMenuWait = 4;
 class CFakePanel : public IFOperatorPanel {
 public:
     CSituation Look() override { return m_Situation; }
-    void PressKey(const Softkeys::CKey& rKey) override { m_Keys.push_back(rKey.m_Action); }
+    void PressKey(const MenuKeys::CKey& rKey) override { m_Keys.push_back(rKey.m_Action); }
     void Say(const std::string& rText) override { m_Said.push_back(rText); }
     void Ask(std::int32_t Action, std::int32_t Menu) {
         m_Situation.m_bRunning = true;
@@ -67,7 +68,7 @@ TEST_F(OperatorTest, WeightsAreFittedOnceHoweverLongTheKeyIsMissing) {
     EXPECT_THAT(m_Panel.m_Keys, IsEmpty());
     m_Panel.Ask(CNcNotification::eSetWeights, eMenuConfirm);
     m_Loop.Advance(250);
-    EXPECT_THAT(m_Panel.m_Keys, ElementsAre(Softkeys::eActionNext));
+    EXPECT_THAT(m_Panel.m_Keys, ElementsAre(Actions::eNext));
     EXPECT_THAT(m_Machine.m_Requests, ElementsAre(eWeights));
 }
 
@@ -105,7 +106,7 @@ TEST_F(OperatorTest, SpeedIsConfirmedOnceThePageShowsIt) {
     }
     m_Panel.m_Situation.m_Progress.m_CurrentRPM = 2990;
     m_Loop.Advance(250);
-    EXPECT_THAT(m_Panel.m_Keys, ElementsAre(Softkeys::eActionNext));
+    EXPECT_THAT(m_Panel.m_Keys, ElementsAre(Actions::eNext));
     EXPECT_THAT(m_Machine.m_Requests, ElementsAre(R"({"speed":3000})"));
 }
 

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "console/softkeys.h"
-
 namespace {
 
 CSituation MakeSituation(std::int32_t Step, std::int32_t Action, std::int32_t Menu) {
@@ -62,25 +60,4 @@ TEST(OperatorRules, NothingIsDoneWithoutAProcedure) {
     CSituation Situation = MakeSituation(CPreBalCodes::eSetup, CPreBalCodes::eSpindleStop, -1);
     Situation.m_bRunning = false;
     EXPECT_EQ(ChooseDeed(Situation), Deed::eWait);
-}
-
-TEST(Softkeys, EveryMenuOfARunCanBeLeft) {
-    for (std::int32_t Menu = 0; Menu < 40; ++Menu) {
-        EXPECT_NE(Softkeys::FindKey(Menu, Softkeys::eActionEnd), nullptr) << "menu " << Menu;
-        EXPECT_LE(Softkeys::GetKeys(Menu).size(), 8U) << "menu " << Menu;
-    }
-}
-
-TEST(Softkeys, OnlyTheConfigurationStartsARun) {
-    EXPECT_NE(Softkeys::FindKey(-1, Softkeys::eActionStart), nullptr);
-    EXPECT_EQ(Softkeys::FindKey(4, Softkeys::eActionStart), nullptr);
-}
-
-TEST(Softkeys, MenusThatChangeWeightsOfTwoPlanesCanChangeThePlane) {
-    for (const std::int32_t Menu : {9, 20, 21, 22, 23}) {
-        EXPECT_NE(Softkeys::FindKey(Menu, Softkeys::eActionTogglePlane), nullptr) << "menu " << Menu;
-    }
-    for (const std::int32_t Menu : {6, 24, 25, 26, 27}) {
-        EXPECT_EQ(Softkeys::FindKey(Menu, Softkeys::eActionTogglePlane), nullptr) << "menu " << Menu;
-    }
 }

@@ -9,6 +9,7 @@
 #include "console/headlessrun.h"
 #include "console/installation.h"
 #include "console/session.h"
+#include "contract/actions.h"
 #include "platform/qt/qteventloop.h"
 #include "simulator/simulator.h"
 #include "tests/opcua/children.h"
@@ -164,8 +165,8 @@ TEST(OpcFaults, ReadingTheTestWeightEndsWithoutAnNc) {
     ASSERT_TRUE(Session.Initialise());
     Session.Commission();
     CUsableClock Clock;
-    Session.SendAction(Softkeys::eActionStart, Softkeys::eFlagNone);
+    Session.SendAction(Actions::eStart, Actions::eNone);
     EXPECT_LT(Clock.Now(), 4000U);
     EXPECT_TRUE(Session.Look().m_bRunning);
-    Session.SendAction(Softkeys::eActionEnd, Softkeys::eFlagNone);
+    Session.SendAction(Actions::eTerminate, Actions::eNone);
 }

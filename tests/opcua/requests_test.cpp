@@ -4,8 +4,10 @@
 
 #include "console/installation.h"
 #include "console/session.h"
+#include "contract/actions.h"
 #include "platform/qt/qteventloop.h"
 #include "platform/window/messages.h"
+#include "contract/hostmessages.h"
 #include "simulator/simulator.h"
 #include "tests/opcua/ncserver.h"
 #include "tests/support/logcapture.h"
@@ -56,7 +58,7 @@ protected:
             Database.WriteConfiguration();
         }
         constexpr int eTabs = 101;
-        m_pSession->GetModule().GetDlgItem(eTabs)->SendMessage(WM_RV_UPDATECONFIGURATION);
+        m_pSession->GetModule().SendMessage(WM_RV_STORECHANGED);
     }
     bool IsRunning() { return m_pSession->Look().m_bRunning; }
 
@@ -127,7 +129,7 @@ TEST_F(CRequestsTest, AFailureWithoutReturnStaysOnThePanel) {
     ASSERT_TRUE(m_Nc.NextValue("Notification", [](const json& r) { return r[0] == CPreBalCodes::eFailure; }));
     EXPECT_EQ(m_Nc.Ask(4), eDone);
     EXPECT_TRUE(IsRunning());
-    m_pSession->SendAction(Softkeys::eActionEnd, Softkeys::eFlagNone);
+    m_pSession->SendAction(Actions::eTerminate, Actions::eNone);
     EXPECT_FALSE(IsRunning());
 }
 

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "contract/hostmessages.h"
 #include "platform/rvcom/bytelink.h"
 #include "platform/rvcom/linediscipline.h"
 #include "platform/rvcom/rvcom.h"

@@ -7,6 +7,7 @@
 #include <numbers>
 #include <random>
 
+#include "contract/actions.h"
 #include "tests/support/logcapture.h"
 #include "tests/system/bestplacement.h"
 #include "tests/system/wholerun.h"
@@ -184,22 +185,19 @@ TEST(ScrewKeys, TheOperatorChoosesAnotherTestScrew) {
         Run.m_Options.m_Methods = {"screws"};
         Run.m_Options.m_ScrewTable = {1.0, 2.0, 3.0};
         Run.OnSituation = [bNextScrew](const CSituation& rSituation, CConsoleSession& rSession) {
-            const auto Press = [&](Softkeys::Action Wanted) {
-                const Softkeys::CKey* const pKey = Softkeys::FindKey(rSession.Look().m_Menu, Wanted);
+            const auto Press = [&](Actions::Action Wanted) {
+                const MenuKeys::CKey* const pKey = MenuKeys::FindKey(rSession.Look().m_Menu, Wanted);
                 ASSERT_NE(pKey, nullptr) << rSession.Look().m_Menu;
                 rSession.PressKey(*pKey);
             };
             if (bNextScrew && rSituation.m_Progress.m_State == "eTestUnbalanceSetWeights" &&
-                Softkeys::FindKey(rSituation.m_Menu, Softkeys::eActionExtras) != nullptr) {
-                Press(Softkeys::eActionExtras);
+                MenuKeys::FindKey(rSituation.m_Menu, Actions::eExtras) != nullptr) {
+                Press(Actions::eExtras);
                 // The menu comes by message, as everything that the host is told.
                 IFEventLoop::Current().RunUntil(
-                    [&] {
-                        return Softkeys::FindKey(rSession.Look().m_Menu, Softkeys::eActionIncrement) !=
-                               nullptr;
-                    },
+                    [&] { return MenuKeys::FindKey(rSession.Look().m_Menu, Actions::eIncrement) != nullptr; },
                     100);
-                Press(Softkeys::eActionIncrement);
+                Press(Actions::eIncrement);
             }
         };
         Run.Run(Procedure::ePrebalance);

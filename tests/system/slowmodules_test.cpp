@@ -4,6 +4,7 @@
 
 #include <optional>
 
+#include "contract/actions.h"
 #include "tests/support/logcapture.h"
 #include "tests/system/wholerun.h"
 
@@ -147,7 +148,7 @@ protected:
     }
     /// Lets a re-balancing run for 30 s, and ends it.
     void ExpectThatNothingIsMeasured() {
-        m_pSession->SendAction(Softkeys::eActionRebalance, Softkeys::eFlagNone);
+        m_pSession->SendAction(Actions::eRebalance, Actions::eNone);
         ASSERT_TRUE(m_pSession->Look().m_bRunning);
         for (int nTick = 0; nTick < 300; ++nTick) {
             m_Loop.Advance(100);
@@ -155,7 +156,7 @@ protected:
                 << nTick * 100 << " ms";
         }
         EXPECT_EQ(m_pSession->Look().m_Warning, 3U);
-        m_pSession->SendAction(Softkeys::eActionEnd, Softkeys::eFlagCommit);
+        m_pSession->SendAction(Actions::eTerminate, Actions::eCommit);
         m_Loop.Advance(1000);
     }
 
@@ -179,7 +180,7 @@ TEST_P(DeadLine, IsNeverAveragedWheneverItDies) {
     Balance();
     for (std::uint32_t Death = 0; Death < 8000; Death += 700) {
         SCOPED_TRACE(Death);
-        m_pSession->SendAction(Softkeys::eActionRebalance, Softkeys::eFlagNone);
+        m_pSession->SendAction(Actions::eRebalance, Actions::eNone);
         std::optional<std::uint32_t> Measured;
         for (std::uint32_t Now = 0; Now < 40000; Now += 100) {
             if (Now == Death) {
@@ -194,7 +195,7 @@ TEST_P(DeadLine, IsNeverAveragedWheneverItDies) {
         EXPECT_LE(Measured.value_or(0), Death + eWindow);
         EXPECT_EQ(m_pSession->Look().m_Warning, 3U);
         Carry({{"fault", {{"kind", "silence_ms"}, {"value", 0}}}});
-        m_pSession->SendAction(Softkeys::eActionEnd, Softkeys::eFlagCommit);
+        m_pSession->SendAction(Actions::eTerminate, Actions::eCommit);
         m_Loop.Advance(20000);
     }
 }
@@ -202,7 +203,7 @@ TEST_P(DeadLine, IsNeverAveragedWheneverItDies) {
 TEST_P(DeadLine, IsMeasuredWhenItLivesAgain) {
     Balance();
     Silence();
-    m_pSession->SendAction(Softkeys::eActionRebalance, Softkeys::eFlagNone);
+    m_pSession->SendAction(Actions::eRebalance, Actions::eNone);
     m_Loop.Advance(20000);
     Carry({{"fault", {{"kind", "silence_ms"}, {"value", 0}}}});
     m_Loop.Advance(25000);

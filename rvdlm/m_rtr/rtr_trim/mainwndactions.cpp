@@ -2,16 +2,14 @@
 #include <algorithm>
 #include <array>
 
+#include "contract/actions.h"
 #include "rvdlm/m_rtr/rtr_trim/log.h"
-#include "rvdlm/m_rtr/rtr_trim/moduleactions.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancingmainwnd.h"
 
 using RtrTrim::g_pLog;
 
 namespace {
 
-/// Flag of an action that ends the run and keeps its result.
-constexpr int eFinishFlag = 5;
 constexpr int eNoFlag = -1;
 
 /// What an action means to a running procedure. With m_Flag in the message it is m_WithFlag, else
@@ -29,25 +27,31 @@ constexpr CKeyEntry Plain(int Action, CKeyActions::KeyAction Key) {
 
 /// 4503 to 4506 are softkeys that do nothing.
 constexpr std::array keyActions{
-    Plain(4500, CKeyActions::eNext),
-    Plain(4502, CKeyActions::eExtras),
-    Plain(4507, CKeyActions::eIncrement),
-    Plain(4508, CKeyActions::eDecrement),
-    Plain(4509, CKeyActions::eCheckWeightPositions),
-    CKeyEntry{4511, 1, CKeyActions::eIncPosWeight1Down, CKeyActions::eIncPosWeight1Up},
-    CKeyEntry{4512, 2, CKeyActions::eDecPosWeight1Down, CKeyActions::eDecPosWeight1Up},
-    CKeyEntry{4513, 1, CKeyActions::eIncPosWeight2Down, CKeyActions::eIncPosWeight2Up},
-    CKeyEntry{4514, 2, CKeyActions::eDecPosWeight2Down, CKeyActions::eDecPosWeight2Up},
-    Plain(4515, CKeyActions::eTogglePlane),
-    Plain(4516, CKeyActions::eNeutralPosition),
-    Plain(4517, CKeyActions::eChangeWeightPositions),
-    Plain(4518, CKeyActions::eNeutralPositionAdjusted),
-    Plain(4519, CKeyActions::ePositionAdoption),
-    CKeyEntry{4520, 1, CKeyActions::eIncPosActiveWeightDown, CKeyActions::eIncPosActiveWeightUp},
-    CKeyEntry{4521, 2, CKeyActions::eDecPosActiveWeightDown, CKeyActions::eDecPosActiveWeightUp},
-    Plain(4522, CKeyActions::eWeightSelection),
-    Plain(4523, CKeyActions::eStepSelection),
-    Plain(4524, CKeyActions::eTogglePlane),
+    Plain(Actions::eNext, CKeyActions::eNext),
+    Plain(Actions::eExtras, CKeyActions::eExtras),
+    Plain(Actions::eIncrement, CKeyActions::eIncrement),
+    Plain(Actions::eDecrement, CKeyActions::eDecrement),
+    Plain(Actions::eCheckWeights, CKeyActions::eCheckWeightPositions),
+    CKeyEntry{Actions::eIncWeight1, Actions::eIncrementDown, CKeyActions::eIncPosWeight1Down,
+              CKeyActions::eIncPosWeight1Up},
+    CKeyEntry{Actions::eDecWeight1, Actions::eDecrementDown, CKeyActions::eDecPosWeight1Down,
+              CKeyActions::eDecPosWeight1Up},
+    CKeyEntry{Actions::eIncWeight2, Actions::eIncrementDown, CKeyActions::eIncPosWeight2Down,
+              CKeyActions::eIncPosWeight2Up},
+    CKeyEntry{Actions::eDecWeight2, Actions::eDecrementDown, CKeyActions::eDecPosWeight2Down,
+              CKeyActions::eDecPosWeight2Up},
+    Plain(Actions::eTogglePlane, CKeyActions::eTogglePlane),
+    Plain(Actions::eNeutralPosition, CKeyActions::eNeutralPosition),
+    Plain(Actions::eChangeWeights, CKeyActions::eChangeWeightPositions),
+    Plain(Actions::eNeutralAdjusted, CKeyActions::eNeutralPositionAdjusted),
+    Plain(Actions::eAdoptPosition, CKeyActions::ePositionAdoption),
+    CKeyEntry{Actions::eIncActiveWeight, Actions::eIncrementDown, CKeyActions::eIncPosActiveWeightDown,
+              CKeyActions::eIncPosActiveWeightUp},
+    CKeyEntry{Actions::eDecActiveWeight, Actions::eDecrementDown, CKeyActions::eDecPosActiveWeightDown,
+              CKeyActions::eDecPosActiveWeightUp},
+    Plain(Actions::eSelectWeight, CKeyActions::eWeightSelection),
+    Plain(Actions::eSelectStep, CKeyActions::eStepSelection),
+    Plain(Actions::eTogglePlaneAlso, CKeyActions::eTogglePlane),
 };
 
 }  // namespace
@@ -55,7 +59,7 @@ constexpr std::array keyActions{
 LRESULT CPreBalancingMainWnd::OnModuleAction(WPARAM wParam, LPARAM lParam) {
     const int Action = static_cast<int>(wParam);
     const int Flag = static_cast<int>(lParam);
-    if (Flag == eFinishFlag && m_pPrebalancingSequence != nullptr && StaysForNextTry(CommitAndSave())) {
+    if (Flag == Actions::eCommit && m_pPrebalancingSequence != nullptr && StaysForNextTry(CommitAndSave())) {
         RepaintAll();
         return 1;
     }
@@ -67,22 +71,22 @@ LRESULT CPreBalancingMainWnd::OnModuleAction(WPARAM wParam, LPARAM lParam) {
 
 void CPreBalancingMainWnd::DoModuleAction(int Action, int Flag) {
     switch (Action) {
-        case eActionNextTab:
+        case Actions::eNextTab:
             // Changing tabs saves the entry: not while a procedure has it in its hands.
             if (m_pPrebalancingSequence == nullptr) {
                 m_tabCtrl.NextTab();
             }
             break;
-        case eActionStart:
+        case Actions::eStart:
             if (m_tabCtrl.HasDatabase()) {
                 StartRun(&CPreBalancing::StartPreBalancing);
             }
             break;
-        case eActionRebalance:
+        case Actions::eRebalance:
             OnRebalanceAction();
             break;
-        case eActionTerminate:
-        case eActionTerminateAlso:
+        case Actions::eTerminate:
+        case Actions::eTerminateAlso:
             if (m_pPrebalancingSequence != nullptr) {
                 TerminatePrebalancingSequence();
             }

@@ -3,6 +3,7 @@
 #include <array>
 #include <vector>
 
+#include "contract/ncrequests.h"
 #include "platform/rvopc/opcconnection.h"
 #include "platform/rvopc/opcdatabase.h"
 #include "platform/rvopc/prebalinterfacefromnctargetunbalance.h"
@@ -56,10 +57,10 @@ constexpr const char* WARNING_FAILED = "SetWarningMode failed!";
 }  // namespace
 
 const CPreBalancingMainWnd::CRequest CPreBalancingMainWnd::ms_Requests[] = {
-    {1, &CPreBalancingMainWnd::OnNCStartPreBalancing},
-    {2, &CPreBalancingMainWnd::OnNCStartReBalancing},
-    {3, &CPreBalancingMainWnd::OnNCNextStep},
-    {4, &CPreBalancingMainWnd::OnNCAbort},
+    {NcRequests::ePreBalance, &CPreBalancingMainWnd::OnNCStartPreBalancing},
+    {NcRequests::eReBalance, &CPreBalancingMainWnd::OnNCStartReBalancing},
+    {NcRequests::eNext, &CPreBalancingMainWnd::OnNCNextStep},
+    {NcRequests::eEnd, &CPreBalancingMainWnd::OnNCAbort},
 };
 
 void CPreBalancingMainWnd::ConnectOpc() {
@@ -143,59 +144,59 @@ void CPreBalancingMainWnd::OnValueFromNCChanged(std::int32_t Value) {
     const auto* const pRequest = std::ranges::find(ms_Requests, Value, &CRequest::m_Value);
     if (pRequest == std::end(ms_Requests)) {
         RV_WARNING(g_pLog, "Unknown Request received: %d (0x%X)!", Value, static_cast<unsigned>(Value));
-        ResetNotificationFromNC(eRefused);
+        ResetNotificationFromNC(NcRequests::eRefused);
         return;
     }
-    std::int32_t Answer = eRefused;
+    std::int32_t Answer = NcRequests::eRefused;
     GuardedByWindow("OnValueFromNCChanged", [&] { Answer = (this->*pRequest->m_pHandler)(); });
     ResetNotificationFromNC(Answer);
 }
 
 std::int32_t CPreBalancingMainWnd::OnNCStartPreBalancing() {
     if (m_pPrebalancingSequence != nullptr || !m_tabCtrl.HasDatabase()) {
-        return eRefused;
+        return NcRequests::eRefused;
     }
     m_tabCtrl.SaveCurrentConfiguration();
     RV_INFORMATION(g_pLog, "NC Notification: Calling StartPreBalancing()...");
     const int Started = StartRun(&CPreBalancing::StartPreBalancing);
     RV_ASSERT(g_pLog, Started != 0, "StartPreBalancingSequence failed!");
-    return eDone;
+    return NcRequests::eDone;
 }
 
 std::int32_t CPreBalancingMainWnd::OnNCStartReBalancing() {
     if (m_pPrebalancingSequence != nullptr || !m_tabCtrl.HasDatabase() || !IsCalibrated()) {
-        return eRefused;
+        return NcRequests::eRefused;
     }
     m_tabCtrl.SaveCurrentConfiguration();
     RV_INFORMATION(g_pLog, "NC Notification: Calling StartReBalancing()...");
     const int Started = StartRun(&CPreBalancing::StartReBalancing);
     RV_ASSERT(g_pLog, Started != 0, "StartReBalancingSequence failed!");
-    return eDone;
+    return NcRequests::eDone;
 }
 
 std::int32_t CPreBalancingMainWnd::OnNCNextStep() {
     if (m_pPrebalancingSequence == nullptr) {
-        return eRefused;
+        return NcRequests::eRefused;
     }
     RV_INFORMATION(g_pLog, "NC Notification: Switch to next step...");
     const int Taken = m_pPrebalancingSequence->KeyPressed(CPreBalancing::eNext);
     RV_ASSERT(g_pLog, Taken != 0, "KeyPressed(CPreBalancing::eNext) failed!");
-    return eDone;
+    return NcRequests::eDone;
 }
 
 std::int32_t CPreBalancingMainWnd::OnNCAbort() {
     if (m_pPrebalancingSequence == nullptr) {
-        return eRefused;
+        return NcRequests::eRefused;
     }
     RV_INFORMATION(g_pLog, "NC Notification: Calling AbortBalancing()...");
     // A failure without return stays on the panel until the operator has seen it and ends it.
     if (m_pPrebalancingSequence->IsFailureWithNoReturn()) {
-        return eDone;
+        return NcRequests::eDone;
     }
     const Commitment Result = CommitAndSave();
     if (!StaysForNextTry(Result)) {
         TerminatePrebalancingSequence();
     }
     // "Done" would tell the NC that its result is kept.
-    return Result == eNotSaved || Result == eSuperseded ? eRefused : eDone;
+    return Result == eNotSaved || Result == eSuperseded ? NcRequests::eRefused : NcRequests::eDone;
 }

@@ -1,4 +1,5 @@
 // What is on the screen, and the menu that goes with it.
+#include "contract/hostmessages.h"
 #include "platform/window/dc.h"
 #include "rvdlm/m_rtr/rtr_trim/pagestyle.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancingmainwnd.h"

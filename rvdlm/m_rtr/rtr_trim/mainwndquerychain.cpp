@@ -1,8 +1,11 @@
 // What the module reports: which module and set this is, then state, speed and readings.
+#include "contract/actions.h"
+#include "contract/hostmessages.h"
+#include "contract/ncrequests.h"
+#include "contract/warnings.h"
 #include "platform/rvldb/gettext.h"
 #include "rvdlm/m_rtr/rtr_trim/log.h"
-#include "rvdlm/m_rtr/rtr_trim/moduleactions.h"
-#include "rvdlm/m_rtr/rtr_trim/prebalancing/warnings.h"
+#include "rvdlm/m_rtr/rtr_trim/modulemessages.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancingmainwnd.h"
 
 using PreBalDB::CPreBalDatabase;
@@ -106,7 +109,7 @@ void CPreBalancingMainWnd::OnSetRequest(Reason Why, const CSet* pSet) {
     }
     if (pSet->RPMFactorPlane1 != 1 || pSet->RPMFactorPlane2 != 1) {
         // Starting a procedure aborts it at once, so that the operator sees why such a set can't be used.
-        PostMessage(WM_RV_MODULEACTION, eActionStart);
+        PostMessage(WM_RV_MODULEACTION, Actions::eStart);
     }
     if (Why == Comm::eSuccess && m_pCommunicationIF != nullptr) {
         const int Sent = m_pCommunicationIF->QueryModuleState();
@@ -136,7 +139,7 @@ void CPreBalancingMainWnd::OnFirstSet(const CSet& rSet) {
 LRESULT CPreBalancingMainWnd::OnDBInitDone(WPARAM, LPARAM) {
     PostToParent(WM_RV_BALANCINGACTIVITY, 0, IsCalibrated() ? 1 : 0);
     NotifyConfigurationShown(IsCalibrated());
-    ResetNotificationFromNC(eDone);
+    ResetNotificationFromNC(NcRequests::eDone);
     return 1;
 }
 

@@ -1,10 +1,12 @@
 // Start and end of procedures.
 #include <utility>
 
+#include "contract/hostmessages.h"
+#include "contract/menus.h"
+#include "contract/warnings.h"
 #include "platform/window/messages.h"
 #include "rvdlm/m_rtr/rtr_trim/log.h"
-#include "rvdlm/m_rtr/rtr_trim/menus.h"
-#include "rvdlm/m_rtr/rtr_trim/prebalancing/warnings.h"
+#include "rvdlm/m_rtr/rtr_trim/modulemessages.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancingmainwnd.h"
 #include "rvdlm/m_rtr/rtr_trim/savemessages.h"
 

@@ -5,12 +5,14 @@
 #include <utility>
 #include <vector>
 
+#include "contract/hostmessages.h"
+#include "contract/prebalprogress.h"
 #include "platform/rvcom/rvcom.h"
 #include "platform/rvldb/gettext.h"
 #include "platform/system/archive.h"
-#include "platform/window/prebalprogress.h"
 #include "rvdlm/m_rtr/rtr_trim/guard.h"
 #include "rvdlm/m_rtr/rtr_trim/log.h"
+#include "rvdlm/m_rtr/rtr_trim/modulemessages.h"
 #include "rvlib/settings/installation.h"
 
 using RtrTrim::g_pLog;
@@ -56,6 +58,7 @@ const CPreBalancingMainWnd::CMessageMapEntry CPreBalancingMainWnd::ms_MessageMap
     {WM_RV_DESTROYPENDING, WM_RV_DESTROYPENDING, "OnDestroyPending", &CPreBalancingMainWnd::OnDestroyPending},
     {WM_RV_DBINITDONE, WM_RV_DBINITDONE, "OnDBInitDone", &CPreBalancingMainWnd::OnDBInitDone},
     {WM_RV_QUERYPROGRESS, WM_RV_QUERYPROGRESS, "OnQueryProgress", &CPreBalancingMainWnd::OnQueryProgress},
+    {WM_RV_STORECHANGED, WM_RV_STORECHANGED, "OnStoreChanged", &CPreBalancingMainWnd::OnStoreChanged},
 };
 
 CPreBalancingMainWnd::CPreBalancingMainWnd(CMainWndMakers Makers)
@@ -161,7 +164,8 @@ LRESULT CPreBalancingMainWnd::OnInitWindow(WPARAM wParam, LPARAM lParam) {
     }
     m_ModuleWatch.SetModules(Modules);
 
-    m_tabCtrl.SetBalancingMode(Flags.GetBalancingMode());
+    m_tabCtrl.SetBalancingMode(
+        static_cast<PreBalDB::CPreBalDatabase::BalancingMode>(Flags.GetBalancingMode()));
     m_tabCtrl.SetPlane(Flags.GetPlane());
     m_tabCtrl.ShowWindow(true);
     m_tabCtrl.SetCurSel(0);
@@ -189,6 +193,14 @@ void CPreBalancingMainWnd::CreateMapper(std::uint32_t Address, const CInitFlags&
     if (rFlags.IsKestrel() && rFlags.HasSlave()) {
         rvCOM::Notify(this, RV_NOTIFY_RAWDATA, rFlags.GetSlaveAddress());
     }
+}
+
+LRESULT CPreBalancingMainWnd::OnStoreChanged(WPARAM, LPARAM) {
+    if (m_pPrebalancingSequence != nullptr || !m_tabCtrl.HasDatabase()) {
+        return 0;
+    }
+    m_tabCtrl.SendMessage(WM_RV_UPDATECONFIGURATION);
+    return 1;
 }
 
 LRESULT CPreBalancingMainWnd::OnRawData(WPARAM wParam, LPARAM lParam) {

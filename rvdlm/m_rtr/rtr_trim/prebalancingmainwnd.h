@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "contract/menus.h"
 #include "platform/rvopc/prebalfromncinterface.h"
 #include "platform/rvopc/prebalinterfacefromnc.h"
 #include "platform/rvopc/prebalinterfacetonc.h"
@@ -13,7 +14,6 @@
 #include "rvdlm/m_rtr/rtr_trim/communication/iffromcommunication.h"
 #include "rvdlm/m_rtr/rtr_trim/communication/iftocommunication.h"
 #include "rvdlm/m_rtr/rtr_trim/mainwndmakers.h"
-#include "rvdlm/m_rtr/rtr_trim/menus.h"
 #include "rvdlm/m_rtr/rtr_trim/methods/weightpositionstore.h"
 #include "rvdlm/m_rtr/rtr_trim/modulewatch.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/prebalancing.h"
@@ -112,9 +112,6 @@ private:
     };
     static const CRequest ms_Requests[];
     using StartOperation = int (CPreBalancing::*)(std::uint16_t wRPM, int NotLocked, int InvalidRPM);
-    /// Answers to the NC.
-    static constexpr std::int32_t eDone = 0;
-    static constexpr std::int32_t eRefused = -1;
 
     // Messages
     LRESULT OnCreate(WPARAM wParam, LPARAM lParam);
@@ -128,6 +125,7 @@ private:
     LRESULT OnDestroy(WPARAM wParam, LPARAM lParam);
     LRESULT OnDestroyPending(WPARAM wParam, LPARAM lParam);
     LRESULT OnDBInitDone(WPARAM wParam, LPARAM lParam);
+    LRESULT OnStoreChanged(WPARAM wParam, LPARAM lParam);
     LRESULT OnQueryProgress(WPARAM wParam, LPARAM lParam);
     void CreateMapper(std::uint32_t Address, const CInitFlags& rFlags);
     CRect GetBrowserRect() const;

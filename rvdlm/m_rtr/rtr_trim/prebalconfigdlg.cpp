@@ -2,9 +2,11 @@
 
 #include <algorithm>
 
+#include "contract/hostmessages.h"
+#include "contract/softkeymask.h"
 #include "rvdlm/m_rtr/rtr_trim/log.h"
+#include "rvdlm/m_rtr/rtr_trim/modulemessages.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalconfigtabs.h"
-#include "rvdlm/m_rtr/rtr_trim/softkeymask.h"
 
 using RtrTrim::g_pLog;
 
@@ -54,8 +56,8 @@ void CPreBalConfigDlg::SetConfiguration(PreBalDB::CPreBalBaseTableEntry& rEntry,
         m_rTabs.PostMessage(WM_RV_SAVECONFIGURATION);
     }
     if (CWnd* const pHost = m_rTabs.GetHost()) {
-        pHost->PostMessage(WM_RV_SOFTKEYENABLE, Softkeys::eReBalancing,
-                           IsCalibrated() ? Softkeys::eReBalancing : 0);
+        pHost->PostMessage(WM_RV_SOFTKEYENABLE, SoftkeyMask::eReBalancing,
+                           IsCalibrated() ? SoftkeyMask::eReBalancing : 0);
     }
 }
 

@@ -1,12 +1,15 @@
 // The configuration pane: its tabs and pages.
 #include "rvdlm/m_rtr/rtr_trim/prebalconfigtabs.h"
 
+#include "contract/actions.h"
+#include "contract/hostmessages.h"
+#include "contract/pages.h"
+#include "contract/softkeymask.h"
 #include "platform/rvldb/gettext.h"
 #include "rvdlm/m_rtr/rtr_trim/guard.h"
 #include "rvdlm/m_rtr/rtr_trim/log.h"
-#include "rvdlm/m_rtr/rtr_trim/moduleactions.h"
+#include "rvdlm/m_rtr/rtr_trim/modulemessages.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancingmainwnd.h"
-#include "rvdlm/m_rtr/rtr_trim/softkeymask.h"
 
 using RtrTrim::g_pLog;
 
@@ -16,10 +19,6 @@ constexpr int eSettingsTab = 0;
 constexpr int eScrewTab = 1;
 constexpr const char* eSettingsTopic = "_PB001";
 constexpr const char* eScrewTopic = "_PB002";
-
-// Message 1065: the help or menu of the page shown.
-constexpr WPARAM eSettingsMenu = 111;
-constexpr WPARAM eScrewMenu = 127;
 
 }  // namespace
 
@@ -99,9 +98,9 @@ void CPreBalConfigTabs::UpdateTabSelection() {
 void CPreBalConfigTabs::ShowSettingsPage() {
     m_ScrewTableDlg.SetListMode(true);
     m_ScrewTableDlg.ShowWindow(false);
-    SendSoftkeys(Softkeys::ePages, Softkeys::ePages);
+    SendSoftkeys(SoftkeyMask::ePages, SoftkeyMask::ePages);
     if (CWnd* const pHost = GetHost()) {
-        pHost->SendMessage(WM_RV_HELPORMENU, eSettingsMenu, 0);
+        pHost->SendMessage(WM_RV_HELPORMENU, Pages::eSettings, 0);
     }
     SaveCurrentConfiguration();
     if (m_pCurrentBaseEntry != nullptr) {
@@ -114,9 +113,9 @@ void CPreBalConfigTabs::ShowSettingsPage() {
 void CPreBalConfigTabs::ShowScrewPage() {
     m_ConfigDlg.ShowWindow(false);
     SaveCurrentConfiguration();
-    SendSoftkeys(Softkeys::ePages, m_ScrewTableDlg.IsListMode() ? Softkeys::ePages : 0);
+    SendSoftkeys(SoftkeyMask::ePages, m_ScrewTableDlg.IsListMode() ? SoftkeyMask::ePages : 0);
     if (CWnd* const pHost = GetHost()) {
-        pHost->SendMessage(WM_RV_HELPORMENU, eScrewMenu, 1);
+        pHost->SendMessage(WM_RV_HELPORMENU, Pages::eScrewTable, 1);
     }
     m_rMainWnd.SetHelpTopic(eScrewTopic);
     m_ScrewTableDlg.ShowWindow(true);
@@ -134,7 +133,7 @@ void CPreBalConfigTabs::Navigate(int Action, int /*Flag*/) {
     if (!IsWindowVisible()) {
         return;
     }
-    if (GetCurSel() == eSettingsTab && (Action == eActionStart || Action == eActionSave)) {
+    if (GetCurSel() == eSettingsTab && (Action == Actions::eStart || Action == Actions::eSave)) {
         SaveCurrentConfiguration();
     }
 }
@@ -148,7 +147,7 @@ void CPreBalConfigTabs::OnUpdateTabs(WPARAM bScrews) {
         const bool bDeleted = DeleteItem(eScrewTab);
         RV_ASSERT_AS(g_pLog, bDeleted, "DeleteItem(1)", "must not fail!", false);
     }
-    SendSoftkeys(Softkeys::eScrewPage, bScrews != 0 ? Softkeys::eScrewPage : 0);
+    SendSoftkeys(SoftkeyMask::eScrewPage, bScrews != 0 ? SoftkeyMask::eScrewPage : 0);
 }
 
 void CPreBalConfigTabs::OnCalibratedChanged(WPARAM bCalibrated) {

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "platform/window/prebalcodes.h"
+#include "contract/prebalcodes.h"
 
 /// What the NC is told of a procedure: 14 numbers, step and action first, then weights and angles of two
 /// planes. Unused weights and angles are -1 in a running procedure.

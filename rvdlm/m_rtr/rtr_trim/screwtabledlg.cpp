@@ -1,6 +1,7 @@
 #include "rvdlm/m_rtr/rtr_trim/screwtabledlg.h"
 
 #include "rvdlm/m_rtr/rtr_trim/log.h"
+#include "rvdlm/m_rtr/rtr_trim/modulemessages.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalconfigtabs.h"
 
 using RtrTrim::g_pLog;

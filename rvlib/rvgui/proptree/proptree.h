@@ -17,6 +17,9 @@ struct CTreeNotification : CWndNotification {
     CPropTreeItem* m_pItem = nullptr;
 };
 
+/// To a tree: wParam the item to delete, after the event that is being handled.
+constexpr UINT WM_RV_DELETEITEM = 1150;
+
 /// The list of configuration values in two columns, labels left and values right, with groups that open and
 /// close, and a pane below that tells about the item with the focus. Owns its items.
 ///

@@ -14,6 +14,7 @@
 #include <memory>
 #include <numeric>
 
+#include "contract/hostmessages.h"
 #include "platform/qt/qteventloop.h"
 #include "platform/rvcom/linediscipline.h"
 #include "platform/rvcom/rvcom.h"

@@ -5,6 +5,7 @@
 
 #include <memory>
 
+#include "contract/hostmessages.h"
 #include "platform/rvcom/linediscipline.h"
 #include "platform/system/virtualeventloop.h"
 #include "platform/window/messages.h"

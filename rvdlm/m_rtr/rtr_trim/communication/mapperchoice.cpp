@@ -1,5 +1,6 @@
 #include "rvdlm/m_rtr/rtr_trim/communication/mapperchoice.h"
 
+#include "platform/rvmdb/prebaldatabase.h"
 #include "rvdlm/m_rtr/rtr_trim/communication/lannermapper.h"
 #include "rvdlm/m_rtr/rtr_trim/communication/planehandler.h"
 #include "rvdlm/m_rtr/rtr_trim/log.h"

@@ -2,9 +2,9 @@
 #include <cstdint>
 #include <memory>
 
+#include "contract/initflags.h"
 #include "rvdlm/m_rtr/rtr_trim/communication/iffromcommunication.h"
 #include "rvdlm/m_rtr/rtr_trim/communication/iftocommunication.h"
-#include "rvdlm/m_rtr/rtr_trim/communication/initflags.h"
 
 /// The mapper for the module that the host names. An unknown identification, 0 included, counts as a Lanner
 /// module, after an assertion. rWindow must outlive the mapper.

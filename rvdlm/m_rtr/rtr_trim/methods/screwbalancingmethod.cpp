@@ -3,11 +3,11 @@
 #include <array>
 #include <stdexcept>
 
+#include "contract/menus.h"
 #include "platform/rvopc/opcconnection.h"
 #include "platform/rvopc/opcdatabase.h"
 #include "platform/rvopc/prebalinterfacefromnctestweight.h"
 #include "rvdlm/m_rtr/rtr_trim/log.h"
-#include "rvdlm/m_rtr/rtr_trim/menus.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalnotification.h"
 #include "rvlib/math/matrixlog.h"
 
@@ -114,7 +114,7 @@ int CScrewBalancingMethod::GetNeutralPositionMenu(std::uint8_t /*Plane*/) {
 }
 
 int CScrewBalancingMethod::GetTestUnbalanceMenu() {
-    return Menus::eTestScrew;
+    return Menus::eSetScrews;
 }
 
 int CScrewBalancingMethod::GetTestUnbalanceChangeMenu() {
@@ -122,11 +122,11 @@ int CScrewBalancingMethod::GetTestUnbalanceChangeMenu() {
 }
 
 int CScrewBalancingMethod::GetCommitChangeMenu(std::uint8_t Plane) {
-    return Plane == 2 ? Menus::eScrewsPlane2 : Menus::eScrewsPlane1;
+    return Plane == 2 ? Menus::eScrewsOfTwoPlanes : Menus::eScrewsOfOnePlane;
 }
 
 int CScrewBalancingMethod::GetCheckWeightsMenu(std::uint8_t Plane) {
-    return Plane == 2 ? Menus::eScrewsPlane2 : Menus::eScrewsPlane1;
+    return Plane == 2 ? Menus::eScrewsOfTwoPlanes : Menus::eScrewsOfOnePlane;
 }
 
 const math::matrix<double>* CScrewBalancingMethod::GetTestUnbalanceVectorInDeg() {

@@ -5,9 +5,9 @@
 #include <cmath>
 #include <cstdlib>
 
+#include "contract/menus.h"
 #include "platform/window/dc.h"
 #include "rvdlm/m_rtr/rtr_trim/log.h"
-#include "rvdlm/m_rtr/rtr_trim/menus.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/prebalmainwndinterface.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalnotification.h"
 #include "rvlib/math/vector.h"
@@ -22,9 +22,14 @@ constexpr int eSelectWeight2 = 1;
 constexpr int eSelectStep10 = 2;
 
 /// Change menus of the first and of the second plane, by the weight selection.
-constexpr std::array<std::array<int, 4>, 2> g_ChangeMenus = {{{24, 25, 26, 27}, {20, 21, 22, 23}}};
+constexpr std::array<std::array<int, 4>, 2> g_ChangeMenus = {
+    {{Menus::eChangeWeight1By1, Menus::eChangeWeight2By1, Menus::eChangeWeight1By10,
+      Menus::eChangeWeight2By10},
+     {Menus::eChangeOfTwoPlanesWeight1By1, Menus::eChangeOfTwoPlanesWeight2By1,
+      Menus::eChangeOfTwoPlanesWeight1By10, Menus::eChangeOfTwoPlanesWeight2By10}}};
 /// The same in the old manner, where weights have keys of their own and steps don't change.
-constexpr std::array<int, 2> g_OldChangeMenus = {6, 9};
+constexpr std::array<int, 2> g_OldChangeMenus = {Menus::eChangeBothWeights,
+                                                 Menus::eChangeBothWeightsOfTwoPlanes};
 
 /// Keys of the active weight: which key of weight 1 or 2 they stand for, and whether the chosen step goes
 /// with it.
@@ -149,7 +154,7 @@ int CWeightBalancingMethod::GetCheckWeightsMenu(std::uint8_t Plane) {
 }
 
 int CWeightBalancingMethod::GetTestUnbalanceMenu() {
-    return Menus::eTestWeights;
+    return Menus::eSetWeights;
 }
 
 int CWeightBalancingMethod::GetTestUnbalanceChangeMenu() {

@@ -1,9 +1,9 @@
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/balancingsequence.h"
 
+#include "contract/prebalprogress.h"
+#include "contract/warnings.h"
 #include "platform/system/eventloop.h"
-#include "platform/window/prebalprogress.h"
 #include "rvdlm/m_rtr/rtr_trim/log.h"
-#include "rvdlm/m_rtr/rtr_trim/prebalancing/warnings.h"
 #include "rvlib/settings/featureflags.h"
 
 namespace {

@@ -4,11 +4,11 @@
 #include <array>
 #include <cmath>
 
+#include "contract/warnings.h"
 #include "platform/rvldb/gettext.h"
 #include "platform/window/dc.h"
 #include "rvdlm/m_rtr/rtr_trim/log.h"
 #include "rvdlm/m_rtr/rtr_trim/pagestyle.h"
-#include "rvdlm/m_rtr/rtr_trim/prebalancing/warnings.h"
 
 namespace {
 

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <cmath>
 
+#include "contract/menus.h"
+#include "contract/warnings.h"
 #include "rvdlm/m_rtr/rtr_trim/log.h"
-#include "rvdlm/m_rtr/rtr_trim/menus.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/balancingsequence.h"
-#include "rvdlm/m_rtr/rtr_trim/prebalancing/warnings.h"
 
 namespace {
 

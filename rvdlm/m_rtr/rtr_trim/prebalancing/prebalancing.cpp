@@ -1,9 +1,9 @@
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/prebalancing.h"
 
-#include "platform/window/prebalprogress.h"
+#include "contract/menus.h"
+#include "contract/prebalprogress.h"
+#include "contract/warnings.h"
 #include "rvdlm/m_rtr/rtr_trim/log.h"
-#include "rvdlm/m_rtr/rtr_trim/menus.h"
-#include "rvdlm/m_rtr/rtr_trim/prebalancing/warnings.h"
 #include "rvlib/settings/installation.h"
 #include "rvlib/settings/xmlconfig.h"
 

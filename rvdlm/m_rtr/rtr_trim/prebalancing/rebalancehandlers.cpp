@@ -2,10 +2,10 @@
 // counts as handled; eCommitChanges is refused everywhere but in the final measurement.
 #include <algorithm>
 
+#include "contract/menus.h"
+#include "contract/warnings.h"
 #include "rvdlm/m_rtr/rtr_trim/log.h"
-#include "rvdlm/m_rtr/rtr_trim/menus.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/balancingsequence.h"
-#include "rvdlm/m_rtr/rtr_trim/prebalancing/warnings.h"
 
 namespace {
 

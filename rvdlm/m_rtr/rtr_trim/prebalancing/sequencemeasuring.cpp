@@ -1,10 +1,10 @@
 // Measuring rules of CBalancingSequence, and its waiting for the calibrated speed.
 #include <algorithm>
 
+#include "contract/menus.h"
+#include "contract/warnings.h"
 #include "rvdlm/m_rtr/rtr_trim/log.h"
-#include "rvdlm/m_rtr/rtr_trim/menus.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/balancingsequence.h"
-#include "rvdlm/m_rtr/rtr_trim/prebalancing/warnings.h"
 
 namespace {
 

@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
+#include "contract/prebalprogress.h"
 #include "platform/window/dc.h"
-#include "platform/window/prebalprogress.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/prebalancing.h"
 
 /// What the tests see of a procedure: outlives the procedure, which the window owns.

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "contract/hostmessages.h"
 #include "platform/rvcom/rvcom.h"
 #include "platform/rvmdb/prebaldatabase.h"
 #include "platform/system/virtualeventloop.h"

@@ -3,6 +3,7 @@
 
 #include <map>
 
+#include "rvdlm/m_rtr/rtr_trim/modulemessages.h"
 #include "tests/rvdlm/m_rtr/rtr_trim/mainwndfixture.h"
 
 using testing::Contains;

@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 
 #include "platform/rvldb/gettext.h"
+#include "rvdlm/m_rtr/rtr_trim/modulemessages.h"
 #include "tests/rvdlm/m_rtr/rtr_trim/mainwndfixture.h"
 
 using testing::Contains;

@@ -1,6 +1,7 @@
 // Start and end of procedures, and the end of the window's work.
 #include <gmock/gmock.h>
 
+#include "contract/hostmessages.h"
 #include "tests/rvdlm/m_rtr/rtr_trim/mainwndfixture.h"
 
 using testing::Contains;

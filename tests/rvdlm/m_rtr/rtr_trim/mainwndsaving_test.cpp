@@ -1,6 +1,7 @@
 // A result that can't be saved: told to operator, host and NC, kept, and saved by the next try.
 #include <gmock/gmock.h>
 
+#include "contract/hostmessages.h"
 #include "platform/rvldb/gettext.h"
 #include "platform/rvmdb/directsql.h"
 #include "tests/rvdlm/m_rtr/rtr_trim/mainwndfixture.h"
@@ -196,9 +197,33 @@ TEST_F(CMainWndSavingTest, AValueThatCannotBeIsToldWhenTheConfigurationIsRead) {
     Open();
     CDirectSQL(GetDatabaseConnection()).Execute("UPDATE configuration SET number_of_samples = 4294967295");
     TakeShownMessages();
-    dynamic_cast<CWnd&>(*m_pWnd->GetDlgItem(101)).SendMessage(WM_RV_UPDATECONFIGURATION);
+    EXPECT_EQ(m_pWnd->SendMessage(WM_RV_STORECHANGED), 1);
     EXPECT_THAT(GetShown(), ElementsAre(AllOf(HasSubstr("configuration.number_of_samples: 4294967295"),
                                               HasSubstr("not calibrated"))));
+}
+
+TEST_F(CMainWndSavingTest, AStoreThatTheHostHasChangedIsReadAnew) {
+    Open();
+    ChangeElsewhere([](CPreBalBaseTableEntry& rEntry) { rEntry.SetTargetUnbalance(9); });
+    EXPECT_EQ(m_pWnd->SendMessage(WM_RV_STORECHANGED), 1);
+    EXPECT_EQ(m_pWnd->GetTabs().GetCurrentBaseEntry()->GetTargetUnbalance(), 9U);
+}
+
+// A run has the configuration in its hands.
+TEST_F(CMainWndSavingTest, AStoreThatIsChangedInARunIsReadAnewBehindIt) {
+    Open();
+    Act(102);
+    ChangeElsewhere([](CPreBalBaseTableEntry& rEntry) { rEntry.SetTargetUnbalance(9); });
+    EXPECT_EQ(m_pWnd->SendMessage(WM_RV_STORECHANGED), 0);
+    EXPECT_NE(m_pWnd->GetTabs().GetCurrentBaseEntry()->GetTargetUnbalance(), 9U);
+    Act(4501);
+    EXPECT_EQ(m_pWnd->GetTabs().GetCurrentBaseEntry()->GetTargetUnbalance(), 9U);
+}
+
+TEST_F(CMainWndSavingTest, WithoutAStoreNothingIsReadAnew) {
+    Create();
+    EXPECT_EQ(m_pWnd->SendMessage(WM_RV_STORECHANGED), 0);
+    EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 // procedure is the one that only remembers.
 #include <gmock/gmock.h>
 
+#include "contract/hostmessages.h"
 #include "platform/rvcom/bytelink.h"
 #include "platform/rvcom/linediscipline.h"
 #include "tests/rvdlm/m_rtr/rtr_trim/mainwndfixture.h"

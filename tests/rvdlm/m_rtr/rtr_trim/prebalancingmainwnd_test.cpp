@@ -3,10 +3,12 @@
 
 #include <gmock/gmock.h>
 
+#include "contract/hostmessages.h"
+#include "contract/prebalprogress.h"
 #include "platform/rvcom/bytelink.h"
 #include "platform/rvcom/linediscipline.h"
+#include "platform/rvcom/rvcom.h"
 #include "platform/rvldb/gettext.h"
-#include "platform/window/prebalprogress.h"
 #include "tests/rvdlm/m_rtr/rtr_trim/mainwndfixture.h"
 #include "tests/support/textfiles.h"
 

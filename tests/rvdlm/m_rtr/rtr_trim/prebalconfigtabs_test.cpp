@@ -5,8 +5,10 @@
 
 #include <filesystem>
 
+#include "contract/hostmessages.h"
 #include "platform/rvldb/gettext.h"
 #include "platform/rvmdb/directsql.h"
+#include "rvdlm/m_rtr/rtr_trim/modulemessages.h"
 #include "tests/rvdlm/m_rtr/rtr_trim/mainwndfixture.h"
 #include "tests/support/textfiles.h"
 

@@ -1,7 +1,7 @@
 // What a procedure has from its base: settings, texts of the page, the cut of the pane, progress.
+#include "contract/prebalprogress.h"
 #include "platform/window/bitmap.h"
 #include "platform/window/dc.h"
-#include "platform/window/prebalprogress.h"
 #include "tests/rvdlm/m_rtr/rtr_trim/prebalancing/sequencefixture.h"
 #include "tests/support/textfiles.h"
 

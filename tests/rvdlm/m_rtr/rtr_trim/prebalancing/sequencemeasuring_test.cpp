@@ -1,5 +1,5 @@
 // What the measuring states do with speed, lock and readings.
-#include "platform/window/prebalprogress.h"
+#include "contract/prebalprogress.h"
 #include "tests/rvdlm/m_rtr/rtr_trim/prebalancing/sequencefixture.h"
 
 namespace {

@@ -1,5 +1,5 @@
 // Two streams of samples in the measuring states of two planes, and the target for both.
-#include "platform/window/prebalprogress.h"
+#include "contract/prebalprogress.h"
 #include "tests/rvdlm/m_rtr/rtr_trim/prebalancing/twoplanefixture.h"
 
 namespace {

@@ -1,8 +1,11 @@
-#include "console/holering.h"
+#include "contract/holering.h"
 
 #include <gtest/gtest.h>
 
-#include "console/situation.h"
+#include <fstream>
+#include <nlohmann/json.hpp>
+
+#include "tests/support/testpaths.h"
 
 // On a counter-clockwise scale of 12 the module's hole 2, clockwise next to hole 1, is engraved 12.
 TEST(HoleRing, TheTwoNumberingsMeetInHoleOne) {
@@ -27,17 +30,17 @@ TEST(HoleRing, EveryHoleIsFoundByItsRoundedAngle) {
     }
 }
 
-TEST(Situation, ScrewsAreThoseOfTheNotificationWithExactGrams) {
-    CSituation Situation;
-    Situation.m_Progress.m_Readings[0].m_bShown = true;
-    Situation.m_Notification.m_Values = {3, 4, 0, 113, 90, 200, -1, 0};
-    const CHoleRing Ring{12, true};
-    EXPECT_FALSE(Situation.HasScrews(0));
-    // Somebody who only has the notification knows hundredths.
-    EXPECT_EQ(Situation.GetScrews(0, Ring), (std::vector<CRotorScrew>{{1, 1.13}, {10, 2.0}}));
-    Situation.m_Progress.m_Screws[0].emplace();
-    Situation.m_Progress.m_Screws[0]->push_back({1, 1.125});
-    Situation.m_Progress.m_Screws[0]->push_back({4, 2.0});
-    EXPECT_TRUE(Situation.HasScrews(0));
-    EXPECT_EQ(Situation.GetScrews(0, Ring), (std::vector<CRotorScrew>{{1, 1.125}, {10, 2.0}}));
+// The NC simulator's ring is held by the same table.
+TEST(HoleRing, AgreesWithTheTableThatTheNcSimulatorAgreesWith) {
+    std::ifstream File(TestData("contract/holering.json"));
+    const nlohmann::json Cases = nlohmann::json::parse(File);
+    ASSERT_GT(Cases.size(), 50U);
+    for (const nlohmann::json& rCase : Cases) {
+        const CHoleRing Cw{rCase.at("holes"), false};
+        const CHoleRing Ccw{rCase.at("holes"), true};
+        const std::uint32_t Hole = Cw.GetModuleHole(rCase.at("angle"));
+        EXPECT_EQ(Hole, rCase.at("module")) << rCase;
+        EXPECT_EQ(Cw.GetRotorHole(Hole), rCase.at("clockwise")) << rCase;
+        EXPECT_EQ(Ccw.GetRotorHole(Hole), rCase.at("counterClockwise")) << rCase;
+    }
 }
