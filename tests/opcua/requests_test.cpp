@@ -57,7 +57,6 @@ protected:
             rEntry.CreateSinglePlane().SetInvA(InvA);
             Database.WriteConfiguration();
         }
-        constexpr int eTabs = 101;
         m_pSession->GetModule().SendMessage(WM_RV_STORECHANGED);
     }
     bool IsRunning() { return m_pSession->Look().m_bRunning; }
