@@ -6,7 +6,8 @@ export class CommandError extends Error {}
 function itemOf(key) {
   const item = findItem(key);
   if (!item) {
-    throw new CommandError(`unknown item ${JSON.stringify(key)}, known: ${ITEMS.map(({ key }) => key).join(', ')}`);
+    const known = ITEMS.map((each) => each.key).join(', ');
+    throw new CommandError(`unknown item ${JSON.stringify(key)}, known: ${known}`);
   }
   return item;
 }

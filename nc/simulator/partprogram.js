@@ -1,4 +1,3 @@
-import { setTimeout as sleep } from 'node:timers/promises';
 import { rotorHole } from './holering.js';
 import { MachineError } from './machinelink.js';
 import { ModuleInterface, Request, TIMES } from './moduleinterface.js';
@@ -272,10 +271,11 @@ export class PartProgram {
    * being measured. An unbalance just at the target turns the verdict over and over; then the present one is taken.
    * Returns the verdict that was the last.
    */
-  async #finish(verdict) {
+  async #finish(first) {
     const time = this.#module.timeOfMeasurement;
     const begin = performance.now();
-    for (let present = verdict; present.isVerdict; present = this.#module.notification) {
+    let verdict = first;
+    for (let present = first; present.isVerdict; present = this.#module.notification) {
       verdict = present;
       const { changes, warning } = this.#module;
       const isMeasured = warning === (present.isOverTarget ? Warning.overTarget : Warning.none);

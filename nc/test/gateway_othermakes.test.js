@@ -2,6 +2,7 @@
 import assert from 'node:assert/strict';
 import { join } from 'node:path';
 import { describe, test } from 'node:test';
+import { setTimeout as sleep } from 'node:timers/promises';
 import { provideCertificate } from './support/certificates.js';
 import { GatewayProcess } from './support/gatewayprocess.js';
 import { Stopwatch } from './support/processes.js';
@@ -63,7 +64,7 @@ describe('servers of other makes', () => {
     };
     const watch = new Stopwatch(gateway.process.pid);
     while (questions < 8) {
-      await new Promise((resolve) => setTimeout(resolve, 20));
+      await sleep(20);
     }
     assert.ok(watch.usable / questions < 1.5 / 2, `${watch.usable} s for ${questions} questions`);
   });

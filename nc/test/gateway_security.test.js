@@ -306,8 +306,8 @@ describe('security', () => {
     assert.equal(await mode('.'), 0o700);
     assert.equal(await mode('own-key.pem'), 0o600);
     assert.equal(await mode('server.pem'), 0o600);
-    const before = await readFile(join(gateway.pki, 'own.pem'), 'utf8');
-    assert.match(before, /BEGIN CERTIFICATE/);
+    const own = await readFile(join(gateway.pki, 'own.pem'), 'utf8');
+    assert.match(own, /BEGIN CERTIFICATE/);
     await gateway.stop();
     await chmod(gateway.pki, 0o755);
     await chmod(join(gateway.pki, 'own-key.pem'), 0o644);
@@ -316,7 +316,7 @@ describe('security', () => {
     assert.deepEqual(await again.next('state', isSettled), { connected: true });
     assert.equal(await mode('.'), 0o700);
     assert.equal(await mode('own-key.pem'), 0o600);
-    assert.equal(await readFile(join(gateway.pki, 'own.pem'), 'utf8'), before);
+    assert.equal(await readFile(join(gateway.pki, 'own.pem'), 'utf8'), own);
     assert.deepEqual(again.all('log'), []); // trusted before
   });
 });

@@ -5,6 +5,7 @@ import { mkdtempSync, readFileSync, rmSync, writeFileSync } from 'node:fs';
 import { tmpdir } from 'node:os';
 import { join } from 'node:path';
 import { after, before, it } from 'node:test';
+import { setTimeout as sleep } from 'node:timers/promises';
 import { Stopwatch, finish, start } from './support/processes.js';
 
 let root;
@@ -46,7 +47,7 @@ function isAlive(pid) {
 async function assertEnds(pid) {
   for (const watch = new Stopwatch(); isAlive(pid); ) {
     assert.ok(watch.usable < 5);
-    await new Promise((resolve) => setTimeout(resolve, 10));
+    await sleep(10);
   }
 }
 

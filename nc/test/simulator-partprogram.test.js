@@ -438,9 +438,9 @@ describe('the verdict', () => {
     const items = new FakeItems();
     const program = new PartProgram({ items, machine: link, rotor: parseRotor('{}'), say: () => {}, times: TIMES });
     const module = new FakeModule(items, machine, [ready, ...single, ...flips]);
-    const ended = new Promise((resolve) =>
-      items.on('written', (key, value) => key === 'Request' && value === 4 && resolve()),
-    );
+    const ended = new Promise((resolve) => {
+      items.on('written', (key, value) => key === 'Request' && value === 4 && resolve());
+    });
     const status = program.run(['prebalance']);
     await ended;
     assert.ok(!module.isOver); // the flips were still going on

@@ -42,7 +42,9 @@ class WireModule {
 
   /** Resolves when the NC writes this request. The one before it may still be reported. */
   request(wanted) {
-    return new Promise((resolve) => (this.#waiting = (value) => value === wanted && resolve()));
+    return new Promise((resolve) => {
+      this.#waiting = (value) => value === wanted && resolve();
+    });
   }
 
   answer(value) {

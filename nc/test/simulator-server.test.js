@@ -101,22 +101,22 @@ describe('a generic client', () => {
     ['an array of 13', 'Notification', 'Int32', SAMPLE.slice(1)],
   ]) {
     it(`is refused ${what}`, async () => {
-      const before = await client.read(items[item]);
+      const held = await client.read(items[item]);
       assert.equal(await client.write(items[item], type, value), 'BadTypeMismatch');
-      assert.deepEqual(await client.read(items[item]), before);
+      assert.deepEqual(await client.read(items[item]), held);
     });
   }
 
   it('sees what the NC writes', async () => {
     const seen = [];
-    const came = new Promise((resolve) =>
+    const came = new Promise((resolve) => {
       client.subscribe(items.Request, (value) => {
         seen.push(value);
         if (value === 4) {
           resolve();
         }
-      }),
-    );
+      });
+    });
     simulator.send({ write: { item: 'Request', value: 4 } });
     await within(came, PATIENCE);
     assert.equal(seen.at(-1), 4);
