@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "platform/rvcom/endpoint.h"
+#include "platform/system/version.h"
 
 namespace {
 
@@ -127,11 +128,15 @@ std::optional<COptions> ParseCommandLine(int argc, const char* const* argv, CCom
     App.add_option("--test-weight", Options.m_TestWeight,
                    "Grams of the test screw that the simulated NC asks for; with --nc opcua")
         ->check(CheckGrams);
+    App.set_version_flag("--version", std::string("console ") + GetProjectVersion(), "The version");
 
     try {
         App.parse(argc, argv);
     } catch (const CLI::CallForHelp&) {
         rEnd = {0, App.help()};
+        return std::nullopt;
+    } catch (const CLI::CallForVersion&) {
+        rEnd = {0, App.version()};
         return std::nullopt;
     } catch (const CLI::ParseError& rError) {
         std::string Text = rError.what();

@@ -13,6 +13,7 @@
 #include "platform/qt/endsignals.h"
 #include "platform/qt/qteventloop.h"
 #include "platform/rvcom/bytelink.h"
+#include "platform/system/version.h"
 #include "simulator/machineserver.h"
 #include "simulator/rotorfile.h"
 #include "simulator/simulator.h"
@@ -123,10 +124,11 @@ int Main(int argc, char** argv) {
     App.add_option("--addresses", Options.m_Addresses,
                    "A[,B], the modules' addresses; 5 and 6 without it, 9 for lanner")
         ->delimiter(',');
+    App.set_version_flag("--version", std::string("simulator ") + GetProjectVersion(), "The version");
     try {
         App.parse(argc, argv);
-    } catch (const CLI::Success& rHelp) {
-        return App.exit(rHelp);
+    } catch (const CLI::Success& rHelpOrVersion) {
+        return App.exit(rHelpOrVersion);
     } catch (const CLI::ParseError& rError) {
         return Fail(std::string(rError.what()) + "; --help tells the options");
     }

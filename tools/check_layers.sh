@@ -19,8 +19,8 @@ files() {
     done | sort
 }
 
-# shellcheck disable=SC2046
-perl - $(files contract platform rvlib rvdlm console simulator) <<'PERL'
+mapfile -t sources < <(files contract platform rvlib rvdlm console simulator)
+perl - "${sources[@]}" <<'PERL'
 use strict;
 use warnings;
 

@@ -6,10 +6,11 @@ set -euo pipefail
 root=${1:-$(dirname "$0")/..}
 cd "$root"
 
-# shellcheck disable=SC2046
-perl - $(for folder in rvlib rvdlm; do
-             [ -d "$folder" ] && find "$folder" -name '*.h' -o -name '*.cpp'
-         done | sort) <<'PERL'
+mapfile -t sources < <(
+    for folder in rvlib rvdlm; do
+        [ -d "$folder" ] && find "$folder" -name '*.h' -o -name '*.cpp'
+    done | sort)
+perl - "${sources[@]}" <<'PERL'
 use strict;
 use warnings;
 

@@ -1,7 +1,82 @@
 #!/usr/bin/env bash
 # clang-tidy over the product's sources, by .clang-tidy, on all cores.
+#
+#   tools/check_tidy.sh             all sources
+#   tools/check_tidy.sh --last N    those that the last N commits, or changes not yet committed, have touched; for a header
+#                                   the source of its name, or else one that includes it. All, if .clang-tidy was touched.
+#   tools/check_tidy.sh FILE...     these
 set -euo pipefail
 cd "$(dirname "$0")/.."
+
+fail() {
+    printf '%s\n' "$*" >&2
+    exit 3
+}
+
+sources() { git ls-files 'platform/*.cpp' 'rvlib/*.cpp' 'rvdlm/*.cpp' 'simulator/*.cpp' 'console/*.cpp'; }
+
+# touched COUNT: files of the last COUNT commits and of what isn't committed yet.
+touched() {
+    git log -n "$1" --name-only --format=
+    git diff --name-only HEAD
+}
+
+# source_of HEADER: the source by which a header is looked at: its own, or one that includes it, be it by other headers.
+source_of() {
+    local pending=("$1") header includer
+    local -A seen=()
+    while [ ${#pending[@]} -gt 0 ]; do
+        header=${pending[0]}
+        pending=("${pending[@]:1}")
+        [ -z "${seen[$header]:-}" ] || continue
+        seen[$header]=yes
+        if [ -e "${header%.h}.cpp" ]; then
+            printf '%s\n' "${header%.h}.cpp"
+            return
+        fi
+        while IFS= read -r includer; do
+            case $includer in
+                *.cpp)
+                    printf '%s\n' "$includer"
+                    return
+                    ;;
+                *) pending+=("$includer") ;;
+            esac
+        done < <(git grep -lF "#include \"$header\"" -- 'platform' 'rvlib' 'rvdlm' 'simulator' 'console' | sort -t . -k 2)
+    done
+}
+
+# chosen COUNT: the sources to look at for the last COUNT commits.
+chosen() {
+    local file
+    touched "$1" | sort -u | while IFS= read -r file; do
+        case $file in
+            .clang-tidy) sources ;;
+            tests/* | bench/* | fuzz/*) ;;
+            *.cpp) [ ! -e "$file" ] || sources | grep -xF "$file" || true ;;
+            *.h) [ ! -e "$file" ] || source_of "$file" ;;
+        esac
+    done | sort -u
+}
+
+files=()
+case ${1:-} in
+    "") mapfile -t files < <(sources) ;;
+    --last)
+        [[ ${2:-} =~ ^[1-9][0-9]*$ && $# -eq 2 ]] || fail "--last takes a number of commits; see the head of $0"
+        mapfile -t files < <(chosen "$2")
+        ;;
+    -*) fail "unknown option $1; see the head of $0" ;;
+    *) files=("$@") ;;
+esac
+for file in "${files[@]}"; do
+    [ -e "$file" ] || fail "there is no $file"
+done
+if [ ${#files[@]} -eq 0 ]; then
+    echo "no source was touched"
+    exit 0
+fi
+
 [ -e build/release/compile_commands.json ] || cmake --preset release >/dev/null
-git ls-files 'platform/*.cpp' 'rvlib/*.cpp' 'rvdlm/*.cpp' 'simulator/*.cpp' 'console/*.cpp' |
-    xargs -P "$(nproc)" -n 4 clang-tidy --quiet -p build/release --extra-arg=-Wno-unknown-warning-option
+printf '%s\0' "${files[@]}" |
+    xargs -0 -P "$(nproc)" -n 4 clang-tidy --quiet -p build/release --extra-arg=-Wno-unknown-warning-option

@@ -1,11 +1,13 @@
+# shellcheck shell=bash
 # Sourced by run, test and .ci/run: installs what is missing and builds. Everything it says goes to stderr.
 
 say() { printf '%s\n' "$*" >&2; }
 
 # install_packages FILE...: the Debian packages listed there, if any is missing.
 install_packages() {
-    local missing=() package
-    for package in $(cat "$@" | grep -v '^#'); do
+    local listed missing=() package
+    mapfile -t listed < <(cat "$@" | grep -v '^#')
+    for package in "${listed[@]}"; do
         dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null | grep -q '^installed$' || missing+=("$package")
     done
     [ ${#missing[@]} -eq 0 ] && return 0
@@ -27,16 +29,18 @@ install_packages() {
     rm -f "$log"
 }
 
-# install_node_modules: what nc/ needs from npm, exactly as its lock file says, when that has changed.
+# install_node_modules runtime|all: what nc/ needs from npm to run, or also what looks at its sources; exactly as the lock
+# file says, when that has changed.
 install_node_modules() {
-    local stamp=nc/node_modules/.installed log
-    cmp -s nc/package-lock.json "$stamp" && return 0
+    local stamp=nc/node_modules/.installed-$1 everything=nc/node_modules/.installed-all omit=() log
+    { cmp -s nc/package-lock.json "$stamp" || cmp -s nc/package-lock.json "$everything"; } && return 0
+    [ "$1" = all ] || omit=(--omit=dev)
     if ! { command -v node && command -v npm; } >/dev/null; then
         install_packages tools/packages-node.txt || return 1
     fi
     say "Installing the npm packages of nc/"
     log=$(mktemp)
-    if ! npm ci --prefix nc --no-audit --no-fund >"$log" 2>&1; then
+    if ! npm ci --prefix nc "${omit[@]}" --no-audit --no-fund >"$log" 2>&1; then
         cat "$log" >&2
         say "Installing the npm packages failed; they are listed in nc/package.json."
         return 1

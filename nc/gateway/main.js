@@ -2,6 +2,7 @@
 import './silence.js';
 import { connect } from 'node:net';
 import { readObjects, writeObject } from '../shared/jsonlines.js';
+import { VERSION } from '../shared/version.js';
 
 const BAD_ARGUMENTS = 3;
 const FAILED = 1;
@@ -12,6 +13,10 @@ function refuse(text) {
   process.exit(BAD_ARGUMENTS);
 }
 
+if (process.argv.length === 3 && process.argv[2] === '--version') {
+  process.stdout.write(`opc-gateway ${VERSION}\n`);
+  process.exit(0);
+}
 if (process.argv.length !== 3 || process.argv[2] === '' || process.argv[2].startsWith('-')) {
   refuse('usage: opc-gateway SOCKET');
 }

@@ -26,6 +26,7 @@ export const USAGE = `nc-simulator: an NC with an OPC UA server, and a part prog
     --plane N             plane of the rotor that a single-plane procedure balances, 1 (default) or 2
     --test-weight GRAMS   with screws: what the test screw is to weigh
     --json                JSON lines on standard input and output; ends when the input closes
+    --version             tells the version
 
 Without --machine nothing is driven, and lines on standard input write items by hand: write Request 1
 Exit status: 0 all procedures ended well, 1 over the target, 2 failed, 3 bad arguments.
@@ -45,6 +46,7 @@ const OPTIONS = {
   'test-weight': 'string',
   json: 'boolean',
   help: 'boolean',
+  version: 'boolean',
 };
 
 function split(argv) {
@@ -141,6 +143,9 @@ export function readArguments(argv) {
   const values = split(argv);
   if (values.help) {
     return { help: true };
+  }
+  if (values.version) {
+    return { version: true };
   }
   if (values.security !== undefined) {
     toChoice('security', values.security, ['none']);

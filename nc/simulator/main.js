@@ -1,5 +1,6 @@
 // The NC simulator: an OPC UA server with the items of the balancing interface, and a part program that drives the
 // module through them.
+import { VERSION } from '../shared/version.js';
 import { ArgumentError, USAGE, readArguments } from './arguments.js';
 
 const EXIT_FAILED = 2;
@@ -14,6 +15,10 @@ async function main() {
   const options = readArguments(process.argv.slice(2));
   if (options.help) {
     process.stdout.write(USAGE);
+    return 0;
+  }
+  if (options.version) {
+    process.stdout.write(`nc-simulator ${VERSION}\n`);
     return 0;
   }
   const { run } = await import('./program.js');

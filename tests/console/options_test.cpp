@@ -4,6 +4,8 @@
 
 #include <vector>
 
+#include "platform/system/version.h"
+
 namespace {
 
 std::optional<COptions> Parse(std::vector<const char*> Arguments, CCommandLineEnd& rEnd) {
@@ -155,6 +157,13 @@ TEST(OptionsTest, HelpEndsWithoutAnError) {
     EXPECT_FALSE(Parse({"--help"}, End).has_value());
     EXPECT_EQ(End.m_ExitCode, 0);
     EXPECT_NE(End.m_Text.find("--headless"), std::string::npos);
+}
+
+TEST(OptionsTest, TheVersionIsTold) {
+    CCommandLineEnd End;
+    EXPECT_FALSE(Parse({"--version"}, End).has_value());
+    EXPECT_EQ(End.m_ExitCode, 0);
+    EXPECT_EQ(End.m_Text, std::string("console ") + GetProjectVersion());
 }
 
 TEST(OptionsTest, ARunDrivenByAnNcTakesRealTime) {

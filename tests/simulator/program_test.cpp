@@ -13,6 +13,7 @@
 #include "platform/qt/qteventloop.h"
 #include "platform/rvcom/bytelink.h"
 #include "platform/rvcom/linediscipline.h"
+#include "platform/system/version.h"
 #include "simulator/machineclient.h"
 #include "tests/support/testpaths.h"
 
@@ -128,6 +129,14 @@ TEST_F(SimulatorProgramTest, HelpIsNoError) {
     Start({"--help"});
     EXPECT_EQ(GetExit(), 0);
     EXPECT_THAT(m_Process.readAllStandardOutput().toStdString(), HasSubstr("--frames"));
+}
+
+// No link is needed for it.
+TEST_F(SimulatorProgramTest, TellsItsVersion) {
+    Start({"--version"});
+    EXPECT_EQ(GetExit(), 0);
+    EXPECT_EQ(m_Process.readAllStandardOutput().toStdString(),
+              std::string("simulator ") + GetProjectVersion() + "\n");
 }
 
 struct CArgumentCase {
