@@ -9,9 +9,6 @@ begin_steps() {
     step_lines=()
     step_name=""
     trap tell_steps EXIT
-    trap 'exit 129' HUP
-    trap 'exit 130' INT
-    trap 'exit 143' TERM
 }
 
 # close_step WORD: notes the step under way, if there is one, with what became of it.

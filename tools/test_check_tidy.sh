@@ -71,6 +71,9 @@ git commit -qm "gone"
 expect 0 "what is gone" "--last 1"
 echo "// more" >>rvlib/a/user.cpp
 expect 0 "what isn't committed yet" "--last 1" rvlib/a/user.cpp
+rm platform/two.cpp
+expect 0 "what is gone and not committed yet" "--last 1" rvlib/a/user.cpp
+git checkout -q platform/two.cpp
 commit .clang-tidy
 expect 0 "other rules: all" "--last 1" platform/two.cpp rvlib/a/one.cpp rvlib/a/user.cpp
 expect 3 "no number" "--last"
