@@ -3,7 +3,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bad=0
-for page in README.md docs/*.md; do
+for page in *.md docs/*.md texts/*.md; do
     while IFS= read -r link; do
         target=${link%%#*}
         [ -z "$target" ] && continue
