@@ -1,3 +1,5 @@
 #include "platform/system/version.h"
 
-const char* GetProjectVersion() { return ROTOR_TRIM_VERSION; }
+const char* GetProjectVersion() {
+    return ROTOR_TRIM_VERSION;
+}

@@ -12,14 +12,16 @@ CBest FindBest(std::vector<double> Weights, bool bThree, int nHoles, Complex Tar
         Holes.push_back(DirectionOfHole(h, nHoles));
     }
     CBest Best;
+    double SmallestSquare = std::numeric_limits<double>::infinity();
     const auto TryLast = [&](Complex Sum, std::size_t Hole) {
         const double Exact = ((Target - Sum) * std::conj(Holes[Hole])).real();
         auto Next = std::lower_bound(Weights.begin(), Weights.end(), Exact);
         for (int i = 0; i < 2; ++i) {
             if (Next != Weights.end()) {
                 const Complex All = Sum + *Next * Holes[Hole];
-                if (const double Deviation = std::abs(All - Target); Deviation < Best.m_Deviation) {
-                    Best = {All, Deviation};
+                if (const double Square = std::norm(All - Target); Square < SmallestSquare) {
+                    SmallestSquare = Square;
+                    Best = {All, std::sqrt(Square)};
                 }
             }
             if (Next == Weights.begin()) {
