@@ -42,7 +42,7 @@ source_of() {
                     ;;
                 *) pending+=("$includer") ;;
             esac
-        done < <(git grep -lF "#include \"$header\"" -- 'platform' 'rvlib' 'rvdlm' 'simulator' 'console' | sort -t . -k 2)
+        done < <(git grep -lF "#include \"$header\"" -- contract platform rvlib rvdlm simulator console | sort -t . -k 2)
     done
 }
 
