@@ -41,28 +41,35 @@ const std::array<CBalancingSequence::Handler, Sequence::eRoleCount> CBalancingSe
     &CBalancingSequence::ReBalanceMeasurement2Handler,
 };
 
+namespace {
+
+/// What follows the last dash of a machine's name; empty if nothing does, or nothing stands before it.
+std::string GetSetOfMachine(const std::string& rMachineName) {
+    const std::size_t Dash = rMachineName.rfind('-');
+    return Dash == std::string::npos || Dash == 0 ? std::string() : rMachineName.substr(Dash + 1);
+}
+
+}  // namespace
+
 CBalancingSequence::CBalancingSequence(CPreBalMainWndInterface* pMainWnd,
                                        PreBalDB::CPreBalBaseTableEntry& rEntry,
                                        const std::string& rSecondTitle, const Sequence::CTables& rTables)
     : CPreBalancing(pMainWnd, rEntry, rSecondTitle),
       m_rTables(rTables),
+      m_Measuring(m_Planes, rEntry.GetNumberOfSamples()),
+      m_Positions(m_Planes, *pMainWnd, GetSetOfMachine(rEntry.GetMachineName())),
+      m_Entry(m_Planes, m_Positions, [this]() -> CPlaneBalancingMethod& { return GetActiveMethod(); }),
       m_bVerdictOnFullWindow(IsFeatureEnabled("PreBalancingVerdictOnFullWindow", false)) {
-    const std::string& rMachineName = rEntry.GetMachineName();
-    const std::size_t Dash = rMachineName.rfind('-');
-    if (Dash == std::string::npos || Dash == 0 || Dash + 1 == rMachineName.size()) {
+    const std::string Set = GetSetOfMachine(rEntry.GetMachineName());
+    if (Set.empty()) {
         RV_ASSERT_FAIL(RtrTrim::g_pLog, "impossible");
-    } else {
-        SetSetText(rMachineName.substr(Dash + 1));
     }
+    SetSetText(Set);
     SetProcessName(rEntry.GetProcessName());
 }
 
 CBalancingSequence::~CBalancingSequence() {
     CloseLogBlock();
-}
-
-void CBalancingSequence::RemovePlanes() {
-    m_Planes.clear();
 }
 
 int CBalancingSequence::StartPreBalancing(std::uint16_t wRPM, int NotLocked, int InvalidRPM) {
@@ -84,8 +91,9 @@ int CBalancingSequence::Start(EVENTS Event, std::uint16_t wRPM, int NotLocked, i
 
 void CBalancingSequence::AbortBalancing(std::uint32_t WarningMode) {
     PB_FLOW("%s::AbortBalancing()", m_rTables.m_pProcedureName);
-    m_Event.reset();
-    FailWithNoReturn(WarningMode);
+    m_Event = CEvent(eNewState, 0, WarningMode);
+    StopMeasurement();
+    Enter(m_rTables.FindState(Sequence::eFailureWithNoReturn, 0)->m_State, WarningMode);
 }
 
 int CBalancingSequence::KeyPressed(KeyAction Action) {
@@ -100,7 +108,7 @@ bool CBalancingSequence::CommitChanges() {
     }
     m_pEntry->SetIsCalibrated(1);
     m_pEntry->SetCalibrationDateTime(IFEventLoop::Current().WallClock());
-    if (HasWeightsOnly()) {
+    if (m_Planes.HasWeightsOnly()) {
         StoreWeightPositions();
     }
     return true;
@@ -141,11 +149,12 @@ void CBalancingSequence::OutOfLock(int bNotLocked) {
 void CBalancingSequence::GetProgress(CPreBalProgress& rProgress) const {
     CPreBalancing::GetProgress(rProgress);
     rProgress.m_State = m_rTables.GetStateText(m_State);
-    for (const CPlane& rPlane : m_Planes) {
+    for (std::size_t i = 0; i < m_Planes.GetCount(); ++i) {
+        const CSequencePlane& rPlane = m_Planes.Get(i);
         const CXYMovingAverage& rAverage = rPlane.m_pMethod->m_MovingAverage;
         CPreBalProgress::CReading& rReading = rProgress.m_Readings.at(rPlane.m_Sensor);
         rReading.m_bShown = true;
-        rReading.m_bComplete = IsMeasured(rPlane);
+        rReading.m_bComplete = m_Measuring.IsMeasured(i, CanMeasure() != 0);
         rAverage.GetValues(&rReading.m_Amplitude, &rReading.m_AngleDeg, nullptr, nullptr, nullptr);
         if (const Base::CWDArray<CScrew>* pScrews = rPlane.m_pMethod->GetScrews()) {
             std::vector<CPreBalProgress::CScrew> Screws;
@@ -179,7 +188,11 @@ bool CBalancingSequence::DependsOnModuleState() const {
     }
 }
 
-int CBalancingSequence::SetEvent(EVENTS Event) {
+void CBalancingSequence::StoreWeightPositions() {
+    m_Positions.Store();
+}
+
+int CBalancingSequence::SetEvent(CEvent Event) {
     m_Event = Event;
     int Result = 0;
     try {
@@ -192,32 +205,160 @@ int CBalancingSequence::SetEvent(EVENTS Event) {
         FailWithReset(m_Activity == eReBalancingActivity ? Warnings::eRebalanceNotPossible
                                                          : Warnings::eNoInfluence);
     }
-    if (Result == 0 && Event != eCommitChanges) {
+    if (Result == 0 && Event.m_Kind != eCommitChanges) {
         RV_WARNING(RtrTrim::g_pLog, "Invalid Event %s in state %s received", GetEventText(Event),
                    m_rTables.GetStateText(m_State));
     }
     return Result;
 }
 
-int CBalancingSequence::DispatchEvent(EVENTS Event) {
+int CBalancingSequence::DispatchEvent(const CEvent& rEvent) {
     const Sequence::CState* pState = m_rTables.FindState(m_State);
     if (pState == nullptr) {
         RV_ASSERT_FAIL(RtrTrim::g_pLog, ("invalid state: " + std::to_string(m_State)).c_str());
         return 0;
     }
-    return (this->*ms_Handlers[static_cast<std::size_t>(pState->m_Role)])(Event);
+    return (this->*ms_Handlers[static_cast<std::size_t>(pState->m_Role)])(rEvent);
 }
 
-int CBalancingSequence::Enter(Sequence::Role Role, std::size_t Leg) {
-    const Sequence::CState* pState = m_rTables.FindState(Role, Leg);
+std::optional<int> CBalancingSequence::Follow(const CEvent& rEvent) {
+    const std::optional<Sequence::Trigger> Trigger = FindTrigger(rEvent);
+    return Trigger ? Follow(*Trigger) : std::nullopt;
+}
+
+std::optional<int> CBalancingSequence::Follow(Sequence::Trigger Trigger) {
+    for (const Sequence::CTransition& rRow : m_rTables.m_Transitions) {
+        if (rRow.m_From != m_State || rRow.m_Trigger != Trigger || !Holds(rRow.m_Guard)) {
+            continue;
+        }
+        for (const Sequence::Deed ToDo : rRow.m_Deeds) {
+            Do(ToDo);
+        }
+        const int Result = Enter(rRow.m_To, rRow.m_Warning);
+        if (rRow.m_Warning != Warnings::eNone) {
+            SetWarningMode(rRow.m_Warning);
+        }
+        return Result;
+    }
+    return std::nullopt;
+}
+
+std::optional<Sequence::Trigger> CBalancingSequence::FindTrigger(const CEvent& rEvent) const {
+    switch (rEvent.m_Kind) {
+        case eNewState:
+            return Sequence::eEntered;
+        case eStartPreBal:
+            return Sequence::eStartOfPreBalancing;
+        case eStartReBal:
+            return Sequence::eStartOfReBalancing;
+        case eRPMChanged:
+            return Sequence::eSpeedReported;
+        case eInvalidRPMChanged:
+            return Sequence::eSpeedValidityReported;
+        case eKeyPressed:
+            break;
+        default:
+            return std::nullopt;
+    }
+    switch (m_KeyAction) {
+        case eNext:
+            return Sequence::eKeyNext;
+        case eRebalance:
+            return Sequence::eKeyRebalance;
+        case eCheckWeightPositions:
+            return Sequence::eKeyCheckWeights;
+        case eNeutralPositionAdjusted:
+            return Sequence::eKeyWeightsInPlace;
+        case ePositionAdoption:
+            return Sequence::eKeyAdoptPositions;
+        default:
+            return std::nullopt;
+    }
+}
+
+bool CBalancingSequence::Holds(Sequence::Guard Guard) const {
+    switch (Guard) {
+        case Sequence::eAlways:
+            return true;
+        case Sequence::eSpindleStands:
+            return m_RPM == 0;
+        case Sequence::eSpindleTurns:
+            return m_RPM != 0;
+        case Sequence::eSpeedValid:
+            return m_InvalidRPM == 0;
+        case Sequence::eLockedAtValidSpeed:
+            return m_InvalidRPM == 0 && (m_NotLocked == 0 || GetIgnoreOutOfLock() != 0);
+        case Sequence::eAtCalibratedSpeed:
+            return IsAtCalibratedSpeed();
+        case Sequence::eMeasured: {
+            const Sequence::CMeasuringRule* const pRule = Sequence::FindMeasuringRule(GetStateRow().m_Role);
+            return pRule != nullptr && m_pMainWnd->GetMenu() == pRule->m_CompleteMenu;
+        }
+        case Sequence::eWeightsOnly:
+            return m_Planes.HasWeightsOnly();
+        case Sequence::eStoredWeights:
+            return m_Planes.HasWeightsOnly() && m_Positions.Find().has_value();
+        case Sequence::eCalibratedSpindleStops:
+            return m_pEntry->IsCalibrated() != 0 && m_InvalidRPM != 0;
+        case Sequence::eCalibratedSpindleRuns:
+            return m_pEntry->IsCalibrated() != 0 && m_InvalidRPM == 0;
+        case Sequence::eGuardCount:
+            break;
+    }
+    RV_ASSERT_FAIL(RtrTrim::g_pLog, "impossible");
+    return false;
+}
+
+void CBalancingSequence::Do(Sequence::Deed Deed) {
+    switch (Deed) {
+        case Sequence::eNoDeed:
+        case Sequence::eDeedCount:
+            return;
+        case Sequence::eCountStepLeftOut:
+            SetCurrentStep(GetCurrentStep() + 1);
+            return;
+        case Sequence::eReadPositionStore:
+            if (m_Planes.HasWeightsOnly()) {
+                m_Positions.Reload();
+            }
+            return;
+        case Sequence::eTakePositionsShown:
+            if (m_Planes.HasWeightsOnly()) {
+                SetFirstPositions(m_Planes.GetWeightPositions());
+            }
+            return;
+        case Sequence::eTakePositionsStored:
+            AdoptStoredWeightPositions();
+            return;
+        case Sequence::eTakeFirstReading:
+            ApplyNeutralPositionXYValues();
+            return;
+        case Sequence::eEndMeasurement:
+            StopMeasurement();
+            return;
+        case Sequence::eTakeTestPositions:
+            SetTestPositions(GetStateRow().m_Leg);
+            return;
+        case Sequence::eStoreCompensation:
+            StoreUAOfPlanes();
+            return;
+        case Sequence::eForgetSteps:
+            SetCurrentStep(0);
+            return;
+    }
+}
+
+int CBalancingSequence::Enter(int State, std::uint32_t Warning) {
+    const Sequence::CState* pState = m_rTables.FindState(State);
     if (pState == nullptr) {
         RV_ASSERT_FAIL(RtrTrim::g_pLog, "impossible");
         return 0;
     }
     CountStep(pState->m_Steps);
-    const int bChanged = ChangeState(pState->m_State);
+    const int bChanged = ChangeState(State);
     SetMode(pState->m_InstructionMode);
-    const int bEntered = (this->*ms_Handlers[static_cast<std::size_t>(Role)])(eNewState);
+    const int bEntered =
+        (this->*ms_Handlers[static_cast<std::size_t>(pState->m_Role)])(CEvent(eNewState, 0, Warning));
     return bChanged != 0 && bEntered != 0 ? 1 : 0;
 }
 
@@ -260,11 +401,11 @@ void CBalancingSequence::AddToHistory(int NewState) {
 }
 
 std::string CBalancingSequence::GetCause() const {
-    if (!m_Event) {
-        return "AbortBalancing(" + std::to_string(m_AbortWarning) + ")";
+    if (!m_Event || m_Event->m_Kind == eNewState) {
+        return "AbortBalancing(" + std::to_string(m_Event ? m_Event->m_Warning : 0) + ")";
     }
     std::string Cause = GetEventText(*m_Event);
-    switch (*m_Event) {
+    switch (m_Event->m_Kind) {
         case eKeyPressed:
             return Cause + " " + KeyActionToString(m_KeyAction);
         case eRPMChanged:
@@ -280,24 +421,9 @@ std::string CBalancingSequence::GetCause() const {
     }
 }
 
-bool CBalancingSequence::HasWeightsOnly() const {
-    for (const CPlane& rPlane : m_Planes) {
-        if (rPlane.m_CompensationMethod != PreBalDB::CCompensationTableEntry::eWeights) {
-            return false;
-        }
-    }
-    return true;
-}
-
-int CBalancingSequence::FailWithNoReturn(std::uint32_t WarningMode) {
-    StopMeasurement();
-    m_AbortWarning = WarningMode;
-    return Enter(Sequence::eFailureWithNoReturn);
-}
-
-int CBalancingSequence::FailWithReset(std::uint32_t WarningMode) {
-    const int Result = Enter(Sequence::eFailureWithReset);
-    SetWarningMode(WarningMode);
+int CBalancingSequence::FailWithReset(std::uint32_t Warning) {
+    const int Result = Enter(m_rTables.FindState(Sequence::eFailureWithReset, 0)->m_State, Warning);
+    SetWarningMode(Warning);
     return Result;
 }
 

@@ -1,5 +1,6 @@
-// The states of CBalancingSequence up to the end of a pre-balancing. An event that a state doesn't name is
-// ignored and counts as handled; eCommitChanges is refused everywhere but in the final measurements.
+// The states of CBalancingSequence up to the end of a pre-balancing: what an event means within a state.
+// Which events lead out of it, and where, stands in the tables. An event that neither names is ignored and
+// counts as handled; eCommitChanges is refused everywhere but in the final measurements.
 #include <algorithm>
 #include <cmath>
 
@@ -23,141 +24,88 @@ bool IsFiniteMatrix(const math::matrix<double>& rMatrix) {
 
 }  // namespace
 
-int CBalancingSequence::IdleHandler(EVENTS Event) {
-    switch (Event) {
-        case eNewState:
-            RV_ASSERT_FAIL(RtrTrim::g_pLog, "impossible");
-            return 0;
-        case eStartPreBal: {
-            if (HasWeightsOnly()) {
-                ReloadPositionStore();
-            }
-            const int bStarted =
-                Enter(m_RPM != 0 ? Sequence::eNeutralPosSpindleStop : Sequence::eNeutralPosRemoveWeights);
-            if (bStarted != 0) {
-                // A broken run leaves the configuration uncalibrated.
-                m_pEntry->SetIsCalibrated(0);
-            }
-            return bStarted;
+int CBalancingSequence::IdleHandler(const CEvent& rEvent) {
+    if (rEvent.m_Kind == eNewState) {
+        RV_ASSERT_FAIL(RtrTrim::g_pLog, "impossible");
+        return 0;
+    }
+    if (const std::optional<int> Left = Follow(rEvent)) {
+        if (*Left != 0 && rEvent.m_Kind == eStartPreBal) {
+            // A broken run leaves the configuration uncalibrated.
+            m_pEntry->SetIsCalibrated(0);
         }
-        case eStartReBal:
-            if (m_pEntry->IsCalibrated() == 0) {
-                return 0;
-            }
-            return Enter(m_InvalidRPM != 0 ? Sequence::eReBalanceCommitWeights
-                                           : Sequence::eReBalanceMeasurement1);
-        case eCommitChanges:
-            return 0;
-        default:
-            return 1;
+        return *Left;
     }
+    return rEvent.m_Kind != eStartReBal ? Ignore(rEvent) : 0;
 }
 
-int CBalancingSequence::FailureWithNoReturnHandler(EVENTS Event) {
-    if (Event == eNewState) {
-        SetWarningMode(m_AbortWarning);
+int CBalancingSequence::FailureWithNoReturnHandler(const CEvent& rEvent) {
+    if (rEvent.m_Kind == eNewState) {
+        SetWarningMode(rEvent.m_Warning);
         ShowState();
     }
-    return Event != eCommitChanges ? 1 : 0;
+    return Ignore(rEvent);
 }
 
-int CBalancingSequence::FailureWithResetHandler(EVENTS Event) {
-    if (Event == eNewState) {
+int CBalancingSequence::FailureWithResetHandler(const CEvent& rEvent) {
+    if (rEvent.m_Kind == eNewState) {
         ShowState();
     }
-    return Event != eCommitChanges ? 1 : 0;
+    return Ignore(rEvent);
 }
 
-int CBalancingSequence::NeutralPosSpindleStopHandler(EVENTS Event) {
-    switch (Event) {
-        case eNewState:
-            ShowState();
-            return 1;
-        case eRPMChanged:
-            return m_RPM == 0 ? Enter(Sequence::eNeutralPosRemoveWeights) : 1;
-        case eKeyPressed:
-            // The spindle needn't stop if the weights are known to be where they should be. With either
-            // method.
-            if (m_KeyAction == eNeutralPositionAdjusted || (m_KeyAction == eNext && HasWeightsOnly())) {
-                ApplyNeutralPositionWeights();
-                AddStep();  // of the state left out
-                return Enter(Sequence::eNeutralPosRPMStart);
-            }
-            if (m_KeyAction == ePositionAdoption && HasWeightsOnly()) {
-                if (AdoptStoredWeightPositions()) {
-                    AddStep();
-                    return Enter(Sequence::eNeutralPosRPMStart);
-                }
-                return 1;
-            }
-            HandleNeutralPosKey();
-            return 1;
-        case eCommitChanges:
-            return 0;
-        default:
-            return 1;
+int CBalancingSequence::HandleWaiting(const CEvent& rEvent) {
+    if (rEvent.m_Kind == eNewState) {
+        ShowState();
     }
+    const std::optional<int> Left = Follow(rEvent);
+    return Left ? *Left : Ignore(rEvent);
 }
 
-int CBalancingSequence::NeutralPosRemoveWeightsHandler(EVENTS Event) {
-    const auto LeadOn = [this] {
-        ApplyNeutralPositionWeights();
-        return Enter(Sequence::eNeutralPosRPMStart);
-    };
-    switch (Event) {
-        case eNewState:
-            ShowState();
-            return 1;
-        case eKeyPressed:
-            if (m_KeyAction == eNext) {
-                return LeadOn();
-            }
-            if (m_KeyAction == ePositionAdoption && HasWeightsOnly()) {
-                // Stays, unlike the state before: the operator is to see the positions.
-                AdoptStoredWeightPositions();
-                return 1;
-            }
-            HandleNeutralPosKey();
-            return 1;
-        case eInvalidRPMChanged:
-            return m_InvalidRPM == 0 ? LeadOn() : 1;
-        case eCommitChanges:
-            return 0;
-        default:
-            return 1;
+int CBalancingSequence::NeutralPosSpindleStopHandler(const CEvent& rEvent) {
+    const int State = m_State;
+    const int Result = HandleWaiting(rEvent);
+    if (rEvent.m_Kind == eKeyPressed && m_State == State) {
+        HandleNeutralPosKey();
     }
+    return Result;
+}
+
+int CBalancingSequence::NeutralPosRemoveWeightsHandler(const CEvent& rEvent) {
+    if (rEvent.m_Kind == eKeyPressed && m_KeyAction == ePositionAdoption && m_Planes.HasWeightsOnly()) {
+        // Stays, unlike the state before: the operator is to see the positions.
+        AdoptStoredWeightPositions();
+        return 1;
+    }
+    const int State = m_State;
+    const int Result = HandleWaiting(rEvent);
+    if (rEvent.m_Kind == eKeyPressed && m_State == State) {
+        HandleNeutralPosKey();
+    }
+    return Result;
 }
 
 void CBalancingSequence::HandleNeutralPosKey() {
-    if (!HasWeightsOnly()) {
+    if (!m_Planes.HasWeightsOnly()) {
         return;
     }
     if (m_KeyAction == eExtras) {
-        ShowForChange({Sequence::CShow::ePlain, CPlaneBalancingMethod::eNeutralPosition});
+        ShowForChange(Sequence::CShow::ePlain, CPlaneBalancingMethod::eNeutralPosition);
         ShowActiveMenu(&CPlaneBalancingMethod::GetNeutralPositionMenu);
     } else if (!HandleTogglePlaneKey(&CPlaneBalancingMethod::GetNeutralPositionMenu)) {
         HandleChangeWeightKeys();
     }
 }
 
-int CBalancingSequence::NeutralPosRPMStartHandler(EVENTS Event) {
-    switch (Event) {
+int CBalancingSequence::NeutralPosRPMStartHandler(const CEvent& rEvent) {
+    switch (rEvent.m_Kind) {
         case eNewState:
         case eInvalidRPMChanged:
         case eOutOfLockChanged:
-            ShowRPMStart(Event == eNewState);
+            ShowRPMStart(rEvent.m_Kind == eNewState);
             return 1;
-        case eKeyPressed:
-            // The speed itself isn't tested: the measurement is made at the speed found here.
-            if (m_KeyAction != eNext || m_InvalidRPM != 0 ||
-                (m_NotLocked != 0 && GetIgnoreOutOfLock() == 0)) {
-                return 1;
-            }
-            return Enter(Sequence::eNeutralPosMeasurement);
-        case eCommitChanges:
-            return 0;
         default:
-            return 1;
+            return HandleWaiting(rEvent);
     }
 }
 
@@ -175,10 +123,10 @@ void CBalancingSequence::ShowRPMStart(bool bEntry) {
     }
 }
 
-int CBalancingSequence::NeutralPosMeasurementHandler(EVENTS Event) {
-    if (Event == eNewState) {
+int CBalancingSequence::NeutralPosMeasurementHandler(const CEvent& rEvent) {
+    if (rEvent.m_Kind == eNewState) {
         ShowDisplay();
-        BeginSampling();
+        m_Measuring.Begin();
         // All measurements of this run are made at the speed found now.
         m_pEntry->SetCalibratedRPM(m_RPM);
         SetCalibratedRPM(m_RPM);
@@ -186,82 +134,39 @@ int CBalancingSequence::NeutralPosMeasurementHandler(EVENTS Event) {
         ShowMenu();
         NotifyState();
         StartMeasurement(m_RPM, m_NotLocked, 1);
-        StoreNeutralRPM();
+        m_Positions.StoreSpeed(m_RPM);
         return 1;
     }
-    if (Event == eKeyPressed && m_KeyAction == eNext && m_pMainWnd->GetMenu() == Menus::eConfirm) {
-        ApplyNeutralPositionXYValues();
-        StopMeasurement();
-        return Enter(Sequence::eTestUnbalanceSpindleStop);
+    const std::optional<int> Left = Follow(rEvent);
+    return Left ? *Left : HandleMeasuringEvent(rEvent);
+}
+
+int CBalancingSequence::TestUnbalanceSpindleStopHandler(const CEvent& rEvent) {
+    return HandleWaiting(rEvent);
+}
+
+int CBalancingSequence::TestUnbalanceSetWeightsHandler(const CEvent& rEvent) {
+    if (rEvent.m_Kind == eKeyPressed && m_KeyAction != eNext) {
+        const std::size_t Leg = GetStateRow().m_Leg;
+        if (m_KeyAction == eExtras) {
+            m_pMainWnd->SetMenu(m_Planes.Get(Leg).m_pMethod->GetTestUnbalanceChangeMenu());
+        } else {
+            CheckActivePlane(Leg);
+            HandleChangeWeightKeys();
+        }
+        return 1;
     }
-    return HandleMeasuringEvent(Event);
+    return HandleWaiting(rEvent);
 }
 
-int CBalancingSequence::HandleSpindleStop(EVENTS Event, Sequence::Role Next, std::size_t Leg,
-                                          bool bSkipStep) {
-    switch (Event) {
-        case eNewState:
-            ShowState();
-            return 1;
-        case eRPMChanged:
-            if (m_RPM != 0) {
-                return 1;
-            }
-            if (bSkipStep) {
-                AddStep();
-            }
-            return Enter(Next, Leg);
-        case eCommitChanges:
-            return 0;
-        default:
-            return 1;
-    }
+int CBalancingSequence::TestUnbalanceRPMStartHandler(const CEvent& rEvent) {
+    return HandleWaiting(rEvent);
 }
 
-int CBalancingSequence::TestUnbalanceSpindleStopHandler(EVENTS Event) {
-    return HandleSpindleStop(Event, Sequence::eTestUnbalanceSetWeights, GetStateRow().m_Leg, false);
-}
-
-int CBalancingSequence::TestUnbalanceSetWeightsHandler(EVENTS Event) {
-    const std::size_t Leg = GetStateRow().m_Leg;
-    switch (Event) {
-        case eNewState:
-            ShowState();
-            return 1;
-        case eKeyPressed:
-            if (m_KeyAction == eNext) {
-                SetTestPositions(Leg);
-                return Enter(Sequence::eTestUnbalanceRPMStart, Leg);
-            }
-            if (m_KeyAction == eExtras) {
-                m_pMainWnd->SetMenu(GetPlane(Leg).m_pMethod->GetTestUnbalanceChangeMenu());
-            } else {
-                CheckActivePlane(Leg);
-                HandleChangeWeightKeys();
-            }
-            return 1;
-        case eInvalidRPMChanged:
-            if (m_InvalidRPM != 0) {
-                return 1;
-            }
-            AddStep();
-            SetTestPositions(Leg);
-            return Enter(Sequence::eTestUnbalanceMeasurement, Leg);
-        case eCommitChanges:
-            return 0;
-        default:
-            return 1;
-    }
-}
-
-int CBalancingSequence::TestUnbalanceRPMStartHandler(EVENTS Event) {
-    return HandleRPMStart(Event);
-}
-
-int CBalancingSequence::TestUnbalanceMeasurementHandler(EVENTS Event) {
-    if (Event == eNewState) {
+int CBalancingSequence::TestUnbalanceMeasurementHandler(const CEvent& rEvent) {
+    if (rEvent.m_Kind == eNewState) {
         ShowDisplay();
-        BeginSampling();
+        m_Measuring.Begin();
         ShowMenu();
         StartMeasurement(m_RPM, m_NotLocked, 1);
         // Last here, unlike in the other measurements: a warning reaches the NC before the request to
@@ -269,31 +174,32 @@ int CBalancingSequence::TestUnbalanceMeasurementHandler(EVENTS Event) {
         NotifyState();
         return 1;
     }
-    if (Event == eKeyPressed && m_KeyAction == eNext && m_pMainWnd->GetMenu() == Menus::eConfirm) {
+    if (rEvent.m_Kind == eKeyPressed && m_KeyAction == eNext && Holds(Sequence::eMeasured)) {
         StopMeasurement();
         return FinishTestMeasurement();
     }
-    return HandleMeasuringEvent(Event);
+    return HandleMeasuringEvent(rEvent);
 }
 
 int CBalancingSequence::FinishTestMeasurement() {
     const std::size_t Leg = GetStateRow().m_Leg;
-    const bool bLastLeg = Leg + 1 == m_Planes.size();
     CCalibration Calibration;
+    Sequence::Trigger Outcome = Sequence::eTestRunImpossible;
     switch (EvaluateTestRun(Leg, Calibration)) {
         case eUsable:
-            if (!bLastLeg) {
-                return Enter(Sequence::eTestUnbalanceSpindleStop, Leg + 1);
+            if (Leg + 1 == m_Planes.GetCount()) {
+                AdoptCalibration(Calibration);
             }
-            AdoptCalibration(Calibration);
-            return Enter(Sequence::ePreBalanceSpindleStop);
+            Outcome = Sequence::eTestRunUsable;
+            break;
         case eNoInfluence:
-            return FailWithReset(Warnings::eNoInfluence);
+            Outcome = Sequence::eTestRunWithoutEffect;
+            break;
         default:
             RV_ASSERT_FAIL(RtrTrim::g_pLog, "impossible");
-            // Such a verdict has no warning of its own.
-            return FailWithNoReturn(Warnings::eSetChanged);
+            break;
     }
+    return Follow(Outcome).value_or(0);
 }
 
 bool CBalancingSequence::IsFinite(const CCalibration& rCalibration) {
@@ -303,7 +209,7 @@ bool CBalancingSequence::IsFinite(const CCalibration& rCalibration) {
 std::uint32_t CBalancingSequence::EvaluateTestRun(std::size_t Leg, CCalibration& rCalibration) {
     try {
         const std::uint32_t Status = FinishTestRun(Leg, rCalibration);
-        if (Status == eUsable && Leg + 1 == m_Planes.size() && !IsFinite(rCalibration)) {
+        if (Status == eUsable && Leg + 1 == m_Planes.GetCount() && !IsFinite(rCalibration)) {
             RV_WARNING(RtrTrim::g_pLog, "The test run gives no finite influence: taken as without influence");
             return eNoInfluence;
         }
@@ -320,8 +226,8 @@ void CBalancingSequence::AdoptCalibration(const CCalibration& rCalibration) {
     m_CompensationDifference = 0.0;
     SetStoredInvA(rCalibration.m_InvA);
     double Percent = 0.0;
-    for (std::size_t i = 0; i < m_Planes.size(); ++i) {
-        CPlaneBalancingMethod& rMethod = *m_Planes[i].m_pMethod;
+    for (std::size_t i = 0; i < m_Planes.GetCount(); ++i) {
+        CPlaneBalancingMethod& rMethod = *m_Planes.Get(i).m_pMethod;
         const Matrix& rUA = rCalibration.m_UA.at(i);
         double PlanePercent = 0.0;
         const bool bReached = rMethod.SetUA(rUA, &PlanePercent, true);
@@ -336,37 +242,40 @@ void CBalancingSequence::AdoptCalibration(const CCalibration& rCalibration) {
     }
 }
 
-int CBalancingSequence::PreBalanceSpindleStopHandler(EVENTS Event) {
-    return HandleSpindleStop(Event, Sequence::ePreBalanceSetWeights, 0, false);
+int CBalancingSequence::PreBalanceSpindleStopHandler(const CEvent& rEvent) {
+    return HandleWaiting(rEvent);
 }
 
-int CBalancingSequence::PreBalanceSetWeightsHandler(EVENTS Event) {
-    switch (Event) {
+int CBalancingSequence::PreBalanceSetWeightsHandler(const CEvent& rEvent) {
+    if (rEvent.m_Kind == eNewState && m_CompensationDifference > 0.0) {
+        SetWarningMode(Warnings::eCapacity, &m_CompensationDifference);
+    }
+    return HandleWaiting(rEvent);
+}
+
+int CBalancingSequence::PreBalanceRPMStartHandler(const CEvent& rEvent) {
+    return HandleWaiting(rEvent);
+}
+
+int CBalancingSequence::HandleFinalMeasurement(const CEvent& rEvent) {
+    switch (rEvent.m_Kind) {
         case eNewState:
-            if (m_CompensationDifference > 0.0) {
-                SetWarningMode(Warnings::eCapacity, &m_CompensationDifference);
-            }
-            ShowState();
+            ShowDisplay();
+            m_Measuring.Begin();
+            ShowMenu();
+            NotifyState();
+            // The menu stays when the measuring condition is lost.
+            StartMeasurement(m_RPM, m_NotLocked, 0);
             return 1;
         case eKeyPressed:
-            return m_KeyAction == eNext ? Enter(Sequence::ePreBalanceRPMStart) : 1;
-        case eInvalidRPMChanged:
-            if (m_InvalidRPM != 0) {
-                return 1;
-            }
-            AddStep();
-            return Enter(Sequence::ePreBalanceMeasurement);
+            return Follow(rEvent).value_or(1);
         case eCommitChanges:
-            return 0;
-        default:
             return 1;
+        default:
+            return HandleMeasuringEvent(rEvent);
     }
 }
 
-int CBalancingSequence::PreBalanceRPMStartHandler(EVENTS Event) {
-    return HandleRPMStart(Event);
-}
-
-int CBalancingSequence::PreBalanceMeasurementHandler(EVENTS Event) {
-    return HandleFinalMeasurement(Event);
+int CBalancingSequence::PreBalanceMeasurementHandler(const CEvent& rEvent) {
+    return HandleFinalMeasurement(rEvent);
 }

@@ -1,7 +1,5 @@
-// The states of CBalancingSequence in a re-balancing. An event that a state doesn't name is ignored and
-// counts as handled; eCommitChanges is refused everywhere but in the final measurement.
-#include <algorithm>
-
+// The states of CBalancingSequence in a re-balancing: what an event means within a state. Which events lead
+// out of it, and where, stands in the tables.
 #include "contract/menus.h"
 #include "contract/warnings.h"
 #include "rvdlm/m_rtr/rtr_trim/log.h"
@@ -14,130 +12,84 @@ constexpr std::uint32_t eMapWeightsMode = 9;
 
 }  // namespace
 
-int CBalancingSequence::ReBalanceCommitWeightsHandler(EVENTS Event) {
-    switch (Event) {
-        case eNewState: {
-            SetCalibratedRPM(m_pEntry->GetCalibratedRPM());
-            const bool bCanRebalance =
-                CanRebalance("Commit Weights: ", "Compensation SetUA failed not enough capacity");
-            ShowState();
-            return bCanRebalance ? 1 : FailWithReset(Warnings::eRebalanceNotPossible);
-        }
-        case eKeyPressed:
-            if (m_KeyAction == eNext) {
-                StoreUAOfPlanes();
-                return Enter(Sequence::eReBalanceRPMStart1);
-            }
-            if (m_KeyAction == eExtras) {
-                ShowForChange({Sequence::CShow::eFull, CPlaneBalancingMethod::eUACompensation});
-                ShowActiveMenu(&CPlaneBalancingMethod::GetCommitChangeMenu);
-                SetMode(eMapWeightsMode);
-            } else if (!HandleTogglePlaneKey(&CPlaneBalancingMethod::GetCommitChangeMenu)) {
-                HandleChangeWeightKeys();
-            }
-            return 1;
-        case eInvalidRPMChanged:
-            if (m_InvalidRPM != 0) {
-                return 1;
-            }
-            AddStep();
-            StoreUAOfPlanes();
-            return Enter(Sequence::eReBalanceMeasurement1);
-        case eCommitChanges:
-            return 0;
-        default:
-            return 1;
+int CBalancingSequence::ReBalanceCommitWeightsHandler(const CEvent& rEvent) {
+    if (rEvent.m_Kind == eNewState) {
+        SetCalibratedRPM(m_pEntry->GetCalibratedRPM());
+        const bool bCanRebalance =
+            CanRebalance("Commit Weights: ", "Compensation SetUA failed not enough capacity");
+        ShowState();
+        return bCanRebalance ? 1 : Follow(Sequence::eCapacityMissing).value_or(0);
     }
+    if (rEvent.m_Kind == eKeyPressed && m_KeyAction != eNext) {
+        if (m_KeyAction == eExtras) {
+            ShowForChange(Sequence::CShow::eFull, CPlaneBalancingMethod::eUACompensation);
+            ShowActiveMenu(&CPlaneBalancingMethod::GetCommitChangeMenu);
+            SetMode(eMapWeightsMode);
+        } else if (!HandleTogglePlaneKey(&CPlaneBalancingMethod::GetCommitChangeMenu)) {
+            HandleChangeWeightKeys();
+        }
+        return 1;
+    }
+    return HandleWaiting(rEvent);
 }
 
-int CBalancingSequence::ReBalanceRPMStart1Handler(EVENTS Event) {
-    if (Event == eNewState) {
+int CBalancingSequence::ReBalanceRPMStart1Handler(const CEvent& rEvent) {
+    if (rEvent.m_Kind == eNewState) {
         SetCalibratedRPM(m_pEntry->GetCalibratedRPM());
     }
-    return HandleRPMStart(Event);
+    return HandleWaiting(rEvent);
 }
 
-int CBalancingSequence::ReBalanceMeasurement1Handler(EVENTS Event) {
-    if (Event == eNewState) {
+int CBalancingSequence::ReBalanceMeasurement1Handler(const CEvent& rEvent) {
+    if (rEvent.m_Kind == eNewState) {
         SetCalibratedRPM(m_pEntry->GetCalibratedRPM());
         const bool bCanRebalance = CanRebalance("", "Compensation SetUA failed (not enough capacity)");
         ShowDisplay();
-        BeginSampling();
+        m_Measuring.Begin();
         ShowMenu();
         NotifyState();
         if (!bCanRebalance) {
-            return FailWithReset(Warnings::eRebalanceNotPossible);
+            return Follow(Sequence::eCapacityMissing).value_or(0);
         }
         StartMeasurement(m_RPM, m_NotLocked, 1);
         return 1;
     }
-    if (Event == eKeyPressed && m_pMainWnd->GetMenu() == Menus::eConfirmOrCheckWeights) {
-        if (m_KeyAction == eNext) {
-            StopMeasurement();
-            return Enter(Sequence::eReBalanceSpindleStop);
-        }
-        if (m_KeyAction == eCheckWeightPositions) {
-            StopMeasurement();
-            return Enter(Sequence::eReBalanceSpindleStopCheckWeights);
-        }
-    }
-    return HandleMeasuringEvent(Event);
+    const std::optional<int> Left = Follow(rEvent);
+    return Left ? *Left : HandleMeasuringEvent(rEvent);
 }
 
-int CBalancingSequence::ReBalanceSpindleStopHandler(EVENTS Event) {
-    if (Event == eNewState) {
-        SetUAOfPlanes(CalculateRebalance(), nullptr, true);
+int CBalancingSequence::ReBalanceSpindleStopHandler(const CEvent& rEvent) {
+    if (rEvent.m_Kind == eNewState) {
+        m_Planes.SetUA(CalculateRebalance(), nullptr, true);
     }
-    return HandleSpindleStop(Event, Sequence::eReBalanceSetWeights, 0, true);
+    return HandleWaiting(rEvent);
 }
 
-int CBalancingSequence::ReBalanceSpindleStopCheckWeightsHandler(EVENTS Event) {
+int CBalancingSequence::ReBalanceSpindleStopCheckWeightsHandler(const CEvent& rEvent) {
     // No calculation: the operator only wants to look at the weights.
-    return HandleSpindleStop(Event, Sequence::eReBalanceCheckWeights, 0, true);
+    return HandleWaiting(rEvent);
 }
 
-int CBalancingSequence::ReBalanceSetWeightsHandler(EVENTS Event) {
-    switch (Event) {
-        case eNewState: {
-            double Percent = 0.0;
-            if (!SetUAOfPlanes(CalculateRebalance(), &Percent, true)) {
-                RV_WARNING(RtrTrim::g_pLog, "Compensation SetUA failed %.2lf%% failure (not enough capacity)",
-                           Percent);
-                SetWarningMode(Warnings::eCapacity, &Percent);
-            }
-            ShowState();
-            return 1;
+int CBalancingSequence::ReBalanceSetWeightsHandler(const CEvent& rEvent) {
+    if (rEvent.m_Kind == eNewState) {
+        double Percent = 0.0;
+        if (!m_Planes.SetUA(CalculateRebalance(), &Percent, true)) {
+            RV_WARNING(RtrTrim::g_pLog, "Compensation SetUA failed %.2lf%% failure (not enough capacity)",
+                       Percent);
+            SetWarningMode(Warnings::eCapacity, &Percent);
         }
-        case eKeyPressed:
-            if (m_KeyAction == eNext) {
-                StoreUAOfPlanes();
-                return Enter(Sequence::eReBalanceRPMStart2);
-            }
-            return m_KeyAction == eCheckWeightPositions ? Enter(Sequence::eReBalanceCheckWeights) : 1;
-        case eInvalidRPMChanged:
-            if (m_InvalidRPM != 0) {
-                return 1;
-            }
-            AddStep();
-            StoreUAOfPlanes();
-            return Enter(Sequence::eReBalanceMeasurement2);
-        case eCommitChanges:
-            return 0;
-        default:
-            return 1;
     }
+    return HandleWaiting(rEvent);
 }
 
-int CBalancingSequence::ReBalanceCheckWeightsHandler(EVENTS Event) {
-    switch (Event) {
+int CBalancingSequence::ReBalanceCheckWeightsHandler(const CEvent& rEvent) {
+    switch (rEvent.m_Kind) {
         case eNewState:
-            SetUAOfPlanes(GetStoredUAs(), nullptr, false);
-            ShowState();
-            return 1;
+            m_Planes.SetUA(GetStoredUAs(), nullptr, false);
+            return HandleWaiting(rEvent);
         case eKeyPressed:
             if (m_KeyAction == eNext) {
-                StoreUAOfPlanes();
-                return Enter(Sequence::eReBalanceSetWeights);
+                return HandleWaiting(rEvent);
             }
             if (!HandleTogglePlaneKey(&CPlaneBalancingMethod::GetCheckWeightsMenu)) {
                 HandleChangeWeightKeys();
@@ -146,33 +98,31 @@ int CBalancingSequence::ReBalanceCheckWeightsHandler(EVENTS Event) {
         case eInvalidRPMChanged:
             if (m_InvalidRPM == 0) {
                 // The speed is on while weights should be looked at.
-                SetDisplayModes(CPlaneBalancingMethod::eInactive);
+                m_Planes.SetDisplayModes(CPlaneBalancingMethod::eInactive);
                 SetWarningMode(Warnings::eStopSpindle);
                 m_pMainWnd->SetMenu(Menus::eWait);
             } else {
-                ShowForChange({Sequence::CShow::eFull, CPlaneBalancingMethod::eUACompensation});
+                ShowForChange(Sequence::CShow::eFull, CPlaneBalancingMethod::eUACompensation);
                 SetWarningMode(Warnings::eNone);
                 ShowMenu();
             }
             return 1;
-        case eCommitChanges:
-            return 0;
         default:
-            return 1;
+            return Ignore(rEvent);
     }
 }
 
-int CBalancingSequence::ReBalanceRPMStart2Handler(EVENTS Event) {
-    return HandleRPMStart(Event);
+int CBalancingSequence::ReBalanceRPMStart2Handler(const CEvent& rEvent) {
+    return HandleWaiting(rEvent);
 }
 
-int CBalancingSequence::ReBalanceMeasurement2Handler(EVENTS Event) {
-    return HandleFinalMeasurement(Event);
+int CBalancingSequence::ReBalanceMeasurement2Handler(const CEvent& rEvent) {
+    return HandleFinalMeasurement(rEvent);
 }
 
 bool CBalancingSequence::CanRebalance(const char* pPrefix, const char* pRefused) {
     double Percent = 0.0;
-    if (SetUAOfPlanes(GetStoredUAs(), &Percent, false)) {
+    if (m_Planes.SetUA(GetStoredUAs(), &Percent, false)) {
         return true;
     }
     SetWarningMode(Warnings::eCapacity, &Percent);
@@ -186,31 +136,16 @@ bool CBalancingSequence::CanRebalance(const char* pPrefix, const char* pRefused)
     return false;
 }
 
-bool CBalancingSequence::SetUAOfPlanes(const std::vector<Matrix>& rUA, double* pPercent,
-                                       bool bAllowEqualAngles) {
-    bool bReached = true;
-    for (std::size_t i = 0; i < m_Planes.size(); ++i) {
-        double PlanePercent = 0.0;
-        bReached = m_Planes[i].m_pMethod->SetUA(rUA.at(i), pPercent != nullptr ? &PlanePercent : nullptr,
-                                                bAllowEqualAngles) &&
-                   bReached;
-        if (pPercent != nullptr) {
-            *pPercent = std::max(*pPercent, PlanePercent);
-        }
-    }
-    return bReached;
-}
-
 std::vector<CBalancingSequence::Matrix> CBalancingSequence::GetStoredUAs() {
     std::vector<Matrix> Vectors;
-    for (std::size_t i = 0; i < m_Planes.size(); ++i) {
+    for (std::size_t i = 0; i < m_Planes.GetCount(); ++i) {
         Vectors.push_back(GetStoredUA(i));
     }
     return Vectors;
 }
 
 void CBalancingSequence::StoreUAOfPlanes() {
-    for (std::size_t i = 0; i < m_Planes.size(); ++i) {
-        SetStoredUA(i, m_Planes[i].m_pMethod->GetUA());
+    for (std::size_t i = 0; i < m_Planes.GetCount(); ++i) {
+        SetStoredUA(i, m_Planes.Get(i).m_pMethod->GetUA());
     }
 }

@@ -1,62 +1,48 @@
-// What CBalancingSequence does by its tables on entering a state: step, display, menu, notification.
-#include "rvdlm/m_rtr/rtr_trim/log.h"
-#include "rvdlm/m_rtr/rtr_trim/prebalancing/balancingsequence.h"
+#include "rvdlm/m_rtr/rtr_trim/prebalancing/sequenceentry.h"
 
-void CBalancingSequence::CountStep(const Sequence::CStepRule& rRule) {
-    using Sequence::CStepRule;
-    const std::uint32_t Step = GetCurrentStep();
+namespace Sequence {
+
+CStepCount CountStep(const CStepRule& rRule, CStepCount Now) {
+    const CStepCount First{1, rRule.m_nSteps};
+    const CStepCount Next{Now.m_Step + 1, Now.m_nSteps};
     switch (rRule.m_Kind) {
         case CStepRule::eKeep:
-            return;
+            return Now;
         case CStepRule::eNext:
-            SetCurrentStep(Step + 1);
-            return;
+            return Next;
         case CStepRule::eNone:
-            SetNumberOfSteps(0);
-            SetCurrentStep(0);
-            return;
+            return {};
         case CStepRule::eFirst:
-            break;
+            return First;
         case CStepRule::eFirstUnless:
-            if (Step == 1) {
-                SetCurrentStep(2);
-                return;
-            }
-            break;
+            return Now.m_Step == 1 ? Next : First;
         case CStepRule::eFirstOrNext:
-            if (Step == 1) {
-                RV_ASSERT_FAIL(RtrTrim::g_pLog, m_rTables.m_pStepOneAlreadyAssertion);
-                SetCurrentStep(2);
-                return;
-            }
-            break;
+            return Now.m_Step == 1 ? CStepCount{2, Now.m_nSteps, true} : First;
         case CStepRule::eNextOfFew:
-            if (Step == 0) {
-                SetNumberOfSteps(rRule.m_nSteps);
-            }
-            SetCurrentStep(Step + 1);
-            return;
+            return {Now.m_Step + 1, Now.m_Step == 0 ? rRule.m_nSteps : Now.m_nSteps};
     }
-    SetNumberOfSteps(rRule.m_nSteps);
-    SetCurrentStep(1);
+    return Now;
 }
 
-void CBalancingSequence::ShowState() {
-    ShowDisplay();
-    ShowMenu();
-    NotifyState();
-}
+}  // namespace Sequence
 
-void CBalancingSequence::ShowDisplay() {
-    const Sequence::CState& rState = GetStateRow();
-    for (std::size_t i = 0; i < m_Planes.size(); ++i) {
+void CSequenceEntry::Show(const Sequence::CState& rState, std::uint32_t Step) {
+    for (std::size_t i = 0; i < m_rPlanes.GetCount(); ++i) {
         for (const Sequence::CShow& rShow : rState.m_Display.at(i)) {
-            ShowOnPlane(*m_Planes[i].m_pMethod, rShow);
+            ShowOnPlane(*m_rPlanes.Get(i).m_pMethod, rShow, Step);
         }
     }
 }
 
-void CBalancingSequence::ShowOnPlane(CPlaneBalancingMethod& rMethod, const Sequence::CShow& rShow) {
+void CSequenceEntry::ShowForChange(const Sequence::CShow& rShow, std::uint32_t Step) {
+    constexpr Sequence::CShow INACTIVE{Sequence::CShow::eFull, CPlaneBalancingMethod::eInactive};
+    for (std::size_t i = 0; i < m_rPlanes.GetCount(); ++i) {
+        ShowOnPlane(*m_rPlanes.Get(i).m_pMethod, i == 0 ? rShow : INACTIVE, Step);
+    }
+}
+
+void CSequenceEntry::ShowOnPlane(CPlaneBalancingMethod& rMethod, const Sequence::CShow& rShow,
+                                 std::uint32_t Step) const {
     using Sequence::CShow;
     switch (rShow.m_Kind) {
         case CShow::eNothing:
@@ -68,7 +54,7 @@ void CBalancingSequence::ShowOnPlane(CPlaneBalancingMethod& rMethod, const Seque
             return;
         case CShow::ePlainAfterStop:
             // Step 2 only after the spindle was stopped; the weights may have been moved there already.
-            if (HasWeightsOnly() && GetCurrentStep() == 2) {
+            if (m_rPlanes.HasWeightsOnly() && Step == 2) {
                 rMethod.SetPlainDisplayMode(rShow.m_Mode);
                 return;
             }
@@ -77,65 +63,24 @@ void CBalancingSequence::ShowOnPlane(CPlaneBalancingMethod& rMethod, const Seque
     rMethod.SetDisplayMode(rShow.m_Mode);
 }
 
-void CBalancingSequence::ShowForChange(Sequence::CShow Show) {
-    for (std::size_t i = 0; i < m_Planes.size(); ++i) {
-        ShowOnPlane(
-            *m_Planes[i].m_pMethod,
-            i == 0 ? Show : Sequence::CShow{Sequence::CShow::eFull, CPlaneBalancingMethod::eInactive});
-    }
-}
-
-void CBalancingSequence::SetDisplayModes(CPlaneBalancingMethod::DisplayMode Mode) {
-    for (CPlane& rPlane : m_Planes) {
-        rPlane.m_pMethod->SetDisplayMode(Mode);
-    }
-}
-
-void CBalancingSequence::ShowMenu() {
+std::optional<std::int32_t> CSequenceEntry::ChooseMenu(const Sequence::CState& rState) const {
     using Sequence::CMenuRule;
-    const CMenuRule& rMenu = GetStateRow().m_Menu;
+    const CMenuRule& rMenu = rState.m_Menu;
     switch (rMenu.m_Kind) {
         case CMenuRule::eNone:
-            return;
+            break;
         case CMenuRule::eFixed:
-            m_pMainWnd->SetMenu(rMenu.m_Weights);
-            return;
+            return rMenu.m_Weights;
         case CMenuRule::eByMeans:
-            m_pMainWnd->SetMenu(HasWeightsOnly() ? rMenu.m_Weights : rMenu.m_Screws);
-            return;
+            return m_rPlanes.HasWeightsOnly() ? rMenu.m_Weights : rMenu.m_Screws;
         case CMenuRule::eByStore:
-            m_pMainWnd->SetMenu(!HasWeightsOnly()              ? rMenu.m_Screws
-                                : CheckStoredWeightPositions() ? rMenu.m_Stored
-                                                               : rMenu.m_Weights);
-            return;
+            return !m_rPlanes.HasWeightsOnly() ? rMenu.m_Screws
+                   : m_rPositions.IsOffered()  ? rMenu.m_Stored
+                                               : rMenu.m_Weights;
         case CMenuRule::eTestUnbalance:
-            m_pMainWnd->SetMenu(GetActiveMethod().GetTestUnbalanceMenu());
-            return;
+            return m_GetActive().GetTestUnbalanceMenu();
         case CMenuRule::eCheckWeights:
-            m_pMainWnd->SetMenu(m_Planes.front().m_pMethod->GetCheckWeightsMenu(GetMenuPlanes()));
-            return;
+            return m_rPlanes.Get(0).m_pMethod->GetCheckWeightsMenu(GetMenuPlanes());
     }
-}
-
-void CBalancingSequence::NotifyState() {
-    using Sequence::CNotifyRule;
-    const CNotifyRule& rNotify = GetStateRow().m_Notify;
-    if (rNotify.m_Kind == CNotifyRule::eSend) {
-        Notify(rNotify.m_Step, rNotify.m_Action);
-    } else if (rNotify.m_Kind == CNotifyRule::eStoreAction) {
-        m_Notification.m_Action = rNotify.m_Action;
-    }
-}
-
-void CBalancingSequence::Notify(CPreBalNotification::Step Step, CPreBalNotification::Action Action) {
-    FillNotification();
-    m_Notification.m_Step = Step;
-    m_Notification.m_Action = Action;
-    m_pMainWnd->PreBalNotification(m_Notification);
-}
-
-void CBalancingSequence::FillNotification() {
-    for (CPlane& rPlane : m_Planes) {
-        rPlane.m_pMethod->FillNotification(m_Notification);
-    }
+    return std::nullopt;
 }

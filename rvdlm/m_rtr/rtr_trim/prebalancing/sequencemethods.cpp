@@ -4,14 +4,14 @@
 #include "rvdlm/m_rtr/rtr_trim/methods/weightbalancingmethod.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/balancingsequence.h"
 
-CBalancingSequence::CPlane CBalancingSequence::MakePlane(std::size_t Sensor, unsigned PlaneIndex,
-                                                         const CPlaneRecord& rRecord) {
+CSequencePlane CBalancingSequence::MakePlane(std::size_t Sensor, unsigned PlaneIndex,
+                                             const CPlaneRecord& rRecord) {
     const auto MakeWeights = [&](const PreBalDB::CWeightCompensationTableEntry& rEntry) {
         return std::make_unique<CWeightBalancingMethod>(rEntry, m_pMainWnd, PlaneIndex,
                                                         m_pEntry->GetNumberOfSamples(), m_IgnoreRebalWeights,
                                                         GetWeightSelection(), m_UseOldWeightChangeMenu != 0);
     };
-    CPlane Plane;
+    CSequencePlane Plane;
     Plane.m_Sensor = Sensor;
     switch (rRecord.m_Used) {
         case PreBalDB::CCompensationTableEntry::eWeights:

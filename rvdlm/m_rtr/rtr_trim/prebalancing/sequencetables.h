@@ -111,11 +111,76 @@ struct CState {
     CNotifyRule m_Notify;
 };
 
-/// Where a state may lead to. 0, the idle state, is no target and fills the rest.
+/// What may lead from one state to another: an event, a key that is pressed, or what became of something that
+/// the state has tried.
+enum Trigger : int {
+    // Events.
+    eEntered,
+    eStartOfPreBalancing,
+    eStartOfReBalancing,
+    eSpeedReported,
+    eSpeedValidityReported,
+    // Keys.
+    eKeyNext,
+    eKeyRebalance,
+    eKeyCheckWeights,
+    eKeyWeightsInPlace,
+    eKeyAdoptPositions,
+    // Outcomes.
+    eTestRunUsable,
+    eTestRunWithoutEffect,
+    eTestRunImpossible,
+    eCapacityMissing,
+    eNever,  ///< defined, and nothing leads there
+    eTriggerCount
+};
+
+/// What must hold besides.
+enum Guard : int {
+    eAlways,
+    eSpindleStands,
+    eSpindleTurns,
+    eSpeedValid,              ///< the commanded speed is reached, as the module tells
+    eLockedAtValidSpeed,      ///< and the electronics is in lock, if that counts
+    eAtCalibratedSpeed,       ///< the speed itself is that of the calibration
+    eMeasured,                ///< the menu that comes with a complete measurement is on show
+    eWeightsOnly,             ///< no plane has screws
+    eStoredWeights,           ///< and the positions of all weights are stored
+    eCalibratedSpindleStops,  ///< there is a calibration, and the commanded speed isn't reached
+    eCalibratedSpindleRuns,   ///< there is one, and it is
+    eGuardCount
+};
+
+/// What is done before the next state is entered.
+enum Deed : int {
+    eNoDeed,
+    eCountStepLeftOut,
+    eReadPositionStore,
+    eTakePositionsShown,  ///< for those of the first measurement
+    eTakePositionsStored,
+    eTakeFirstReading,
+    eEndMeasurement,
+    eTakeTestPositions,
+    eStoreCompensation,
+    eForgetSteps,
+    eDeedCount
+};
+
+/// A way out of a state: the first row of the present state holds whose trigger comes and whose guard is
+/// true. A row with a warning leads to a failure, which shows it.
 struct CTransition {
     int m_From;
-    std::array<int, 5> m_To;
+    Trigger m_Trigger;
+    Guard m_Guard;
+    std::array<Deed, 2> m_Deeds;  ///< in this order
+    int m_To;
+    std::uint32_t m_Warning = 0;
 };
+
+/// Words of a trigger, a guard, a deed, for the diagram of the states.
+const char* ToText(Trigger Value);
+const char* ToText(Guard Value);
+const char* ToText(Deed Value);
 
 /// All tables of one procedure.
 struct CTables {
@@ -147,12 +212,8 @@ struct CTables {
     }
     constexpr bool IsTransitionAllowed(int From, int To) const {
         for (const CTransition& rTransition : m_Transitions) {
-            if (rTransition.m_From == From) {
-                for (const int Target : rTransition.m_To) {
-                    if (Target != 0 && Target == To) {
-                        return true;
-                    }
-                }
+            if (rTransition.m_From == From && rTransition.m_To == To) {
+                return true;
             }
         }
         return false;
@@ -170,6 +231,9 @@ constexpr bool AreStatesInOrder(std::span<const CState> States) {
 }
 
 // Words for the tables.
+constexpr std::array<Deed, 2> Do(Deed First = eNoDeed, Deed Second = eNoDeed) {
+    return {First, Second};
+}
 constexpr CStepRule Keep() {
     return {};
 }

@@ -25,16 +25,16 @@ CSinglePlaneBalancing::CSinglePlaneBalancing(CPreBalMainWndInterface* pMainWnd, 
                                              const std::string& rSecondTitle)
     : CBalancingSequence(pMainWnd, rEntry, rSecondTitle, SinglePlane::g_Tables),
       m_pMath(std::make_unique<CSinglePlaneBalancingMath>(rEntry.GetNumberOfSamples())) {
-    AddPlane(CreateMethod(Plane));
+    GetPlanes().Add(CreateMethod(Plane));
     Initialise();
 }
 
-CSinglePlaneBalancing::CSinglePlaneBalancing(CPreBalMainWndInterface* pMainWnd, CPlane Plane,
+CSinglePlaneBalancing::CSinglePlaneBalancing(CPreBalMainWndInterface* pMainWnd, CSequencePlane Plane,
                                              std::unique_ptr<CSinglePlaneBalancingMathIF> pMath,
                                              PreBalDB::CPreBalBaseTableEntry& rEntry,
                                              const std::string& rSecondTitle)
     : CBalancingSequence(pMainWnd, rEntry, rSecondTitle, SinglePlane::g_Tables), m_pMath(std::move(pMath)) {
-    AddPlane(std::move(Plane));
+    GetPlanes().Add(std::move(Plane));
     Initialise();
 }
 
@@ -48,23 +48,24 @@ void CSinglePlaneBalancing::Initialise() {
 }
 
 CSinglePlaneBalancing::~CSinglePlaneBalancing() {
-    RemovePlanes();
+    GetPlanes().Clear();
     m_pMath.reset();
     StopMeasurement();
 }
 
-CBalancingSequence::CPlane CSinglePlaneBalancing::CreateMethod(int Plane) {
+CSequencePlane CSinglePlaneBalancing::CreateMethod(int Plane) {
     const PreBalDB::CSinglePlaneBalancingTableEntry* pSinglePlane =
         static_cast<const PreBalDB::CPreBalBaseTableEntry*>(m_pEntry)->GetSinglePlane();
-    return MakePlane(Plane == 0 ? 0 : 1, 0,
-                     {pSinglePlane != nullptr ? pSinglePlane->GetUsedCompensationMethod()
-                                              : PreBalDB::CCompensationTableEntry::eNotChosen,
-                      [this]() -> auto& { return GetTableEntry().CreateWeightCompensationTableEntry();
-}
-, [this]() -> auto& {
-    return GetTableEntry().CreateScrewCompensationTableEntry();
-}
-});
+    CPlaneRecord Record;
+    Record.m_Used = pSinglePlane != nullptr ? pSinglePlane->GetUsedCompensationMethod()
+                                            : PreBalDB::CCompensationTableEntry::eNotChosen;
+    Record.CreateWeights = [this]() -> PreBalDB::CWeightCompensationTableEntry& {
+        return GetTableEntry().CreateWeightCompensationTableEntry();
+    };
+    Record.CreateScrews = [this]() -> PreBalDB::CScrewCompensationTableEntry& {
+        return GetTableEntry().CreateScrewCompensationTableEntry();
+    };
+    return MakePlane(Plane == 0 ? 0 : 1, 0, Record);
 }
 
 void CSinglePlaneBalancing::RestartMeasurement() {
@@ -84,8 +85,8 @@ const char* CSinglePlaneBalancing::EVENTSToString(int Event) {
     return "Invalid event";
 }
 
-const char* CSinglePlaneBalancing::GetEventText(EVENTS Event) const {
-    return EVENTSToString(Event);
+const char* CSinglePlaneBalancing::GetEventText(const CEvent& rEvent) const {
+    return EVENTSToString(rEvent.m_Kind);
 }
 
 CPlaneBalancingMethod& CSinglePlaneBalancing::GetActiveMethod() {
@@ -97,7 +98,7 @@ void CSinglePlaneBalancing::PaintMethods(CDC* pDC, const CRect& rRect, bool bRed
 }
 
 int CSinglePlaneBalancing::AddSample(std::size_t Plane) {
-    const CPlane& rPlane = GetPlane(Plane);
+    const CSequencePlane& rPlane = GetPlanes().Get(Plane);
     return m_pMath->AddXYValue(rPlane.m_X, rPlane.m_Y);
 }
 

@@ -53,11 +53,11 @@ public:
 
 protected:
     /// With means and mathematics of the caller's.
-    CSinglePlaneBalancing(CPreBalMainWndInterface* pMainWnd, CPlane Plane,
+    CSinglePlaneBalancing(CPreBalMainWndInterface* pMainWnd, CSequencePlane Plane,
                           std::unique_ptr<CSinglePlaneBalancingMathIF> pMath,
                           PreBalDB::CPreBalBaseTableEntry& rEntry, const std::string& rSecondTitle);
 
-    const char* GetEventText(EVENTS Event) const override;
+    const char* GetEventText(const CEvent& rEvent) const override;
     CPlaneBalancingMethod& GetActiveMethod() override;
     void PaintMethods(CDC* pDC, const CRect& rRect, bool bRedrawAll) override;
     int AddSample(std::size_t Plane) override;
@@ -71,9 +71,9 @@ protected:
     void SetStoredUA(std::size_t Plane, const Matrix& rUA) override;
 
 private:
-    CPlane CreateMethod(int Plane);
+    CSequencePlane CreateMethod(int Plane);
     void Initialise();
-    CPlaneBalancingMethod& GetMethod() { return *GetPlane(0).m_pMethod; }
+    CPlaneBalancingMethod& GetMethod() { return *GetPlanes().Get(0).m_pMethod; }
     PreBalDB::CSinglePlaneBalancingTableEntry& GetTableEntry() { return m_pEntry->CreateSinglePlane(); }
 
     std::unique_ptr<CSinglePlaneBalancingMathIF> m_pMath;

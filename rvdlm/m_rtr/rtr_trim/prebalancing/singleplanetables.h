@@ -2,6 +2,7 @@
 #include <array>
 
 #include "contract/menus.h"
+#include "contract/warnings.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/sequencetables.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/singleplanebalancing.h"
 
@@ -12,6 +13,7 @@ using Method = CPlaneBalancingMethod;
 using Nc = CPreBalNotification;
 using State = CSinglePlaneBalancing;
 using Sequence::CheckWeightsMenu;
+using Sequence::Do;
 using Sequence::FirstOf;
 using Sequence::FirstOfOrNext;
 using Sequence::Keep;
@@ -90,31 +92,62 @@ inline constexpr std::array<Sequence::CState, 24> g_States = {{
         Next(), 6, {Show(Method::eMeasurementValues)}, Menu(Menus::eFinal), StoreAction(Nc::eMeasure)},
 }};
 
-/// The failure states may follow every state, and nothing follows them.
-inline constexpr std::array<Sequence::CTransition, 22> g_Transitions = {{
-    {State::eIdle, {State::eNeutralPosSpindleStop, State::eNeutralPosRemoveWeights, State::eReBalanceCommitWeights, State::eReBalanceRPMStart1, State::eReBalanceMeasurement1}},
-    {State::eNeutralPosSpindleStop, {State::eNeutralPosRemoveWeights, State::eNeutralPosRPMStart}},
-    {State::eNeutralPosRemoveWeights, {State::eNeutralPosRPMStart}},
-    {State::eNeutralPosRPMStart, {State::eNeutralPosMeasurement}},
-    {State::eNeutralPosMeasurement, {State::eTestUnbalanceSpindleStop}},
-    {State::eTestUnbalanceSpindleStop, {State::eTestUnbalanceSetWeights}},
-    {State::eTestUnbalanceSetWeights, {State::eTestUnbalanceRPMStart, State::eTestUnbalanceMeasurement}},
-    {State::eTestUnbalanceRPMStart, {State::eTestUnbalanceMeasurement}},
-    {State::eTestUnbalanceMeasurement, {State::ePreBalanceSpindleStop}},
-    {State::ePreBalanceSpindleStop, {State::ePreBalanceSetWeights}},
-    {State::ePreBalanceSetWeights, {State::ePreBalanceRPMStart, State::ePreBalanceMeasurement}},
-    {State::ePreBalanceRPMStart, {State::ePreBalanceMeasurement}},
-    {State::ePreBalanceMeasurement, {State::eReBalanceMeasurement1}},
-    {State::eReBalanceCommitWeights, {State::eReBalanceRPMStart1, State::eReBalanceMeasurement1}},
-    {State::eReBalanceRPMStart1, {State::eReBalanceMeasurement1}},
-    {State::eReBalanceMeasurement1, {State::eReBalanceSpindleStop, State::eReBalanceSpindleStopCheckWeights}},
-    {State::eReBalanceSpindleStop, {State::eReBalanceSetWeights}},
-    {State::eReBalanceSpindleStopCheckWeights, {State::eReBalanceCheckWeights}},
-    {State::eReBalanceSetWeights, {State::eReBalanceCheckWeights, State::eReBalanceRPMStart2, State::eReBalanceMeasurement2}},
-    // No handler leads from the check back to the commit; the transition is defined all the same.
-    {State::eReBalanceCheckWeights, {State::eReBalanceCommitWeights, State::eReBalanceSetWeights}},
-    {State::eReBalanceRPMStart2, {State::eReBalanceMeasurement2}},
-    {State::eReBalanceMeasurement2, {State::eReBalanceMeasurement1}},
+/// The ways from state to state. Besides, the host may end every state in eFailureWithNoReturn, and a calculation that
+/// can't be made in eFailureWithReset; nothing follows those two.
+inline constexpr std::array<Sequence::CTransition, 48> g_Transitions = {{
+    {State::eIdle, Sequence::eStartOfPreBalancing, Sequence::eSpindleTurns, Do(Sequence::eReadPositionStore), State::eNeutralPosSpindleStop},
+    {State::eIdle, Sequence::eStartOfPreBalancing, Sequence::eSpindleStands, Do(Sequence::eReadPositionStore), State::eNeutralPosRemoveWeights},
+    {State::eIdle, Sequence::eStartOfReBalancing, Sequence::eCalibratedSpindleStops, Do(), State::eReBalanceCommitWeights},
+    {State::eIdle, Sequence::eStartOfReBalancing, Sequence::eCalibratedSpindleRuns, Do(), State::eReBalanceMeasurement1},
+    {State::eIdle, Sequence::eNever, Sequence::eAlways, Do(), State::eReBalanceRPMStart1},
+    {State::eNeutralPosSpindleStop, Sequence::eSpeedReported, Sequence::eSpindleStands, Do(), State::eNeutralPosRemoveWeights},
+    // The spindle needn't stop if the weights are known to be where they should be. With either method.
+    {State::eNeutralPosSpindleStop, Sequence::eKeyWeightsInPlace, Sequence::eAlways, Do(Sequence::eTakePositionsShown, Sequence::eCountStepLeftOut), State::eNeutralPosRPMStart},
+    {State::eNeutralPosSpindleStop, Sequence::eKeyNext, Sequence::eWeightsOnly, Do(Sequence::eTakePositionsShown, Sequence::eCountStepLeftOut), State::eNeutralPosRPMStart},
+    {State::eNeutralPosSpindleStop, Sequence::eKeyAdoptPositions, Sequence::eStoredWeights, Do(Sequence::eTakePositionsStored, Sequence::eCountStepLeftOut), State::eNeutralPosRPMStart},
+    {State::eNeutralPosRemoveWeights, Sequence::eKeyNext, Sequence::eAlways, Do(Sequence::eTakePositionsShown), State::eNeutralPosRPMStart},
+    {State::eNeutralPosRemoveWeights, Sequence::eSpeedValidityReported, Sequence::eSpeedValid, Do(Sequence::eTakePositionsShown), State::eNeutralPosRPMStart},
+    // The speed itself isn't tested: the measurement is made at the speed found here.
+    {State::eNeutralPosRPMStart, Sequence::eKeyNext, Sequence::eLockedAtValidSpeed, Do(), State::eNeutralPosMeasurement},
+    {State::eNeutralPosMeasurement, Sequence::eKeyNext, Sequence::eMeasured, Do(Sequence::eTakeFirstReading, Sequence::eEndMeasurement), State::eTestUnbalanceSpindleStop},
+    {State::eTestUnbalanceSpindleStop, Sequence::eSpeedReported, Sequence::eSpindleStands, Do(), State::eTestUnbalanceSetWeights},
+    {State::eTestUnbalanceSetWeights, Sequence::eKeyNext, Sequence::eAlways, Do(Sequence::eTakeTestPositions), State::eTestUnbalanceRPMStart},
+    {State::eTestUnbalanceSetWeights, Sequence::eSpeedValidityReported, Sequence::eSpeedValid, Do(Sequence::eCountStepLeftOut, Sequence::eTakeTestPositions), State::eTestUnbalanceMeasurement},
+    {State::eTestUnbalanceRPMStart, Sequence::eEntered, Sequence::eAtCalibratedSpeed, Do(), State::eTestUnbalanceMeasurement},
+    {State::eTestUnbalanceRPMStart, Sequence::eSpeedReported, Sequence::eAtCalibratedSpeed, Do(), State::eTestUnbalanceMeasurement},
+    {State::eTestUnbalanceRPMStart, Sequence::eSpeedValidityReported, Sequence::eSpeedValid, Do(), State::eTestUnbalanceMeasurement},
+    {State::eTestUnbalanceMeasurement, Sequence::eTestRunUsable, Sequence::eAlways, Do(), State::ePreBalanceSpindleStop},
+    {State::eTestUnbalanceMeasurement, Sequence::eTestRunWithoutEffect, Sequence::eAlways, Do(), State::eFailureWithReset, Warnings::eNoInfluence},
+    // Such a verdict has no warning of its own.
+    {State::eTestUnbalanceMeasurement, Sequence::eTestRunImpossible, Sequence::eAlways, Do(), State::eFailureWithNoReturn, Warnings::eSetChanged},
+    {State::ePreBalanceSpindleStop, Sequence::eSpeedReported, Sequence::eSpindleStands, Do(), State::ePreBalanceSetWeights},
+    {State::ePreBalanceSetWeights, Sequence::eKeyNext, Sequence::eAlways, Do(), State::ePreBalanceRPMStart},
+    {State::ePreBalanceSetWeights, Sequence::eSpeedValidityReported, Sequence::eSpeedValid, Do(Sequence::eCountStepLeftOut), State::ePreBalanceMeasurement},
+    {State::ePreBalanceRPMStart, Sequence::eEntered, Sequence::eAtCalibratedSpeed, Do(), State::ePreBalanceMeasurement},
+    {State::ePreBalanceRPMStart, Sequence::eSpeedReported, Sequence::eAtCalibratedSpeed, Do(), State::ePreBalanceMeasurement},
+    {State::ePreBalanceRPMStart, Sequence::eSpeedValidityReported, Sequence::eSpeedValid, Do(), State::ePreBalanceMeasurement},
+    {State::ePreBalanceMeasurement, Sequence::eKeyRebalance, Sequence::eAlways, Do(Sequence::eEndMeasurement, Sequence::eForgetSteps), State::eReBalanceMeasurement1},
+    {State::eReBalanceCommitWeights, Sequence::eCapacityMissing, Sequence::eAlways, Do(), State::eFailureWithReset, Warnings::eRebalanceNotPossible},
+    {State::eReBalanceCommitWeights, Sequence::eKeyNext, Sequence::eAlways, Do(Sequence::eStoreCompensation), State::eReBalanceRPMStart1},
+    {State::eReBalanceCommitWeights, Sequence::eSpeedValidityReported, Sequence::eSpeedValid, Do(Sequence::eCountStepLeftOut, Sequence::eStoreCompensation), State::eReBalanceMeasurement1},
+    {State::eReBalanceRPMStart1, Sequence::eEntered, Sequence::eAtCalibratedSpeed, Do(), State::eReBalanceMeasurement1},
+    {State::eReBalanceRPMStart1, Sequence::eSpeedReported, Sequence::eAtCalibratedSpeed, Do(), State::eReBalanceMeasurement1},
+    {State::eReBalanceRPMStart1, Sequence::eSpeedValidityReported, Sequence::eSpeedValid, Do(), State::eReBalanceMeasurement1},
+    {State::eReBalanceMeasurement1, Sequence::eCapacityMissing, Sequence::eAlways, Do(), State::eFailureWithReset, Warnings::eRebalanceNotPossible},
+    {State::eReBalanceMeasurement1, Sequence::eKeyNext, Sequence::eMeasured, Do(Sequence::eEndMeasurement), State::eReBalanceSpindleStop},
+    {State::eReBalanceMeasurement1, Sequence::eKeyCheckWeights, Sequence::eMeasured, Do(Sequence::eEndMeasurement), State::eReBalanceSpindleStopCheckWeights},
+    // The states behind these two count no step by themselves.
+    {State::eReBalanceSpindleStop, Sequence::eSpeedReported, Sequence::eSpindleStands, Do(Sequence::eCountStepLeftOut), State::eReBalanceSetWeights},
+    {State::eReBalanceSpindleStopCheckWeights, Sequence::eSpeedReported, Sequence::eSpindleStands, Do(Sequence::eCountStepLeftOut), State::eReBalanceCheckWeights},
+    {State::eReBalanceSetWeights, Sequence::eKeyNext, Sequence::eAlways, Do(Sequence::eStoreCompensation), State::eReBalanceRPMStart2},
+    {State::eReBalanceSetWeights, Sequence::eKeyCheckWeights, Sequence::eAlways, Do(), State::eReBalanceCheckWeights},
+    {State::eReBalanceSetWeights, Sequence::eSpeedValidityReported, Sequence::eSpeedValid, Do(Sequence::eCountStepLeftOut, Sequence::eStoreCompensation), State::eReBalanceMeasurement2},
+    {State::eReBalanceCheckWeights, Sequence::eKeyNext, Sequence::eAlways, Do(Sequence::eStoreCompensation), State::eReBalanceSetWeights},
+    {State::eReBalanceCheckWeights, Sequence::eNever, Sequence::eAlways, Do(), State::eReBalanceCommitWeights},
+    // Here the module's word isn't enough.
+    {State::eReBalanceRPMStart2, Sequence::eEntered, Sequence::eAtCalibratedSpeed, Do(), State::eReBalanceMeasurement2},
+    {State::eReBalanceRPMStart2, Sequence::eSpeedReported, Sequence::eAtCalibratedSpeed, Do(), State::eReBalanceMeasurement2},
+    {State::eReBalanceMeasurement2, Sequence::eKeyRebalance, Sequence::eAlways, Do(Sequence::eEndMeasurement, Sequence::eForgetSteps), State::eReBalanceMeasurement1},
 }};
 
 // clang-format on

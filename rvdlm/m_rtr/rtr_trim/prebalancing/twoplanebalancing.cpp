@@ -41,18 +41,18 @@ CTwoPlaneBalancing::CTwoPlaneBalancing(CPreBalMainWndInterface* pMainWnd,
                                        const std::string& rSecondTitle)
     : CBalancingSequence(pMainWnd, rEntry, rSecondTitle, TwoPlane::g_Tables),
       m_pMath(std::make_unique<CTwoPlaneBalancingMath>(rEntry.GetNumberOfSamples())) {
-    AddPlane(CreatePlane1Method());
-    AddPlane(CreatePlane2Method());
+    GetPlanes().Add(CreatePlane1Method());
+    GetPlanes().Add(CreatePlane2Method());
     Initialise();
 }
 
-CTwoPlaneBalancing::CTwoPlaneBalancing(CPreBalMainWndInterface* pMainWnd, CPlane Plane1, CPlane Plane2,
-                                       std::unique_ptr<CTwoPlaneBalancingMathIF> pMath,
+CTwoPlaneBalancing::CTwoPlaneBalancing(CPreBalMainWndInterface* pMainWnd, CSequencePlane Plane1,
+                                       CSequencePlane Plane2, std::unique_ptr<CTwoPlaneBalancingMathIF> pMath,
                                        PreBalDB::CPreBalBaseTableEntry& rEntry,
                                        const std::string& rSecondTitle)
     : CBalancingSequence(pMainWnd, rEntry, rSecondTitle, TwoPlane::g_Tables), m_pMath(std::move(pMath)) {
-    AddPlane(std::move(Plane1));
-    AddPlane(std::move(Plane2));
+    GetPlanes().Add(std::move(Plane1));
+    GetPlanes().Add(std::move(Plane2));
     Initialise();
 }
 
@@ -66,7 +66,7 @@ void CTwoPlaneBalancing::Initialise() {
     GetMethod(ePlane2).SetRotationDirection(Rotation == CTypeBase::eClockwise ? CTypeBase::eCounterClockwise
                                                                               : CTypeBase::eClockwise);
     m_pMath->SetRotationDirectionPlane1(Rotation);
-    if (!HasWeightsOnly()) {
+    if (!GetPlanes().HasWeightsOnly()) {
         // Weights beside screws: no step of the run tells the mathematics where they stand in the first
         // measurement. They are opposed there, since no key moves them before, and so it is told here; else
         // their sum would count as 2 in direction 0. Screws have no positions, and don't mind.
@@ -75,39 +75,39 @@ void CTwoPlaneBalancing::Initialise() {
 }
 
 CTwoPlaneBalancing::~CTwoPlaneBalancing() {
-    RemovePlanes();
+    GetPlanes().Clear();
     m_pMath.reset();
     StopMeasurement();
 }
 
-CBalancingSequence::CPlane CTwoPlaneBalancing::CreatePlane1Method() {
+CSequencePlane CTwoPlaneBalancing::CreatePlane1Method() {
     const PreBalDB::CTwoPlaneBalancingTableEntry* pTwoPlane =
         static_cast<const PreBalDB::CPreBalBaseTableEntry*>(m_pEntry)->GetTwoPlane();
-    return MakePlane(
-        ePlane1, 0,
-        {pTwoPlane != nullptr ? pTwoPlane->GetPlane1UsedCompensationMethod()
-                              : PreBalDB::CCompensationTableEntry::eNotChosen,
-         [this]() -> auto& { return GetTableEntry().CreatePlane1WeightCompensationTableEntry();
-}
-, [this]() -> auto& {
-    return GetTableEntry().CreatePlane1ScrewCompensationTableEntry();
-}
-});
+    CPlaneRecord Record;
+    Record.m_Used = pTwoPlane != nullptr ? pTwoPlane->GetPlane1UsedCompensationMethod()
+                                         : PreBalDB::CCompensationTableEntry::eNotChosen;
+    Record.CreateWeights = [this]() -> PreBalDB::CWeightCompensationTableEntry& {
+        return GetTableEntry().CreatePlane1WeightCompensationTableEntry();
+    };
+    Record.CreateScrews = [this]() -> PreBalDB::CScrewCompensationTableEntry& {
+        return GetTableEntry().CreatePlane1ScrewCompensationTableEntry();
+    };
+    return MakePlane(ePlane1, 0, Record);
 }
 
-CBalancingSequence::CPlane CTwoPlaneBalancing::CreatePlane2Method() {
+CSequencePlane CTwoPlaneBalancing::CreatePlane2Method() {
     const PreBalDB::CTwoPlaneBalancingTableEntry* pTwoPlane =
         static_cast<const PreBalDB::CPreBalBaseTableEntry*>(m_pEntry)->GetTwoPlane();
-    return MakePlane(
-        ePlane2, 1,
-        {pTwoPlane != nullptr ? pTwoPlane->GetPlane2UsedCompensationMethod()
-                              : PreBalDB::CCompensationTableEntry::eNotChosen,
-         [this]() -> auto& { return GetTableEntry().CreatePlane2WeightCompensationTableEntry();
-}
-, [this]() -> auto& {
-    return GetTableEntry().CreatePlane2ScrewCompensationTableEntry();
-}
-});
+    CPlaneRecord Record;
+    Record.m_Used = pTwoPlane != nullptr ? pTwoPlane->GetPlane2UsedCompensationMethod()
+                                         : PreBalDB::CCompensationTableEntry::eNotChosen;
+    Record.CreateWeights = [this]() -> PreBalDB::CWeightCompensationTableEntry& {
+        return GetTableEntry().CreatePlane2WeightCompensationTableEntry();
+    };
+    Record.CreateScrews = [this]() -> PreBalDB::CScrewCompensationTableEntry& {
+        return GetTableEntry().CreatePlane2ScrewCompensationTableEntry();
+    };
+    return MakePlane(ePlane2, 1, Record);
 }
 
 void CTwoPlaneBalancing::SetOpposedFirstPositions() {
@@ -117,7 +117,7 @@ void CTwoPlaneBalancing::SetOpposedFirstPositions() {
 }
 
 int CTwoPlaneBalancing::StartPreBalancing(std::uint16_t wRPM, int NotLocked, int InvalidRPM) {
-    if (HasWeightsOnly()) {
+    if (GetPlanes().HasWeightsOnly()) {
         SetOpposedFirstPositions();
     }
     return CBalancingSequence::StartPreBalancing(wRPM, NotLocked, InvalidRPM);
@@ -140,10 +140,10 @@ const char* CTwoPlaneBalancing::EVENTSToString(int Event) {
     return "invalid event";
 }
 
-const char* CTwoPlaneBalancing::GetEventText(EVENTS Event) const {
-    switch (Event) {
+const char* CTwoPlaneBalancing::GetEventText(const CEvent& rEvent) const {
+    switch (rEvent.m_Kind) {
         case eXYValueChanged:
-            return EVENTSToString(GetEventPlane() == ePlane1 ? ePlane1XYValueChanged : ePlane2XYValueChanged);
+            return EVENTSToString(rEvent.m_Plane == ePlane1 ? ePlane1XYValueChanged : ePlane2XYValueChanged);
         case eInvalidRPMChanged:
             return EVENTSToString(eTwoPlaneInvalidRPMChanged);
         case eOutOfLockChanged:
@@ -151,7 +151,7 @@ const char* CTwoPlaneBalancing::GetEventText(EVENTS Event) const {
         case eCommitChanges:
             return EVENTSToString(eTwoPlaneCommitChanges);
         default:
-            return EVENTSToString(Event);
+            return EVENTSToString(rEvent.m_Kind);
     }
 }
 
@@ -209,7 +209,7 @@ void CTwoPlaneBalancing::PaintMethods(CDC* pDC, const CRect& rRect, bool bRedraw
 }
 
 int CTwoPlaneBalancing::AddSample(std::size_t Plane) {
-    const CPlane& rPlane = GetPlane(Plane);
+    const CSequencePlane& rPlane = GetPlanes().Get(Plane);
     return Plane == ePlane1 ? m_pMath->AddXYValuePlane1(rPlane.m_X, rPlane.m_Y)
                             : m_pMath->AddXYValuePlane2(rPlane.m_X, rPlane.m_Y);
 }

@@ -74,7 +74,7 @@ public:
 
 protected:
     /// With means and mathematics of the caller's.
-    CTwoPlaneBalancing(CPreBalMainWndInterface* pMainWnd, CPlane Plane1, CPlane Plane2,
+    CTwoPlaneBalancing(CPreBalMainWndInterface* pMainWnd, CSequencePlane Plane1, CSequencePlane Plane2,
                        std::unique_ptr<CTwoPlaneBalancingMathIF> pMath,
                        PreBalDB::CPreBalBaseTableEntry& rEntry, const std::string& rSecondTitle);
 
@@ -83,7 +83,7 @@ protected:
     /// 0, after an assertion, if none is active or both are.
     int toggleActivePlane();
 
-    const char* GetEventText(EVENTS Event) const override;
+    const char* GetEventText(const CEvent& rEvent) const override;
     CPlaneBalancingMethod& GetActiveMethod() override { return GetActivePlaneMethod(); }
     void ToggleActivePlane() override { toggleActivePlane(); }
     void CheckActivePlane(std::size_t Leg) override;
@@ -99,14 +99,14 @@ protected:
     void SetStoredUA(std::size_t Plane, const Matrix& rUA) override;
 
 private:
-    CPlane CreatePlane1Method();
-    CPlane CreatePlane2Method();
+    CSequencePlane CreatePlane1Method();
+    CSequencePlane CreatePlane2Method();
     void Initialise();
     void SetOpposedFirstPositions();
     /// Whether a plane's weights, 2 by 1 in degrees, stand otherwise than in the first measurement; null: a
     /// test screw, which does.
     bool IsTestChange(std::size_t Plane, const Matrix* pPositions) const;
-    CPlaneBalancingMethod& GetMethod(std::size_t Plane) { return *GetPlane(Plane).m_pMethod; }
+    CPlaneBalancingMethod& GetMethod(std::size_t Plane) { return *GetPlanes().Get(Plane).m_pMethod; }
     PreBalDB::CTwoPlaneBalancingTableEntry& GetTableEntry() { return m_pEntry->CreateTwoPlane(); }
 
     std::unique_ptr<CTwoPlaneBalancingMathIF> m_pMath;

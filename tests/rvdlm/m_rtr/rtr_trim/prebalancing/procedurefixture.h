@@ -32,9 +32,9 @@ public:
 
 protected:
     using Procedure::Procedure;
-    static typename Procedure::CPlane MakeFakePlane(std::unique_ptr<CPlaneBalancingMethod> pMethod,
+    static CSequencePlane MakeFakePlane(std::unique_ptr<CPlaneBalancingMethod> pMethod,
                                                     Means Value, std::size_t Sensor) {
-        typename Procedure::CPlane Plane;
+        CSequencePlane Plane;
         Plane.m_pMethod = std::move(pMethod);
         Plane.m_CompensationMethod = Value;
         Plane.m_Sensor = Sensor;

@@ -242,7 +242,7 @@ TEST_F(SequenceTest, FinalMeasurementsStoreTheirActionWithoutSendingIt) {
 TEST_F(SequenceTest, CommitEnteredAtStepOneAssertsAndCountsOn) {
     Reach(S::eReBalanceCommitWeights);
     m_Log.Clear();
-    m_pSequence->Enter(Sequence::eReBalanceCommitWeights);
+    m_pSequence->Enter(S::eReBalanceCommitWeights);
     EXPECT_THAT(
         m_Log.GetAssertions(),
         testing::Contains("this path is not present in two plane balancing! Is it really reachable?!"));

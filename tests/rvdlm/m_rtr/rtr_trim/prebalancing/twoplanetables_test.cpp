@@ -190,7 +190,7 @@ TEST_F(TwoPlaneTest, NotificationsHoldThePositionsOfBothPlanes) {
 TEST_F(TwoPlaneTest, CommitEnteredAtStepOneAssertsAndCountsOn) {
     Reach(S::eReBalanceCommitWeights);
     m_Log.Clear();
-    m_pSequence->Enter(Sequence::eReBalanceCommitWeights);
+    m_pSequence->Enter(S::eReBalanceCommitWeights);
     EXPECT_THAT(m_Log.GetAssertions(),
                 testing::Contains("this path is new (added to two plane balancing since it was present in "
                                   "single plane balancing)"));
