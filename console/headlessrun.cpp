@@ -47,9 +47,6 @@ CHeadlessRun::~CHeadlessRun() {
     SetMessageBoxPresenter(nullptr);
     m_rSession.OnChanged = nullptr;
     m_rSession.OnSay = nullptr;
-    if (m_ProgressTimerID != 0) {
-        IFEventLoop::Current().KillTimer(m_ProgressTimerID);
-    }
 }
 
 void CHeadlessRun::Print(const std::string& rText) {
@@ -178,7 +175,7 @@ bool CHeadlessRun::RunNcProcedure() {
 bool CHeadlessRun::Drive(CRunDriver& rDriver) {
     m_Recorder.Attach(rDriver);
     rDriver.SetHoleRings(m_rSession.GetHoleRings());
-    m_ProgressTimerID = IFEventLoop::Current().SetTimer(PROGRESS_PERIOD, [this](std::uint32_t) {
+    m_ProgressTimer.StartPeriodic(PROGRESS_PERIOD, [this] {
         const CSituation Situation = m_rSession.Look();
         if (Situation.m_bRunning && Situation.m_Notification.GetAction() == CPreBalCodes::eMeasure) {
             Print("reading" + CRunRecorder::DescribeReadings(Situation));
@@ -187,7 +184,7 @@ bool CHeadlessRun::Drive(CRunDriver& rDriver) {
     rDriver.Start();
     RunUntil([&rDriver] { return rDriver.GetOutcome() != CRunDriver::Outcome::eRunning; }, eRunTimeout);
     rDriver.Stop();
-    IFEventLoop::Current().KillTimer(std::exchange(m_ProgressTimerID, 0));
+    m_ProgressTimer.Stop();
     m_Recorder.Record();
     const bool bFinished = rDriver.GetOutcome() == CRunDriver::Outcome::eFinished && !IsBrokenOff();
     if (!bFinished && !IsBrokenOff()) {

@@ -9,6 +9,7 @@
 #include "console/runreport.h"
 #include "console/session.h"
 #include "contract/actions.h"
+#include "platform/system/timer.h"
 
 /// A run without a display: the procedures that the options ask for, operated by COperator, with progress
 /// lines, report and pictures. A request to end the program breaks it off.
@@ -58,6 +59,6 @@ private:
     CConsoleSession& m_rSession;
     const COptions& m_rOptions;
     CRunRecorder m_Recorder;
-    std::uint32_t m_ProgressTimerID = 0;
+    CTimer m_ProgressTimer;
     CRunDriver* m_pWatch = nullptr;  ///< while the NC drives
 };

@@ -59,7 +59,7 @@ CMainWindow::CMainWindow(CConsoleSession& rSession) : m_rSession(rSession), m_Ru
         statusBar()->showMessage(QString::fromStdString(rText));
     };
     m_Run.OnSay = m_rSession.OnSay;
-    m_RefreshTimerID = IFEventLoop::Current().SetTimer(eRefreshPeriod, [this](std::uint32_t) {
+    m_RefreshTimer.StartPeriodic(eRefreshPeriod, [this] {
         ShowConnection();
         RefreshMachine();
     });
@@ -68,27 +68,21 @@ CMainWindow::CMainWindow(CConsoleSession& rSession) : m_rSession(rSession), m_Ru
 }
 
 CMainWindow::~CMainWindow() {
-    *m_pAlive = false;
+    m_Lifetime.End();
     m_Run.End(true);
     m_rSession.OnChanged = nullptr;
     m_rSession.OnSay = nullptr;
-    IFEventLoop::Current().KillTimer(m_RefreshTimerID);
-    if (m_InitTimerID != 0) {
-        IFEventLoop::Current().KillTimer(m_InitTimerID);
-    }
+    m_RefreshTimer.Stop();
+    m_InitTimer.Stop();
     m_rSession.Close();
 }
 
 void CMainWindow::AskForModule() {
     m_rSession.SendInit();
-    if (m_InitTimerID != 0) {
-        IFEventLoop::Current().KillTimer(m_InitTimerID);
-    }
     // A module that is switched on later answers a later question. Without a link none can be asked.
-    m_InitTimerID = IFEventLoop::Current().SetTimer(INIT_PERIOD, [this](std::uint32_t Id) {
+    m_InitTimer.StartPeriodic(INIT_PERIOD, [this] {
         if (m_rSession.GetHost().IsConfigured()) {
-            IFEventLoop::Current().KillTimer(Id);
-            m_InitTimerID = 0;
+            m_InitTimer.Stop();
         } else if (rvCOM::IsLinkOpen()) {
             m_rSession.SendInit();
         }
@@ -192,11 +186,11 @@ void CMainWindow::OnKeyUp(std::size_t Index) {
 }
 
 void CMainWindow::Command(const nlohmann::json& rRequest) {
-    m_rSession.GetMachine()->Request(rRequest, [this, pAlive = m_pAlive](const nlohmann::json& rAnswer) {
-        if (*pAlive && rAnswer.contains("error")) {
+    m_rSession.GetMachine()->Request(rRequest, m_Lifetime.Guard([this](const nlohmann::json& rAnswer) {
+        if (rAnswer.contains("error")) {
             m_rSession.Say(rAnswer["error"].get<std::string>());
         }
-    });
+    }));
 }
 
 void CMainWindow::FitAsShown() {
@@ -214,8 +208,8 @@ void CMainWindow::RefreshMachine() {
         return;
     }
     m_rSession.GetMachine()->Request(
-        {{"state", nlohmann::json::object()}}, [this, pAlive = m_pAlive](const nlohmann::json& rState) {
-            if (!*pAlive || !rState.contains("fitted")) {
+        {{"state", nlohmann::json::object()}}, m_Lifetime.Guard([this](const nlohmann::json& rState) {
+            if (!rState.contains("fitted")) {
                 return;
             }
             m_pMachineState->setText(
@@ -231,5 +225,5 @@ void CMainWindow::RefreshMachine() {
             m_pResidual->setText(QString("%1: %2")
                                      .arg(Text("CONSOLE_RESIDUAL"))
                                      .arg(rState["residual"].front()["amount"].get<double>(), 0, 'f', 4));
-        });
+        }));
 }

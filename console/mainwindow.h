@@ -7,6 +7,8 @@
 #include "console/screenrun.h"
 #include "console/session.h"
 #include "contract/menukeys.h"
+#include "platform/system/lifetime.h"
+#include "platform/system/timer.h"
 
 class CWindowView;
 class QLabel;
@@ -52,7 +54,7 @@ private:
     QLabel* m_pMachineState = nullptr;
     QLabel* m_pWeights = nullptr;
     QLabel* m_pResidual = nullptr;
-    std::uint32_t m_RefreshTimerID = 0;
-    std::uint32_t m_InitTimerID = 0;
-    std::shared_ptr<bool> m_pAlive = std::make_shared<bool>(true);
+    CTimer m_RefreshTimer;
+    CTimer m_InitTimer;
+    CLifetime m_Lifetime;
 };

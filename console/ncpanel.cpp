@@ -99,7 +99,7 @@ CNcPanel::CNcPanel(const std::optional<COpcSetup>& rSetup) {
 }
 
 CNcPanel::~CNcPanel() {
-    *m_pAlive = false;
+    m_Lifetime.End();
     m_pServer->Forget();
     COPCConnection::CreateInstance()->Disconnect();
     COPCConnection::CreateInstance()->SetConnector(nullptr);
@@ -121,13 +121,10 @@ void CNcPanel::TakeWarning(std::int32_t Warning) {
 }
 
 void CNcPanel::Later(std::function<void()> Take) {
-    IFEventLoop::Current().Post([this, pAlive = m_pAlive, Take = std::move(Take)] {
-        if (!*pAlive) {
-            return;
-        }
+    IFEventLoop::Current().Post(m_Lifetime.Guard([this, Take = std::move(Take)] {
         Take();
         if (OnChanged) {
             OnChanged();
         }
-    });
+    }));
 }

@@ -6,6 +6,7 @@
 
 #include "console/opcsetup.h"
 #include "console/situation.h"
+#include "platform/system/lifetime.h"
 
 /// The console's place in the NC's stead: hears the notifications and warnings that the module publishes,
 /// whether an NC takes them over the network or nobody does. Must stand before the module's window is
@@ -35,5 +36,5 @@ private:
     std::shared_ptr<CServer> m_pServer;
     CNcNotification m_Notification;
     std::uint32_t m_Warning = 0;
-    std::shared_ptr<bool> m_pAlive = std::make_shared<bool>(true);
+    CLifetime m_Lifetime;
 };

@@ -10,7 +10,7 @@ COperator::COperator(IFOperatorPanel& rPanel, IFMachine* pMachine, std::uint32_t
       m_WorkingSpeed(WorkingSpeed) {}
 
 COperator::~COperator() {
-    *m_pAlive = false;
+    m_Lifetime.End();
     Stop();
 }
 
@@ -69,17 +69,14 @@ void COperator::Act(const CSituation& rSituation, Deed ToDo) {
 void COperator::Command(const nlohmann::json& rRequest, std::function<void()> OnDone) {
     m_bBusy = true;
     m_pMachine->Request(
-        rRequest, [this, pAlive = m_pAlive, Done = std::move(OnDone)](const nlohmann::json& rAnswer) {
-            if (!*pAlive) {
-                return;
-            }
+        rRequest, m_Lifetime.Guard([this, Done = std::move(OnDone)](const nlohmann::json& rAnswer) {
             m_bBusy = false;
             if (rAnswer.contains("error")) {
                 End(Outcome::eStuck, "the machine refuses: " + rAnswer["error"].get<std::string>());
                 return;
             }
             Done();
-        });
+        }));
 }
 
 void COperator::SetSpeed(std::uint32_t RPM) {

@@ -10,6 +10,7 @@
 #include "console/rundriver.h"
 #include "console/situation.h"
 #include "contract/menukeys.h"
+#include "platform/system/lifetime.h"
 #include "simulator/machine.h"
 
 /// What the operator works with.
@@ -56,5 +57,5 @@ private:
     bool m_bBusy = false;  ///< an answer of the machine is awaited
     std::string m_LastSaid;
     /// Outlives the operator in answers that are still on their way.
-    std::shared_ptr<bool> m_pAlive = std::make_shared<bool>(true);
+    CLifetime m_Lifetime;
 };

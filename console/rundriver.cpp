@@ -55,13 +55,11 @@ std::vector<CFitting> FindFittings(const CSituation& rSituation, const std::arra
 void CRunDriver::Start() {
     m_Outcome = Outcome::eRunning;
     m_LastChange = IFEventLoop::Current().Now();
-    m_TimerID = IFEventLoop::Current().SetTimer(eLookPeriod, [this](std::uint32_t) { LookNow(); });
+    m_LookTimer.StartPeriodic(eLookPeriod, [this] { LookNow(); });
 }
 
 void CRunDriver::Stop() {
-    if (m_TimerID != 0) {
-        IFEventLoop::Current().KillTimer(std::exchange(m_TimerID, 0));
-    }
+    m_LookTimer.Stop();
 }
 
 void CRunDriver::End(Outcome Result, std::string Reason) {
@@ -71,7 +69,7 @@ void CRunDriver::End(Outcome Result, std::string Reason) {
 }
 
 void CRunDriver::LookNow() {
-    if (m_TimerID == 0) {
+    if (!m_LookTimer.IsRunning()) {
         return;
     }
     if (IsHeld && IsHeld()) {

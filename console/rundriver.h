@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "console/situation.h"
+#include "platform/system/timer.h"
 
 /// What is fitted to a plane of the machine, in place of what is there: weights or screws.
 struct CFitting {
@@ -71,7 +72,7 @@ private:
     bool HasPanelChanged(const CSituation& rSituation);
 
     std::function<CSituation()> m_Look;
-    std::uint32_t m_TimerID = 0;
+    CTimer m_LookTimer;
     Outcome m_Outcome = Outcome::eRunning;
     std::string m_Reason;
     std::array<CHoleRing, 2> m_Rings;

@@ -29,10 +29,6 @@ CRunRecorder::CRunRecorder(CConsoleSession& rSession) : m_rSession(rSession) {
     });
 }
 
-CRunRecorder::~CRunRecorder() {
-    *m_pAlive = false;
-}
-
 void CRunRecorder::Tell(const std::string& rText) const {
     if (OnProgress) {
         OnProgress(rText);
@@ -73,15 +69,13 @@ void CRunRecorder::RecordLater() {
         return;
     }
     m_bRecordPending = true;
-    IFEventLoop::Current().Post([this, pAlive = m_pAlive] {
-        if (*pAlive) {
-            m_bRecordPending = false;
-            Record();
-            if (OnRecorded) {
-                OnRecorded();
-            }
+    IFEventLoop::Current().Post(m_Lifetime.Guard([this] {
+        m_bRecordPending = false;
+        Record();
+        if (OnRecorded) {
+            OnRecorded();
         }
-    });
+    }));
 }
 
 void CRunRecorder::Record() {

@@ -7,12 +7,12 @@
 #include "console/rundriver.h"
 #include "console/runreport.h"
 #include "console/session.h"
+#include "platform/system/lifetime.h"
 
 /// Keeps what a session's runs show, whoever operates them: the report, and pictures of the page.
 class CRunRecorder {
 public:
     explicit CRunRecorder(CConsoleSession& rSession);
-    ~CRunRecorder();
     CRunRecorder(const CRunRecorder&) = delete;
     CRunRecorder& operator=(const CRunRecorder&) = delete;
 
@@ -55,5 +55,5 @@ private:
     bool m_bRecordPending = false;
     bool m_bTelling = false;  ///< OnSituation is under way
     std::uint32_t m_nPictures = 0;
-    std::shared_ptr<bool> m_pAlive = std::make_shared<bool>(true);
+    CLifetime m_Lifetime;
 };

@@ -136,7 +136,7 @@ void CSimulator::PutRequest(std::size_t nModule, std::span<const std::uint8_t> F
         return;
     }
     IFEventLoop::Current().SetTimer(
-        Verdict.m_DelayMs, [Put, pAlive = std::weak_ptr<bool>(m_pAlive),
+        Verdict.m_DelayMs, [Put, pAlive = m_Lifetime.GetToken(),
                             Late = std::vector<std::uint8_t>(Frame.begin(), Frame.end())](std::uint32_t Id) {
             if (!pAlive.expired()) {
                 Put(Late);

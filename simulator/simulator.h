@@ -7,6 +7,7 @@
 
 #include "platform/rvcom/bytelink.h"
 #include "platform/rvcom/linediscipline.h"
+#include "platform/system/lifetime.h"
 #include "simulator/balancingmodule.h"
 #include "simulator/machine.h"
 #include "simulator/rotor.h"
@@ -62,7 +63,6 @@ public:
     const CRotor& GetRotor() const { return m_Rotor; }
     const CSpindle& GetSpindle() const { return m_Spindle; }
     IFByteLink& GetLink() { return *m_pLink; }
-    const LineDiscipline::CDecoder& GetDecoder() const { return m_Decoder; }
 
 private:
     CSimulator(const CRotorFile& rFile, std::unique_ptr<IFByteLink> pLink,
@@ -113,5 +113,5 @@ private:
     LineDiscipline::CDecoder m_Decoder;
     std::vector<CStation> m_Stations;
     /// Outlived by requests that a fault has made late.
-    std::shared_ptr<bool> m_pAlive = std::make_shared<bool>(true);
+    CLifetime m_Lifetime;
 };

@@ -100,7 +100,7 @@ CNetworkOpcServer::CNetworkOpcServer(std::unique_ptr<IFOpcGateway> pGateway,
 }
 
 CNetworkOpcServer::~CNetworkOpcServer() {
-    *m_pAlive = false;
+    m_Lifetime.End();
 }
 
 void CNetworkOpcServer::OnGatewayOpened() {
@@ -300,9 +300,9 @@ std::optional<COpcValue> CNetworkOpcServer::Read(const std::string& rItem) {
 
 std::shared_ptr<void> CNetworkOpcServer::Subscribe(const std::string& rItem, std::uint32_t UpdateRate,
                                                    ChangeHandler Handler) {
-    const auto End = [this, pAlive = m_pAlive](CSubscription* pSubscription) {
+    const auto End = [this, pAlive = m_Lifetime.GetToken()](CSubscription* pSubscription) {
         const std::unique_ptr<CSubscription> pOwned(pSubscription);
-        if (*pAlive) {
+        if (!pAlive.expired()) {
             Unsubscribe(*pSubscription);
         }
     };

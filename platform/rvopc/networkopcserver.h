@@ -8,6 +8,7 @@
 #include "platform/rvopc/opcconfiguration.h"
 #include "platform/rvopc/opcgateway.h"
 #include "platform/rvopc/opcserver.h"
+#include "platform/system/lifetime.h"
 
 /// An OPC UA server elsewhere, reached through a gateway. Items are node ids ("ns=2;s=Request").
 ///
@@ -110,5 +111,5 @@ private:
     Id m_ReadId = 0;
     std::string m_LastReason;  ///< of the outage that lasts; told once
     /// Subscriptions may outlive the server.
-    std::shared_ptr<bool> m_pAlive = std::make_shared<bool>(true);
+    CLifetime m_Lifetime;
 };

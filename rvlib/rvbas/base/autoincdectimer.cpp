@@ -51,7 +51,7 @@ void CAutoIncDecTimer::StopAutoDecrement() {
 }
 
 void CAutoIncDecTimer::StartSeries(CAutoTimer& rTimer, Direction Way, bool& rFirst, std::uint32_t msInitial) {
-    const std::weak_ptr<const bool> pAlive = m_pAlive;
+    const std::weak_ptr<const void> pAlive = m_Lifetime.GetToken();
     rFirst = true;
     Step(Way);
     if (pAlive.expired()) {
@@ -86,7 +86,7 @@ void CAutoIncDecTimer::CAutoTimer::StartSeries(std::uint32_t msInitial) {
 }
 
 void CAutoIncDecTimer::CAutoTimer::OnTimer() {
-    const std::weak_ptr<const bool> pAlive = m_rOwner.m_pAlive;
+    const std::weak_ptr<const void> pAlive = m_rOwner.m_Lifetime.GetToken();
     m_rOwner.Step(m_Direction);
     if (pAlive.expired()) {
         return;

@@ -2,6 +2,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "platform/system/lifetime.h"
 #include "rvlib/rvbas/base/timer.h"
 
 namespace Base {
@@ -66,7 +67,7 @@ private:
     CAutoTimer m_IncrementTimer;
     CAutoTimer m_DecrementTimer;
     /// Dies with this object: tells the code behind a step whether the object is still there.
-    std::shared_ptr<const bool> m_pAlive = std::make_shared<const bool>(true);
+    CLifetime m_Lifetime;
 };
 
 }  // namespace Base

@@ -13,7 +13,6 @@ public:
 
     /// Other values than the two are like eAlongLine.
     void SetPlacement(int Value) { m_Placement = Value; }
-    int GetPlacement() const { return m_Placement; }
     /// Pixels that a character cell may be high, however long the line is; 0, as at the start: as high as the
     /// line is long.
     void SetMaxHeight(int nHeight) { m_MaxHeight = nHeight; }

@@ -16,7 +16,6 @@ public:
     unsigned GetFormat() const { return m_Format; }
     /// A white shadow one pixel to the lower right.
     void SetShadow(bool bShadow) { m_bShadow = bShadow; }
-    bool GetShadow() const { return m_bShadow; }
 
     /// Fills rRect with the background and draws the text. The device context's state is left as it was.
     /// Where not even one pixel of height remains, this is logged and nothing is drawn.

@@ -39,11 +39,11 @@ public:
     /// As SetDisplayMode, with the positions left as they are.
     virtual void SetPlainDisplayMode(DisplayMode Mode) = 0;
     /// Menus. Plane is 1 or 2.
-    virtual int GetNeutralPositionMenu(std::uint8_t Plane) = 0;
+    virtual int GetNeutralPositionMenu(std::uint8_t nPlanes) = 0;
     virtual int GetTestUnbalanceMenu() = 0;
     virtual int GetTestUnbalanceChangeMenu() = 0;
-    virtual int GetCommitChangeMenu(std::uint8_t Plane) = 0;
-    virtual int GetCheckWeightsMenu(std::uint8_t Plane) = 0;
+    virtual int GetCommitChangeMenu(std::uint8_t nPlanes) = 0;
+    virtual int GetCheckWeightsMenu(std::uint8_t nPlanes) = 0;
     /// The means' positions in whole degrees, 2 by 1; null for means that have no such positions.
     virtual const math::matrix<double>* GetTestUnbalanceVectorInDeg() = 0;
     virtual void SetTestUnbalanceVectorInDeg(const math::matrix<double>& rPositions) = 0;

@@ -108,7 +108,7 @@ void CScrewBalancingMethod::SetPlainDisplayMode(DisplayMode Mode) {
     CPlaneBalancingMethod::SetDisplayMode(Mode);
 }
 
-int CScrewBalancingMethod::GetNeutralPositionMenu(std::uint8_t /*Plane*/) {
+int CScrewBalancingMethod::GetNeutralPositionMenu(std::uint8_t /*nPlanes*/) {
     RV_ASSERT_FAIL(RtrTrim::g_pLog, "impossible");
     return 0;
 }
@@ -121,12 +121,12 @@ int CScrewBalancingMethod::GetTestUnbalanceChangeMenu() {
     return Menus::eChangeTestScrew;
 }
 
-int CScrewBalancingMethod::GetCommitChangeMenu(std::uint8_t Plane) {
-    return Plane == 2 ? Menus::eScrewsOfTwoPlanes : Menus::eScrewsOfOnePlane;
+int CScrewBalancingMethod::GetCommitChangeMenu(std::uint8_t nPlanes) {
+    return nPlanes == 2 ? Menus::eScrewsOfTwoPlanes : Menus::eScrewsOfOnePlane;
 }
 
-int CScrewBalancingMethod::GetCheckWeightsMenu(std::uint8_t Plane) {
-    return Plane == 2 ? Menus::eScrewsOfTwoPlanes : Menus::eScrewsOfOnePlane;
+int CScrewBalancingMethod::GetCheckWeightsMenu(std::uint8_t nPlanes) {
+    return nPlanes == 2 ? Menus::eScrewsOfTwoPlanes : Menus::eScrewsOfOnePlane;
 }
 
 const math::matrix<double>* CScrewBalancingMethod::GetTestUnbalanceVectorInDeg() {

@@ -29,11 +29,11 @@ public:
     void SetDisplayMode(DisplayMode Mode) override;
     void SetPlainDisplayMode(DisplayMode Mode) override;
     /// Asserts: screws have no neutral position. 0.
-    int GetNeutralPositionMenu(std::uint8_t Plane) override;
+    int GetNeutralPositionMenu(std::uint8_t nPlanes) override;
     int GetTestUnbalanceMenu() override;
     int GetTestUnbalanceChangeMenu() override;
-    int GetCommitChangeMenu(std::uint8_t Plane) override;
-    int GetCheckWeightsMenu(std::uint8_t Plane) override;
+    int GetCommitChangeMenu(std::uint8_t nPlanes) override;
+    int GetCheckWeightsMenu(std::uint8_t nPlanes) override;
     /// Null: screws have no position in degrees.
     const math::matrix<double>* GetTestUnbalanceVectorInDeg() override;
     void SetTestUnbalanceVectorInDeg(const math::matrix<double>& rPositions) override;

@@ -8,6 +8,7 @@
 #include "contract/menus.h"
 #include "platform/window/dc.h"
 #include "rvdlm/m_rtr/rtr_trim/log.h"
+#include "rvdlm/m_rtr/rtr_trim/methods/weightkeys.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/prebalmainwndinterface.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalnotification.h"
 #include "rvlib/math/vector.h"
@@ -21,7 +22,7 @@ namespace {
 constexpr int eSelectWeight2 = 1;
 constexpr int eSelectStep10 = 2;
 
-/// Change menus of the first and of the second plane, by the weight selection.
+/// Change menus of procedures with one and with two planes, by the weight selection.
 constexpr std::array<std::array<int, 4>, 2> g_ChangeMenus = {
     {{Menus::eChangeWeight1By1, Menus::eChangeWeight2By1, Menus::eChangeWeight1By10,
       Menus::eChangeWeight2By10},
@@ -30,40 +31,6 @@ constexpr std::array<std::array<int, 4>, 2> g_ChangeMenus = {
 /// The same in the old manner, where weights have keys of their own and steps don't change.
 constexpr std::array<int, 2> g_OldChangeMenus = {Menus::eChangeBothWeights,
                                                  Menus::eChangeBothWeightsOfTwoPlanes};
-
-/// Keys of the active weight: which key of weight 1 or 2 they stand for, and whether the chosen step goes
-/// with it.
-struct CActiveWeightKey {
-    CKeyActions::KeyAction m_Action;
-    CKeyActions::KeyAction m_Weight1;
-    CKeyActions::KeyAction m_Weight2;
-    bool m_bChosenStep;
-};
-constexpr std::array<CActiveWeightKey, 4> g_ActiveWeightKeys = {{
-    {CKeyActions::eDecPosActiveWeightDown, CKeyActions::eDecPosWeight1Down, CKeyActions::eDecPosWeight2Down,
-     true},
-    {CKeyActions::eDecPosActiveWeightUp, CKeyActions::eDecPosWeight1Up, CKeyActions::eDecPosWeight2Up, false},
-    {CKeyActions::eIncPosActiveWeightDown, CKeyActions::eIncPosWeight1Down, CKeyActions::eIncPosWeight2Down,
-     true},
-    {CKeyActions::eIncPosActiveWeightUp, CKeyActions::eIncPosWeight1Up, CKeyActions::eIncPosWeight2Up, false},
-}};
-
-/// Keys that move a weight while they are held, and end the move when they go up (weight 0).
-struct CMoveKey {
-    CKeyActions::KeyAction m_Action;
-    int m_Weight;
-    int m_Sign;
-};
-constexpr std::array<CMoveKey, 8> g_MoveKeys = {{
-    {CKeyActions::eIncPosWeight1Down, 1, 1},
-    {CKeyActions::eIncPosWeight1Up, 0, 0},
-    {CKeyActions::eDecPosWeight1Down, 1, -1},
-    {CKeyActions::eDecPosWeight1Up, 0, 0},
-    {CKeyActions::eIncPosWeight2Down, 2, 1},
-    {CKeyActions::eIncPosWeight2Up, 0, 0},
-    {CKeyActions::eDecPosWeight2Down, 2, -1},
-    {CKeyActions::eDecPosWeight2Up, 0, 0},
-}};
 
 /// Time from the key press to the first repeat, ms.
 constexpr std::uint32_t eRepeatDelay = 450;
@@ -83,12 +50,6 @@ int Wrap(int Angle) {
 /// The same place on a scale that counts the other way.
 int Mirror(int Angle) {
     return (360 - Angle) % 360;
-}
-
-template <typename Table>
-auto Find(const Table& rTable, CKeyActions::KeyAction Action) {
-    return std::find_if(rTable.begin(), rTable.end(),
-                        [=](const auto& rRow) { return rRow.m_Action == Action; });
 }
 
 }  // namespace
@@ -141,16 +102,16 @@ void CWeightBalancingMethod::SetPlainDisplayMode(DisplayMode Mode) {
     StopTimers();
 }
 
-int CWeightBalancingMethod::GetNeutralPositionMenu(std::uint8_t Plane) {
-    return GetChangeWeightsMenu(Plane == 2 ? 1 : 0);
+int CWeightBalancingMethod::GetNeutralPositionMenu(std::uint8_t nPlanes) {
+    return GetChangeWeightsMenu(nPlanes == 2 ? 1 : 0);
 }
 
-int CWeightBalancingMethod::GetCommitChangeMenu(std::uint8_t Plane) {
-    return GetChangeWeightsMenu(Plane == 2 ? 1 : 0);
+int CWeightBalancingMethod::GetCommitChangeMenu(std::uint8_t nPlanes) {
+    return GetChangeWeightsMenu(nPlanes == 2 ? 1 : 0);
 }
 
-int CWeightBalancingMethod::GetCheckWeightsMenu(std::uint8_t Plane) {
-    return GetChangeWeightsMenu(Plane == 2 ? 1 : 0);
+int CWeightBalancingMethod::GetCheckWeightsMenu(std::uint8_t nPlanes) {
+    return GetChangeWeightsMenu(nPlanes == 2 ? 1 : 0);
 }
 
 int CWeightBalancingMethod::GetTestUnbalanceMenu() {
@@ -178,10 +139,10 @@ int CWeightBalancingMethod::GetChangeWeightsMenu(int Kind) {
 
 void CWeightBalancingMethod::ReplaceMenu() {
     const int Current = m_pMainWnd->GetMenu();
-    const auto& rSecondPlane = g_ChangeMenus[1];
-    const bool bSecondPlane =
-        std::find(rSecondPlane.begin(), rSecondPlane.end(), Current) != rSecondPlane.end();
-    m_pMainWnd->SetMenu(GetChangeWeightsMenu(bSecondPlane ? 1 : 0));
+    const auto& rOfTwoPlanes = g_ChangeMenus[1];
+    const bool bTwoPlanes =
+        std::find(rOfTwoPlanes.begin(), rOfTwoPlanes.end(), Current) != rOfTwoPlanes.end();
+    m_pMainWnd->SetMenu(GetChangeWeightsMenu(bTwoPlanes ? 1 : 0));
 }
 
 const math::matrix<double>* CWeightBalancingMethod::GetTestUnbalanceVectorInDeg() {
@@ -270,17 +231,20 @@ bool CWeightBalancingMethod::KeyPressed(CKeyActions::KeyAction Action, int Step)
         ReplaceMenu();
         return true;
     }
-    if (const auto Key = Find(g_ActiveWeightKeys, Action); Key != g_ActiveWeightKeys.end()) {
-        Action = (rSelection & eSelectWeight2) != 0 ? Key->m_Weight2 : Key->m_Weight1;
-        Step = Key->m_bChosenStep && (rSelection & eSelectStep10) != 0 ? 10 : 1;
+    const WeightKeys::CKey* const pKey = WeightKeys::Find(Action);
+    int Weight = pKey != nullptr ? pKey->m_Weight : 0;
+    if (Weight == WeightKeys::eActiveWeight) {
+        Weight = (rSelection & eSelectWeight2) != 0 ? WeightKeys::eWeight2 : WeightKeys::eWeight1;
+        Step = pKey->m_bDown && (rSelection & eSelectStep10) != 0 ? WeightKeys::COARSE_STEP
+                                                                  : WeightKeys::FINE_STEP;
     }
 
     const int Old1 = m_AngleWeight1;
     const int Old2 = m_AngleWeight2;
-    if (const auto Key = Find(g_MoveKeys, Action); Key != g_MoveKeys.end()) {
+    if (pKey != nullptr) {
         StopTimers();
-        if (Key->m_Weight != 0) {
-            StartMove(Key->m_Weight, Key->m_Sign, Step);
+        if (pKey->m_bDown) {
+            StartMove(Weight, pKey->m_Sign, Step);
         } else {
             m_ActiveWeight = 0;
             m_Step = 1;

@@ -29,11 +29,11 @@ public:
     /// eNeutralPosition opposes the weights; eTestUnbalance moves one of them by the speed increment.
     void SetDisplayMode(DisplayMode Mode) override;
     void SetPlainDisplayMode(DisplayMode Mode) override;
-    int GetNeutralPositionMenu(std::uint8_t Plane) override;
+    int GetNeutralPositionMenu(std::uint8_t nPlanes) override;
     int GetTestUnbalanceMenu() override;
     int GetTestUnbalanceChangeMenu() override;
-    int GetCommitChangeMenu(std::uint8_t Plane) override;
-    int GetCheckWeightsMenu(std::uint8_t Plane) override;
+    int GetCommitChangeMenu(std::uint8_t nPlanes) override;
+    int GetCheckWeightsMenu(std::uint8_t nPlanes) override;
     const math::matrix<double>* GetTestUnbalanceVectorInDeg() override;
     void SetTestUnbalanceVectorInDeg(const math::matrix<double>& rPositions) override;
     /// With bAllowEqualAngles false and the setting IgnoreRebalWeights, equal positions are spread by 10
@@ -49,7 +49,7 @@ public:
     void FillNotification(CPreBalNotification& rNotification) override;
     void GetWeightPositions(int& rAngleWeight1, int& rAngleWeight2) override;
 
-    /// Kind 0: menu of the first plane, 1: of the second.
+    /// Kind 0: menu of a procedure with one plane, 1: with two.
     virtual int GetChangeWeightsMenu(int Kind);
 
 private:

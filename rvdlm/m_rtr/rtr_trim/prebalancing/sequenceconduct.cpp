@@ -2,6 +2,7 @@
 // weights.
 #include "contract/warnings.h"
 #include "rvdlm/m_rtr/rtr_trim/log.h"
+#include "rvdlm/m_rtr/rtr_trim/methods/weightkeys.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/balancingsequence.h"
 
 void CBalancingSequence::CountStep(const Sequence::CStepRule& rRule) {
@@ -156,15 +157,6 @@ bool CBalancingSequence::HandleTogglePlaneKey(MenuQuery Query) {
 }
 
 void CBalancingSequence::HandleChangeWeightKeys() {
-    // Degrees of a key press. Setting up goes in larger steps than the correction of a balanced rotor.
-    constexpr int eSetupStep = 5;
-    constexpr int eRebalanceStep = 1;
-    const auto MoveAndNotify = [this](int Step) {
-        GetActiveMethod().KeyPressed(m_KeyAction, Step);
-        m_Planes.FillNotification(m_Notification);
-        m_Notification.m_Action = CPreBalNotification::eSetWeights;
-        m_pMainWnd->PreBalNotification(m_Notification);
-    };
     switch (m_KeyAction) {
         case eIncrement:
         case eDecrement:
@@ -173,27 +165,22 @@ void CBalancingSequence::HandleChangeWeightKeys() {
         case eStepSelection:
             GetActiveMethod().KeyPressed(m_KeyAction, 0);
             return;
-        case eIncPosWeight1Down:
-        case eIncPosWeight1Up:
-        case eDecPosWeight1Down:
-        case eDecPosWeight1Up:
-        case eIncPosWeight2Down:
-        case eIncPosWeight2Up:
-        case eDecPosWeight2Down:
-        case eDecPosWeight2Up:
-            RV_ASSERT_AS(RtrTrim::g_pLog,
-                         m_Notification.m_Step == CPreBalNotification::eSetup ||
-                             m_Notification.m_Step == CPreBalNotification::eReBalActive,
-                         "FALSE", "impossible", false);
-            MoveAndNotify(m_Notification.m_Step == CPreBalNotification::eSetup ? eSetupStep : eRebalanceStep);
-            return;
-        case eDecPosActiveWeightDown:
-        case eDecPosActiveWeightUp:
-        case eIncPosActiveWeightDown:
-        case eIncPosActiveWeightUp:
-            MoveAndNotify(0);
-            return;
         default:
-            return;
+            break;
     }
+    const WeightKeys::CKey* const pKey = WeightKeys::Find(m_KeyAction);
+    if (pKey == nullptr) {
+        return;
+    }
+    int Step = 0;  // of the active weight: chosen by the operator, as the means know
+    if (pKey->m_Weight != WeightKeys::eActiveWeight) {
+        const bool bSetup = m_Notification.m_Step == CPreBalNotification::eSetup;
+        RV_ASSERT_AS(RtrTrim::g_pLog, bSetup || m_Notification.m_Step == CPreBalNotification::eReBalActive,
+                     "FALSE", "impossible", false);
+        Step = bSetup ? WeightKeys::SETUP_STEP : WeightKeys::REBALANCE_STEP;
+    }
+    GetActiveMethod().KeyPressed(m_KeyAction, Step);
+    m_Planes.FillNotification(m_Notification);
+    m_Notification.m_Action = CPreBalNotification::eSetWeights;
+    m_pMainWnd->PreBalNotification(m_Notification);
 }
