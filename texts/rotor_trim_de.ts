@@ -91,6 +91,11 @@
         <extracomment>Label; half a line of the page</extracomment>
         <translation>Aktuelle Drehzahl</translation>
     </message>
+    <message id="CALIBRATION">
+        <source>Calibration</source>
+        <extracomment>All values of a calibration, in a list of values</extracomment>
+        <translation>Kalibrierung</translation>
+    </message>
     <message id="PB_RPM_TOLERANCE_TEXT">
         <source>Speed tolerance</source>
         <extracomment>Label of a setting</extracomment>

@@ -3,14 +3,14 @@
 #include <string>
 #include <utility>
 
-#include "platform/rvmdb/newentrydefaults.h"
 #include "platform/rvmdb/screw.h"
 #include "platform/rvmdb/typebase.h"
 #include "rvlib/rvbas/array.h"
 
 namespace PreBalDB {
 
-/// What a plane is balanced with; base of the two kinds.
+/// What a plane is balanced with; base of the two kinds. A new one has the default of each property
+/// (recordfields.cpp).
 class CCompensationTableEntry : public CTypeBase {
 public:
     enum CompensationMethod : std::uint8_t {
@@ -32,16 +32,21 @@ protected:
 
 private:
     friend class CConfigurationFields;
-    AffectedPlane m_Plane = eUnknownPlane;
-    Direction m_ScalingDirection = CNewEntryDefaults::eScalingDirection;
+    AffectedPlane m_Plane{};
+    Direction m_ScalingDirection{};
 };
 
 /// Two movable weights.
-class CWeightCompensationTableEntry : public CCompensationTableEntry {};
+class CWeightCompensationTableEntry : public CCompensationTableEntry {
+public:
+    CWeightCompensationTableEntry();
+};
 
 /// Screws of a table in a ring of holes.
 class CScrewCompensationTableEntry : public CCompensationTableEntry {
 public:
+    CScrewCompensationTableEntry();
+
     const std::string& GetScrewTableName() const { return m_ScrewTableName; }
     void SetScrewTableName(std::string Name) { m_ScrewTableName = std::move(Name); }
     std::uint32_t GetNumberOfHoles() const { return m_NumberOfHoles; }
@@ -59,11 +64,11 @@ public:
 private:
     friend class CConfigurationFields;
     friend class CPlaneCompensation;
-    std::string m_ScrewTableName = CNewEntryDefaults::eScrewTableName;
-    std::uint32_t m_NumberOfHoles = CNewEntryDefaults::eNumberOfHoles;
-    std::uint8_t m_NumberOfScrews = CNewEntryDefaults::eNumberOfScrews;
-    double m_ReferenceWeight = CNewEntryDefaults::eReferenceWeight;
-    double m_Radius = CNewEntryDefaults::eRadius;
+    std::string m_ScrewTableName;
+    std::uint32_t m_NumberOfHoles{};
+    std::uint8_t m_NumberOfScrews{};
+    double m_ReferenceWeight{};
+    double m_Radius{};
     /// The database that the table is read from; null for an entry of its own.
     class CPreBalDatabase* m_pDatabase = nullptr;
 };

@@ -1,10 +1,10 @@
 #pragma once
-#include <cstdint>
 #include <map>
 #include <string>
 #include <vector>
 
 #include "platform/rvmdb/directsql.h"
+#include "platform/rvmdb/property.h"
 
 namespace PreBalDB {
 
@@ -21,24 +21,29 @@ struct CRecordLayout {
     std::string m_Table;
     std::string m_KeyColumn;  ///< holds the configuration's name
     std::string m_Part;       ///< empty in a table without parts
-    std::vector<std::string> m_Columns;
+    std::vector<const CProperty*> m_Properties{};
+    std::vector<std::string> m_Columns{};  ///< of those that are stored
 
+    /// Of a column, or of a property that has none.
     std::string GetFieldName(const std::string& rColumn) const;
 };
 
-/// What is known of every field: its place in the store, its limits, and whose business it is when two
-/// consoles have changed a configuration. A row a field, in configurationfields.cpp.
+/// All that a configuration can hold, field by field: a property in its place. What is known of a property
+/// stands in its row (property.h).
 namespace ConfigurationFields {
 
-enum class Role : std::uint8_t {
-    eSetting,
-    eBasis,       ///< a calibration holds only for the value that it was made with
-    eCalibration  ///< goes with all the others of this role, or not at all
-};
+/// The name that all fields of a calibration go by together.
+constexpr const char* pCalibration = "calibration";
 
+/// In the order of the store.
 const std::vector<CRecordLayout>& GetLayouts();
-/// eSetting for what isn't known.
-Role GetRole(const std::string& rField);
+/// Null if there is no such field.
+const CProperty* FindProperty(const std::string& rField);
+/// CProperty::Role::eSetting for what isn't known.
+CProperty::Role GetRole(const std::string& rField);
+/// What people call the field, in the language in use: "Direction of the scale Plane 2". The name itself if
+/// it has no text.
+std::string GetLabel(const std::string& rField);
 /// Why the value can't be one of this field: "nan in inv_a". Empty if it can.
 std::string Check(const std::string& rField, const CDirectSQL::CValue& rValue);
 

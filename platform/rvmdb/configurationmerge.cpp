@@ -8,7 +8,8 @@ namespace PreBalDB {
 namespace {
 
 using ConfigurationFields::GetRole;
-using ConfigurationFields::Role;
+using ConfigurationFields::pCalibration;
+using Role = CProperty::Role;
 
 constexpr const char* pIsCalibrated = "configuration.is_calibrated";
 
@@ -56,7 +57,7 @@ public:
         for (const std::string& rField : m_Others) {
             MergeFields({rField}, rField);
         }
-        const Winner Calibration = MergeFields(m_Calibration, pCalibrationField);
+        const Winner Calibration = MergeFields(m_Calibration, pCalibration);
         DropOtherMethods();
         CheckBasis(Calibration);
         return std::move(m_Result);
@@ -142,15 +143,15 @@ private:
                 Calibration == Winner::eMemory ? m_rMemory.m_Now : m_rStored.m_Now;
             if (GetBasis(rMadeWith) != GetBasis(m_Result.m_Values)) {
                 m_Result.m_Values[pIsCalibrated] = std::int64_t{0};
-                m_Result.m_Conflicts.emplace_back(pCalibrationField);
+                m_Result.m_Conflicts.emplace_back(pCalibration);
             }
         }
         const bool bWanted =
             std::ranges::any_of(
                 m_Calibration, [this](const std::string& rField) { return HasChanged(m_rMemory, rField); }) &&
             m_rMemory.m_Now.at(pIsCalibrated) == CDirectSQL::CValue(std::int64_t{1});
-        m_Result.m_bCalibrationLost = bWanted && std::ranges::find(m_Result.m_Conflicts, pCalibrationField) !=
-                                                     m_Result.m_Conflicts.end();
+        m_Result.m_bCalibrationLost =
+            bWanted && std::ranges::find(m_Result.m_Conflicts, pCalibration) != m_Result.m_Conflicts.end();
     }
 
     const CChange& m_rStored;

@@ -17,13 +17,11 @@ struct CChange {
 struct CMerged {
     CFieldValues m_Values;
     /// Fields that both sides have changed, each in its own way; the stored values stay. All fields of a
-    /// calibration are one here, "calibration".
+    /// calibration are one here, ConfigurationFields::pCalibration.
     std::vector<std::string> m_Conflicts;
     /// The calibration in memory is new, and isn't in m_Values as one.
     bool m_bCalibrationLost = false;
 };
-
-constexpr const char* pCalibrationField = "calibration";
 
 /// Field by field: what one side has changed is kept. A calibration goes as a whole, and one that meets
 /// another basis than it was made with, since that is the other side's, doesn't count as one any more.

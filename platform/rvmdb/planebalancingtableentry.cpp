@@ -1,21 +1,8 @@
 #include "platform/rvmdb/planebalancingtableentry.h"
 
-#include "platform/rvmdb/newentrydefaults.h"
+#include "platform/rvmdb/recordfields.h"
 
 namespace PreBalDB {
-
-namespace {
-
-math::matrix<double> Zero(std::uint32_t nRows, std::uint32_t nColumns) {
-    math::matrix<double> Matrix(nRows, nColumns);
-    Matrix.Null();
-    return Matrix;
-}
-
-}  // namespace
-
-CPlaneBalancingTableEntry::CPlaneBalancingTableEntry()
-    : m_RotationDirection(CNewEntryDefaults::eRotationDirection) {}
 
 CCompensationTableEntry::CompensationMethod CPlaneCompensation::GetUsedMethod() const {
     if (m_pWeight != nullptr) {
@@ -41,10 +28,13 @@ CScrewCompensationTableEntry& CPlaneCompensation::CreateScrew() {
     return *m_pScrew;
 }
 
-CSinglePlaneBalancingTableEntry::CSinglePlaneBalancingTableEntry() : m_InvA(Zero(2, 2)), m_UA(Zero(2, 1)) {}
+CSinglePlaneBalancingTableEntry::CSinglePlaneBalancingTableEntry() {
+    CConfigurationFields::SetDefaults(*this);
+}
 
-CTwoPlaneBalancingTableEntry::CTwoPlaneBalancingTableEntry()
-    : m_InvA(Zero(4, 4)), m_UAPlane1(Zero(2, 1)), m_UAPlane2(Zero(2, 1)) {}
+CTwoPlaneBalancingTableEntry::CTwoPlaneBalancingTableEntry() {
+    CConfigurationFields::SetDefaults(*this);
+}
 
 CTwoPlaneBalancingTableEntry::CTwoPlaneBalancingTableEntry(CDirectSQL& /*rConnection*/,
                                                            const std::string& /*rName*/)

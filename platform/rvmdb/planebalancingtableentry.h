@@ -21,13 +21,13 @@ public:
     void SetProximitySwitchInput(AffectedPlane Value) { m_ProximitySwitchInput = Value; }
 
 protected:
-    CPlaneBalancingTableEntry();
+    CPlaneBalancingTableEntry() = default;
     CPlaneBalancingTableEntry(const CPlaneBalancingTableEntry&) = default;
     CPlaneBalancingTableEntry& operator=(const CPlaneBalancingTableEntry&) = default;
 
 private:
-    Direction m_RotationDirection;
-    AffectedPlane m_ProximitySwitchInput = eUnknownPlane;
+    Direction m_RotationDirection{};
+    AffectedPlane m_ProximitySwitchInput{};
 };
 
 /// The compensation of one plane: the kind follows from the entry that exists; creating one kind drops the
@@ -78,7 +78,7 @@ private:
     friend class CPreBalDatabase;
     friend class CPreBalBaseTableEntry;
     friend class CConfigurationFields;
-    std::uint8_t m_SensorAdaption = 255;
+    std::uint8_t m_SensorAdaption{};
     CPlaneCompensation m_Compensation;
     math::matrix<double> m_InvA;
     math::matrix<double> m_UA;
@@ -137,8 +137,8 @@ private:
     friend class CPreBalDatabase;
     friend class CPreBalBaseTableEntry;
     friend class CConfigurationFields;
-    std::uint8_t m_Plane1SensorAdaption = 255;
-    std::uint8_t m_Plane2SensorAdaption = 255;
+    std::uint8_t m_Plane1SensorAdaption{};
+    std::uint8_t m_Plane2SensorAdaption{};
     CPlaneCompensation m_Plane1Compensation;
     CPlaneCompensation m_Plane2Compensation;
     math::matrix<double> m_InvA;

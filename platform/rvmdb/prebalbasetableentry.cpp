@@ -1,15 +1,13 @@
 #include "platform/rvmdb/prebalbasetableentry.h"
 
-#include "platform/rvmdb/newentrydefaults.h"
+#include "platform/rvmdb/recordfields.h"
 
 namespace PreBalDB {
 
 CPreBalBaseTableEntry::CPreBalBaseTableEntry(std::string MachineName, std::string ProcessName)
-    : m_MachineName(std::move(MachineName)),
-      m_ProcessName(std::move(ProcessName)),
-      m_RPMTolerance(CNewEntryDefaults::eRPMTolerance),
-      m_TargetUnbalance(CNewEntryDefaults::eTargetUnbalance),
-      m_NumberOfSamples(CNewEntryDefaults::eNumberOfSamples) {}
+    : m_MachineName(std::move(MachineName)), m_ProcessName(std::move(ProcessName)) {
+    CConfigurationFields::SetDefaults(*this);
+}
 
 CPreBalBaseTableEntry::~CPreBalBaseTableEntry() = default;
 

@@ -13,7 +13,7 @@ namespace PreBalDB {
 /// One configuration (process) of a machine, with its calibration.
 class CPreBalBaseTableEntry : public CTypeBase {
 public:
-    /// A new, uncalibrated configuration with the values of newentrydefaults.h.
+    /// A new, uncalibrated configuration with the default of each property (recordfields.cpp).
     CPreBalBaseTableEntry(std::string MachineName, std::string ProcessName);
     ~CPreBalBaseTableEntry();
 
@@ -48,12 +48,12 @@ private:
     friend class CPreBalDatabase;
     std::string m_MachineName;
     std::string m_ProcessName;
-    int m_IsCalibrated = 0;
+    int m_IsCalibrated{};
     std::chrono::sys_seconds m_CalibrationDateTime{};
-    std::uint32_t m_CalibratedRPM = 0;
-    std::uint32_t m_RPMTolerance = 0;
-    std::uint32_t m_TargetUnbalance = 0;
-    std::uint32_t m_NumberOfSamples = 0;
+    std::uint32_t m_CalibratedRPM{};
+    std::uint32_t m_RPMTolerance{};
+    std::uint32_t m_TargetUnbalance{};
+    std::uint32_t m_NumberOfSamples{};
     std::unique_ptr<CSinglePlaneBalancingTableEntry> m_pSinglePlane;
     std::unique_ptr<CTwoPlaneBalancingTableEntry> m_pTwoPlane;
     class CPreBalDatabase* m_pDatabase = nullptr;

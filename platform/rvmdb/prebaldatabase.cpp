@@ -6,8 +6,8 @@
 #include <utility>
 
 #include "platform/rvmdb/configurationfields.h"
+#include "platform/rvmdb/defaultscrewtable.h"
 #include "platform/rvmdb/log.h"
-#include "platform/rvmdb/newentrydefaults.h"
 #include "platform/rvmdb/patience.h"
 #include "platform/rvmdb/store.h"
 #include "platform/rvmdb/storethread.h"
@@ -290,7 +290,7 @@ bool CPreBalDatabase::Impl::RepairScrewTableNames(const std::vector<std::string>
     const auto Repair = [&rNames, &bChanged](CPlaneCompensation& rCompensation) {
         CScrewCompensationTableEntry* const pScrew = rCompensation.m_pScrew.get();
         if (pScrew != nullptr && std::ranges::find(rNames, pScrew->GetScrewTableName()) == rNames.end()) {
-            pScrew->SetScrewTableName(CNewEntryDefaults::eScrewTableName);
+            pScrew->SetScrewTableName(CDefaultScrewTable::eName);
             bChanged = true;
         }
     };
@@ -305,7 +305,7 @@ bool CPreBalDatabase::Impl::RepairScrewTableNames(const std::vector<std::string>
 }
 
 std::string CPreBalDatabase::GetDefaultScrewTableName() const {
-    return CNewEntryDefaults::eScrewTableName;
+    return CDefaultScrewTable::eName;
 }
 
 }  // namespace PreBalDB

@@ -2,8 +2,10 @@
 
 #include <array>
 #include <cstdint>
+#include <set>
 #include <string>
 
+#include "platform/rvmdb/configurationfields.h"
 #include "platform/rvmdb/directsql.h"
 #include "platform/rvmdb/log.h"
 #include "platform/rvmdb/prebaldatabase.h"
@@ -12,79 +14,42 @@ namespace PreBalDB::Schema {
 
 namespace {
 
-/// One statement on the way to a version. Stores in the field were made by these very steps: a step that has
-/// been delivered is never changed, a change of the tables is a step more.
-struct CStep {
-    int m_Version;
-    const char* m_pStatement;
+/// Of the tables that hold properties of configurations, what stands around these.
+struct CFrame {
+    const char* m_pBefore;
+    const char* m_pBehind;
 };
 
-constexpr std::array Steps = {
-    CStep{1, R"(CREATE TABLE machine (
-        name TEXT NOT NULL PRIMARY KEY))"},
-    CStep{1, R"(CREATE TABLE configuration (
+// The revision grows with every change, so that a console knows when another one has written since it read.
+constexpr CFrame ConfigurationFrame = {
+    R"(machine TEXT NOT NULL REFERENCES machine (name) ON UPDATE CASCADE ON DELETE CASCADE,
+        name TEXT NOT NULL)",
+    R"(revision BIGINT NOT NULL DEFAULT 1,
+        PRIMARY KEY (machine, name))"};
+constexpr CFrame RecordFrame = {
+    R"(machine TEXT NOT NULL,
+        configuration TEXT NOT NULL)",
+    R"(PRIMARY KEY (machine, configuration),
+        FOREIGN KEY (machine, configuration) REFERENCES configuration (machine, name)
+            ON UPDATE CASCADE ON DELETE CASCADE)"};
+// "part" tells whose compensation it is: 'single', or 'plane1', 'plane2' of the two-plane record. A screw
+// table's name is no foreign key: a configuration may name one that is still to be written.
+constexpr CFrame PartFrame = {
+    R"(machine TEXT NOT NULL,
+        configuration TEXT NOT NULL,
+        part TEXT NOT NULL CHECK (part IN ('single', 'plane1', 'plane2')))",
+    R"(PRIMARY KEY (machine, configuration, part),
+        FOREIGN KEY (machine, configuration) REFERENCES configuration (machine, name)
+            ON UPDATE CASCADE ON DELETE CASCADE)"};
+
+constexpr const char* pMachineTable = "CREATE TABLE machine (name TEXT NOT NULL PRIMARY KEY)";
+constexpr std::array OtherStatements = {
+    R"(CREATE TABLE screw_table (
         machine TEXT NOT NULL REFERENCES machine (name) ON UPDATE CASCADE ON DELETE CASCADE,
         name TEXT NOT NULL,
-        is_calibrated SMALLINT NOT NULL,
-        calibrated_unix_time BIGINT NOT NULL,
-        calibrated_rpm BIGINT NOT NULL,
-        rpm_tolerance BIGINT NOT NULL,
-        target_unbalance BIGINT NOT NULL,
-        number_of_samples BIGINT NOT NULL,
-        PRIMARY KEY (machine, name)))"},
-    CStep{1, R"(CREATE TABLE single_plane (
-        machine TEXT NOT NULL,
-        configuration TEXT NOT NULL,
-        rotation_direction SMALLINT NOT NULL,
-        proximity_switch_input SMALLINT NOT NULL,
-        sensor_adaption SMALLINT NOT NULL,
-        inv_a TEXT NOT NULL,
-        ua TEXT NOT NULL,
-        PRIMARY KEY (machine, configuration),
-        FOREIGN KEY (machine, configuration) REFERENCES configuration (machine, name)
-            ON UPDATE CASCADE ON DELETE CASCADE))"},
-    CStep{1, R"(CREATE TABLE two_plane (
-        machine TEXT NOT NULL,
-        configuration TEXT NOT NULL,
-        rotation_direction SMALLINT NOT NULL,
-        proximity_switch_input SMALLINT NOT NULL,
-        plane1_sensor_adaption SMALLINT NOT NULL,
-        plane2_sensor_adaption SMALLINT NOT NULL,
-        inv_a TEXT NOT NULL,
-        ua_plane1 TEXT NOT NULL,
-        ua_plane2 TEXT NOT NULL,
-        PRIMARY KEY (machine, configuration),
-        FOREIGN KEY (machine, configuration) REFERENCES configuration (machine, name)
-            ON UPDATE CASCADE ON DELETE CASCADE))"},
-    // "part" tells whose compensation it is: 'single', or 'plane1', 'plane2' of the two-plane record.
-    CStep{1, R"(CREATE TABLE weight_compensation (
-        machine TEXT NOT NULL,
-        configuration TEXT NOT NULL,
-        part TEXT NOT NULL CHECK (part IN ('single', 'plane1', 'plane2')),
-        plane SMALLINT NOT NULL,
-        scaling_direction SMALLINT NOT NULL,
-        PRIMARY KEY (machine, configuration, part),
-        FOREIGN KEY (machine, configuration) REFERENCES configuration (machine, name)
-            ON UPDATE CASCADE ON DELETE CASCADE))"},
-    // The table's name is no foreign key: a configuration may name one that is still to be written.
-    CStep{1, R"(CREATE TABLE screw_compensation (
-        machine TEXT NOT NULL,
-        configuration TEXT NOT NULL,
-        part TEXT NOT NULL CHECK (part IN ('single', 'plane1', 'plane2')),
-        plane SMALLINT NOT NULL,
-        scaling_direction SMALLINT NOT NULL,
-        screw_table TEXT NOT NULL,
-        number_of_holes BIGINT NOT NULL,
-        number_of_screws SMALLINT NOT NULL,
-        reference_weight DOUBLE PRECISION NOT NULL,
-        PRIMARY KEY (machine, configuration, part),
-        FOREIGN KEY (machine, configuration) REFERENCES configuration (machine, name)
-            ON UPDATE CASCADE ON DELETE CASCADE))"},
-    CStep{1, R"(CREATE TABLE screw_table (
-        machine TEXT NOT NULL REFERENCES machine (name) ON UPDATE CASCADE ON DELETE CASCADE,
-        name TEXT NOT NULL,
-        PRIMARY KEY (machine, name)))"},
-    CStep{1, R"(CREATE TABLE screw (
+        revision BIGINT NOT NULL DEFAULT 1,
+        PRIMARY KEY (machine, name)))",
+    R"(CREATE TABLE screw (
         machine TEXT NOT NULL,
         screw_table TEXT NOT NULL,
         position INTEGER NOT NULL,
@@ -92,12 +57,69 @@ constexpr std::array Steps = {
         weight DOUBLE PRECISION NOT NULL,
         PRIMARY KEY (machine, screw_table, position),
         FOREIGN KEY (machine, screw_table) REFERENCES screw_table (machine, name)
-            ON UPDATE CASCADE ON DELETE CASCADE))"},
-    CStep{1, "CREATE TABLE schema_version (version INTEGER NOT NULL)"},
-    CStep{1, "INSERT INTO schema_version (version) VALUES (0)"},
+            ON UPDATE CASCADE ON DELETE CASCADE))",
+    "CREATE TABLE schema_version (version INTEGER NOT NULL)",
+    "INSERT INTO schema_version (version) VALUES (0)",
+};
+
+const char* GetSqlType(PropertyType Type) {
+    switch (Type) {
+        case PropertyType::eFlag:
+        case PropertyType::eByte:
+        case PropertyType::eChoice:
+            return "SMALLINT";
+        case PropertyType::eTime:
+        case PropertyType::eWhole:
+            return "BIGINT";
+        case PropertyType::eReal:
+            return "DOUBLE PRECISION";
+        case PropertyType::eText:
+        case PropertyType::eMatrix:
+            break;
+    }
+    return "TEXT";
+}
+
+/// A table of configurations, with a column for each property that is stored.
+void MakeTable(CDirectSQL& rConnection, const CRecordLayout& rLayout) {
+    const CFrame& rFrame = rLayout.m_KeyColumn == "name" ? ConfigurationFrame
+                           : rLayout.m_Part.empty()      ? RecordFrame
+                                                         : PartFrame;
+    std::string Statement = "CREATE TABLE " + rLayout.m_Table + " (" + rFrame.m_pBefore + ",\n";
+    for (const CProperty* const pProperty : rLayout.m_Properties) {
+        if (pProperty->IsStored()) {
+            Statement += std::string("        ") + pProperty->m_pColumn + " " +
+                         GetSqlType(pProperty->m_Type) + " NOT NULL,\n";
+        }
+    }
+    rConnection.Execute(Statement + "        " + rFrame.m_pBehind + ")");
+}
+
+/// All tables of the current version, in an empty store.
+void MakeTables(CDirectSQL& rConnection) {
+    rConnection.Execute(pMachineTable);
+    std::set<std::string> Made;
+    for (const CRecordLayout& rLayout : ConfigurationFields::GetLayouts()) {
+        if (Made.insert(rLayout.m_Table).second) {
+            MakeTable(rConnection, rLayout);
+        }
+    }
+    for (const char* const pStatement : OtherStatements) {
+        rConnection.Execute(pStatement);
+    }
+}
+
+/// One statement on the way to a version, for a store of an older one. Stores in the field were made by these
+/// very steps: a step that has been delivered is never changed, a change of the tables is a step more.
+/// Version 1 is the oldest that was delivered.
+struct CStep {
+    int m_Version;
+    const char* m_pStatement;
+};
+
+constexpr std::array Steps = {
     // Rings of holes of any radius, in mm; until then all had 100.
     CStep{2, "ALTER TABLE screw_compensation ADD COLUMN radius DOUBLE PRECISION NOT NULL DEFAULT 100.0"},
-    // Grows with every change, so that a console knows when another one has written since it read.
     CStep{3, "ALTER TABLE configuration ADD COLUMN revision BIGINT NOT NULL DEFAULT 1"},
     CStep{3, "ALTER TABLE screw_table ADD COLUMN revision BIGINT NOT NULL DEFAULT 1"},
 };
@@ -161,9 +183,13 @@ void Migrate(CDirectSQL& rConnection) {
     if (Version == eCurrentVersion) {
         return;
     }
-    for (const CStep& rStep : Steps) {
-        if (rStep.m_Version > Version) {
-            rConnection.Execute(rStep.m_pStatement);
+    if (Version == 0) {
+        MakeTables(rConnection);
+    } else {
+        for (const CStep& rStep : Steps) {
+            if (rStep.m_Version > Version) {
+                rConnection.Execute(rStep.m_pStatement);
+            }
         }
     }
     rConnection.Execute("UPDATE schema_version SET version = ?", {std::int64_t{eCurrentVersion}});

@@ -7,7 +7,8 @@ class CDirectSQL;
 /// The tables and their version. The tables mirror the records: machine, configuration, single_plane,
 /// two_plane, weight_compensation, screw_compensation, screw_table, screw. Names are the keys, so that a
 /// person with a database shell reads them without looking up numbers. All that belongs to a machine or a
-/// configuration goes with it.
+/// configuration goes with it. A new store is made from the properties' rows (property.h), an older one is
+/// brought to the same tables step by step.
 namespace Schema {
 
 constexpr int eCurrentVersion = 3;

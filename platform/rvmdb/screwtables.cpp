@@ -1,6 +1,6 @@
 // The screw tables of a machine, and the defaults that every store has.
+#include "platform/rvmdb/defaultscrewtable.h"
 #include "platform/rvmdb/names.h"
-#include "platform/rvmdb/newentrydefaults.h"
 #include "platform/rvmdb/store.h"
 
 namespace PreBalDB {
@@ -8,13 +8,13 @@ namespace PreBalDB {
 namespace {
 
 const std::string& GetDefaultName() {
-    static const std::string ms_Name = CNewEntryDefaults::eScrewTableName;
+    static const std::string ms_Name = CDefaultScrewTable::eName;
     return ms_Name;
 }
 
 Base::CWDArray<CScrew> MakeDefaultScrews() {
     Base::CWDArray<CScrew> Screws;
-    for (const double Weight : CNewEntryDefaults::eScrewWeights) {
+    for (const double Weight : CDefaultScrewTable::eWeights) {
         Screws.Add(CScrew(CScrew("", Weight).GetWeightAsString() + " g", Weight));
     }
     return Screws;

@@ -2,6 +2,7 @@
 #include "platform/rvldb/gettext.h"
 #include "platform/system/files.h"
 #include "platform/window/messagebox.h"
+#include "rvdlm/m_rtr/rtr_trim/config/configurationmodel.h"
 #include "rvdlm/m_rtr/rtr_trim/log.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalconfigtabs.h"
 #include "rvdlm/m_rtr/rtr_trim/savemessages.h"
@@ -12,41 +13,11 @@ using RtrTrim::g_pLog;
 
 namespace {
 
-constexpr std::uint8_t eUnknownSensor = 255;
-
 /// Where the database lies if the host hasn't said.
 void SetDefaultConnection() {
     if (GetDatabaseConnection().empty()) {
         SetDatabaseConnection("sqlite:" + Files::ToNative(GetConfigDirectory().Append("prebal.db")));
     }
-}
-
-/// Brings the entry of the method in use into being and sets its plane. True for screws. A method that isn't
-/// chosen yet counts as weights.
-template <typename CreateWeight, typename CreateScrew>
-bool PrepareCompensation(CCompensationTableEntry::CompensationMethod Method, CTypeBase::AffectedPlane Plane,
-                         CreateWeight Weight, CreateScrew Screw) {
-    CCompensationTableEntry* pCompensation = nullptr;
-    switch (Method) {
-        case CCompensationTableEntry::eWeights:
-        case CCompensationTableEntry::eNotChosen:
-            pCompensation = &Weight();
-            break;
-        case CCompensationTableEntry::eScrews:
-            pCompensation = &Screw();
-            break;
-        case CCompensationTableEntry::eNotImplemented:
-            RV_ASSERT_FAIL(g_pLog, "not implemented!");
-            break;
-        default:
-            RV_ASSERT_FAIL(g_pLog, "unknown compensation!");
-            break;
-    }
-    RV_ASSERT(g_pLog, pCompensation != nullptr, "compensation pointer is invalid!");
-    if (pCompensation != nullptr) {
-        pCompensation->SetPlane(Plane);
-    }
-    return Method == CCompensationTableEntry::eScrews;
 }
 
 }  // namespace
@@ -137,49 +108,15 @@ void CPreBalConfigTabs::OnUpdateConfiguration(WPARAM) {
 void CPreBalConfigTabs::LoadConfiguration(const std::string& rName) {
     m_pCurrentBaseEntry = &m_pDatabase->ReadConfiguration(rName);
     SaveMessages::TellReading(m_pCurrentBaseEntry->GetProcessName(), m_pDatabase->GetOutcome());
-    const bool bScrews = PrepareEntry(*m_pCurrentBaseEntry);
+    const bool bScrews = ConfigurationModel::Prepare(
+        *m_pCurrentBaseEntry,
+        {m_BalancingMode, m_SensorAdaption1, m_SensorAdaption2, m_ProximitySwitchInput});
     ShowConfiguration();
     OnUpdateTabs(bScrews ? 1 : 0);
 }
 
 void CPreBalConfigTabs::ShowConfiguration() {
     m_ConfigDlg.SetConfiguration(*m_pCurrentBaseEntry, m_BalancingMode, m_pDatabase->GetScrewTableNames());
-}
-
-bool CPreBalConfigTabs::PrepareEntry(CPreBalBaseTableEntry& rEntry) {
-    RV_ASSERT(g_pLog, m_ProximitySwitchInput != CTypeBase::eUnknownPlane,
-              "Proximity Switch Input is invalid!");
-    RV_ASSERT(g_pLog, m_SensorAdaption1 != eUnknownSensor, "Sensor Adaption 1 invalid!");
-    return m_BalancingMode == CPreBalDatabase::eModeTwoPlane ? PrepareTwoPlane(rEntry)
-                                                             : PrepareSinglePlane(rEntry);
-}
-
-bool CPreBalConfigTabs::PrepareSinglePlane(CPreBalBaseTableEntry& rEntry) {
-    CSinglePlaneBalancingTableEntry& rPlane = rEntry.CreateSinglePlane();
-    rPlane.SetProximitySwitchInput(m_ProximitySwitchInput);
-    rPlane.SetSensorAdaption(m_SensorAdaption1);
-    return PrepareCompensation(
-        rPlane.GetUsedCompensationMethod(),
-        m_BalancingMode == CPreBalDatabase::eModePlane2 ? CTypeBase::ePlane2 : CTypeBase::ePlane1,
-        [&]() -> CCompensationTableEntry& { return rPlane.CreateWeightCompensationTableEntry(); },
-        [&]() -> CCompensationTableEntry& { return rPlane.CreateScrewCompensationTableEntry(); });
-}
-
-bool CPreBalConfigTabs::PrepareTwoPlane(CPreBalBaseTableEntry& rEntry) {
-    RV_ASSERT(g_pLog, m_SensorAdaption2 != eUnknownSensor, "Sensor Adaption 2 invalid!");
-    CTwoPlaneBalancingTableEntry& rPlanes = rEntry.CreateTwoPlane();
-    rPlanes.SetProximitySwitchInput(m_ProximitySwitchInput);
-    rPlanes.SetPlane1SensorAdaption(m_SensorAdaption1);
-    rPlanes.SetPlane2SensorAdaption(m_SensorAdaption2);
-    const bool bScrews1 = PrepareCompensation(
-        rPlanes.GetPlane1UsedCompensationMethod(), CTypeBase::ePlane1,
-        [&]() -> CCompensationTableEntry& { return rPlanes.CreatePlane1WeightCompensationTableEntry(); },
-        [&]() -> CCompensationTableEntry& { return rPlanes.CreatePlane1ScrewCompensationTableEntry(); });
-    const bool bScrews2 = PrepareCompensation(
-        rPlanes.GetPlane2UsedCompensationMethod(), CTypeBase::ePlane2,
-        [&]() -> CCompensationTableEntry& { return rPlanes.CreatePlane2WeightCompensationTableEntry(); },
-        [&]() -> CCompensationTableEntry& { return rPlanes.CreatePlane2ScrewCompensationTableEntry(); });
-    return bScrews1 || bScrews2;
 }
 
 bool CPreBalConfigTabs::WriteCurrentScrewTable() {

@@ -3,6 +3,7 @@
 
 #include "platform/rvmdb/prebaldatabase.h"
 #include "platform/window/wnd.h"
+#include "rvdlm/m_rtr/rtr_trim/config/configurationmodel.h"
 #include "rvlib/rvbas/array.h"
 
 class CPreBalConfigTabs;
@@ -31,7 +32,7 @@ public:
     /// Forgets entry and names; the database is about to go.
     void Clear();
 
-    bool IsCalibrated() const { return m_pEntry != nullptr && m_pEntry->IsCalibrated() != 0; }
+    bool IsCalibrated() const { return ConfigurationModel::IsCalibrated(m_pEntry); }
     /// Text of the name field.
     const std::string& GetConfigurationName() const { return m_Name; }
     /// A name that the operator typed; tells the tabs.

@@ -5,6 +5,7 @@
 
 #include "platform/rvmdb/prebaldatabase.h"
 #include "platform/window/tabctrl.h"
+#include "rvdlm/m_rtr/rtr_trim/config/configurationmodel.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalconfigdlg.h"
 #include "rvdlm/m_rtr/rtr_trim/screwtabledlg.h"
 
@@ -52,7 +53,7 @@ public:
     /// Null until a configuration has been read.
     PreBalDB::CPreBalBaseTableEntry* GetCurrentBaseEntry() const { return m_pCurrentBaseEntry; }
     PreBalDB::CScrewTableEntry* GetCurrentScrewEntry() const { return m_pCurrentScrewEntry; }
-    bool IsCalibrated() const { return m_ConfigDlg.IsCalibrated(); }
+    bool IsCalibrated() const { return ConfigurationModel::IsCalibrated(m_pCurrentBaseEntry); }
     const CPreBalConfigDlg& GetConfigDlg() const { return m_ConfigDlg; }
     CPreBalConfigDlg& GetConfigDlg() { return m_ConfigDlg; }
     const CScrewTableDlg& GetScrewTableDlg() const { return m_ScrewTableDlg; }
@@ -86,11 +87,6 @@ private:
     void OnSaveScrewTable(WPARAM wParam);
 
     Base::CStringArray GetProcessNames() const;
-    /// Brings the parts of the entry that the mode needs into being and enters sensors and input. Whether it
-    /// is compensated with screws.
-    bool PrepareEntry(PreBalDB::CPreBalBaseTableEntry& rEntry);
-    bool PrepareSinglePlane(PreBalDB::CPreBalBaseTableEntry& rEntry);
-    bool PrepareTwoPlane(PreBalDB::CPreBalBaseTableEntry& rEntry);
     /// Reads a configuration, which becomes the current one, and shows it.
     void LoadConfiguration(const std::string& rName);
     /// Writes the current entry. One that others have changed too is read anew.

@@ -1,8 +1,11 @@
 #include "rvdlm/m_rtr/rtr_trim/savemessages.h"
 
+#include <algorithm>
+#include <iterator>
 #include <vector>
 
 #include "platform/rvldb/gettext.h"
+#include "platform/rvmdb/configurationfields.h"
 #include "platform/window/messagebox.h"
 
 using PreBalDB::CStoreOutcome;
@@ -66,7 +69,10 @@ void TellSaving(const char* pFailureKey, const std::string& rName, const CStoreO
     } else if (rOutcome.m_bCalibrationLost) {
         Show("RESULT_SUPERSEDED", rName);
     } else if (!rOutcome.m_Conflicts.empty()) {
-        Show("STORED_VALUES_STAY", rName, Join(rOutcome.m_Conflicts));
+        std::vector<std::string> Labels;
+        std::ranges::transform(rOutcome.m_Conflicts, std::back_inserter(Labels),
+                               PreBalDB::ConfigurationFields::GetLabel);
+        Show("STORED_VALUES_STAY", rName, Join(Labels));
     }
 }
 

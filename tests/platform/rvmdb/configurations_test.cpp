@@ -5,7 +5,6 @@
 #include <bit>
 #include <limits>
 
-#include "platform/rvmdb/newentrydefaults.h"
 #include "tests/platform/rvmdb/calibrated.h"
 #include "tests/platform/rvmdb/databasefixture.h"
 #include "tests/platform/rvmdb/makematrix.h"
@@ -337,7 +336,7 @@ TEST_P(CConfigurationTest, AChangedNameMakesAFurtherConfiguration) {
     EXPECT_NE(pDatabase->WriteConfiguration(), 0);
     EXPECT_THAT(GetNames(*pDatabase), ElementsAre("Wheel", "Wheel 500 mm"));
     EXPECT_EQ(pDatabase->ReadConfiguration("Wheel 500 mm").GetTargetUnbalance(), 11U);
-    EXPECT_EQ(pDatabase->ReadConfiguration("Wheel").GetTargetUnbalance(), CNewEntryDefaults::eTargetUnbalance)
+    EXPECT_EQ(pDatabase->ReadConfiguration("Wheel").GetTargetUnbalance(), 5U)
         << "the old one stays as it was";
 }
 

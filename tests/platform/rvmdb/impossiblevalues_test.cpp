@@ -5,7 +5,6 @@
 
 #include <limits>
 
-#include "platform/rvmdb/newentrydefaults.h"
 #include "tests/platform/rvmdb/calibrated.h"
 #include "tests/platform/rvmdb/databasefixture.h"
 #include "tests/support/logcapture.h"
@@ -94,7 +93,7 @@ TEST_P(CImpossibleValuesTest, TheStoredValueStaysUntilAnotherOneIsSet) {
     Spoil("number_of_samples = 4294967295", "configuration");
     const auto pDatabase = Open();
     CPreBalBaseTableEntry& rEntry = pDatabase->ReadConfiguration("Wheel");
-    EXPECT_EQ(rEntry.GetNumberOfSamples(), CNewEntryDefaults::eNumberOfSamples);
+    EXPECT_EQ(rEntry.GetNumberOfSamples(), 40U);
     rEntry.SetTargetUnbalance(11);
     EXPECT_NE(pDatabase->WriteConfiguration(), 0);
     EXPECT_EQ(GetText("number_of_samples", "configuration"), "4294967295");
@@ -135,7 +134,7 @@ TEST_F(CStoreFileTest, ATextInPlaceOfANumberIsLeftOut) {
     }
     CDirectSQL(m_Connection).Execute("UPDATE configuration SET rpm_tolerance = 'wide'");
     const auto pDatabase = Open();
-    EXPECT_EQ(pDatabase->ReadConfiguration("Wheel").GetRPMTolerance(), CNewEntryDefaults::eRPMTolerance);
+    EXPECT_EQ(pDatabase->ReadConfiguration("Wheel").GetRPMTolerance(), 50U);
     EXPECT_THAT(pDatabase->GetOutcome().m_Problems,
                 ElementsAre("configuration.rpm_tolerance: \"wide\" is no number"));
 }

@@ -1,7 +1,6 @@
 // The records by themselves, without a store.
 #include <gtest/gtest.h>
 
-#include "platform/rvmdb/newentrydefaults.h"
 #include "platform/rvmdb/prebalbasetableentry.h"
 #include "platform/rvmdb/screw.h"
 
@@ -23,25 +22,11 @@ TEST(PreBalBaseTableEntry, ANewOneIsUncalibratedWithTheDefaultsAndWithoutPlanes)
     EXPECT_EQ(Entry.GetProcessName(), "Wheel");
     EXPECT_EQ(Entry.IsCalibrated(), 0);
     EXPECT_EQ(Entry.GetCalibratedRPM(), 0U);
-    EXPECT_EQ(Entry.GetRPMTolerance(), CNewEntryDefaults::eRPMTolerance);
-    EXPECT_EQ(Entry.GetTargetUnbalance(), CNewEntryDefaults::eTargetUnbalance);
-    EXPECT_EQ(Entry.GetNumberOfSamples(), CNewEntryDefaults::eNumberOfSamples);
+    EXPECT_EQ(Entry.GetRPMTolerance(), 50U);
+    EXPECT_EQ(Entry.GetTargetUnbalance(), 5U);
+    EXPECT_EQ(Entry.GetNumberOfSamples(), 40U);
     EXPECT_EQ(Entry.GetSinglePlane(), nullptr);
     EXPECT_EQ(Entry.GetTwoPlane(), nullptr);
-}
-
-// The panel edits these within limits; a default outside would be changed by merely looking at it.
-TEST(NewEntryDefaults, LieWithinThePanelsLimits) {
-    EXPECT_GE(CNewEntryDefaults::eRPMTolerance, 1U);
-    EXPECT_LE(CNewEntryDefaults::eRPMTolerance, 100U);
-    EXPECT_GE(CNewEntryDefaults::eTargetUnbalance, 1U);
-    EXPECT_LE(CNewEntryDefaults::eTargetUnbalance, 100U);
-    EXPECT_GE(CNewEntryDefaults::eNumberOfSamples * 50, 1500U);
-    EXPECT_LE(CNewEntryDefaults::eNumberOfSamples * 50, 15000U);
-    EXPECT_GE(CNewEntryDefaults::eNumberOfHoles, 3U);
-    EXPECT_LE(CNewEntryDefaults::eNumberOfHoles, 24U);
-    EXPECT_GE(CNewEntryDefaults::eNumberOfScrews, 2);
-    EXPECT_LE(CNewEntryDefaults::eNumberOfScrews, 3);
 }
 
 TEST(PreBalBaseTableEntry, CreateMakesAPlaneOnceAndGivesItAgain) {

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 
-#include "platform/rvmdb/newentrydefaults.h"
 #include "tests/platform/rvmdb/databasefixture.h"
 #include "tests/support/logcapture.h"
 
@@ -133,7 +132,7 @@ TEST_P(CScrewTableTest, AConfigurationSeesItsTableAsItIsNow) {
     Write(*pDatabase, "M6", {CScrew("a", 1)});
     CScrewCompensationTableEntry& rScrew =
         pDatabase->ReadConfiguration("Wheel").CreateSinglePlane().CreateScrewCompensationTableEntry();
-    EXPECT_EQ(rScrew.GetScrewTable().GetSize(), CNewEntryDefaults::eScrewWeights.size());
+    EXPECT_EQ(rScrew.GetScrewTable().GetSize(), 8U);
     rScrew.SetScrewTableName("M6");
     EXPECT_EQ(rScrew.GetScrewTable(), (Screws{CScrew("a", 1)}));
     Write(*pDatabase, "M6", {CScrew("b", 2), CScrew("c", 3)});
@@ -150,8 +149,7 @@ TEST_P(CScrewTableTest, BothPlanesOfAStoredConfigurationSeeTheirTables) {
     rTwo.CreatePlane2ScrewCompensationTableEntry().SetScrewTableName("M6");
     ASSERT_NE(pDatabase->WriteConfiguration(), 0);
     const CTwoPlaneBalancingTableEntry& rStored = *pDatabase->ReadConfiguration("Wheel").GetTwoPlane();
-    EXPECT_EQ(rStored.GetPlane1ScrewCompensationTableEntry()->GetScrewTable().GetSize(),
-              CNewEntryDefaults::eScrewWeights.size());
+    EXPECT_EQ(rStored.GetPlane1ScrewCompensationTableEntry()->GetScrewTable().GetSize(), 8U);
     EXPECT_EQ(rStored.GetPlane2ScrewCompensationTableEntry()->GetScrewTable(), (Screws{CScrew("a", 1)}));
 }
 

@@ -188,7 +188,7 @@ TEST_F(CMainWndSavingTest, AConflictOfThePagesIsToldAndWhatIsStoredIsShown) {
     m_pWnd->GetTabs().GetCurrentBaseEntry()->SetTargetUnbalance(44);
     TakeShownMessages();
     Act(103);
-    EXPECT_THAT(GetShown(), ElementsAre(HasSubstr("configuration.target_unbalance")));
+    EXPECT_THAT(GetShown(), ElementsAre(HasSubstr("Unbalance target.")));
     EXPECT_EQ(m_pWnd->GetTabs().GetCurrentBaseEntry()->GetTargetUnbalance(), 9U);
     EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
 }
