@@ -30,7 +30,7 @@ struct CStoreOutcome {
     StoreFailure m_Cause = StoreFailure::eOther;
     std::string m_Failure;                 ///< why it failed, empty if it didn't
     std::vector<std::string> m_Problems;   ///< values that can't be, and were left out at reading
-    std::vector<std::string> m_Conflicts;  ///< what others have changed too, so that the stored values stay
+    std::vector<std::string> m_Conflicts;  ///< fields that others have changed too: the stored values stay
     bool m_bCalibrationLost = false;       ///< the calibration in memory was not taken for that reason
     bool m_bOthersWrote = false;           ///< what is stored now differs from what is in memory
 };

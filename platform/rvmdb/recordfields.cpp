@@ -293,7 +293,7 @@ CRecordField<Record> CConfigurationFields::MakePlane() {
             }};
 }
 
-// Of the ring of holes. All rings had this one once; nothing changes it yet.
+// Of the ring of holes; nobody sets another one yet.
 CRecordField<CScrewCompensationTableEntry> CConfigurationFields::MakeRadius() {
     using R = CScrewCompensationTableEntry;
     return {{.m_pName = "radius",

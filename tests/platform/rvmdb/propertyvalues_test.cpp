@@ -236,6 +236,7 @@ TEST_P(CPropertyStoreTest, EachPropertyIsWrittenToItsColumnWithoutAnyOther) {
         const auto pDatabase = Open();
         CreateAll(pDatabase->ReadConfiguration(Name), Used);
         ASSERT_NE(pDatabase->WriteConfiguration(), 0);
+        const auto pReader = Open();
         CDirectSQL Sql(m_Connection);
         for (const CRecordLayout& rLayout : ConfigurationFields::GetLayouts()) {
             if (!HasRecord(rLayout, Used)) {
@@ -250,7 +251,7 @@ TEST_P(CPropertyStoreTest, EachPropertyIsWrittenToItsColumnWithoutAnyOther) {
                 ConfigurationFields::Write(Values, rEntry);
                 ASSERT_NE(pDatabase->WriteConfiguration(), 0);
                 EXPECT_THAT(
-                    GetDifferences(ConfigurationFields::Read(Open()->ReadConfiguration(Name)), Values),
+                    GetDifferences(ConfigurationFields::Read(pReader->ReadConfiguration(Name)), Values),
                     IsEmpty());
                 const auto Rows = Sql.Query(
                     "SELECT " + rColumn + " FROM " + rLayout.m_Table + " WHERE " + rLayout.m_KeyColumn +
