@@ -141,7 +141,7 @@ bool WriteScrewTable(CPreBalDatabase& rDatabase, const std::vector<double>& rWei
     return true;
 }
 
-bool ConfigureScrews(PreBalDB::CScrewCompensationTableEntry& rScrews, const CRotorFile::CPlane& rPlane,
+bool ConfigureScrews(PreBalDB::CScrewCompensationTableEntry& rScrews, const CRotorFile::CRotorPlane& rPlane,
                      const COptions& rOptions) {
     const std::uint32_t nHoles = static_cast<std::uint32_t>(rPlane.m_Holes);
     const auto nScrews =
@@ -337,7 +337,7 @@ bool CConsoleSession::CommissionSinglePlane(PreBalDB::CPreBalBaseTableEntry& rEn
     PreBalDB::CSinglePlaneBalancingTableEntry& rPlane = rEntry.CreateSinglePlane();
     // The rotor file tells the rotation as seen from plane 1's end.
     const bool bRotation = ConfigureRotation(rPlane, bPlane2 ? TurnAround(Rotation) : Rotation);
-    const CRotorFile::CPlane& rRotorPlane = m_pRotor->m_Planes.at(bPlane2 ? 1 : 0);
+    const CRotorFile::CRotorPlane& rRotorPlane = m_pRotor->m_Planes.at(bPlane2 ? 1 : 0);
     const auto Used = rPlane.GetUsedCompensationMethod();
     const bool bMeans =
         UsesScrews(0) ? ConfigureScrews(rPlane.CreateScrewCompensationTableEntry(), rRotorPlane, m_Options)
@@ -348,8 +348,8 @@ bool CConsoleSession::CommissionSinglePlane(PreBalDB::CPreBalBaseTableEntry& rEn
 bool CConsoleSession::CommissionTwoPlane(PreBalDB::CPreBalBaseTableEntry& rEntry) const {
     PreBalDB::CTwoPlaneBalancingTableEntry& rPlanes = rEntry.CreateTwoPlane();
     const bool bRotation = ConfigureRotation(rPlanes, ToDirection(m_pRotor->m_Rotation));
-    const CRotorFile::CPlane& rPlane1 = m_pRotor->m_Planes.front();
-    const CRotorFile::CPlane& rPlane2 = m_pRotor->m_Planes.back();
+    const CRotorFile::CRotorPlane& rPlane1 = m_pRotor->m_Planes.front();
+    const CRotorFile::CRotorPlane& rPlane2 = m_pRotor->m_Planes.back();
     const auto Used1 = rPlanes.GetPlane1UsedCompensationMethod();
     const auto Used2 = rPlanes.GetPlane2UsedCompensationMethod();
     const bool bMeans1 =

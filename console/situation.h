@@ -44,7 +44,7 @@ struct CSituation {
             const std::uint32_t Hole = rRing.GetModuleHole(Angle);
             double Grams = m_Notification.GetWeight(Column, i) / 100.0;
             if (HasScrews(Plane)) {
-                for (const CPreBalProgress::CScrew& rShown : *m_Progress.m_Screws.at(Plane)) {
+                for (const CPreBalProgress::CShownScrew& rShown : *m_Progress.m_Screws.at(Plane)) {
                     Grams = rShown.m_Hole == Hole ? rShown.m_Grams : Grams;
                 }
             }

@@ -30,11 +30,11 @@ struct CPreBalProgress {
     };
     std::array<CReading, 2> m_Readings;
     /// A screw that the procedure shows.
-    struct CScrew {
+    struct CShownScrew {
         std::uint32_t m_Hole = 0;  ///< from 1, clockwise as seen from the plane's end, whatever the scale
         double m_Grams = 0.0;      ///< exact; a notification has hundredths
     };
     /// The screws on show per plane, none that isn't placed; no list for a plane that has no screws as its
     /// means.
-    std::array<std::optional<std::vector<CScrew>>, 2> m_Screws;
+    std::array<std::optional<std::vector<CShownScrew>>, 2> m_Screws;
 };

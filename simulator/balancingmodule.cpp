@@ -19,7 +19,7 @@ constexpr std::size_t eIdentificationSize = 49;
 
 }  // namespace
 
-CBalancingModule::CBalancingModule(const CWiring& rWiring, std::uint8_t Address, CState State, CSet Set)
+CBalancingModule::CBalancingModule(const CWiring& rWiring, std::uint8_t Address, CState State, CModuleSet Set)
     : m_Wiring(rWiring),
       m_Address(Address),
       m_Set(std::move(Set)),
@@ -114,7 +114,7 @@ void CBalancingModule::TurningTick() {
     OnTurningTick(m_nTick);
 }
 
-void CBalancingModule::ChangeSet(const CSet& rSet) {
+void CBalancingModule::ChangeSet(const CModuleSet& rSet) {
     if (rSet != m_Set) {
         m_Set = rSet;
         Indicate(MakeSet(eAnyAddress));

@@ -38,7 +38,7 @@ public:
     enum Mode : std::uint8_t { eNothing = 0, ePlane1 = 1, ePlane2 = 2, eBothIndependent = 3, eTwoPlane = 4 };
     /// The active set. The factor is known to Kestrel modules only, what stands behind the adaption to Lanner
     /// modules only.
-    struct CSet {
+    struct CModuleSet {
         std::uint8_t m_Number = 1;
         std::uint8_t m_RPMFactor = 1;
         std::array<std::uint8_t, eMaxPlanes> m_SensorAdaption{1, 1};  ///< per sensor of the module
@@ -47,7 +47,7 @@ public:
         /// The module's first sensor sits at the machine's plane 2, and its second at plane 1. Such a module
         /// works in mode eBothIndependent or eTwoPlane.
         bool m_bSwap = false;
-        bool operator==(const CSet&) const = default;
+        bool operator==(const CModuleSet&) const = default;
     };
     struct CState {
         std::uint8_t m_State = 0;
@@ -59,7 +59,7 @@ public:
         bool operator==(const CState&) const = default;
     };
 
-    CBalancingModule(const CWiring& rWiring, std::uint8_t Address, CState State, CSet Set);
+    CBalancingModule(const CWiring& rWiring, std::uint8_t Address, CState State, CModuleSet Set);
     virtual ~CBalancingModule() = default;
     CBalancingModule(const CBalancingModule&) = delete;
     CBalancingModule& operator=(const CBalancingModule&) = delete;
@@ -72,8 +72,8 @@ public:
     /// The spindle was commanded, has reached its speed, or is in lock again.
     void SpindleChanged();
 
-    void ChangeSet(const CSet& rSet);
-    const CSet& GetSet() const { return m_Set; }
+    void ChangeSet(const CModuleSet& rSet);
+    const CModuleSet& GetSet() const { return m_Set; }
     void ChangeState(const CState& rState);
     const CState& GetState() const { return m_State; }
     std::uint8_t GetAddress() const { return m_Address; }
@@ -141,7 +141,7 @@ private:
 
     CWiring m_Wiring;
     std::uint8_t m_Address;
-    CSet m_Set;
+    CModuleSet m_Set;
     CState m_State;
     /// Lock and validity as last reported.
     bool m_bReportedInLock;

@@ -17,7 +17,7 @@ constexpr std::uint8_t eInvalidRpm = 1U << 3;
 
 CKestrelModule::CKestrelModule(const CWiring& rWiring, std::uint8_t Address, std::size_t nSensor,
                                const CNoise& rNoise)
-    : CBalancingModule(rWiring, Address, CState{.m_State = ePrebalancingStart}, CSet{}),
+    : CBalancingModule(rWiring, Address, CState{.m_State = ePrebalancingStart}, CModuleSet{}),
       m_nSensor(nSensor),
       m_Noise(rNoise) {}
 

@@ -61,7 +61,7 @@ void PutParams(Bytes& rFrame, const CSetParams& rParams) {
     PutText(rFrame, Name);
 }
 
-void PutPlane(Bytes& rFrame, const CPlane& rPlane) {
+void PutPlane(Bytes& rFrame, const CPlaneParams& rPlane) {
     PutBytes(rFrame,
              {ePlaneBlock, ePlaneBlockLength, rPlane.m_Id, rPlane.m_RpmInput, rPlane.m_SensorAdaption});
     PutWord(rFrame, rPlane.m_UnbalanceLimit1);
@@ -79,13 +79,13 @@ Bytes MakeState(CRoute Route, const CState& rState) {
     return Frame;
 }
 
-Bytes MakeActiveSet(CRoute Route, const CSet& rSet) {
+Bytes MakeActiveSet(CRoute Route, const CActiveSet& rSet) {
     Bytes Frame = MakeHeader(Route, eSet, eActiveSet);
     Frame.push_back(rSet.m_Number);
     if (rSet.m_Params) {
         PutParams(Frame, *rSet.m_Params);
     }
-    for (const CPlane& rPlane : rSet.m_Planes) {
+    for (const CPlaneParams& rPlane : rSet.m_Planes) {
         PutPlane(Frame, rPlane);
     }
     return Frame;

@@ -58,7 +58,7 @@ struct CSetParams {
     std::string m_Name;  ///< longer ones are cut: the block's length is one byte
 };
 
-struct CPlane {
+struct CPlaneParams {
     std::uint8_t m_Id = 0;
     std::uint8_t m_RpmInput = 0;
     std::uint8_t m_SensorAdaption = 1;
@@ -68,10 +68,10 @@ struct CPlane {
     std::uint8_t m_Offset = 5;
 };
 
-struct CSet {
+struct CActiveSet {
     std::uint8_t m_Number = 1;
     std::optional<CSetParams> m_Params;
-    std::vector<CPlane> m_Planes;
+    std::vector<CPlaneParams> m_Planes;
 };
 
 struct CBalConfiguration {
@@ -110,7 +110,7 @@ struct CDiagnosisData {
 };
 
 Bytes MakeState(CRoute Route, const CState& rState);
-Bytes MakeActiveSet(CRoute Route, const CSet& rSet);
+Bytes MakeActiveSet(CRoute Route, const CActiveSet& rSet);
 Bytes MakeBalConfiguration(CRoute Route, const CBalConfiguration& rConfiguration);
 Bytes MakeModuleConfiguration(CRoute Route, const CModuleConfiguration& rConfiguration);
 Bytes MakeDiagnosisData(CRoute Route, const CDiagnosisData& rData);

@@ -14,7 +14,7 @@ constexpr std::string_view ms_Reports[] = {"bal_configuration", "module_configur
 using Params = LannerFrames::CSetParams;
 
 /// The byte of a set's mode: the modes with both planes have a second one for exchanged planes.
-std::uint8_t ToModeByte(const CBalancingModule::CSet& rSet) {
+std::uint8_t ToModeByte(const CBalancingModule::CModuleSet& rSet) {
     if (!rSet.m_bSwap) {
         return rSet.m_Mode;
     }
@@ -28,7 +28,7 @@ CLannerModule::CLannerModule(const CWiring& rWiring, std::uint8_t Address, const
                              bool bSwap)
     : CBalancingModule(rWiring, Address, CState{.m_State = LannerFrames::CState::eSupervisionMode},
                        // The inputs' adaptions differ, so that who mixes them up is found out.
-                       CSet{.m_SensorAdaption = {1, 2}, .m_Name = "Spindle", .m_bSwap = bSwap}),
+                       CModuleSet{.m_SensorAdaption = {1, 2}, .m_Name = "Spindle", .m_bSwap = bSwap}),
       m_Noises(rNoises) {}
 
 const CBalancingModule::CNameplate& CLannerModule::GetNameplate() const {
@@ -61,13 +61,13 @@ CBalancingModule::Bytes CLannerModule::MakeState(std::uint8_t Destination) const
 }
 
 CBalancingModule::Bytes CLannerModule::MakeSet(std::uint8_t Destination) const {
-    LannerFrames::CSet Frame;
+    LannerFrames::CActiveSet Frame;
     Frame.m_Number = GetSet().m_Number;
     Frame.m_Params.emplace();
     Frame.m_Params->m_Mode = ToModeByte(GetSet());
     Frame.m_Params->m_Name = GetSet().m_Name;
     for (const std::uint8_t Input : GetInputs()) {
-        LannerFrames::CPlane Plane;
+        LannerFrames::CPlaneParams Plane;
         Plane.m_Id = Input;
         Plane.m_RpmInput = Input;
         Plane.m_SensorAdaption = GetSet().m_SensorAdaption[Input];

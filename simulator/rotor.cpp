@@ -36,7 +36,7 @@ void CRotor::FitScrews(std::size_t nPlane, std::vector<CFittedScrew> Screws) {
 }
 
 CRotor::Vector CRotor::GetResidual(std::size_t nPlane) const {
-    const CRotorFile::CPlane& rPlane = m_Planes[nPlane];
+    const CRotorFile::CRotorPlane& rPlane = m_Planes[nPlane];
     Vector Sum = FromPolar(rPlane.m_Unbalance.m_Amount, rPlane.m_Unbalance.m_AngleDeg);
     for (int AngleDeg : m_Fitted[nPlane].m_WeightsDeg) {
         Sum += DirectionOnScale(nPlane, rPlane.m_Scale, AngleDeg);

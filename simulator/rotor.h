@@ -56,7 +56,7 @@ private:
         std::vector<CFittedScrew> m_Screws;
     };
     CRotorFile::Sense m_Rotation;
-    std::vector<CRotorFile::CPlane> m_Planes;
+    std::vector<CRotorFile::CRotorPlane> m_Planes;
     std::vector<std::vector<Vector>> m_Influence;
     std::vector<CFitted> m_Fitted;
 };

@@ -20,7 +20,7 @@ public:
         double m_Amount = 0.8;      ///< in balance weights, or in grams with screws
         double m_AngleDeg = 123.0;  ///< counter-clockwise, seen from plane 1's end
     };
-    struct CPlane {
+    struct CRotorPlane {
         CUnbalance m_Unbalance;
         Sense m_Scale =
             eClockwise;    ///< of the angle scale and the hole numbers, seen from this plane's own end
@@ -35,7 +35,7 @@ public:
     Sense m_Rotation = eClockwise;  ///< seen from plane 1's end
     double m_SpeedRpm = 3000.0;     ///< the speed at which this rotor is balanced
     double m_RampRpmPerS = 1500.0;
-    std::vector<CPlane> m_Planes{1};  ///< one or two
+    std::vector<CRotorPlane> m_Planes{1};  ///< one or two
     /// By sensor, then by weight plane; as many of each as planes. The off-diagonal default is no coupling.
     std::vector<std::vector<CInfluence>> m_Influence{{CInfluence{}}};
     /// The Lanner module's first sensor sits at plane 2, and its second at plane 1: "swap" in the file.

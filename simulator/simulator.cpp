@@ -222,9 +222,9 @@ void CSimulator::OnUnbalance(const json& rValue, json&) {
                          Fields.GetNumber("angle_deg", 0.0, -eMaxAngleDeg, eMaxAngleDeg));
 }
 
-CBalancingModule::CSet CSimulator::ReadSet(const CJsonFields& rFields,
-                                           const CBalancingModule::CSet& rPresent) const {
-    CBalancingModule::CSet Set = rPresent;
+CBalancingModule::CModuleSet CSimulator::ReadSet(const CJsonFields& rFields,
+                                                 const CBalancingModule::CModuleSet& rPresent) const {
+    CBalancingModule::CModuleSet Set = rPresent;
     Set.m_Number = GetByte(rFields, "number", Set.m_Number);
     Set.m_SensorAdaption[0] = GetByte(rFields, "sensor_adaption", Set.m_SensorAdaption[0]);
     if (m_Family != CRotorFile::eLanner) {
@@ -335,7 +335,7 @@ void CSimulator::OnState(const json& rValue, json& rAnswer) {
     }
     rAnswer["modules"] = json::array();
     for (const CStation& rStation : m_Stations) {
-        const CBalancingModule::CSet& rSet = rStation.m_pModule->GetSet();
+        const CBalancingModule::CModuleSet& rSet = rStation.m_pModule->GetSet();
         json Module = {{"address", rStation.m_pModule->GetAddress()},
                        {"set", rSet.m_Number},
                        {"state", rStation.m_pModule->GetState().m_State}};

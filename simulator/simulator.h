@@ -98,7 +98,8 @@ private:
 
     std::size_t ReadPlane(const CJsonFields& rFields) const;
     /// The set that a request makes of the present one.
-    CBalancingModule::CSet ReadSet(const CJsonFields& rFields, const CBalancingModule::CSet& rPresent) const;
+    CBalancingModule::CModuleSet ReadSet(const CJsonFields& rFields,
+                                         const CBalancingModule::CModuleSet& rPresent) const;
     CBalancingModule::CState ReadState(const CJsonFields& rFields,
                                        const CBalancingModule::CState& rPresent) const;
     /// The modules that a request means.

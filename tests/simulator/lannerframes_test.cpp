@@ -22,7 +22,7 @@ TEST(LannerFrames, Coordinates) {
 }
 
 TEST(LannerFrames, SetOfParamsAndOnePlane) {
-    CSet Set;
+    CActiveSet Set;
     Set.m_Number = 3;
     Set.m_Params.emplace();
     Set.m_Params->m_Mode = CSetParams::eTwoPlaneSwapped;
@@ -35,14 +35,14 @@ TEST(LannerFrames, SetOfParamsAndOnePlane) {
 }
 
 TEST(LannerFrames, SetOfItsNumberAlone) {
-    CSet Set;
+    CActiveSet Set;
     Set.m_Number = 7;
     EXPECT_THAT(MakeActiveSet(INDICATION, Set), ElementsAre(0x10, 0x09, 0x00, 0x02, 0x07));
 }
 
 // The block's length is one byte and counts seven others besides the name.
 TEST(LannerFrames, SetNameIsCutToWhatABlockCanHold) {
-    CSet Set;
+    CActiveSet Set;
     Set.m_Params.emplace();
     Set.m_Params->m_Name.assign(300, 'n');
     const Bytes Frame = MakeActiveSet(ANSWER, Set);

@@ -67,7 +67,7 @@ TEST_P(LannerRun, BalancesItsPlaneAndLeavesTheOtherAlone) {
     const CCase& rCase = GetParam();
     CRotorFile Rotor = MakeRotor(rCase.m_bSwap);
     Rotor.m_Rotation = rCase.m_Rotation;
-    for (CRotorFile::CPlane& rPlane : Rotor.m_Planes) {
+    for (CRotorFile::CRotorPlane& rPlane : Rotor.m_Planes) {
         rPlane.m_Scale = rCase.m_Scale;
     }
     const std::size_t nBalanced = std::string(rCase.m_pMode) == "plane2" ? 1 : 0;

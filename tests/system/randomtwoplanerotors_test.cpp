@@ -206,7 +206,7 @@ TEST_P(EveryPairOfMethods, RandomRotorsAreBalancedWithinWhatTheTableAllows) {
         for (std::size_t Plane = 0; Plane < 2; ++Plane) {
             double Bound = Bounds[Plane];
             if (std::string(rPair.m_Methods[Plane]) == "screws") {
-                const CRotorFile::CPlane& rPlane = Run.m_Rotor.m_Planes[Plane];
+                const CRotorFile::CRotorPlane& rPlane = Run.m_Rotor.m_Planes[Plane];
                 const Complex Unbalance = std::polar(rPlane.m_Unbalance.m_Amount,
                                                      rPlane.m_Unbalance.m_AngleDeg * Theory::PI / 180.0);
                 const double Best =

@@ -157,7 +157,7 @@ void CBalancingSequence::GetProgress(CPreBalProgress& rProgress) const {
         rReading.m_bComplete = m_Measuring.IsMeasured(i, CanMeasure() != 0);
         rAverage.GetValues(&rReading.m_Amplitude, &rReading.m_AngleDeg, nullptr, nullptr, nullptr);
         if (const Base::CWDArray<CScrew>* pScrews = rPlane.m_pMethod->GetScrews()) {
-            std::vector<CPreBalProgress::CScrew> Screws;
+            std::vector<CPreBalProgress::CShownScrew> Screws;
             for (const CScrew& rScrew : *pScrews) {
                 if (rScrew.m_Hole != 0) {
                     Screws.push_back({rScrew.m_Hole, rScrew.m_Weight});
