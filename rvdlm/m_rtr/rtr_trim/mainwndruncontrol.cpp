@@ -12,12 +12,8 @@
 
 using RtrTrim::g_pLog;
 
-bool CPreBalancingMainWnd::IsCalibrated() const {
-    return m_tabCtrl.IsCalibrated();
-}
-
 void CPreBalancingMainWnd::HideConfiguration() {
-    BeginWatch();
+    m_Conversation.BeginWatch();
     m_tabCtrl.ShowWindow(false);
     KillTimer(eHelpTimer);
     m_Browser.ShowWindow(false);
@@ -25,7 +21,7 @@ void CPreBalancingMainWnd::HideConfiguration() {
 }
 
 void CPreBalancingMainWnd::ShowConfiguration() {
-    KillTimer(eWatchTimer);
+    m_Conversation.EndWatch();
     m_tabCtrl.ShowWindow(true);
     m_Browser.Create(this, GetBrowserRect(), eBrowserId);
 }
@@ -40,37 +36,41 @@ CPreBalancing* CPreBalancingMainWnd::StartPrebalancingSequence() {
         RV_ASSERT(g_pLog, pEntry != nullptr, "Called to early! No base table Entry!");
         if (pEntry != nullptr) {
             m_pPrebalancingSequence =
-                m_Makers.m_MakeProcedure(m_tabCtrl.GetBalancingMode(), this, *pEntry, m_Set.Name);
+                m_Makers.m_MakeProcedure(m_tabCtrl.GetBalancingMode(), this, *pEntry, GetSet().Name);
         }
         if (m_pPrebalancingSequence == nullptr) {
             ShowConfiguration();
             return nullptr;
         }
     }
-    if (!IsSetUsable()) {
+    if (!m_Conversation.IsSetUsable()) {
         m_pPrebalancingSequence->AbortBalancing(Warnings::eSetNotUsable);
     }
     return m_pPrebalancingSequence.get();
 }
 
-bool CPreBalancingMainWnd::IsSetUsable() const {
-    return m_Set.RPMFactorPlane1 == 1 && m_Set.RPMFactorPlane2 == 1;
+CPreBalancing* CPreBalancingMainWnd::GetProcedureToAbort() {
+    if (m_pPrebalancingSequence == nullptr && m_tabCtrl.GetCurrentBaseEntry() != nullptr &&
+        m_tabCtrl.GetCurrentScrewEntry() != nullptr) {
+        StartPrebalancingSequence();
+    }
+    return m_pPrebalancingSequence.get();
 }
 
 int CPreBalancingMainWnd::StartRun(StartOperation pStart) {
     // A set that can't be used is to be shown, whatever the means: its run is aborted at once.
     const PreBalDB::CPreBalBaseTableEntry* const pEntry = m_tabCtrl.GetCurrentBaseEntry();
-    if (m_pPrebalancingSequence == nullptr && pEntry != nullptr && IsSetUsable() &&
+    if (m_pPrebalancingSequence == nullptr && pEntry != nullptr && m_Conversation.IsSetUsable() &&
         !CanBalance(m_tabCtrl.GetBalancingMode(), *pEntry)) {
         return 0;
     }
     CPreBalancing* const pSequence = StartPrebalancingSequence();
-    return pSequence == nullptr ? 0 : (pSequence->*pStart)(m_CurrentRPM, m_OutOfLock, m_InvalidRPM);
+    return pSequence == nullptr ? 0 : (pSequence->*pStart)(GetCurrentRPM(), GetOutOfLock(), GetInvalidRPM());
 }
 
 void CPreBalancingMainWnd::TerminatePrebalancingSequence() {
     if (m_pPrebalancingSequence == nullptr) {
-        SendStep(CPreBalNotification::eInactive);
+        m_NCDesk.SendStep(CPreBalNotification::eInactive);
         return;
     }
     m_pPrebalancingSequence.reset();
@@ -110,8 +110,17 @@ bool CPreBalancingMainWnd::StaysForNextTry(Commitment Result) {
     return Result == eNotSaved && !std::exchange(m_bSaveFailed, true);
 }
 
+bool CPreBalancingMainWnd::EndForNC() {
+    const Commitment Result = CommitAndSave();
+    if (!StaysForNextTry(Result)) {
+        TerminatePrebalancingSequence();
+    }
+    return Result != eNotSaved && Result != eSuperseded;
+}
+
 LRESULT CPreBalancingMainWnd::OnDestroy(WPARAM wParam, LPARAM lParam) {
     m_pPrebalancingSequence.reset();
+    m_Conversation.EndWatch();
     LeaveNC();
     return CWnd::WindowProc(WM_DESTROY, wParam, lParam);
 }
@@ -121,14 +130,14 @@ LRESULT CPreBalancingMainWnd::OnDestroyPending(WPARAM, LPARAM) {
     if (m_pPrebalancingSequence != nullptr) {
         bSaved = CommitAndSave() == eSaved;
         m_pPrebalancingSequence.reset();
-        KillTimer(eWatchTimer);  // the configuration isn't shown again, which would do it
+        m_Conversation.EndWatch();  // the configuration isn't shown again, which would do it
         m_Menu = Menus::eNone;
         if (CWnd* const pParent = GetParent()) {
             pParent->SendMessage(WM_RV_SETMENU, static_cast<WPARAM>(m_Menu));
         }
         m_tabCtrl.SendMessage(WM_RV_UPDATECONFIGURATION);
     }
-    SendStep(CPreBalNotification::eInactive);
+    m_NCDesk.SendStep(CPreBalNotification::eInactive);
     if (m_tabCtrl.HasDatabase()) {
         m_tabCtrl.ShowWindow(false);
         if (!bSaved) {
@@ -136,8 +145,7 @@ LRESULT CPreBalancingMainWnd::OnDestroyPending(WPARAM, LPARAM) {
         }
         m_tabCtrl.CloseDatabase();
     }
-    m_MachineName.clear();
-    m_Set = CSet();
+    m_Conversation.End();
     if (CWnd* const pForeground = GetForegroundWindow()) {
         pForeground->SetFocus();
     } else {

@@ -1,18 +1,20 @@
 // The window's life, and the way of messages to their handlers.
 #include "rvdlm/m_rtr/rtr_trim/prebalancingmainwnd.h"
 
+#include <functional>
 #include <span>
 #include <utility>
 #include <vector>
 
+#include "contract/actions.h"
 #include "contract/hostmessages.h"
+#include "contract/ncrequests.h"
 #include "contract/prebalprogress.h"
 #include "platform/rvcom/rvcom.h"
 #include "platform/rvldb/gettext.h"
-#include "platform/system/archive.h"
-#include "rvdlm/m_rtr/rtr_trim/guard.h"
 #include "rvdlm/m_rtr/rtr_trim/log.h"
 #include "rvdlm/m_rtr/rtr_trim/modulemessages.h"
+#include "rvdlm/m_rtr/rtr_trim/pagepainter.h"
 #include "rvlib/settings/installation.h"
 
 using RtrTrim::g_pLog;
@@ -63,42 +65,58 @@ const CPreBalancingMainWnd::CMessageMapEntry CPreBalancingMainWnd::ms_MessageMap
 
 CPreBalancingMainWnd::CPreBalancingMainWnd(CMainWndMakers Makers)
     : m_Makers(std::move(Makers)),
+      m_Conversation(MakeConversationCallbacks()),
       m_tabCtrl(*this),
       m_HelpFormat("mk:@MSITStore:" + GetHelpDirectory().GetText() + "\\%s_Falconet.chm::/%s.htm"),
-      m_ModuleWatch([this](std::span<const std::uint8_t> Question) {
-          SendRawData(Question.data(), static_cast<std::uint32_t>(Question.size()));
-      }) {}
+      m_NCDesk(MakeNCDeskCallbacks()) {}
 
 CPreBalancingMainWnd::~CPreBalancingMainWnd() {
     rvCOM::Forget(this);
     if (m_pPrebalancingSequence != nullptr && IsWindow()) {
-        GuardedByWindow("~CPreBalancingMainWnd", [this] { TerminatePrebalancingSequence(); });
+        m_SpeedControl.Guarded("~CPreBalancingMainWnd", [this] { TerminatePrebalancingSequence(); });
     }
     // The procedure refers to the entry that the tabs' database owns.
     m_pPrebalancingSequence.reset();
     LeaveNC();
 }
 
+CConversationCallbacks CPreBalancingMainWnd::MakeConversationCallbacks() {
+    CConversationCallbacks Callbacks;
+    Callbacks.m_Send = [this](std::span<const std::uint8_t> Frame) {
+        SendRawData(Frame.data(), static_cast<std::uint32_t>(Frame.size()));
+    };
+    Callbacks.m_GetProcedure = [this] { return m_pPrebalancingSequence.get(); };
+    Callbacks.m_GetProcedureToAbort = [this] { return GetProcedureToAbort(); };
+    Callbacks.m_OnMachineKnown = [this](const CSources& rSources) { OpenDatabase(rSources); };
+    // Starting a procedure aborts it at once, so that the operator sees why such a set can't be used.
+    Callbacks.m_OnUnusableSet = [this] { PostMessage(WM_RV_MODULEACTION, Actions::eStart); };
+    Callbacks.m_OnSpeed = [this] { Repaint(CPreBalancing::ePaintStatus); };
+    Callbacks.m_Guard = std::bind_front(&CSpeedControl::Guarded, &m_SpeedControl);
+    return Callbacks;
+}
+
+CNCDeskCallbacks CPreBalancingMainWnd::MakeNCDeskCallbacks() {
+    CNCDeskCallbacks Callbacks;
+    Callbacks.m_GetProcedure = [this] { return m_pPrebalancingSequence.get(); };
+    Callbacks.m_HasConfiguration = [this] { return m_tabCtrl.HasDatabase(); };
+    Callbacks.m_IsCalibrated = [this] { return IsCalibrated(); };
+    Callbacks.m_SaveConfiguration = [this] { m_tabCtrl.SaveCurrentConfiguration(); };
+    Callbacks.m_Start = [this](StartOperation pStart) { return StartRun(pStart); };
+    Callbacks.m_End = [this] { return EndForNC(); };
+    Callbacks.m_Guard = std::bind_front(&CSpeedControl::Guarded, &m_SpeedControl);
+    return Callbacks;
+}
+
 LRESULT CPreBalancingMainWnd::WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) {
     for (const CMessageMapEntry& rEntry : ms_MessageMap) {
         if (Message >= rEntry.m_First && Message <= rEntry.m_Last) {
             LRESULT Result = 0;
-            GuardedByWindow(rEntry.m_pName, [&] { Result = (this->*rEntry.m_pHandler)(wParam, lParam); });
+            m_SpeedControl.Guarded(rEntry.m_pName,
+                                   [&] { Result = (this->*rEntry.m_pHandler)(wParam, lParam); });
             return Result;
         }
     }
     return CWnd::WindowProc(Message, wParam, lParam);
-}
-
-bool CPreBalancingMainWnd::GuardedByWindow(const char* pName, const std::function<void()>& rOperation) {
-    return RtrTrim::Guarded(pName, [&] {
-        try {
-            rOperation();
-        } catch (const CArchiveException& rDamage) {
-            OnWeightPositionsDamaged(rDamage.what());
-            throw;
-        }
-    });
 }
 
 LRESULT CPreBalancingMainWnd::OnCreate(WPARAM wParam, LPARAM lParam) {
@@ -106,7 +124,7 @@ LRESULT CPreBalancingMainWnd::OnCreate(WPARAM wParam, LPARAM lParam) {
     if (Result == -1) {
         return Result;
     }
-    ConnectOpc();
+    m_NCDesk.Connect(*this);
     m_tabCtrl.Create(this, eFirstRect, eTabCtrlId, true);
     m_Browser.Create(this, eFirstRect, eBrowserId);
     return Result;
@@ -127,10 +145,6 @@ CRect CPreBalancingMainWnd::GetBrowserRect() const {
 }
 
 LRESULT CPreBalancingMainWnd::OnTimer(WPARAM wParam, LPARAM) {
-    if (wParam == eWatchTimer) {
-        WatchModules();
-        return 0;
-    }
     if (wParam != eHelpTimer) {
         return 0;
     }
@@ -150,20 +164,14 @@ void CPreBalancingMainWnd::SetHelpTopic(const std::string& rTopic) {
 }
 
 LRESULT CPreBalancingMainWnd::OnInitWindow(WPARAM wParam, LPARAM lParam) {
-    if (!m_MachineName.empty()) {
-        ReadSpeedControl();
+    if (!GetMachineName().empty()) {
+        m_SpeedControl.Read();
         return 1;
     }
     m_ModuleAddress = static_cast<std::uint32_t>(wParam);
     const CInitFlags Flags(lParam);
-    LoadWeightPositions();
+    m_SpeedControl.Load();
     CreateMapper(m_ModuleAddress, Flags);
-    std::vector<std::uint8_t> Modules = {static_cast<std::uint8_t>(m_ModuleAddress)};
-    if (Flags.IsKestrel() && Flags.HasSlave()) {
-        Modules.push_back(Flags.GetSlaveAddress());
-    }
-    m_ModuleWatch.SetModules(Modules);
-
     m_tabCtrl.SetBalancingMode(
         static_cast<PreBalDB::CPreBalDatabase::BalancingMode>(Flags.GetBalancingMode()));
     m_tabCtrl.SetPlane(Flags.GetPlane());
@@ -174,25 +182,40 @@ LRESULT CPreBalancingMainWnd::OnInitWindow(WPARAM wParam, LPARAM lParam) {
         m_Browser.Create(this, GetBrowserRect(), eBrowserId);  // a run that the host ended took it along
     }
 
-    if (m_pCommunicationIF != nullptr) {
-        const int Sent = m_pCommunicationIF->QueryModuleIdentification();
-        RV_ASSERT_AS(g_pLog, Sent, "m_pCommunicationIF->QueryModuleIdentification()",
-                     "QueryModuleIdentification() failed!", false);
+    std::vector<std::uint8_t> Modules = {static_cast<std::uint8_t>(m_ModuleAddress)};
+    if (Flags.IsKestrel() && Flags.HasSlave()) {
+        Modules.push_back(Flags.GetSlaveAddress());
     }
-    ReadSpeedControl();
+    m_Conversation.Begin(Modules, m_tabCtrl.GetBalancingMode());
+    m_SpeedControl.Read();
     return 1;
 }
 
 void CPreBalancingMainWnd::CreateMapper(std::uint32_t Address, const CInitFlags& rFlags) {
-    if (m_pCommunicationIF != nullptr) {
+    if (GetCommunicationIF() != nullptr) {
         RV_INFORMATION(g_pLog, "using existing mapper.");
         return;
     }
     rvCOM::Notify(this, RV_NOTIFY_RAWDATA, static_cast<std::uint8_t>(Address));
-    m_pCommunicationIF = m_Makers.m_MakeMapper(*this, Address, rFlags);
+    m_Conversation.SetMapper(m_Makers.m_MakeMapper(*this, Address, rFlags));
     if (rFlags.IsKestrel() && rFlags.HasSlave()) {
         rvCOM::Notify(this, RV_NOTIFY_RAWDATA, rFlags.GetSlaveAddress());
     }
+}
+
+void CPreBalancingMainWnd::OpenDatabase(const CSources& rSources) {
+    m_tabCtrl.SetTitle(GetText("PREBAL_CONFIG") + " (" + GetText("SET") + " " +
+                       std::to_string(GetSet().Number) + ")");
+    m_tabCtrl.InitDatabase(GetMachineName(), rSources.m_Sensor1, rSources.m_Sensor2,
+                           static_cast<PreBalDB::CTypeBase::AffectedPlane>(rSources.m_Input));
+    PostMessage(WM_RV_DBINITDONE);
+}
+
+LRESULT CPreBalancingMainWnd::OnDBInitDone(WPARAM, LPARAM) {
+    PostToParent(WM_RV_BALANCINGACTIVITY, 0, IsCalibrated() ? 1 : 0);
+    NotifyConfigurationShown(IsCalibrated());
+    m_NCDesk.ResetNotificationFromNC(NcRequests::eDone);
+    return 1;
 }
 
 LRESULT CPreBalancingMainWnd::OnStoreChanged(WPARAM, LPARAM) {
@@ -206,7 +229,6 @@ LRESULT CPreBalancingMainWnd::OnStoreChanged(WPARAM, LPARAM) {
 LRESULT CPreBalancingMainWnd::OnRawData(WPARAM wParam, LPARAM lParam) {
     // The buffer's handle (low byte first), one unused byte, then the frame.
     constexpr std::size_t eHeader = 3;
-    constexpr std::uint8_t eReservedCommand = 4;
     // NOLINTNEXTLINE(performance-no-int-to-ptr): a message's parameters are whole numbers
     const auto* const pBuffer = reinterpret_cast<const std::uint8_t*>(wParam);
     if (pBuffer == nullptr || lParam < static_cast<LPARAM>(eHeader)) {
@@ -214,15 +236,7 @@ LRESULT CPreBalancingMainWnd::OnRawData(WPARAM wParam, LPARAM lParam) {
     }
     const std::span<const std::uint8_t> Buffer(pBuffer, static_cast<std::size_t>(lParam));
     const CBufferGuard Guard(static_cast<std::uint16_t>(Buffer[0] | (Buffer[1] << 8U)));
-    const std::span<const std::uint8_t> Frame = Buffer.subspan(eHeader);
-    if (m_pCommunicationIF != nullptr && !Frame.empty() && Frame[0] != eReservedCommand) {
-        if (m_ModuleWatch.OnFrame(Frame)) {
-            m_pCommunicationIF->PutReceivedModuleData(Frame.data(), static_cast<std::uint32_t>(Frame.size()));
-        }
-        if (m_ModuleWatch.IsSilent()) {
-            WatchModules();  // this frame may end the silence
-        }
-    }
+    m_Conversation.OnFrame(Buffer.subspan(eHeader));
     return 0;
 }
 
@@ -244,5 +258,47 @@ LRESULT CPreBalancingMainWnd::OnQueryProgress(WPARAM, LPARAM lParam) {
 void CPreBalancingMainWnd::PostToParent(UINT Message, WPARAM wParam, LPARAM lParam) {
     if (CWnd* const pParent = GetParent()) {
         pParent->PostMessage(Message, wParam, lParam);
+    }
+}
+
+void CPreBalancingMainWnd::NotifyConfigurationShown(bool bCalibrated) {
+    m_NCDesk.SendStep(bCalibrated ? CPreBalNotification::eParameterWithReBal
+                                  : CPreBalNotification::eParameter);
+}
+
+void CPreBalancingMainWnd::LeaveNC() {
+    // The host ought to have announced the end. Nothing is saved any more, but the NC mustn't wait for a
+    // window that is gone.
+    if (!GetMachineName().empty()) {
+        m_Conversation.End();
+        m_NCDesk.SendStep(CPreBalNotification::eInactive);
+    }
+}
+
+int CPreBalancingMainWnd::GetSpeedIncrement() {
+    return m_pPrebalancingSequence == nullptr
+               ? CSpeedControl::eIncrementWithoutSpeed
+               : m_SpeedControl.GetIncrement(m_ModuleAddress, m_pPrebalancingSequence->GetSetText());
+}
+
+LRESULT CPreBalancingMainWnd::OnPaint(WPARAM, LPARAM) {
+    RepaintAll();
+    return 0;
+}
+
+void CPreBalancingMainWnd::Repaint(unsigned Mask) {
+    RepaintPage(*this, m_pPrebalancingSequence.get(), Mask);
+}
+
+void CPreBalancingMainWnd::SetMenu(std::int32_t Menu) {
+    m_Menu = Menu;
+    RepaintAll();
+    PostToParent(WM_RV_SETMENU, static_cast<WPARAM>(Menu));
+}
+
+void CPreBalancingMainWnd::SetBalancingActivity(std::int32_t Activity) {
+    // 0 posts nothing: that the configuration is back is told when it is shown.
+    if (Activity == 1 || Activity == 2) {
+        PostToParent(WM_RV_BALANCINGACTIVITY, static_cast<WPARAM>(Activity));
     }
 }

@@ -6,20 +6,16 @@
 
 #include "contract/menus.h"
 #include "platform/rvopc/prebalfromncinterface.h"
-#include "platform/rvopc/prebalinterfacefromnc.h"
-#include "platform/rvopc/prebalinterfacetonc.h"
-#include "platform/rvopc/prebalinterfacetoncwarnings.h"
 #include "platform/window/webbrowser2.h"
 #include "platform/window/wnd.h"
 #include "rvdlm/m_rtr/rtr_trim/communication/iffromcommunication.h"
-#include "rvdlm/m_rtr/rtr_trim/communication/iftocommunication.h"
 #include "rvdlm/m_rtr/rtr_trim/mainwndmakers.h"
-#include "rvdlm/m_rtr/rtr_trim/methods/weightpositionstore.h"
-#include "rvdlm/m_rtr/rtr_trim/modulewatch.h"
+#include "rvdlm/m_rtr/rtr_trim/moduleconversation.h"
+#include "rvdlm/m_rtr/rtr_trim/ncdesk.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/prebalancing.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/prebalmainwndinterface.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalconfigtabs.h"
-#include "rvdlm/m_rtr/rtr_trim/prebalnotification.h"
+#include "rvdlm/m_rtr/rtr_trim/speedcontrol.h"
 #include "rvlib/rvgui/proptree/dynamichelpif.h"
 
 /// The module's window. It owns all else, and every event of the module enters through it: messages of the
@@ -27,10 +23,11 @@
 /// running procedure. All on the host's window thread. An exception that reaches a message handler ends the
 /// handling of that message with an error in the log; the host never sees it.
 ///
-/// The implementation stands in a file for each of its ideas: prebalancingmainwnd.cpp (life and messages),
-/// mainwndactions.cpp (actions and states that the host asks for), mainwndpaint.cpp (what is on the screen),
-/// mainwndquerychain.cpp (what the module reports), mainwndruncontrol.cpp (start and end of procedures),
-/// mainwndspeedcontrol.cpp (speed settings and weight positions), mainwndnc.cpp (the NC).
+/// What it doesn't decide itself it hands on: to the conversation with the module (moduleconversation.h), the
+/// desk of the NC (ncdesk.h), the speed settings with the weight positions (speedcontrol.h), the painter of
+/// the page (pagepainter.h). They know the window by callbacks only. Its own are the life of the window and
+/// the way of messages (prebalancingmainwnd.cpp), what the host's actions and states mean
+/// (mainwndactions.cpp), and start and end of procedures (mainwndruncontrol.cpp).
 class CPreBalancingMainWnd : public CWnd,
                              public IFFromCommunication,
                              public PropTree::CDynamicHelpIF,
@@ -42,25 +39,32 @@ public:
     /// Timer that holds the help back, and its period in ms.
     static constexpr UINT eHelpTimer = 1;
     static constexpr UINT eHelpDelay = 350;
-    /// Timer of the module watch; runs while a procedure does.
-    static constexpr UINT eWatchTimer = 2;
 
     /// Makers: what mapper and procedure are made with.
     explicit CPreBalancingMainWnd(CMainWndMakers Makers = {});
     ~CPreBalancingMainWnd() override;
 
-    // IFFromCommunication. Only eSuccess and eIndication with their data are looked at; eSuccess also asks
-    // the next question of the chain identification, set, state, speed, readings.
+    // IFFromCommunication
     void SendRawData(const std::uint8_t* pData, std::uint32_t nSize) override;
     void OnQueryModuleIdentification(Reason Why, const std::string* pArticle,
-                                     const std::uint32_t* pSerial) override;
-    void OnSetRequest(Reason Why, const CSet* pSet) override;
-    void OnModuleState(Reason Why, const std::uint32_t* pUILocked, const std::uint32_t* pOutOfLockPlane1,
+                                     const std::uint32_t* pSerial) override {
+        m_Conversation.OnQueryModuleIdentification(Why, pArticle, pSerial);
+    }
+    void OnSetRequest(Reason Why, const CSet* pSet) override { m_Conversation.OnSetRequest(Why, pSet); }
+    /// The lock of the module's panel isn't looked at.
+    void OnModuleState(Reason Why, const std::uint32_t* /*pUILocked*/, const std::uint32_t* pOutOfLockPlane1,
                        const std::uint32_t* pInvalidRPMPlane1, const std::uint32_t* pOutOfLockPlane2,
-                       const std::uint32_t* pInvalidRPMPlane2, const std::uint32_t* pWrongState) override;
-    void OnRPMData(Reason Why, const std::uint32_t* pPlane, const std::uint32_t* pRPM) override;
+                       const std::uint32_t* pInvalidRPMPlane2, const std::uint32_t* pWrongState) override {
+        m_Conversation.OnModuleState(Why, pOutOfLockPlane1, pInvalidRPMPlane1, pOutOfLockPlane2,
+                                     pInvalidRPMPlane2, pWrongState);
+    }
+    void OnRPMData(Reason Why, const std::uint32_t* pPlane, const std::uint32_t* pRPM) override {
+        m_Conversation.OnRPMData(Why, pPlane, pRPM);
+    }
     void OnUnbalanceXYValues(Reason Why, const std::uint32_t* pPlane, const std::uint32_t* pX,
-                             const std::uint32_t* pY) override;
+                             const std::uint32_t* pY) override {
+        m_Conversation.OnUnbalanceXYValues(Why, pPlane, pX, pY);
+    }
 
     // PropTree::CDynamicHelpIF
     void SetHelpTopic(const std::string& rTopic) override;
@@ -70,17 +74,19 @@ public:
     std::int32_t GetMenu() const override { return m_Menu; }
     void RepaintAll() override { Repaint(CPreBalancing::ePaintAll); }
     void RepaintMeasurement() override { Repaint(CPreBalancing::ePaintMeasurement); }
-    void PleaseQueryXYValuesNOW() override;
+    void PleaseQueryXYValuesNOW() override { m_Conversation.QueryReadings(); }
     void SetBalancingActivity(std::int32_t Activity) override;
-    void PreBalNotification(const CPreBalNotification& rNotification) override;
-    void WarningModeChanged(std::uint32_t Mode) override;
-    const CWeightPositionStore& GetWeightPositionStore() const override { return m_WeightPositions; }
-    CWeightPositionStore& GetWeightPositionStore() override { return m_WeightPositions; }
+    void PreBalNotification(const CPreBalNotification& rNotification) override {
+        m_NCDesk.PreBalNotification(rNotification);
+    }
+    void WarningModeChanged(std::uint32_t Mode) override { m_NCDesk.WarningModeChanged(Mode); }
+    const CWeightPositionStore& GetWeightPositionStore() const override { return m_SpeedControl.GetStore(); }
+    CWeightPositionStore& GetWeightPositionStore() override { return m_SpeedControl.GetStore(); }
     int GetSpeedIncrement() override;
     std::uint32_t GetModuleAddress() const override { return m_ModuleAddress; }
 
     // CPreBalFromNCInterface
-    void OnValueFromNCChanged(std::int32_t Value) override;
+    void OnValueFromNCChanged(std::int32_t Value) override { m_NCDesk.OnValueFromNCChanged(Value); }
 
     /// Tells the NC that the configuration is shown: step ParameterWithReBal for a calibrated one, else
     /// Parameter.
@@ -89,8 +95,21 @@ public:
     const CPreBalancing* GetSequence() const { return m_pPrebalancingSequence.get(); }
     const CPreBalConfigTabs& GetTabs() const { return m_tabCtrl; }
     const CWebBrowser2& GetBrowser() const { return m_Browser; }
-    const std::string& GetMachineName() const { return m_MachineName; }
     const std::string& GetHelpFormat() const { return m_HelpFormat; }
+    const std::string& GetHelpTopic() const { return m_HelpTopic; }
+    // What the module has told.
+    const IFToCommunication* GetCommunicationIF() const { return m_Conversation.GetMapper(); }
+    const std::string& GetMachineName() const { return m_Conversation.GetMachineName(); }
+    const CSet& GetSet() const { return m_Conversation.GetSet(); }
+    std::uint16_t GetCurrentRPM() const { return m_Conversation.GetCurrentRPM(); }
+    int GetOutOfLock() const { return m_Conversation.GetOutOfLock(); }
+    int GetInvalidRPM() const { return m_Conversation.GetInvalidRPM(); }
+    // The items that are linked; null for the others.
+    const CPreBalInterfaceFromNC* GetInterfaceFromNC() const { return m_NCDesk.GetInterfaceFromNC(); }
+    const CPreBalInterfaceToNC* GetInterfaceToNC() const { return m_NCDesk.GetInterfaceToNC(); }
+    const CPreBalInterfaceToNCWarnings* GetInterfaceToNCWarnings() const {
+        return m_NCDesk.GetInterfaceToNCWarnings();
+    }
 
 protected:
     LRESULT WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) override;
@@ -104,14 +123,7 @@ private:
         MessageHandler m_pHandler;
     };
     static const CMessageMapEntry ms_MessageMap[];
-    /// The handlers of the NC's requests give the answer.
-    using RequestHandler = std::int32_t (CPreBalancingMainWnd::*)();
-    struct CRequest {
-        std::int32_t m_Value;
-        RequestHandler m_pHandler;
-    };
-    static const CRequest ms_Requests[];
-    using StartOperation = int (CPreBalancing::*)(std::uint16_t wRPM, int NotLocked, int InvalidRPM);
+    using StartOperation = CNCDeskCallbacks::StartOperation;
 
     // Messages
     LRESULT OnCreate(WPARAM wParam, LPARAM lParam);
@@ -127,36 +139,32 @@ private:
     LRESULT OnDBInitDone(WPARAM wParam, LPARAM lParam);
     LRESULT OnStoreChanged(WPARAM wParam, LPARAM lParam);
     LRESULT OnQueryProgress(WPARAM wParam, LPARAM lParam);
+    CConversationCallbacks MakeConversationCallbacks();
+    CNCDeskCallbacks MakeNCDeskCallbacks();
     void CreateMapper(std::uint32_t Address, const CInitFlags& rFlags);
+    /// The module has told who it is and which set it works with: the configuration is read.
+    void OpenDatabase(const CSources& rSources);
     CRect GetBrowserRect() const;
     void PostToParent(UINT Message, WPARAM wParam, LPARAM lParam = 0);
+    void Repaint(unsigned Mask);
+    /// Tells the NC that this window works no more, unless that was told.
+    void LeaveNC();
 
     // Actions
     void DoModuleAction(int Action, int Flag);
     void OnRebalanceAction();
     void OnKeyAction(int Action, int Flag);
 
-    // Query chain
-    void OnFirstSet(const CSet& rSet);
-    /// Readings that stay away count as a lost lock: the measurement waits, and begins anew when they come
-    /// again and the modules have told their state.
-    void WatchModules();
-    /// Whether there is a procedure that lock and validity of the speed matter to at present.
-    bool DependsOnModules() const;
-    /// The lock as a procedure may count on it.
-    int GetOutOfLock() const { return m_OutOfLock != 0 || m_ModuleWatch.IsSilent() ? 1 : 0; }
-    void UpdateWatchConditions() { m_ModuleWatch.OnConditions(m_CurrentRPM != 0, m_OutOfLock == 0); }
-    /// A procedure to abort: the running one, or with a configuration on hand one started for the purpose.
-    bool EnsureSequence();
-
     // Run control
     CPreBalancing* StartPrebalancingSequence();
+    /// A procedure to abort: the running one, or with a configuration on hand one started for the purpose;
+    /// else null.
+    CPreBalancing* GetProcedureToAbort();
     /// Starts a procedure and its run with the present speed and flags. Nonzero for success.
     int StartRun(StartOperation pStart);
     void TerminatePrebalancingSequence();
     void ShowConfiguration();
     void HideConfiguration();
-    void BeginWatch();
     enum Commitment {
         eNoResult,    ///< the run has none that is to be kept
         eSaved,       ///< it stands in the database
@@ -167,54 +175,20 @@ private:
     Commitment CommitAndSave();
     /// Whether a run that was to end stays on the page, so that ending it once more tries again.
     bool StaysForNextTry(Commitment Result);
-    bool IsCalibrated() const;
-    /// Whether the set's speeds are the rotor's own.
-    bool IsSetUsable() const;
-
-    // Painting
-    void Repaint(unsigned Mask);
-
-    // Speed settings and weight positions
-    void ReadSpeedControl();
-    /// Reads the three numbers of the test step.
-    void ReadSpeedSettings();
-    /// Reads the store from its file. False if the file is damaged and could not be kept: it must not be
-    /// written then.
-    bool LoadWeightPositions();
-    bool OnWeightPositionsDamaged(const std::string& rReason);
-    /// Guarded(), and a damaged file of weight positions, which any operation of a procedure may come upon,
-    /// is set aside.
-    bool GuardedByWindow(const char* pName, const std::function<void()>& rOperation);
-
-    // NC
-    void ConnectOpc();
-    void SendStep(CPreBalNotification::Step Step);
-    /// Tells the NC that this window works no more, unless that was told.
-    void LeaveNC();
-    void ResetNotificationFromNC(std::int32_t nErrorCode);
-    std::int32_t OnNCStartPreBalancing();
-    std::int32_t OnNCStartReBalancing();
-    std::int32_t OnNCNextStep();
-    std::int32_t OnNCAbort();
+    /// The NC's way out of a run. False if there is a result that couldn't be kept.
+    bool EndForNC();
+    bool IsCalibrated() const { return m_tabCtrl.IsCalibrated(); }
 
     CMainWndMakers m_Makers;
-    std::unique_ptr<IFToCommunication> m_pCommunicationIF;   ///< the mapper
+    CModuleConversation m_Conversation;                      ///< with the mapper and what the module told
     std::unique_ptr<CPreBalancing> m_pPrebalancingSequence;  ///< the running procedure
     CPreBalConfigTabs m_tabCtrl;                             ///< configuration pane, left half
     std::string m_HelpFormat;                                ///< URL with "%s" for language and topic
     std::string m_HelpTopic;
     CWebBrowser2 m_Browser;  ///< help pane, right half
     std::uint32_t m_ModuleAddress = 0xFFFFFFFF;
-    std::string m_MachineName;  ///< key of the database
-    CSet m_Set;                 ///< the first since OnInitWindow
-    std::uint16_t m_CurrentRPM = 0xFFFF;
-    int m_OutOfLock = 1;
-    int m_InvalidRPM = 1;
-    std::unique_ptr<CPreBalInterfaceFromNC> m_pInterfaceFromNC;
-    std::unique_ptr<CPreBalInterfaceToNC> m_pInterfaceToNC;
-    std::unique_ptr<CPreBalInterfaceToNCWarnings> m_pInterfaceToNCWarnings;
-    CWeightPositionStore m_WeightPositions;
+    CNCDesk m_NCDesk;                    ///< with the three items
+    CSpeedControl m_SpeedControl;        ///< with the weight positions
     bool m_bSaveFailed = false;          ///< in the present run
     std::int32_t m_Menu = Menus::eNone;  ///< last given to SetMenu
-    CModuleWatch m_ModuleWatch;
 };

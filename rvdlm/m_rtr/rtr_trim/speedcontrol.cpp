@@ -1,6 +1,7 @@
-// The speed settings and the weight positions that go with them.
+#include "rvdlm/m_rtr/rtr_trim/speedcontrol.h"
+
 #include "platform/system/archive.h"
-#include "rvdlm/m_rtr/rtr_trim/prebalancingmainwnd.h"
+#include "rvdlm/m_rtr/rtr_trim/guard.h"
 #include "rvlib/settings/installation.h"
 #include "rvlib/settings/profile.h"
 
@@ -9,14 +10,12 @@ namespace {
 constexpr int eDefaultIncrementRPM = -1;
 constexpr int eDefaultIncrement = 10;
 constexpr int eDefaultIncrementBelow = 30;
-/// Degrees, where no speed is known.
-constexpr int eIncrementWithoutSpeed = 30;
 
 }  // namespace
 
-void CPreBalancingMainWnd::ReadSpeedControl() {
-    const bool bMayBeWritten = LoadWeightPositions();
-    ReadSpeedSettings();
+void CSpeedControl::Read() {
+    const bool bMayBeWritten = Load();
+    ReadSettings();
     // The numbers travel in the file of the weight positions, where the procedures load them from; so a
     // missing file comes into being here.
     if (bMayBeWritten) {
@@ -24,7 +23,7 @@ void CPreBalancingMainWnd::ReadSpeedControl() {
     }
 }
 
-void CPreBalancingMainWnd::ReadSpeedSettings() {
+void CSpeedControl::ReadSettings() {
     m_WeightPositions.m_IncrementRPM = eDefaultIncrementRPM;
     m_WeightPositions.m_Increment = eDefaultIncrement;
     m_WeightPositions.m_IncrementBelow = eDefaultIncrementBelow;
@@ -37,30 +36,40 @@ void CPreBalancingMainWnd::ReadSpeedSettings() {
     }
 }
 
-bool CPreBalancingMainWnd::LoadWeightPositions() {
+bool CSpeedControl::Load() {
     try {
         m_WeightPositions.Load();
     } catch (const CArchiveException& rDamage) {
-        return OnWeightPositionsDamaged(rDamage.what());
+        return OnDamaged(rDamage.what());
     }
     return true;
 }
 
-bool CPreBalancingMainWnd::OnWeightPositionsDamaged(const std::string& rReason) {
-    ReadSpeedSettings();
+bool CSpeedControl::OnDamaged(const std::string& rReason) {
+    ReadSettings();
     return m_WeightPositions.BeginAnew(rReason);
 }
 
-int CPreBalancingMainWnd::GetSpeedIncrement() {
-    if (m_pPrebalancingSequence == nullptr || m_WeightPositions.m_IncrementRPM < 0) {
+int CSpeedControl::GetIncrement(std::uint32_t ModuleAddress, const std::string& rSetText) const {
+    if (m_WeightPositions.m_IncrementRPM < 0) {
         return eIncrementWithoutSpeed;
     }
-    const std::string Key =
-        CWeightPositionStore::MakeKey(m_ModuleAddress, m_pPrebalancingSequence->GetSetText());
+    const std::string Key = CWeightPositionStore::MakeKey(ModuleAddress, rSetText);
     if (!m_WeightPositions.Contains(Key)) {
         return eIncrementWithoutSpeed;
     }
     return m_WeightPositions.Get(Key).m_RPM > m_WeightPositions.m_IncrementRPM
                ? m_WeightPositions.m_Increment
                : m_WeightPositions.m_IncrementBelow;
+}
+
+bool CSpeedControl::Guarded(const char* pName, const std::function<void()>& rOperation) {
+    return RtrTrim::Guarded(pName, [&] {
+        try {
+            rOperation();
+        } catch (const CArchiveException& rDamage) {
+            OnDamaged(rDamage.what());
+            throw;
+        }
+    });
 }

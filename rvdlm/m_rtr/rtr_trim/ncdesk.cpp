@@ -1,14 +1,13 @@
-// The NC: its requests, and what it is told.
+#include "rvdlm/m_rtr/rtr_trim/ncdesk.h"
+
 #include <algorithm>
 #include <array>
-#include <vector>
 
 #include "contract/ncrequests.h"
 #include "platform/rvopc/opcconnection.h"
 #include "platform/rvopc/opcdatabase.h"
 #include "platform/rvopc/prebalinterfacefromnctargetunbalance.h"
 #include "rvdlm/m_rtr/rtr_trim/log.h"
-#include "rvdlm/m_rtr/rtr_trim/prebalancingmainwnd.h"
 
 using RtrTrim::g_pLog;
 
@@ -56,14 +55,14 @@ constexpr const char* WARNING_FAILED = "SetWarningMode failed!";
 
 }  // namespace
 
-const CPreBalancingMainWnd::CRequest CPreBalancingMainWnd::ms_Requests[] = {
-    {NcRequests::ePreBalance, &CPreBalancingMainWnd::OnNCStartPreBalancing},
-    {NcRequests::eReBalance, &CPreBalancingMainWnd::OnNCStartReBalancing},
-    {NcRequests::eNext, &CPreBalancingMainWnd::OnNCNextStep},
-    {NcRequests::eEnd, &CPreBalancingMainWnd::OnNCAbort},
+const CNCDesk::CRequest CNCDesk::ms_Requests[] = {
+    {NcRequests::ePreBalance, &CNCDesk::OnNCStartPreBalancing},
+    {NcRequests::eReBalance, &CNCDesk::OnNCStartReBalancing},
+    {NcRequests::eNext, &CNCDesk::OnNCNextStep},
+    {NcRequests::eEnd, &CNCDesk::OnNCAbort},
 };
 
-void CPreBalancingMainWnd::ConnectOpc() {
+void CNCDesk::Connect(CPreBalFromNCInterface& rTarget) {
     const COpcDatabaseRef pDatabase("CPreBalancingMainWnd");
     COPCConnection* const pConnection = COPCConnection::CreateInstance();
     const auto* const pFirst =
@@ -77,9 +76,8 @@ void CPreBalancingMainWnd::ConnectOpc() {
     if (!pConnection->IsConnected()) {
         return;
     }
-    CPreBalFromNCInterface* const pTarget = this;
     m_pInterfaceFromNC =
-        MakeLinkedItem<CPreBalInterfaceFromNC>("CPreBalancingMainWnd::CPreBalInterfaceFromNC", pTarget);
+        MakeLinkedItem<CPreBalInterfaceFromNC>("CPreBalancingMainWnd::CPreBalInterfaceFromNC", &rTarget);
     m_pInterfaceToNC = MakeLinkedItem<CPreBalInterfaceToNC>("CPreBalancingMainWnd::CPreBalInterfaceToNC");
     m_pInterfaceToNCWarnings =
         MakeLinkedItem<CPreBalInterfaceToNCWarnings>("CPreBalancingMainWnd::CPreBalInterfaceToNCWarnings");
@@ -88,7 +86,7 @@ void CPreBalancingMainWnd::ConnectOpc() {
     WatchWrites(m_pInterfaceToNCWarnings, WARNING_FAILED);
 }
 
-void CPreBalancingMainWnd::PreBalNotification(const CPreBalNotification& rNotification) {
+void CNCDesk::PreBalNotification(const CPreBalNotification& rNotification) {
     if (m_pInterfaceToNC == nullptr) {
         return;
     }
@@ -100,8 +98,7 @@ void CPreBalancingMainWnd::PreBalNotification(const CPreBalNotification& rNotifi
     }
 }
 
-/// A step alone: unlike in a running procedure the unused values are 0 here.
-void CPreBalancingMainWnd::SendStep(CPreBalNotification::Step Step) {
+void CNCDesk::SendStep(CPreBalNotification::Step Step) {
     if (m_pInterfaceToNC == nullptr) {
         return;
     }
@@ -110,20 +107,7 @@ void CPreBalancingMainWnd::SendStep(CPreBalNotification::Step Step) {
     CheckSent(m_pInterfaceToNC->SetNCData(Data), NOTIFICATION_FAILED);
 }
 
-void CPreBalancingMainWnd::LeaveNC() {
-    // The host ought to have announced the end. Nothing is saved any more, but the NC mustn't wait for a
-    // window that is gone.
-    if (!m_MachineName.empty()) {
-        m_MachineName.clear();
-        SendStep(CPreBalNotification::eInactive);
-    }
-}
-
-void CPreBalancingMainWnd::NotifyConfigurationShown(bool bCalibrated) {
-    SendStep(bCalibrated ? CPreBalNotification::eParameterWithReBal : CPreBalNotification::eParameter);
-}
-
-void CPreBalancingMainWnd::WarningModeChanged(std::uint32_t Mode) {
+void CNCDesk::WarningModeChanged(std::uint32_t Mode) {
     if (m_pInterfaceToNCWarnings == nullptr) {
         return;
     }
@@ -131,13 +115,13 @@ void CPreBalancingMainWnd::WarningModeChanged(std::uint32_t Mode) {
     CheckSent(m_pInterfaceToNCWarnings->SetWarningMode(Mode), WARNING_FAILED);
 }
 
-void CPreBalancingMainWnd::ResetNotificationFromNC(std::int32_t nErrorCode) {
+void CNCDesk::ResetNotificationFromNC(std::int32_t nErrorCode) {
     if (m_pInterfaceFromNC != nullptr) {
         CheckSent(m_pInterfaceFromNC->SetValueFromNC(nErrorCode), REQUEST_FAILED);
     }
 }
 
-void CPreBalancingMainWnd::OnValueFromNCChanged(std::int32_t Value) {
+void CNCDesk::OnValueFromNCChanged(std::int32_t Value) {
     if (Value == 0) {
         return;  // the item is idle
     }
@@ -148,55 +132,52 @@ void CPreBalancingMainWnd::OnValueFromNCChanged(std::int32_t Value) {
         return;
     }
     std::int32_t Answer = NcRequests::eRefused;
-    GuardedByWindow("OnValueFromNCChanged", [&] { Answer = (this->*pRequest->m_pHandler)(); });
+    m_Callbacks.m_Guard("OnValueFromNCChanged", [&] { Answer = (this->*pRequest->m_pHandler)(); });
     ResetNotificationFromNC(Answer);
 }
 
-std::int32_t CPreBalancingMainWnd::OnNCStartPreBalancing() {
-    if (m_pPrebalancingSequence != nullptr || !m_tabCtrl.HasDatabase()) {
+std::int32_t CNCDesk::OnNCStartPreBalancing() {
+    if (m_Callbacks.m_GetProcedure() != nullptr || !m_Callbacks.m_HasConfiguration()) {
         return NcRequests::eRefused;
     }
-    m_tabCtrl.SaveCurrentConfiguration();
+    m_Callbacks.m_SaveConfiguration();
     RV_INFORMATION(g_pLog, "NC Notification: Calling StartPreBalancing()...");
-    const int Started = StartRun(&CPreBalancing::StartPreBalancing);
+    const int Started = m_Callbacks.m_Start(&CPreBalancing::StartPreBalancing);
     RV_ASSERT(g_pLog, Started != 0, "StartPreBalancingSequence failed!");
     return NcRequests::eDone;
 }
 
-std::int32_t CPreBalancingMainWnd::OnNCStartReBalancing() {
-    if (m_pPrebalancingSequence != nullptr || !m_tabCtrl.HasDatabase() || !IsCalibrated()) {
+std::int32_t CNCDesk::OnNCStartReBalancing() {
+    if (m_Callbacks.m_GetProcedure() != nullptr || !m_Callbacks.m_HasConfiguration() ||
+        !m_Callbacks.m_IsCalibrated()) {
         return NcRequests::eRefused;
     }
-    m_tabCtrl.SaveCurrentConfiguration();
+    m_Callbacks.m_SaveConfiguration();
     RV_INFORMATION(g_pLog, "NC Notification: Calling StartReBalancing()...");
-    const int Started = StartRun(&CPreBalancing::StartReBalancing);
+    const int Started = m_Callbacks.m_Start(&CPreBalancing::StartReBalancing);
     RV_ASSERT(g_pLog, Started != 0, "StartReBalancingSequence failed!");
     return NcRequests::eDone;
 }
 
-std::int32_t CPreBalancingMainWnd::OnNCNextStep() {
-    if (m_pPrebalancingSequence == nullptr) {
+std::int32_t CNCDesk::OnNCNextStep() {
+    CPreBalancing* const pProcedure = m_Callbacks.m_GetProcedure();
+    if (pProcedure == nullptr) {
         return NcRequests::eRefused;
     }
     RV_INFORMATION(g_pLog, "NC Notification: Switch to next step...");
-    const int Taken = m_pPrebalancingSequence->KeyPressed(CPreBalancing::eNext);
+    const int Taken = pProcedure->KeyPressed(CPreBalancing::eNext);
     RV_ASSERT(g_pLog, Taken != 0, "KeyPressed(CPreBalancing::eNext) failed!");
     return NcRequests::eDone;
 }
 
-std::int32_t CPreBalancingMainWnd::OnNCAbort() {
-    if (m_pPrebalancingSequence == nullptr) {
+std::int32_t CNCDesk::OnNCAbort() {
+    const CPreBalancing* const pProcedure = m_Callbacks.m_GetProcedure();
+    if (pProcedure == nullptr) {
         return NcRequests::eRefused;
     }
     RV_INFORMATION(g_pLog, "NC Notification: Calling AbortBalancing()...");
-    // A failure without return stays on the panel until the operator has seen it and ends it.
-    if (m_pPrebalancingSequence->IsFailureWithNoReturn()) {
-        return NcRequests::eDone;
-    }
-    const Commitment Result = CommitAndSave();
-    if (!StaysForNextTry(Result)) {
-        TerminatePrebalancingSequence();
-    }
-    // "Done" would tell the NC that its result is kept.
-    return Result == eNotSaved || Result == eSuperseded ? NcRequests::eRefused : NcRequests::eDone;
+    // A failure without return stays on the panel until the operator has seen it and ends it. "Done" for a
+    // result that isn't kept would tell the NC that it is.
+    return pProcedure->IsFailureWithNoReturn() || m_Callbacks.m_End() ? NcRequests::eDone
+                                                                      : NcRequests::eRefused;
 }
