@@ -1,8 +1,25 @@
 #pragma once
+#include <cstdint>
 #include <string>
 #include <vector>
 
 #include "rvdlm/m_rtr/rtr_trim/communication/iftocommunication.h"
+#include "rvdlm/m_rtr/rtr_trim/communication/set.h"
+
+/// A set that suits every mode.
+inline CSet MakeSet(std::uint8_t Number = 2) {
+    CSet Set;
+    Set.Number = Number;
+    Set.Name = "WHEEL";
+    Set.Mode = CSet::ePlane1;
+    Set.RPMInputPlane1 = 0;
+    Set.RPMFactorPlane1 = 1;
+    Set.RPMInputPlane2 = 1;
+    Set.RPMFactorPlane2 = 1;
+    Set.SensorAdaptionPlane1 = 3;
+    Set.SensorAdaptionPlane2 = 4;
+    return Set;
+}
 
 /// What the tests see of a module: outlives the mapper that the window owns.
 struct CFakeModuleRecord {

@@ -76,20 +76,6 @@ protected:
                   std::uint32_t Serial = 4711) {
         m_pWnd->OnQueryModuleIdentification(Why, &rArticle, &Serial);
     }
-    /// A set that suits every mode.
-    static CSet MakeSet(std::uint8_t Number = 2) {
-        CSet Set;
-        Set.Number = Number;
-        Set.Name = "WHEEL";
-        Set.Mode = CSet::ePlane1;
-        Set.RPMInputPlane1 = 0;
-        Set.RPMFactorPlane1 = 1;
-        Set.RPMInputPlane2 = 1;
-        Set.RPMFactorPlane2 = 1;
-        Set.SensorAdaptionPlane1 = 3;
-        Set.SensorAdaptionPlane2 = 4;
-        return Set;
-    }
     void ReportSet(const CSet& rSet, Reason Why = Comm::eIndication) {
         m_pWnd->OnSetRequest(Why, &rSet);
         m_Loop.RunPosted();

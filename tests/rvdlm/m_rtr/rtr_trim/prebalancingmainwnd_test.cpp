@@ -277,6 +277,7 @@ TEST_F(CPreBalancingMainWndTest, HelpIsShownAfterAWhileAndOnlyTheLastTopic) {
     m_pWnd->SetHelpTopic("_PB002");
     m_Loop.Advance(349);
     EXPECT_EQ(m_pWnd->GetBrowser().GetLocationURL(), "");
+    EXPECT_EQ(m_pWnd->GetHelpTopic(), "_PB002");
     m_Loop.Advance(1);
     EXPECT_THAT(
         m_pWnd->GetBrowser().GetLocationURL(),
@@ -318,15 +319,6 @@ TEST_F(CPreBalancingMainWndTest, RepaintsOfAPartKeepTheRestOfTheScreen) {
     m_pWnd->SendMessage(WM_PAINT);
     EXPECT_THAT(m_Sequence.m_Calls, ElementsAre("Paint 15"));
     EXPECT_EQ(m_pWnd->GetSurface().GetPixel(5, 5), RGB(9, 9, 9));
-}
-
-TEST_F(CPreBalancingMainWndTest, AWindowOfNoSizeIsNotPainted) {
-    Open();
-    Act(102);
-    m_pWnd->MoveWindow(CRect(0, 0, 0, 0));
-    m_Sequence.m_Calls.clear();
-    m_pWnd->RepaintAll();
-    EXPECT_THAT(m_Sequence.m_Calls, IsEmpty());
 }
 
 TEST_F(CPreBalancingMainWndTest, SetMenuRemembersRepaintsAndPosts) {
