@@ -39,16 +39,6 @@ TEST_F(CMainWndModuleTest, WhatTheModuleToldIsReadHere) {
     EXPECT_EQ(m_pWnd->GetInvalidRPM(), 0);
 }
 
-TEST_F(CMainWndModuleTest, TheConfigurationIsThatOfSensorsAndInput) {
-    Create();
-    Init(eLannerPlane2);
-    Identify();
-    ReportSet(MakeSet());
-    PreBalDB::CPreBalBaseTableEntry* const pEntry = m_pWnd->GetTabs().GetCurrentBaseEntry();
-    ASSERT_NE(pEntry, nullptr);
-    EXPECT_TRUE(m_pWnd->GetTabs().HasDatabase());
-}
-
 TEST_F(CMainWndModuleTest, SpeedIsPaintedInTheStatusLine) {
     Open();
     Act(102);
@@ -65,6 +55,7 @@ TEST_F(CMainWndModuleTest, ReadingsAreAskedForOnDemand) {
 
 TEST_F(CMainWndModuleTest, ADestroyedWindowWatchesNoMore) {
     Open();
+    ReportState(0, 0);
     ReportRPM(0, 3000);
     Act(102);
     m_pWnd->DestroyWindow();
