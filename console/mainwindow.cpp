@@ -120,6 +120,9 @@ QWidget* CMainWindow::MakeSoftkeyBar() {
         m_Keys[i] = new QPushButton(pBar);
         m_Keys[i]->setMinimumHeight(48);
         m_Keys[i]->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+        // As the keys beside a panel: an edit that is open in the page stays open, and the key can work on
+        // it.
+        m_Keys[i]->setFocusPolicy(Qt::NoFocus);
         connect(m_Keys[i], &QPushButton::pressed, this, [this, i] { OnKeyDown(i); });
         connect(m_Keys[i], &QPushButton::released, this, [this, i] { OnKeyUp(i); });
         pRow->addWidget(m_Keys[i], 1);

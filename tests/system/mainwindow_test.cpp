@@ -7,11 +7,15 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QStatusBar>
+#include <QTest>
 
 #include "platform/qt/qteventloop.h"
+#include "platform/qt/windowview.h"
 #include "platform/rvcom/bytelink.h"
 #include "platform/rvcom/rvcom.h"
 #include "platform/system/virtualeventloop.h"
+#include "rvlib/rvgui/proptree/proptree.h"
+#include "rvlib/rvgui/proptree/proptreeitemspinedit.h"
 #include "tests/support/tempdirectory.h"
 #include "tests/system/wholerun.h"
 
@@ -91,6 +95,34 @@ protected:
     MainWindowTest() { Open(); }
 };
 
+/// With a value to edit in the page.
+class MainWindowFocusTest : public CMainWindowTestBase {
+protected:
+    MainWindowFocusTest() {
+        Open();
+        m_Tree.Create(&m_pSession->GetHost(), CRect(0, 0, 300, 100), 1);
+        m_pValue =
+            m_Tree.Insert(std::make_unique<PropTree::CPropTreeItemSpinEdit<double>>(0.0, 100.0, 5.0, 0.1));
+    }
+    ~MainWindowFocusTest() override { m_Tree.DestroyWindow(); }
+
+    void SetUp() override {
+        m_pWindow->activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(m_pWindow.get()));
+    }
+    QWidget* Find(const CWnd& rWnd) {
+        for (QWidget* pWidget : m_pWindow->findChildren<QWidget*>()) {
+            if (auto* const pView = dynamic_cast<CWindowView*>(pWidget)) {
+                return pView->FindWidget(rWnd);
+            }
+        }
+        return nullptr;
+    }
+
+    PropTree::CPropTree m_Tree;
+    PropTree::CPropTreeItemSpinEdit<double>* m_pValue = nullptr;
+};
+
 /// With what the command line asks for beside the window.
 class MainWindowOptionsTest : public CMainWindowTestBase {
 protected:
@@ -159,6 +191,29 @@ TEST_F(MainWindowTest, AWholePreBalancingByButtonsBalancesTheRotor) {
     EXPECT_FALSE(m_pSession->Look().m_bRunning);
     ASSERT_NE(FindButton("Re-balance"), nullptr);
     EXPECT_TRUE(FindButton("Re-balance")->isEnabled());
+}
+
+TEST_F(MainWindowFocusTest, AnOpenEditOutlastsThePressOfASoftkey) {
+    QWidget* const pList = Find(m_Tree.GetList());
+    ASSERT_NE(pList, nullptr);
+    QTest::mouseClick(pList, Qt::LeftButton, Qt::NoModifier, QPoint(m_Tree.GetOrigin() + 30, 14));
+    QWidget* const pBox = Find(m_pValue->GetEdit());
+    ASSERT_NE(pBox, nullptr);
+    ASSERT_EQ(QApplication::focusWidget(), pBox);
+    QTest::keyClicks(pBox, "2");
+    QPushButton* const pKey = FindButton("Pre-balance");
+    ASSERT_NE(pKey, nullptr);
+    QTest::mousePress(pKey, Qt::LeftButton);
+    EXPECT_TRUE(m_pSession->Look().m_bRunning) << "the key has been told";
+    EXPECT_TRUE(m_pValue->IsActive());
+    QTest::mouseRelease(pKey, Qt::LeftButton);
+    m_Loop.Advance(500);
+    EXPECT_TRUE(m_pValue->IsActive());
+    EXPECT_EQ(QApplication::focusWidget(), pBox);
+    QTest::keyClicks(pBox, "5");
+    QTest::keyClick(pBox, Qt::Key_Return);
+    EXPECT_FALSE(m_pValue->IsActive());
+    EXPECT_EQ(m_pValue->GetItemValue(), 25.0);
 }
 
 TEST_F(MainWindowOptionsTest, WithoutAProcedureItBeginsInTheConfiguration) {
