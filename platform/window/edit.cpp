@@ -48,6 +48,15 @@ void CEdit::OnTextSet() {
     m_SelEnd = 0;
 }
 
+void CEdit::CorrectText(const std::string& rText) {
+    if (rText != GetWindowText()) {
+        const int nAnchor = m_SelStart;
+        const int nCaret = m_SelEnd;
+        SetWindowText(rText);
+        SetSel(nAnchor, nCaret);
+    }
+}
+
 bool CEdit::ChangeByOperator(const std::string& rText, int SelStart, int SelEnd) {
     const std::string FormerText = GetWindowText();
     const int FormerStart = m_SelStart;

@@ -32,6 +32,9 @@ public:
     void LimitText(int nCharacters);
     int GetLimitText() const { return m_nLimit; }
 
+    /// Another text of the program, in which selection and caret stay at their places.
+    void CorrectText(const std::string& rText);
+
     /// The operator has made the text and the selection (anchor and caret) what is given; asks the parent if
     /// the text is another. False if it was refused, and the former text has come back. The box may be gone
     /// then.

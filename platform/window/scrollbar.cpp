@@ -21,6 +21,28 @@ void CScrollBar::SetScrollPos(int nPos) {
     NotifyPeer();
 }
 
+int CScrollBar::GetTarget(int Code, int nThumb, int nLine) const {
+    switch (Code) {
+        case SB_LINEUP:
+            return m_nPos - nLine;
+        case SB_LINEDOWN:
+            return m_nPos + nLine;
+        case SB_PAGEUP:
+            return m_nPos - m_nPage;
+        case SB_PAGEDOWN:
+            return m_nPos + m_nPage;
+        case SB_THUMBPOSITION:
+        case SB_THUMBTRACK:
+            return nThumb;
+        case SB_TOP:
+            return m_nMin;
+        case SB_BOTTOM:
+            return m_nMax;
+        default:
+            return m_nPos;
+    }
+}
+
 void CScrollBar::ScrollByOperator(int Code, int Position) {
     const CGuard Guard(*this);
     if (CWnd* const pParent = GetParent()) {

@@ -24,6 +24,9 @@ public:
     int GetLimit() const;
     int GetScrollPos() const { return m_nPos; }
     void SetScrollPos(int nPos);
+    /// Where a parent that scrolls by lines of nLine goes when it is told of an SB_ code with the thumb's
+    /// place; may lie outside the range.
+    int GetTarget(int Code, int nThumb, int nLine) const;
 
     /// The operator did something: an SB_ code and, for the thumb, its place. The bar may be gone then.
     void ScrollByOperator(int Code, int Position);

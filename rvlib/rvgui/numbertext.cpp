@@ -1,4 +1,4 @@
-#include "rvlib/rvgui/proptree/numbertext.h"
+#include "rvlib/rvgui/numbertext.h"
 
 #include <algorithm>
 #include <array>
@@ -7,11 +7,15 @@
 
 #include "platform/system/text.h"
 
-namespace PropTree {
+namespace Gui {
 
 namespace {
 
 constexpr std::size_t eMaxLength = 400;  // of the largest double with its digits
+
+bool IsDigit(char Character) {
+    return Character >= '0' && Character <= '9';
+}
 
 /// Blanks and a plus sign, which from_chars doesn't know, go.
 std::string_view FindNumber(std::string_view Text) {
@@ -69,6 +73,25 @@ std::optional<double> ReadFraction(std::string_view Text) {
     return Value && std::isfinite(*Value) ? Value : std::nullopt;
 }
 
+std::string MakePoint(std::string_view Text) {
+    std::string Result(Text);
+    std::replace(Result.begin(), Result.end(), ',', '.');
+    return Result;
+}
+
+bool IsFractionText(std::string_view Text) {
+    bool bPoint = false;
+    for (std::size_t i = 0; i < Text.size(); ++i) {
+        const bool bFirstPoint = Text[i] == '.' && !bPoint;
+        const bool bSign = i == 0 && (Text[i] == '+' || Text[i] == '-');
+        if (!IsDigit(Text[i]) && !bFirstPoint && !bSign) {
+            return false;
+        }
+        bPoint = bPoint || bFirstPoint;
+    }
+    return true;
+}
+
 std::string MakeUpper(std::string_view Text) {
     std::string Result(Text);
     for (char& rCharacter : Result) {
@@ -84,4 +107,4 @@ std::string MakeUpper(std::string_view Text) {
     return Result;
 }
 
-}  // namespace PropTree
+}  // namespace Gui

@@ -5,6 +5,7 @@
 #include "platform/window/keys.h"
 #include "platform/window/messageparams.h"
 #include "rvlib/rvgui/flextable/flextable.h"
+#include "rvlib/rvgui/listkeys.h"
 
 LRESULT CFlexTable::WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) {
     switch (Message) {
@@ -122,26 +123,7 @@ void CFlexTable::OnClick(CPoint Point) {
 }
 
 void CFlexTable::OnScroll(int Code, int nPosition) {
-    const int nFormer = GetScrollPos();
-    switch (Code) {
-        case SB_LINEUP:
-            return ScrollTo(nFormer - m_nRowHeight);
-        case SB_LINEDOWN:
-            return ScrollTo(nFormer + m_nRowHeight);
-        case SB_PAGEUP:
-            return ScrollTo(nFormer - GetClientRect().Height());
-        case SB_PAGEDOWN:
-            return ScrollTo(nFormer + GetClientRect().Height());
-        case SB_THUMBPOSITION:
-        case SB_THUMBTRACK:
-            return ScrollTo(nPosition);
-        case SB_TOP:
-            return ScrollTo(0);
-        case SB_BOTTOM:
-            return ScrollTo(m_ScrollBar.GetMax());
-        default:
-            break;
-    }
+    ScrollTo(m_ScrollBar.GetTarget(Code, nPosition, m_nRowHeight));
 }
 
 bool CFlexTable::OnWheel(int nDelta) {
@@ -153,33 +135,20 @@ bool CFlexTable::OnWheel(int nDelta) {
 }
 
 bool CFlexTable::OnKeyDown(UINT Key) {
+    if ((Key == VK_HOME || Key == VK_END) && (IsShiftDown() || IsControlDown())) {
+        return false;  // the box's
+    }
     const int nPage = std::max(GetClientRect().Height() / GetPitch(), 1);
-    const auto nAll = static_cast<int>(GetRowCount());
+    if (const std::optional<int> nRows = Gui::GetRowsToMove(Key, nPage)) {
+        Step(*nRows, 0);
+        return true;
+    }
     switch (Key) {
         case VK_LEFT:
             Step(0, -1);
             return true;
         case VK_RIGHT:
             Step(0, 1);
-            return true;
-        case VK_UP:
-            Step(-1, 0);
-            return true;
-        case VK_DOWN:
-            Step(1, 0);
-            return true;
-        case VK_PRIOR:
-            Step(-nPage, 0);
-            return true;
-        case VK_NEXT:
-            Step(nPage, 0);
-            return true;
-        case VK_HOME:
-        case VK_END:
-            if (IsShiftDown() || IsControlDown()) {
-                return false;
-            }
-            Step(Key == VK_HOME ? -nAll : nAll, 0);
             return true;
         case VK_RETURN:
             return GoOn();

@@ -1,37 +1,13 @@
 #include "rvlib/rvgui/flextable/flextableitem.h"
 
-#include <algorithm>
-#include <array>
-#include <charconv>
-#include <cmath>
-#include <limits>
+#include <optional>
 
 #include "platform/window/syscolor.h"
+#include "rvlib/rvgui/numbertext.h"
 
 namespace {
 
-/// "%.2f" with a point, whatever the machine's language.
-std::string Format(double Number) {
-    std::array<char, std::numeric_limits<double>::max_exponent10 + 16> Text{};
-    const auto [pEnd, Error] =
-        std::to_chars(Text.data(), Text.data() + Text.size(), Number, std::chars_format::fixed, 2);
-    return {Text.data(), pEnd};
-}
-
-bool HasOnlyCharactersOfANumber(const std::string& rText) {
-    bool bPoint = false;
-    for (std::size_t i = 0; i < rText.size(); ++i) {
-        const char Character = rText[i];
-        const bool bDigit = Character >= '0' && Character <= '9';
-        const bool bSign = i == 0 && (Character == '+' || Character == '-');
-        const bool bFirstPoint = Character == '.' && !bPoint;
-        if (!bDigit && !bSign && !bFirstPoint) {
-            return false;
-        }
-        bPoint = bPoint || bFirstPoint;
-    }
-    return true;
-}
+constexpr int c_nDecimals = 2;
 
 }  // namespace
 
@@ -72,11 +48,11 @@ void CFlexTableItemString::OnEditChange() {
 }
 
 std::string CFlexTableItemDouble::GetDrawnText() const {
-    return Format(GetValue()) + " " + m_Unit;
+    return Gui::WriteFraction(GetValue(), c_nDecimals) + " " + m_Unit;
 }
 
 std::string CFlexTableItemDouble::GetEditText() const {
-    return Format(GetValue());
+    return Gui::WriteFraction(GetValue(), c_nDecimals);
 }
 
 void CFlexTableItemDouble::Activate(CEdit& rEdit) {
@@ -86,34 +62,20 @@ void CFlexTableItemDouble::Activate(CEdit& rEdit) {
 
 void CFlexTableItemDouble::OnEditChange() {
     CEdit& rEdit = *GetEdit();
-    std::string Text = rEdit.GetWindowText();
-    std::replace(Text.begin(), Text.end(), ',', '.');
-    const double Number = HasOnlyCharactersOfANumber(Text) ? Read(Text) : std::nan("");
-    if (!std::isfinite(Number)) {
+    const std::string Text = Gui::MakePoint(rEdit.GetWindowText());
+    // An empty text, a sign or a point alone are steps on the way to a number, and 0 themselves.
+    const bool bOnTheWay = Text.find_first_of("0123456789") == std::string::npos;
+    if (!Gui::IsFractionText(Text) || (!bOnTheWay && !Gui::ReadFraction(Text))) {
         // All of it selected, as with the numbers of a property tree: what is typed next begins anew.
-        rEdit.SetWindowText(Format(GetTyped()));
+        rEdit.SetWindowText(Gui::WriteFraction(GetTyped(), c_nDecimals));
         rEdit.SelectAll();
         return;
     }
-    if (Text != rEdit.GetWindowText()) {
-        const int nAnchor = rEdit.GetAnchor();
-        const int nCaret = rEdit.GetCaret();
-        rEdit.SetWindowText(Text);
-        rEdit.SetSel(nAnchor, nCaret);
-    }
-    SetTyped(Number);
+    rEdit.CorrectText(Text);
+    SetTyped(Read(Text));
 }
 
 double CFlexTableItemDouble::Read(std::string_view Text) {
-    if (!Text.empty() && Text.front() == '+') {
-        Text.remove_prefix(1);  // from_chars knows no plus sign
-    }
-    double Number = 0.0;
-    const auto [pEnd, Error] =
-        std::from_chars(Text.data(), Text.data() + Text.size(), Number, std::chars_format::fixed);
-    if (Error == std::errc::result_out_of_range) {
-        return std::numeric_limits<double>::infinity();
-    }
-    // An empty text, a sign or a point alone are steps on the way to a number, and 0 themselves; so is "-0".
-    return Error == std::errc() && Number != 0.0 ? Number : 0.0;
+    const double Number = Gui::ReadFraction(Text).value_or(0.0);
+    return Number != 0.0 ? Number : 0.0;  // "-0", too
 }

@@ -159,8 +159,6 @@ void CPropTree::Remove(CPropTreeItem& rItem) {
         m_pFocus = nullptr;
     }
     m_List.ForgetItem(rItem);
-    rItem.StopRepeat();
-    rItem.m_bActive = false;
     rItem.OnLeaveTree();
     if (m_pFirstVisible == &rItem) {
         m_pFirstVisible = rItem.m_pNextVisible;

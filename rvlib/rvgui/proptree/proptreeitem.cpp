@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/system/eventloop.h"
+#include "platform/window/keys.h"
 #include "platform/window/syscolor.h"
 #include "rvlib/rvgui/gradient.h"
 #include "rvlib/rvgui/proptree/proptree.h"
@@ -150,6 +151,67 @@ void CPropTreeItem::OnActivate() {
     PassHelp();
 }
 
+bool CPropTreeItem::OpenValueWindow(CWnd& rFocus) {
+    const std::weak_ptr<const bool> pLife = m_pLife;
+    CPropTree& rTree = *m_pTree;
+    m_bActive = true;
+    ProvideValueWindow();
+    GetValueWindow()->ShowWindow(!IsKeyboardOnly());
+    rFocus.SetFocus();
+    if (pLife.expired() || !m_bActive) {
+        return false;  // whoever lost the focus had other plans
+    }
+    PassHelp();
+    Redraw();
+    if (!IsKeyboardOnly()) {
+        return true;
+    }
+    rTree.TakeFocusBack();
+    rTree.SendNotify(CPropTree::eItemChanged, this);
+    return false;
+}
+
+void CPropTreeItem::ProvideValueWindow() {
+    CWnd& rWnd = *GetValueWindow();
+    if (!rWnd.IsWindow()) {
+        rWnd.Create(&m_pTree->GetList(), m_ValuePlace, 0, false);
+    }
+}
+
+void CPropTreeItem::CloseValueWindow() {
+    m_bActive = false;
+    if (CWnd* const pWnd = GetValueWindow()) {
+        pWnd->ShowWindow(false);
+    }
+    StopRepeat();
+}
+
+void CPropTreeItem::OnLeaveTree() {
+    CloseValueWindow();
+    if (CWnd* const pWnd = GetValueWindow()) {
+        pWnd->DestroyWindow();
+    }
+}
+
+void CPropTreeItem::PlaceValue(const CRect& rValue) {
+    m_ValuePlace = rValue;
+    if (CWnd* const pWnd = GetValueWindow()) {
+        pWnd->MoveWindow(rValue);
+    }
+}
+
+bool CPropTreeItem::OnEndingKey(UINT Message, UINT Key) {
+    if (!m_bActive || (Key != VK_RETURN && Key != VK_ESCAPE)) {
+        return false;
+    }
+    if (Key == VK_RETURN && Message == WM_KEYUP) {
+        CommitChanges();
+    } else if (Key == VK_ESCAPE && Message == WM_KEYDOWN) {
+        CancelChanges();
+    }
+    return true;
+}
+
 void CPropTreeItem::SendChanged() {
     m_bChangeSent = true;
     if (m_pTree != nullptr) {
@@ -249,6 +311,9 @@ void CPropTreeItem::DrawLabel(CDC& rDC, const CRect& rRow) const {
 }
 
 void CPropTreeItem::DrawAttribute(CDC& rDC, const CRect& rRect) const {
+    if (m_bActive && !IsKeyboardOnly()) {
+        return;  // a window lies over it
+    }
     const std::string Text = GetValueText();
     CRect Rect = rRect;
     // Without a window over it, as in keyboard-only mode, a value that is being edited has to look so itself.

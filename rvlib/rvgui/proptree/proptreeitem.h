@@ -87,18 +87,27 @@ public:
 protected:
     /// To begin editing. The base tells the help only.
     virtual void OnActivate();
+    /// The window that lies over the value while that is being edited; null for an item that is only shown.
+    virtual CWnd* GetValueWindow() { return nullptr; }
+    /// Opens that window and gives the focus to rFocus, which is it or its child; in keyboard-only mode it
+    /// stays hidden, the focus stays with the tree, and the parent is told. False if there is nothing to do
+    /// for the caller: in that mode, or if editing was ended by somebody meanwhile, with the item perhaps.
+    bool OpenValueWindow(CWnd& rFocus);
+    /// Makes that window if it doesn't stand.
+    void ProvideValueWindow();
+    /// Editing is over: the window is hidden, and no key steps on.
+    void CloseValueWindow();
+    /// The release of Enter and the press of Escape end editing. True if the key was used: also the press
+    /// that belongs to that release, which nobody else is to take for his own.
+    bool OnEndingKey(UINT Message, UINT Key);
     /// To end it: the value is checked and kept.
     virtual void OnCommit() {}
     /// To end it: the value from before comes back. The item isn't active any more.
     virtual void OnCancel() {}
-    /// Where the value stands in the list's client area: for what lies over it.
-    virtual void OnPlace(const CRect& rValue) { (void)rValue; }
-    /// The item's window or the list that it lies in is about to end.
-    virtual void OnLeaveTree() {}
+    /// The item or the list that its window lies in is about to end.
+    virtual void OnLeaveTree();
     /// Draws the value column; rRect is the cell without its lines.
     virtual void DrawAttribute(CDC& rDC, const CRect& rRect) const;
-    /// Ended and begun by derived classes, as their OnActivate and OnCommit say.
-    void SetActive(bool bActive) { m_bActive = bActive; }
     void SetRangeText(const std::string& rText);
     /// -1105 in the middle of editing.
     void SendChanged();
@@ -120,6 +129,8 @@ private:
 
     enum State : std::uint32_t { eSelected = 1, eExpanded = 2, eWithCheckBox = 4, eChecked = 8 };
     void SetState(State Bit, bool bSet) { m_State = bSet ? m_State | Bit : m_State & ~Bit; }
+    /// Where the value stands in the list's client area: for the window that lies over it.
+    void PlaceValue(const CRect& rValue);
     /// Takes the place at y with the label from x on, y growing downwards; returns the height.
     int Place(int x, int y);
     /// Draws the row, whose top is at y in rClient; returns its height.
@@ -148,6 +159,7 @@ private:
     std::uint32_t m_nSeries = 0;  ///< of steps, so far
     CRect m_ExpandRect;           ///< both empty without such a box
     CRect m_CheckRect;
+    CRect m_ValuePlace;
     int m_Y = 0;
     int m_Height = 0;
     int m_LabelX = 0;

@@ -5,7 +5,6 @@
 #include <string_view>
 
 #include "platform/system/text.h"
-#include "platform/window/keys.h"
 #include "rvlib/rvgui/log.h"
 #include "rvlib/rvgui/proptree/proptree.h"
 
@@ -102,80 +101,27 @@ LRESULT CPropTreeItemCombo::OnControlNotification(const CWndNotification& rNotif
 }
 
 LRESULT CPropTreeItemCombo::WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) {
-    if (IsActive() && (Message == WM_KEYDOWN || Message == WM_KEYUP)) {
-        if (wParam == VK_RETURN) {
-            // On the release, as in the other items: the list would take it for its own otherwise.
-            if (Message == WM_KEYUP) {
-                CommitChanges();
-            }
-            return 1;
-        }
-        if (wParam == VK_ESCAPE) {
-            if (Message == WM_KEYDOWN) {
-                CancelChanges();
-            }
-            return 1;
-        }
+    if ((Message == WM_KEYDOWN || Message == WM_KEYUP) && OnEndingKey(Message, static_cast<UINT>(wParam))) {
+        return 1;
     }
     return CComboBox::WindowProc(Message, wParam, lParam);
 }
 
 void CPropTreeItemCombo::OnActivate() {
-    SetActive(true);
     m_FormerSel = GetCurSel();
-    const std::weak_ptr<const bool> pLife = GetLife();
-    CPropTree& rTree = *GetTree();
-    const bool bShow = !IsKeyboardOnly();
     SetAccessibleName(GetLabelText());
     SetFont(CPropTree::GetNormalFont());
-    if (!IsWindow()) {
-        Create(&rTree.GetList(), m_Place, 0, false);
-    }
-    ShowWindow(bShow);
-    if (bShow) {
-        SetFocus();
-    }
-    if (pLife.expired() || !IsActive()) {
-        return;
-    }
-    PassHelp();
-    Redraw();
-    if (!bShow) {
-        rTree.TakeFocusBack();
-        rTree.SendNotify(CPropTree::eItemChanged, this);
-    }
-}
-
-void CPropTreeItemCombo::Close() {
-    SetActive(false);
-    StopRepeat();
-    ShowWindow(false);
+    OpenValueWindow(*this);
 }
 
 void CPropTreeItemCombo::OnCommit() {
-    Close();
+    CloseValueWindow();
 }
 
 void CPropTreeItemCombo::OnCancel() {
     SetCurSel(m_FormerSel);
     m_Value = GetItemValue();
-    Close();
-}
-
-void CPropTreeItemCombo::OnPlace(const CRect& rValue) {
-    m_Place = rValue;
-    MoveWindow(rValue);
-}
-
-void CPropTreeItemCombo::OnLeaveTree() {
-    Close();
-    DestroyWindow();
-}
-
-void CPropTreeItemCombo::DrawAttribute(CDC& rDC, const CRect& rRect) const {
-    if (!IsActive() || IsKeyboardOnly()) {
-        CPropTreeItem::DrawAttribute(rDC, rRect);
-    }
+    CloseValueWindow();
 }
 
 void CPropTreeItemCombo::OnStep(bool bUp) {

@@ -32,9 +32,7 @@ protected:
     void OnActivate() override;
     void OnCommit() override;
     void OnCancel() override;
-    void OnPlace(const CRect& rValue) override;
-    void OnLeaveTree() override;
-    void DrawAttribute(CDC& rDC, const CRect& rRect) const override;
+    CWnd* GetValueWindow() override { return this; }
     /// The next string, behind the last one the first.
     void OnStep(bool bUp) override;
 
@@ -43,14 +41,12 @@ private:
     /// By the operator, with or without the box.
     void Choose(int Index);
     void OnChosen();
-    void Close();
 
     int m_Min;
     int m_Max;
     int m_NextData;
     int m_Value;           ///< last one set or chosen
     int m_FormerSel = -1;  ///< when editing began
-    CRect m_Place;
 };
 
 }  // namespace PropTree

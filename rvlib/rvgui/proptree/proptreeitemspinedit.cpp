@@ -11,7 +11,7 @@
 #include "platform/system/text.h"
 #include "platform/window/keys.h"
 #include "rvlib/rvgui/log.h"
-#include "rvlib/rvgui/proptree/numbertext.h"
+#include "rvlib/rvgui/numbertext.h"
 #include "rvlib/rvgui/proptree/proptree.h"
 
 namespace PropTree {
@@ -19,36 +19,6 @@ namespace PropTree {
 namespace {
 
 constexpr int eButtonWidth = 26;
-
-/// What the types of values differ in: the storage, and whether a step can be fractional.
-template <typename T>
-struct CTraits {
-    static constexpr double GetFraction(T /*Step*/) { return 0.0; }
-    static std::int64_t ToInteger(T Value) {
-        return static_cast<std::int64_t>(
-            std::min<std::uint64_t>(Value, std::numeric_limits<std::int64_t>::max()));
-    }
-    static bool FromInteger(std::int64_t Integer, T& rValue) {
-        if (Integer < 0 || static_cast<std::uint64_t>(Integer) > std::numeric_limits<T>::max()) {
-            return false;
-        }
-        rValue = static_cast<T>(Integer);
-        return true;
-    }
-};
-
-template <>
-struct CTraits<double> {
-    static double GetFraction(double Step) { return Step - std::trunc(Step); }
-    static std::int64_t ToInteger(double Value) {
-        constexpr double c_Limit = 9.0e18;  // within what 64 bits hold
-        return static_cast<std::int64_t>(std::clamp(Value, -c_Limit, c_Limit));
-    }
-    static bool FromInteger(std::int64_t Integer, double& rValue) {
-        rValue = static_cast<double>(Integer);
-        return true;
-    }
-};
 
 /// Digits behind the point that a fraction has: 2 for 0.01, 1 for 0.25.
 int CountDigits(double Fraction) {
@@ -60,24 +30,6 @@ int CountDigits(double Fraction) {
         ++nDigits;
     }
     return nDigits;
-}
-
-bool IsDigit(char Character) {
-    return Character >= '0' && Character <= '9';
-}
-
-/// Nothing but digits, one point, and a sign in front.
-bool IsFractionText(std::string_view Text) {
-    bool bPoint = false;
-    for (std::size_t i = 0; i < Text.size(); ++i) {
-        const bool bFirstPoint = Text[i] == '.' && !bPoint;
-        const bool bSign = i == 0 && (Text[i] == '+' || Text[i] == '-');
-        if (!IsDigit(Text[i]) && !bFirstPoint && !bSign) {
-            return false;
-        }
-        bPoint = bPoint || bFirstPoint;
-    }
-    return true;
 }
 
 }  // namespace
@@ -120,7 +72,7 @@ void CPropTreeItemSpinEdit<T>::ChooseFormat() {
         RV_ASSERT_AS(Gui::g_pLog, false, "m_Min >= 0", "integer not allowed in Hex format", false);
         m_Hex = false;
     }
-    const double Fraction = CTraits<T>::GetFraction(m_Step);
+    const double Fraction = CNumberTraits<T>::GetFraction(m_Step);
     m_Fractional = Fraction > 0.0 && Fraction < 1.0;
     if (m_Fractional) {
         RV_ASSERT(Gui::g_pLog, !m_Hex, "invalid usage");
@@ -132,7 +84,7 @@ void CPropTreeItemSpinEdit<T>::ChooseFormat() {
     }
     constexpr std::array<std::pair<std::int64_t, int>, 3> c_Widths{{{0xFF, 2}, {0xFFFF, 4}, {0xFFFFFFFF, 8}}};
     for (const auto& [Most, nDigits] : c_Widths) {
-        if (CTraits<T>::ToInteger(m_Max) <= Most) {
+        if (CNumberTraits<T>::ToInteger(m_Max) <= Most) {
             m_ValueFormat = {CNumberFormat::eHex, nDigits};
             return;
         }
@@ -142,21 +94,7 @@ void CPropTreeItemSpinEdit<T>::ChooseFormat() {
 
 template <typename T>
 void CPropTreeItemSpinEdit<T>::UpdateRangeText() {
-    SetRangeText("[" + FormatNumber(m_Min, m_ValueFormat) + ".." + FormatNumber(m_Max, m_ValueFormat) + "]");
-}
-
-template <typename T>
-std::string CPropTreeItemSpinEdit<T>::FormatNumber(T Value, CNumberFormat Format) const {
-    switch (Format.m_Kind) {
-        case CNumberFormat::eFraction:
-            return WriteFraction(static_cast<double>(Value), Format.m_nDigits);
-        case CNumberFormat::eHex:
-            return (Format.m_nDigits > 0 ? "0x" : "") +
-                   WriteHex(CTraits<T>::ToInteger(Value), Format.m_nDigits);
-        case CNumberFormat::eInteger:
-            break;
-    }
-    return WriteInteger(CTraits<T>::ToInteger(Value));
+    SetRangeText("[" + m_ValueFormat.Write(m_Min) + ".." + m_ValueFormat.Write(m_Max) + "]");
 }
 
 template <typename T>
@@ -165,7 +103,7 @@ std::string CPropTreeItemSpinEdit<T>::FormatText(T Value, bool bEditBox) const {
         return m_ZeroText;
     }
     const CNumberFormat Format = bEditBox && m_Hex ? CNumberFormat{CNumberFormat::eHex, 0} : m_ValueFormat;
-    std::string Text = FormatNumber(Value, Format) + " " + m_Unit;
+    std::string Text = Format.Write(Value) + " " + m_Unit;
     if (bEditBox) {
         Text.erase(Text.find_last_not_of(' ') + 1);
     }
@@ -175,7 +113,7 @@ std::string CPropTreeItemSpinEdit<T>::FormatText(T Value, bool bEditBox) const {
 template <typename T>
 int CPropTreeItemSpinEdit<T>::ToSteps(T Value) const {
     const double Steps = m_Fractional ? std::round(static_cast<double>(Value) / static_cast<double>(m_Step))
-                                      : static_cast<double>(CTraits<T>::ToInteger(Value));
+                                      : static_cast<double>(CNumberTraits<T>::ToInteger(Value));
     return static_cast<int>(
         std::clamp<double>(Steps, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
 }
@@ -187,13 +125,13 @@ bool CPropTreeItemSpinEdit<T>::Parse(std::string_view Text, T& rValue) const {
         return true;
     }
     if (m_Hex) {
-        const std::optional<std::int64_t> Read = ReadHex(Text);
-        return Read && CTraits<T>::FromInteger(*Read, rValue);
+        const std::optional<std::int64_t> Read = Gui::ReadHex(Text);
+        return Read && CNumberTraits<T>::FromInteger(*Read, rValue);
     }
     if constexpr (std::is_floating_point_v<T>) {
         if (m_Fractional) {
             const bool bSignOnly = Text == "+" || Text == "-";  // a step on the way to a number
-            const std::optional<double> Read = bSignOnly ? 0.0 : ReadFraction(Text);
+            const std::optional<double> Read = bSignOnly ? 0.0 : Gui::ReadFraction(Text);
             if (Read) {
                 // The whole step that is added, and not half of one, is deliberate: it takes up what a
                 // division such as 0.3 / 0.1 lacks, and otherwise goes down to the grid.
@@ -205,8 +143,8 @@ bool CPropTreeItemSpinEdit<T>::Parse(std::string_view Text, T& rValue) const {
     if (m_Min >= T{} && Text.starts_with('-')) {
         return false;
     }
-    const std::optional<std::int64_t> Read = ReadInteger(Text);
-    return Read && CTraits<T>::FromInteger(*Read, rValue);
+    const std::optional<std::int64_t> Read = Gui::ReadInteger(Text);
+    return Read && CNumberTraits<T>::FromInteger(*Read, rValue);
 }
 
 template <typename T>
@@ -242,10 +180,14 @@ void CPropTreeItemSpinEdit<T>::SetZeroText(const std::string& rText) {
 }
 
 template <typename T>
-void CPropTreeItemSpinEdit<T>::WriteText(const std::string& rText) {
+void CPropTreeItemSpinEdit<T>::WriteText(const std::string& rText, bool bKeepCaret) {
     m_EditText = rText;
     m_Updating = true;
-    m_Edit.SetWindowText(rText);
+    if (bKeepCaret) {
+        m_Edit.CorrectText(rText);
+    } else {
+        m_Edit.SetWindowText(rText);
+    }
     m_Updating = false;
 }
 
@@ -326,56 +268,26 @@ void CPropTreeItemSpinEdit<T>::OnDeltaposSpinButton(const CDeltaPosNotification&
 }
 
 template <typename T>
-void CPropTreeItemSpinEdit<T>::ProvideWindow() {
-    if (!IsWindow()) {
-        Create(&GetTree()->GetList(), m_Place, 0, false);
-    }
-}
-
-template <typename T>
 void CPropTreeItemSpinEdit<T>::OnActivate() {
-    const std::weak_ptr<const bool> pLife = GetLife();
-    CPropTree& rTree = *GetTree();
-    SetActive(true);
     m_FormerValue = m_Value;
-    ProvideWindow();
-    ShowWindow(!IsKeyboardOnly());
     ShowValue();
-    m_Edit.SetFocus();
-    if (pLife.expired() || !IsActive()) {
-        return;  // whoever lost the focus had other plans
-    }
-    PassHelp();
-    if (IsKeyboardOnly()) {
-        rTree.TakeFocusBack();
-        rTree.SendNotify(CPropTree::eItemChanged, this);
+    if (!OpenValueWindow(m_Edit) || !IsWindowVisible()) {
         return;
     }
-    if (IsWindowVisible()) {
-        m_Button.EnableWindow(m_Editable);
-        m_Edit.SetReadOnly(!m_Editable);
-        if (m_Editable) {
-            m_Edit.SelectAll();
-        } else {
-            m_Edit.SetSel(-1, 0);
-        }
+    m_Button.EnableWindow(m_Editable);
+    m_Edit.SetReadOnly(!m_Editable);
+    if (m_Editable) {
+        m_Edit.SelectAll();
+    } else {
+        m_Edit.SetSel(-1, 0);
     }
-}
-
-template <typename T>
-void CPropTreeItemSpinEdit<T>::Close() {
-    SetActive(false);
-    if (!IsKeyboardOnly()) {
-        ShowWindow(false);
-    }
-    StopRepeat();
 }
 
 template <typename T>
 void CPropTreeItemSpinEdit<T>::OnCommit() {
     const std::weak_ptr<const bool> pLife = GetLife();
     m_Value = std::clamp(m_Value, m_Min, m_Max);
-    Close();
+    CloseValueWindow();
     ShowValue();
     if (GetTree() == nullptr) {
         return;
@@ -389,14 +301,8 @@ void CPropTreeItemSpinEdit<T>::OnCommit() {
 template <typename T>
 void CPropTreeItemSpinEdit<T>::OnCancel() {
     m_Value = m_FormerValue;
-    Close();
+    CloseValueWindow();
     ShowValue();
-}
-
-template <typename T>
-void CPropTreeItemSpinEdit<T>::OnPlace(const CRect& rValue) {
-    m_Place = rValue;
-    MoveWindow(rValue);
 }
 
 template <typename T>
@@ -404,15 +310,7 @@ void CPropTreeItemSpinEdit<T>::OnLeaveTree() {
     if (IsActive()) {
         m_Value = std::clamp(m_Value, m_Min, m_Max);
     }
-    Close();
-    DestroyWindow();
-}
-
-template <typename T>
-void CPropTreeItemSpinEdit<T>::DrawAttribute(CDC& rDC, const CRect& rRect) const {
-    if (!IsActive() || IsKeyboardOnly()) {
-        CPropTreeItem::DrawAttribute(rDC, rRect);
-    }
+    CPropTreeItem::OnLeaveTree();
 }
 
 template <typename T>
@@ -425,7 +323,7 @@ void CPropTreeItemSpinEdit<T>::OnStep(bool bUp) {
         Activate();
     }
     if (!pLife.expired() && GetTree() != nullptr && GetTree()->IsWindowEnabled()) {
-        ProvideWindow();
+        ProvideValueWindow();
         m_Button.Click(bUp ? CSpinButtonCtrl::eUp : CSpinButtonCtrl::eDown);
     }
 }
@@ -440,7 +338,7 @@ bool CPropTreeItemSpinEdit<T>::OnCharacter(char32_t Character) {
     Activate();
     if (!pLife.expired() && IsActive()) {
         // As if it were typed over the text, which is selected as a whole.
-        m_Edit.ChangeByOperator(MakeUpper(std::string(1, static_cast<char>(Character))), 1, 1);
+        m_Edit.ChangeByOperator(Gui::MakeUpper(std::string(1, static_cast<char>(Character))), 1, 1);
     }
     return true;
 }
@@ -455,6 +353,9 @@ void CPropTreeItemSpinEdit<T>::OnEditKillFocus() {
 
 template <typename T>
 bool CPropTreeItemSpinEdit<T>::OnEditKeyDown(UINT Key) {
+    if (OnEndingKey(WM_KEYDOWN, Key)) {
+        return true;
+    }
     if (!IsActive()) {
         return false;
     }
@@ -467,11 +368,6 @@ bool CPropTreeItemSpinEdit<T>::OnEditKeyDown(UINT Key) {
             GetTree()->GetList().PostMessage(WM_KEYDOWN, Key);
             CommitChanges();
             return true;
-        case VK_ESCAPE:
-            CancelChanges();
-            return true;
-        case VK_RETURN:  // its release counts
-            return true;
         default:
             return false;
     }
@@ -479,11 +375,7 @@ bool CPropTreeItemSpinEdit<T>::OnEditKeyDown(UINT Key) {
 
 template <typename T>
 bool CPropTreeItemSpinEdit<T>::OnEditKeyUp(UINT Key) {
-    if (Key != VK_RETURN || !IsActive()) {
-        return false;
-    }
-    CommitChanges();
-    return true;
+    return OnEndingKey(WM_KEYUP, Key);
 }
 
 template <typename T>
@@ -491,11 +383,9 @@ bool CPropTreeItemSpinEdit<T>::OnEditChange() {
     if (m_Updating) {
         return false;
     }
-    std::string Typed = m_Edit.GetWindowText();
-    std::replace(Typed.begin(), Typed.end(), ',', '.');
-    Typed = MakeUpper(Typed);
+    const std::string Typed = Gui::MakeUpper(Gui::MakePoint(m_Edit.GetWindowText()));
     // The unit stands in the box behind the number, and may be left standing there.
-    const std::string Unit = " " + MakeUpper(m_Unit);
+    const std::string Unit = " " + Gui::MakeUpper(m_Unit);
     const bool bWithUnit = !m_Unit.empty() && Typed.ends_with(Unit);
     std::string Number = bWithUnit ? Typed.substr(0, Typed.size() - Unit.size()) : Typed;
     Number.erase(Number.find_last_not_of(' ') + 1);
@@ -504,14 +394,7 @@ bool CPropTreeItemSpinEdit<T>::OnEditChange() {
         return false;
     }
     m_Button.SetPos(ToSteps(m_Value));
-    if (const std::string Text = bWithUnit ? Number + " " + m_Unit : Number; Text != m_Edit.GetWindowText()) {
-        const int nAnchor = m_Edit.GetAnchor();
-        const int nCaret = m_Edit.GetCaret();
-        WriteText(Text);
-        m_Edit.SetSel(nAnchor, nCaret);
-    } else {
-        m_EditText = Text;
-    }
+    WriteText(bWithUnit ? Number + " " + m_Unit : Number, true);
     return false;
 }
 
@@ -523,7 +406,7 @@ bool CPropTreeItemSpinEdit<T>::TakeText(const std::string& rNumber) {
     T Value = m_Value;
     if (m_Fractional) {
         const bool bZeroText = !m_ZeroText.empty() && Text::EqualNoCase(rNumber, m_ZeroText);
-        if (!bOnTheWay && !bZeroText && !IsFractionText(rNumber)) {
+        if (!bOnTheWay && !bZeroText && !Gui::IsFractionText(rNumber)) {
             return false;
         }
         // A text on the way to a number, as a point alone, leaves the value.
@@ -535,7 +418,7 @@ bool CPropTreeItemSpinEdit<T>::TakeText(const std::string& rNumber) {
     if (Parse(rNumber, Value)) {
         const CNumberFormat Format = m_Hex ? CNumberFormat{CNumberFormat::eHex, 0} : CNumberFormat{};
         const bool bZeroText = Value == T{} && !m_ZeroText.empty();
-        if (Text::EqualNoCase(rNumber, bZeroText ? m_ZeroText : FormatNumber(Value, Format))) {
+        if (Text::EqualNoCase(rNumber, bZeroText ? m_ZeroText : Format.Write(Value))) {
             m_Value = Value;
             return true;
         }

@@ -4,16 +4,10 @@
 
 #include "platform/window/spinbuttonctrl.h"
 #include "rvlib/rvgui/proptree/edithelper.h"
+#include "rvlib/rvgui/proptree/numberformat.h"
 #include "rvlib/rvgui/proptree/proptreeitem.h"
 
 namespace PropTree {
-
-/// How a number is written, the same in every locale.
-struct CNumberFormat {
-    enum Kind { eInteger, eFraction, eHex };
-    Kind m_Kind = eInteger;
-    int m_nDigits = 0;  ///< behind the point, or in all
-};
 
 /// How the value of a CPropTreeItemSpinEdit is shown.
 struct CSpinEditLook {
@@ -80,9 +74,8 @@ protected:
     void OnActivate() override;
     void OnCommit() override;
     void OnCancel() override;
-    void OnPlace(const CRect& rValue) override;
+    CWnd* GetValueWindow() override { return this; }
     void OnLeaveTree() override;
-    void DrawAttribute(CDC& rDC, const CRect& rRect) const override;
     /// A click on the button, at its top or bottom.
     void OnStep(bool bUp) override;
 
@@ -90,23 +83,19 @@ private:
     void ChooseFormat();
     void ClampValue();
     void UpdateRangeText();
-    std::string FormatNumber(T Value, CNumberFormat Format) const;
     std::string FormatText(T Value, bool bEditBox) const;
     int ToSteps(T Value) const;
 
     LRESULT OnCreate();
     void OnSize();
     void OnDeltaposSpinButton(const CDeltaPosNotification& rNotification);
-    /// Makes the window if it doesn't stand.
-    void ProvideWindow();
-    /// Writes the box.
-    void WriteText(const std::string& rText);
+    /// Writes the box; selection and caret go to its beginning, or stay.
+    void WriteText(const std::string& rText, bool bKeepCaret = false);
     /// The value goes to the box and the button.
     void ShowValue();
     /// The value's text in place of one that can't stand.
     void Refuse();
     bool TakeText(const std::string& rNumber);
-    void Close();
 
     T m_Min;
     T m_Max;
@@ -122,7 +111,6 @@ private:
     bool m_Fractional = false;
 
     T m_FormerValue;  ///< when editing began
-    CRect m_Place;
     CSpinButtonCtrl m_Button;
     CEditHelper m_Edit{*this};
 };

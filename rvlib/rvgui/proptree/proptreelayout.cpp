@@ -96,7 +96,7 @@ CRect CPropTree::GetValueRect(const CPropTreeItem& rItem) const {
 
 void CPropTree::PlaceEditor() {
     for (CPropTreeItem* pItem = m_pFirstVisible; pItem != nullptr; pItem = pItem->m_pNextVisible) {
-        pItem->OnPlace(GetValueRect(*pItem));
+        pItem->PlaceValue(GetValueRect(*pItem));
     }
 }
 

@@ -5,6 +5,7 @@
 
 #include "platform/window/keys.h"
 #include "platform/window/messageparams.h"
+#include "rvlib/rvgui/listkeys.h"
 #include "rvlib/rvgui/proptree/proptree.h"
 #include "rvlib/rvgui/proptree/proptreelist.h"
 
@@ -98,24 +99,7 @@ bool CPropTreeList::OnWheel(int nDelta) {
 }
 
 void CPropTreeList::OnScroll(int Code, int nPos) {
-    const int nFormer = m_rTree.GetScrollPos();
-    const int nPage = m_ScrollBar.GetPage();
-    switch (Code) {
-        case SB_LINEUP:
-            return m_rTree.SetScrollPos(nFormer - CPropTree::eRowHeight);
-        case SB_LINEDOWN:
-            return m_rTree.SetScrollPos(nFormer + CPropTree::eRowHeight);
-        case SB_PAGEUP:
-            return m_rTree.SetScrollPos(nFormer - nPage);
-        case SB_PAGEDOWN:
-            return m_rTree.SetScrollPos(nFormer + nPage);
-        case SB_TOP:
-            return m_rTree.SetScrollPos(0);
-        case SB_BOTTOM:
-            return m_rTree.SetScrollPos(m_rTree.GetContentHeight());
-        default:
-            return m_rTree.SetScrollPos(nPos);
-    }
+    m_rTree.SetScrollPos(m_ScrollBar.GetTarget(Code, nPos, CPropTree::eRowHeight));
 }
 
 bool CPropTreeList::MoveBy(int nRows) {
@@ -131,8 +115,10 @@ bool CPropTreeList::MoveBy(int nRows) {
     if (i == 0) {
         return true;
     }
-    // Without a focus the first step goes to the end that it comes from.
-    const int nWanted = nFocus < 0 ? (nRows < 0 ? i - 1 : 0) : std::clamp(nFocus + nRows, 0, i - 1);
+    // Without a focus the first step goes to the end that it comes from, but Home and End mean what they say.
+    const bool bAll = std::abs(nRows) == Gui::c_nAllRows;
+    const int nEnd = (nRows < 0) == bAll ? 0 : i - 1;
+    const int nWanted = nFocus < 0 ? nEnd : std::clamp(nFocus + nRows, 0, i - 1);
     pTarget = m_rTree.GetFirstVisible();
     for (int k = 0; k < nWanted; ++k) {
         pTarget = pTarget->GetNextVisible();
@@ -156,23 +142,10 @@ bool CPropTreeList::OnKeyDown(UINT Key) {
         return true;
     }
     const int nPage = std::max(GetContentRect().Height() / CPropTree::eRowHeight - 1, 1);
-    constexpr int eFar = 1 << 28;
-    switch (Key) {
-        case VK_UP:
-            return MoveBy(-1);
-        case VK_DOWN:
-            return MoveBy(1);
-        case VK_PRIOR:
-            return MoveBy(-nPage);
-        case VK_NEXT:
-            return MoveBy(nPage);
-        case VK_HOME:
-            return m_rTree.SetFocusedItem(m_rTree.GetFirstVisible());
-        case VK_END:
-            return MoveBy(m_rTree.GetFocusedItem() != nullptr ? eFar : -1);
-        default:
-            return pItem != nullptr && OnItemKey(Key, *pItem);
+    if (const std::optional<int> nRows = Gui::GetRowsToMove(Key, nPage)) {
+        return MoveBy(*nRows);
     }
+    return pItem != nullptr && OnItemKey(Key, *pItem);
 }
 
 bool CPropTreeList::OnEditingKey(UINT Key, CPropTreeItem& rItem) {

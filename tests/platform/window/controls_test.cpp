@@ -103,6 +103,20 @@ TEST_F(ControlsTest, AHandlerMayWriteAnotherTextInstead) {
     }
 }
 
+TEST_F(ControlsTest, ACorrectedTextKeepsTheSelectionAndIsToldToNobody) {
+    CEdit Edit;
+    Edit.Create(&m_Parent, CRect(0, 0, 50, 20), 1);
+    Edit.SetWindowText("1,55");
+    Edit.SetSel(3, 1);
+    Edit.CorrectText("1.55");
+    EXPECT_EQ(Edit.GetWindowText(), "1.55");
+    EXPECT_EQ(Edit.GetAnchor(), 3);
+    EXPECT_EQ(Edit.GetCaret(), 1);
+    Edit.CorrectText("7");
+    EXPECT_EQ(Edit.GetAnchor(), 1) << "the end of a shorter text";
+    EXPECT_TRUE(m_Parent.m_Codes.empty());
+}
+
 TEST_F(ControlsTest, AControlMayBeDestroyedByWhatItTells) {
     auto* const pEdit = new CEdit;
     pEdit->Create(&m_Parent, CRect(0, 0, 50, 20), 5);
@@ -300,6 +314,21 @@ TEST_F(ControlsTest, AScrollBarsPositionEndsWhereTheLastPageBegins) {
     EXPECT_EQ(Bar.GetScrollPos(), 200);
     Bar.SetScrollRange(0, 50, 100);
     EXPECT_EQ(Bar.GetScrollPos(), 0) << "all is in sight";
+}
+
+TEST_F(ControlsTest, AScrollBarKnowsWhereEachOfItsPartsLeads) {
+    CScrollBar Bar;
+    Bar.SetScrollRange(0, 1000, 100);
+    Bar.SetScrollPos(50);
+    EXPECT_EQ(Bar.GetTarget(SB_LINEUP, 7, 20), 30);
+    EXPECT_EQ(Bar.GetTarget(SB_LINEDOWN, 7, 20), 70);
+    EXPECT_EQ(Bar.GetTarget(SB_PAGEUP, 7, 20), -50) << "it is the parent's to keep within the range";
+    EXPECT_EQ(Bar.GetTarget(SB_PAGEDOWN, 7, 20), 150);
+    EXPECT_EQ(Bar.GetTarget(SB_THUMBPOSITION, 7, 20), 7);
+    EXPECT_EQ(Bar.GetTarget(SB_THUMBTRACK, 8, 20), 8);
+    EXPECT_EQ(Bar.GetTarget(SB_TOP, 7, 20), 0);
+    EXPECT_EQ(Bar.GetTarget(SB_BOTTOM, 7, 20), 1000);
+    EXPECT_EQ(Bar.GetScrollPos(), 50);
 }
 
 TEST_F(ControlsTest, AScrollBarLeavesThePositionToItsParent) {

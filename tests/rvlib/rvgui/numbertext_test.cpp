@@ -1,10 +1,10 @@
-#include "rvlib/rvgui/proptree/numbertext.h"
+#include "rvlib/rvgui/numbertext.h"
 
 #include <gtest/gtest.h>
 
 #include <clocale>
 
-namespace PropTree {
+namespace Gui {
 namespace {
 
 TEST(NumberTextTest, NumbersAreWrittenTheSameInEveryLocale) {
@@ -46,9 +46,24 @@ TEST(NumberTextTest, WhatIsNoNumberIsNone) {
     EXPECT_FALSE(ReadHex("G"));
 }
 
+TEST(NumberTextTest, ANumberThatIsTooLargeIsNone) {
+    EXPECT_EQ(ReadFraction(std::string(300, '9')), 1e300);
+    EXPECT_FALSE(ReadFraction(std::string(400, '9')));
+}
+
+TEST(NumberTextTest, AFractionIsDigitsOnePointAndASignInFront) {
+    for (const char* pText : {"", "+", "-", ".", "-.", "12", "+1.5", "-.5", "3."}) {
+        EXPECT_TRUE(IsFractionText(pText)) << pText;
+    }
+    for (const char* pText : {" 1", "1 ", "1-", "--1", "+-1", "1.2.3", "1,5", "1e5", "0x1", "inf"}) {
+        EXPECT_FALSE(IsFractionText(pText)) << pText;
+    }
+    EXPECT_EQ(MakePoint("-1,25,5"), "-1.25.5");
+}
+
 TEST(NumberTextTest, UpperCaseKnowsTheMicroSign) {
     EXPECT_EQ(MakeUpper("off \u00B5m/s"), "OFF \u039CM/S");
 }
 
 }  // namespace
-}  // namespace PropTree
+}  // namespace Gui

@@ -450,6 +450,18 @@ TEST_F(PropTreeTest, ArrowsWalkAndOpenAndClose) {
     EXPECT_EQ(m_pTree->GetFocusedItem(), m_pGroup);
 }
 
+TEST_F(PropTreeTest, WithoutARowAStepComesFromItsEndAndHomeAndEndMeanWhatTheySay) {
+    const std::vector<std::pair<UINT, CPropTreeItem*>> c_Keys{{VK_DOWN, m_pGroup}, {VK_UP, m_pResult},
+                                                              {VK_HOME, m_pGroup}, {VK_END, m_pResult},
+                                                              {VK_NEXT, m_pGroup}, {VK_PRIOR, m_pResult}};
+    for (const auto& [VirtualKey, pExpected] : c_Keys) {
+        List().SetFocus();
+        m_pTree->SetFocusedItem(nullptr);
+        Key(VirtualKey);
+        EXPECT_EQ(m_pTree->GetFocusedItem(), pExpected) << VirtualKey;
+    }
+}
+
 TEST_F(PropTreeTest, PageKeysMoveByAPage) {
     for (int i = 0; i < 20; ++i) {
         Add(std::make_unique<CPropTreeItemStatic>(), "Row");

@@ -1,0 +1,32 @@
+#pragma once
+#include <optional>
+
+#include "platform/window/keys.h"
+
+namespace Gui {
+
+/// More rows than any list has.
+constexpr int c_nAllRows = 1 << 28;
+
+/// By how many rows a key moves downwards in a list: the arrows, Page Up and Down (nPage rows), Home and End
+/// (all); nothing for other keys.
+constexpr std::optional<int> GetRowsToMove(UINT Key, int nPage) {
+    switch (Key) {
+        case VK_UP:
+            return -1;
+        case VK_DOWN:
+            return 1;
+        case VK_PRIOR:
+            return -nPage;
+        case VK_NEXT:
+            return nPage;
+        case VK_HOME:
+            return -c_nAllRows;
+        case VK_END:
+            return c_nAllRows;
+        default:
+            return std::nullopt;
+    }
+}
+
+}  // namespace Gui
