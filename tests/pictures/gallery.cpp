@@ -1,6 +1,8 @@
-// Writes pictures of the module's page.
-//   gallery --docs DIRECTORY    the gallery: DIRECTORY/gallery.md and DIRECTORY/gallery/NAME.png
-//   gallery --all DIRECTORY     every scene, as DIRECTORY/NAME.png
+// Writes pictures of the module's page, and of the controls that configurations are edited with.
+//   gallery --docs DIRECTORY    the gallery: DIRECTORY/gallery.md and DIRECTORY/gallery/NAME.png; of the
+//   controls
+//                               DIRECTORY/toolkit.md and DIRECTORY/gallery/toolkit/NAME.png
+//   gallery --all DIRECTORY     every scene of the page, as DIRECTORY/NAME.png
 #include <QApplication>
 #include <cstdio>
 #include <filesystem>
@@ -9,12 +11,15 @@
 
 #include "tests/pictures/picturefile.h"
 #include "tests/pictures/scenepage.h"
+#include "tests/pictures/tablescenes.h"
+#include "tests/pictures/treescenes.h"
 
 namespace {
 
-bool Save(const CScene& rScene, const std::filesystem::path& rFolder) {
-    const std::filesystem::path File = rFolder / (rScene.m_Name + ".png");
-    if (SavePicture(RenderScene(rScene), File)) {
+bool Save(const CBitmap& rPicture, const std::string& rName, const std::filesystem::path& rFolder) {
+    const std::filesystem::path File = rFolder / (rName + ".png");
+    std::filesystem::create_directories(rFolder);
+    if (SavePicture(rPicture, File)) {
         return true;
     }
     std::fprintf(stderr, "can't write %s\n", File.c_str());
@@ -22,32 +27,75 @@ bool Save(const CScene& rScene, const std::filesystem::path& rFolder) {
 }
 
 bool WriteAll(const std::filesystem::path& rFolder) {
-    std::filesystem::create_directories(rFolder);
     bool bResult = true;
     for (const CScene& rScene : GetScenes()) {
-        bResult = Save(rScene, rFolder) && bResult;
+        bResult = Save(RenderScene(rScene), rScene.m_Name, rFolder) && bResult;
     }
     return bResult;
 }
 
+/// A page of captions with their pictures, which lie in a folder beside it.
+class CGalleryPage {
+public:
+    CGalleryPage(const std::filesystem::path& rFile, std::string Pictures, const std::string& rIntroduction)
+        : m_Folder(rFile.parent_path()), m_Pictures(std::move(Pictures)), m_Page(rFile) {
+        m_Page << rIntroduction;
+    }
+
+    void AddHeading(const std::string& rText) { m_Page << "\n## " << rText << "\n"; }
+    void Add(const char* pLevel, const std::string& rCaption, const std::string& rName,
+             const CBitmap& rPicture) {
+        m_bSaved = Save(rPicture, rName, m_Folder / m_Pictures) && m_bSaved;
+        m_Page << "\n"
+               << pLevel << " " << rCaption << "\n\n![" << rCaption << "](" << m_Pictures << "/" << rName
+               << ".png)\n";
+    }
+    bool Close() {
+        m_Page.close();
+        return m_bSaved && m_Page.good();
+    }
+
+private:
+    std::filesystem::path m_Folder;
+    std::string m_Pictures;
+    std::ofstream m_Page;
+    bool m_bSaved = true;
+};
+
 bool WriteGallery(const std::filesystem::path& rFolder) {
-    const std::filesystem::path Pictures = rFolder / "gallery";
-    std::filesystem::create_directories(Pictures);
-    std::ofstream Page(rFolder / "gallery.md");
-    Page << "# Gallery\n\n"
-            "What the operator sees. Written by `build/debug/bin/gallery --docs docs`, from the scenes that "
-            "the\n"
-            "picture tests compare (`tests/pictures/scenes.cpp`).\n";
-    bool bResult = true;
+    CGalleryPage Page(rFolder / "gallery.md", "gallery",
+                      "# Gallery\n\n"
+                      "What the operator sees. Written by `build/release/bin/gallery --docs docs`, from the "
+                      "scenes that the\n"
+                      "picture tests compare (`tests/pictures/scenes.cpp`). What a configuration is edited "
+                      "with is shown\n"
+                      "[here](toolkit.md).\n");
     for (const CScene& rScene : GetScenes()) {
         if (rScene.m_bGallery) {
-            bResult = Save(rScene, Pictures) && bResult;
-            Page << "\n## " << rScene.m_Caption << "\n\n![" << rScene.m_Caption << "](gallery/"
-                 << rScene.m_Name << ".png)\n";
+            Page.Add("##", rScene.m_Caption, rScene.m_Name, RenderScene(rScene));
         }
     }
-    Page.close();
-    return bResult && Page.good();
+    return Page.Close();
+}
+
+bool WriteToolkit(const std::filesystem::path& rFolder) {
+    CGalleryPage Page(rFolder / "toolkit.md", "gallery/toolkit",
+                      "# The toolkit\n\n"
+                      "The controls that configurations are edited with, in their states. Written by\n"
+                      "`build/release/bin/gallery --docs docs`, from the scenes that the picture tests "
+                      "compare\n"
+                      "(`tests/pictures/treescenes.cpp`, `tests/pictures/tablescenes.cpp`).\n");
+    Page.AddHeading("Property tree");
+    for (const CTreeScene& rScene : GetTreeScenes()) {
+        if (rScene.m_Scale == 1.0) {
+            Page.Add("###", rScene.m_Caption, "tree-" + rScene.m_Name, RenderTreeScene(rScene));
+        }
+    }
+    Page.AddHeading("Flex table");
+    for (const CTableScene& rScene : GetTableScenes()) {
+        Page.Add("###", rScene.m_Caption, "table-" + rScene.m_Name, RenderTableScene(rScene));
+    }
+    return Page.Close();
 }
 
 }  // namespace
@@ -57,7 +105,9 @@ int main(int argc, char** argv) {
     const QApplication App(argc, argv);
     const std::string Option = argc == 3 ? argv[1] : "";
     if (Option == "--docs") {
-        return WriteGallery(argv[2]) ? 0 : 1;
+        std::filesystem::create_directories(argv[2]);
+        const bool bGallery = WriteGallery(argv[2]);
+        return WriteToolkit(argv[2]) && bGallery ? 0 : 1;
     }
     if (Option == "--all") {
         return WriteAll(argv[2]) ? 0 : 1;

@@ -1,10 +1,7 @@
 #include "tests/pictures/treescenes.h"
 
-#include <QApplication>
-#include <QWidget>
 #include <memory>
 
-#include "platform/qt/windowview.h"
 #include "platform/rvldb/gettext.h"
 #include "platform/system/virtualeventloop.h"
 #include "platform/window/display.h"
@@ -12,6 +9,7 @@
 #include "rvlib/rvgui/proptree/proptreeitemcombo.h"
 #include "rvlib/rvgui/proptree/proptreeitemspinedit.h"
 #include "rvlib/rvgui/proptree/proptreeitemstatic.h"
+#include "tests/pictures/unseenview.h"
 
 using namespace PropTree;
 
@@ -111,7 +109,6 @@ CBitmap RenderTreeScene(const CTreeScene& rScene) {
     const int nFormerBits = GetDisplayBitsPerPixel();
     SetLanguage(rScene.m_Language);
     SetDisplayBitsPerPixel(rScene.m_nBitsPerPixel);
-    QApplication::setCursorFlashTime(0);
     CBitmap Picture;
     {
         CVirtualEventLoop Loop;
@@ -119,12 +116,7 @@ CBitmap RenderTreeScene(const CTreeScene& rScene) {
         Tree.SetMode(rScene.m_bKeyboardOnly ? CPropTree::eKeyboardOnly : CPropTree::eNormalMode);
         Tree.Create(nullptr, CRect(0, 0, rScene.m_nWidth, rScene.m_nHeight), 0);
         Fill(Tree, rScene);
-        // Shown to nobody, but with the focus of a window that is.
-        CWindowView View(Tree);
-        View.setAttribute(Qt::WA_DontShowOnScreen);
-        View.show();
-        View.activateWindow();
-        QApplication::processEvents();
+        const CUnseenView View(Tree);
         Tree.SetScale(rScene.m_Scale);
         CPropTreeItem* pRow = rScene.m_nFocus < 0 ? nullptr : Tree.GetFirstVisible();
         for (int i = 0; i < rScene.m_nFocus; ++i) {
