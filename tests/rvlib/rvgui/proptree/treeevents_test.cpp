@@ -1,15 +1,8 @@
 // What people do to a tree, as real events of the toolkit.
 #include <gmock/gmock.h>
 
-#include <QApplication>
-#include <QComboBox>
-#include <QLineEdit>
-#include <QTest>
-#include <QWheelEvent>
-#include <QWindow>
-
-#include "platform/qt/windowview.h"
 #include "tests/rvlib/rvgui/proptree/treefixture.h"
+#include "tests/support/shownpage.h"
 
 namespace PropTree {
 namespace {
@@ -17,49 +10,20 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class TreeEventsTest : public CTreeFixture {
+class TreeEventsTest : public CTreeFixture, protected CShownPage {
 protected:
-    TreeEventsTest() {
-        QApplication::setCursorFlashTime(0);
-        m_pView = std::make_unique<CWindowView>(m_Page);
-    }
-    void SetUp() override {
-        m_pView->show();
-        m_pView->activateWindow();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(m_pView.get()));
-        m_Loop.RunPosted();
-    }
-    QWidget* Find(const CWnd& rWnd) { return m_pView->FindWidget(rWnd); }
+    TreeEventsTest() : CShownPage(m_Loop, m_Page) {}
+    void SetUp() override { ASSERT_TRUE(TryShow()); }
     void ClickList(CPoint Point) {
         QTest::mouseClick(Find(List()), Qt::LeftButton, Qt::NoModifier, QPoint(Point.x, Point.y));
         m_Loop.RunPosted();
     }
-    /// To whatever has the toolkit's focus.
-    void PressKey(Qt::Key Key, Qt::KeyboardModifiers Modifiers = Qt::NoModifier) {
-        ASSERT_NE(QApplication::focusWidget(), nullptr);
-        QTest::keyClick(QApplication::focusWidget(), Key, Modifiers);
-        m_Loop.RunPosted();
-    }
-    void Type(const char* pText) {
-        for (const char* p = pText; *p != '\0'; ++p) {
-            QTest::keyClick(QApplication::focusWidget(), *p);
-            m_Loop.RunPosted();
-        }
-    }
-    void TurnWheel(QWidget* pWidget, int nDelta) {
-        const QPoint Point = pWidget->mapTo(m_pView.get(), QPoint(5, 5));
-        QWheelEvent Event(Point, m_pView->mapToGlobal(Point), QPoint(), QPoint(0, nDelta), Qt::NoButton,
-                          Qt::NoModifier, Qt::NoScrollPhase, false);
-        QApplication::sendEvent(m_pView->windowHandle(), &Event);
-    }
-
-    std::unique_ptr<CWindowView> m_pView;
 };
 
 TEST_F(TreeEventsTest, AValueIsClickedTypedAndAcceptedWithEnter) {
     ClickList(ValueOf(*m_pSpeed));
     ASSERT_EQ(QApplication::focusWidget(), Find(m_pSpeed->GetEdit()));
-    Type("250");
+    Write("250");
     EXPECT_EQ(m_pSpeed->GetItemValue(), 250u);
     EXPECT_EQ(dynamic_cast<QLineEdit*>(Find(m_pSpeed->GetEdit()))->text(), "250");
     EXPECT_THAT(m_Told, IsEmpty());
@@ -72,9 +36,9 @@ TEST_F(TreeEventsTest, AValueIsClickedTypedAndAcceptedWithEnter) {
 
 TEST_F(TreeEventsTest, IllegalCharactersDisappearAsTheyAreTyped) {
     ClickList(ValueOf(*m_pTime));
-    Type("1,5x");
+    Write("1,5x");
     EXPECT_EQ(m_pTime->GetEdit().GetWindowText(), "1.5 s") << "put back with all selected";
-    Type("2.25");
+    Write("2.25");
     EXPECT_EQ(m_pTime->GetEdit().GetWindowText(), "2.25");
     PressKey(Qt::Key_Return);
     EXPECT_EQ(m_pTime->GetValueText(), "2.2 s");
@@ -85,12 +49,12 @@ TEST_F(TreeEventsTest, AWholeEditByTheKeyboard) {
     PressKey(Qt::Key_Down);
     PressKey(Qt::Key_Return);
     ASSERT_TRUE(m_pSpeed->IsActive()) << "and the release of Enter hasn't ended it";
-    Type("42");
+    Write("42");
     PressKey(Qt::Key_Down);
     EXPECT_EQ(m_pSpeed->GetItemValue(), 42u);
     EXPECT_EQ(m_pTree->GetFocusedItem(), m_pTime);
     PressKey(Qt::Key_F2);
-    Type("7.5");
+    Write("7.5");
     PressKey(Qt::Key_Escape);
     EXPECT_EQ(m_pTime->GetValueText(), "5.0 s");
     EXPECT_EQ(QApplication::focusWidget(), Find(List()));
@@ -101,7 +65,7 @@ TEST_F(TreeEventsTest, AWholeEditByTheKeyboard) {
 TEST_F(TreeEventsTest, ADigitBeginsEditingAndTheNextOnesFollow) {
     m_pTree->SetFocusedItem(m_pSpeed);
     List().SetFocus();
-    Type("325");
+    Write("325");
     EXPECT_EQ(m_pSpeed->GetEdit().GetWindowText(), "325");
     PressKey(Qt::Key_Return);
     EXPECT_EQ(m_pSpeed->GetItemValue(), 325u);
@@ -111,7 +75,7 @@ TEST_F(TreeEventsTest, TheUnitCanBeLeftStandingWhileTheNumberIsChanged) {
     ClickList(ValueOf(*m_pSpeed));
     PressKey(Qt::Key_Home);
     PressKey(Qt::Key_Right);
-    Type("5");
+    Write("5");
     EXPECT_EQ(m_pSpeed->GetEdit().GetWindowText(), "1500 rpm");
     EXPECT_EQ(m_pSpeed->GetEdit().GetCaret(), 2);
     PressKey(Qt::Key_Delete);
@@ -133,7 +97,7 @@ TEST_F(TreeEventsTest, TheSpinButtonIsHeldWithTheMouse) {
 
 TEST_F(TreeEventsTest, ClickingElsewhereInTheListCommits) {
     ClickList(ValueOf(*m_pSpeed));
-    Type("7");
+    Write("7");
     ClickList(LabelOf(*m_pResult));
     EXPECT_FALSE(m_pSpeed->IsActive());
     EXPECT_EQ(m_pSpeed->GetItemValue(), 7u);
@@ -143,7 +107,7 @@ TEST_F(TreeEventsTest, ClickingElsewhereInTheListCommits) {
 
 TEST_F(TreeEventsTest, ClickingIntoAnotherValueMovesTheEditingThere) {
     ClickList(ValueOf(*m_pSpeed));
-    Type("7");
+    Write("7");
     ClickList(ValueOf(*m_pTime));
     EXPECT_EQ(m_pSpeed->GetItemValue(), 7u);
     EXPECT_TRUE(m_pTime->IsActive());
@@ -154,7 +118,7 @@ TEST_F(TreeEventsTest, TheTabKeyLeavesTheBoxAndCommits) {
     CEdit After;
     After.Create(&m_Page, CRect(10, 220, 110, 245), 9);
     ClickList(ValueOf(*m_pSpeed));
-    Type("7");
+    Write("7");
     PressKey(Qt::Key_Tab);
     EXPECT_EQ(CWnd::GetFocus(), &After);
     EXPECT_EQ(QApplication::focusWidget(), Find(After));
@@ -165,7 +129,7 @@ TEST_F(TreeEventsTest, TheTabKeyLeavesTheBoxAndCommits) {
 
 TEST_F(TreeEventsTest, LeavingTheProgramCommits) {
     ClickList(ValueOf(*m_pSpeed));
-    Type("7");
+    Write("7");
     QWidget Other;
     Other.show();
     Other.activateWindow();
@@ -179,7 +143,7 @@ TEST_F(TreeEventsTest, ACombosArrowsAndLettersChooseAndEnterAccepts) {
     ASSERT_EQ(QApplication::focusWidget(), Find(*m_pDirection));
     PressKey(Qt::Key_Down);
     EXPECT_EQ(m_pDirection->GetItemValue(), 1);
-    Type("n");
+    Write("n");
     EXPECT_EQ(m_pDirection->GetItemValue(), 2);
     EXPECT_THAT(CodesOf(m_pDirection), ElementsAre(-1105, -1105));
     PressKey(Qt::Key_Return);
@@ -209,14 +173,14 @@ TEST_F(TreeEventsTest, TheWheelOverABoxScrollsAndNeverChangesAValue) {
     }
     m_Loop.RunPosted();
     ClickList(ValueOf(*m_pDirection));
-    TurnWheel(Find(*m_pDirection), -120);
+    TurnWheel(Find(*m_pDirection), QPoint(5, 5), -120);
     EXPECT_EQ(m_pDirection->GetItemValue(), 0);
     EXPECT_EQ(m_pTree->GetScrollPos(), 3 * 28);
     m_pTree->SetScrollPos(0);
     ClickList(ValueOf(*m_pTime));
     ASSERT_TRUE(m_pTime->IsActive());
     ASSERT_TRUE(Find(m_pTime->GetEdit())->isVisible());
-    TurnWheel(Find(m_pTime->GetEdit()), -120);
+    TurnWheel(Find(m_pTime->GetEdit()), QPoint(5, 5), -120);
     EXPECT_EQ(m_pTime->GetValueText(), "5.0 s");
     EXPECT_EQ(m_pTree->GetScrollPos(), 3 * 28);
 }
