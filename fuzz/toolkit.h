@@ -8,6 +8,11 @@
 #include "platform/window/messagebox.h"
 #include "tests/sequences/choices.h"
 
+/// What the font configuration keeps to itself isn't ours.
+extern "C" const char* __lsan_default_suppressions() {
+    return "leak:libfontconfig";
+}
+
 /// Once, and to the end of the process: windows need the toolkit, and nobody is to see them.
 inline void ProvideToolkit() {
     static const bool s_bProvided = [] {
@@ -15,8 +20,9 @@ inline void ProvideToolkit() {
         static char s_Name[] = "fuzz";
         static char* s_pArguments[] = {s_Name, nullptr};
         qputenv("QT_QPA_PLATFORM", "offscreen");
-        static QApplication s_Application(s_nArguments, s_pArguments);
-        QApplication::setStyle("fusion");
+        // Stays: at the end of a process there is no right moment for it.
+        static auto* const s_pApplication = new QApplication(s_nArguments, s_pArguments);
+        s_pApplication->setStyle("fusion");
         OpenAllTopics();
         return true;
     }();

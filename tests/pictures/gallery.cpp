@@ -9,10 +9,9 @@
 #include <fstream>
 #include <string>
 
+#include "tests/pictures/controlscenes.h"
 #include "tests/pictures/picturefile.h"
 #include "tests/pictures/scenepage.h"
-#include "tests/pictures/tablescenes.h"
-#include "tests/pictures/treescenes.h"
 
 namespace {
 
@@ -85,15 +84,15 @@ bool WriteToolkit(const std::filesystem::path& rFolder) {
                       "`build/release/bin/gallery --docs docs`, from the scenes that the picture tests "
                       "compare\n"
                       "(`tests/pictures/treescenes.cpp`, `tests/pictures/tablescenes.cpp`).\n");
-    Page.AddHeading("Property tree");
-    for (const CTreeScene& rScene : GetTreeScenes()) {
-        if (rScene.m_Scale == 1.0) {
-            Page.Add("###", rScene.m_Caption, "tree-" + rScene.m_Name, RenderTreeScene(rScene));
+    for (const auto& [Control, Heading] :
+         {std::pair("tree", "Property tree"), std::pair("table", "Flex table")}) {
+        Page.AddHeading(Heading);
+        for (const CControlScene& rScene : GetControlScenes()) {
+            if (rScene.m_Control == Control) {
+                Page.Add("###", rScene.m_Caption, rScene.m_Control + "-" + rScene.m_Name,
+                         rScene.m_Render(1.0));
+            }
         }
-    }
-    Page.AddHeading("Flex table");
-    for (const CTableScene& rScene : GetTableScenes()) {
-        Page.Add("###", rScene.m_Caption, "table-" + rScene.m_Name, RenderTableScene(rScene));
     }
     return Page.Close();
 }

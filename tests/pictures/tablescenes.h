@@ -1,5 +1,4 @@
 #pragma once
-#include <ostream>
 #include <string>
 #include <vector>
 
@@ -23,10 +22,6 @@ struct CTableScene {
     int m_nScrolled = 0;  ///< pixels, as far as it goes
     bool m_bEnabled = true;
 };
-
-inline void PrintTo(const CTableScene& rScene, std::ostream* pStream) {
-    *pStream << rScene.m_Name;
-}
 
 const std::vector<CTableScene>& GetTableScenes();
 /// With the pixels of the scale.

@@ -56,8 +56,10 @@ void Fill(CPropTree& rTree, const CTreeScene& rScene) {
     }
 }
 
-std::vector<CTreeScene> MakeScenes() {
-    std::vector<CTreeScene> Scenes{
+}  // namespace
+
+const std::vector<CTreeScene>& GetTreeScenes() {
+    static const std::vector<CTreeScene> s_Scenes{
         {.m_Name = "open", .m_Caption = "Groups open, nothing selected"},
         {.m_Name = "closed", .m_Caption = "The lower group closed", .m_bClosed = true},
         {.m_Name = "focus", .m_Caption = "A row with the focus, and the info pane about it", .m_nFocus = 2},
@@ -87,24 +89,10 @@ std::vector<CTreeScene> MakeScenes() {
         {.m_Name = "scrolled", .m_Caption = "More rows than fit", .m_bManyRows = true, .m_nFocus = 14},
         {.m_Name = "german", .m_Caption = "In German", .m_Language = "de", .m_nFocus = 4},
     };
-    for (const std::size_t i : {2UL, 5UL, 6UL, 11UL}) {
-        CTreeScene Fine = Scenes[i];
-        Fine.m_Name += "-fine";
-        Fine.m_Caption += ", at twice the resolution";
-        Fine.m_Scale = 2.0;
-        Scenes.push_back(Fine);
-    }
-    return Scenes;
-}
-
-}  // namespace
-
-const std::vector<CTreeScene>& GetTreeScenes() {
-    static const std::vector<CTreeScene> s_Scenes = MakeScenes();
     return s_Scenes;
 }
 
-CBitmap RenderTreeScene(const CTreeScene& rScene) {
+CBitmap RenderTreeScene(const CTreeScene& rScene, double Scale) {
     const std::string FormerLanguage = GetLanguage();
     const int nFormerBits = GetDisplayBitsPerPixel();
     SetLanguage(rScene.m_Language);
@@ -117,7 +105,7 @@ CBitmap RenderTreeScene(const CTreeScene& rScene) {
         Tree.Create(nullptr, CRect(0, 0, rScene.m_nWidth, rScene.m_nHeight), 0);
         Fill(Tree, rScene);
         const CUnseenView View(Tree);
-        Tree.SetScale(rScene.m_Scale);
+        Tree.SetScale(Scale);
         CPropTreeItem* pRow = rScene.m_nFocus < 0 ? nullptr : Tree.GetFirstVisible();
         for (int i = 0; i < rScene.m_nFocus; ++i) {
             pRow = pRow->GetNextVisible();

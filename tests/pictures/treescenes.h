@@ -1,5 +1,4 @@
 #pragma once
-#include <ostream>
 #include <string>
 #include <vector>
 
@@ -10,7 +9,6 @@ struct CTreeScene {
     std::string m_Name;     ///< of its file; lower case and hyphens
     std::string m_Caption;  ///< what it shows
     std::string m_Language = "en";
-    double m_Scale = 1.0;
     int m_nBitsPerPixel = 24;
     int m_nWidth = 420;
     int m_nHeight = 360;
@@ -24,10 +22,6 @@ struct CTreeScene {
     bool m_bWithWindowFocus = true;
 };
 
-inline void PrintTo(const CTreeScene& rScene, std::ostream* pStream) {
-    *pStream << rScene.m_Name;
-}
-
 const std::vector<CTreeScene>& GetTreeScenes();
-/// With the pixels of its scale.
-CBitmap RenderTreeScene(const CTreeScene& rScene);
+/// With the pixels of the scale.
+CBitmap RenderTreeScene(const CTreeScene& rScene, double Scale = 1.0);

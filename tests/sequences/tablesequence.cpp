@@ -151,8 +151,8 @@ void CTableSequence::Expect(bool bHolds, const char* pRule) {
 void CTableSequence::CheckFocus(bool bCursorOn) {
     const CWnd* const pFocus = CWnd::GetFocus();
     QWidget* const pNeighbour = m_pBefore->hasFocus() ? m_pBefore : m_pAfter->hasFocus() ? m_pAfter : nullptr;
-    Expect(QApplication::focusWidget() == (pFocus != nullptr ? Find(*pFocus) : pNeighbour),
-           "the toolkit's focus is ours");
+    QWidget* const pShown = pFocus == nullptr ? pNeighbour : pFocus == &m_Page ? m_pView : Find(*pFocus);
+    Expect(QApplication::focusWidget() == pShown, "the toolkit's focus is ours");
     const CWnd* const pOperated = bCursorOn ? static_cast<const CWnd*>(GetBox()) : &m_Table;
     Expect(pFocus == nullptr || pFocus == &m_Page || pFocus == pOperated,
            "the focus is in the box, and on the table only if there is none");

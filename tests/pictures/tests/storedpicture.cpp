@@ -1,8 +1,10 @@
 #include "tests/pictures/tests/storedpicture.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <set>
 
 #include "tests/pictures/picturefile.h"
 #include "tests/support/tempdirectory.h"
@@ -19,6 +21,16 @@ std::filesystem::path GetFailedFolder() {
 
 std::filesystem::path GetStoredFolder(const std::string& rKind) {
     return TestData("pictures") / (rKind.empty() ? "stored" : "stored-" + rKind);
+}
+
+void ExpectEachHasAScene(const std::filesystem::path& rFolder, const std::vector<std::string>& rNames) {
+    std::set<std::string> Names;
+    for (const std::string& rName : rNames) {
+        EXPECT_TRUE(Names.insert(rName).second) << rName << " twice";
+    }
+    for (const auto& rEntry : std::filesystem::directory_iterator(rFolder)) {
+        EXPECT_THAT(Names, testing::Contains(rEntry.path().filename().string()));
+    }
 }
 
 void ExpectLooksAsStored(const CBitmap& rPicture, const std::filesystem::path& rFile,
