@@ -19,14 +19,16 @@ TEST_P(ControlPicturesTest, LooksAsStored) {
                         Scene.m_Caption);
 }
 
+std::string NameTest(const testing::TestParamInfo<ControlPicturesTest::ParamType>& rInfo) {
+    const auto& [Scene, nScale] = rInfo.param;
+    std::string Name = Scene.m_Control + Scene.m_Name + (nScale == 1 ? "" : "twice");
+    std::erase(Name, '-');
+    return Name;
+}
+
 INSTANTIATE_TEST_SUITE_P(Controls, ControlPicturesTest,
                          testing::Combine(testing::ValuesIn(GetControlScenes()), testing::Values(1, 2)),
-                         [](const testing::TestParamInfo<std::tuple<CControlScene, int>>& rInfo) {
-                             const auto& [Scene, nScale] = rInfo.param;
-                             std::string Name = Scene.m_Control + Scene.m_Name + (nScale == 1 ? "" : "twice");
-                             std::erase(Name, '-');
-                             return Name;
-                         });
+                         NameTest);
 
 TEST(StoredControlPicturesTest, EachHasAScene) {
     for (const char* pControl : {"tree", "table"}) {
