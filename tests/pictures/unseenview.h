@@ -1,5 +1,6 @@
 #pragma once
 #include <QApplication>
+#include <QTest>
 
 #include "platform/qt/windowview.h"
 
@@ -7,10 +8,10 @@
 class CUnseenView : public CWindowView {
 public:
     explicit CUnseenView(CWnd& rWnd) : CWindowView(rWnd) {
-        QApplication::setCursorFlashTime(0);
+        QApplication::setCursorFlashTime(0);  // a caret that stays
         setAttribute(Qt::WA_DontShowOnScreen);
         show();
         activateWindow();
-        QApplication::processEvents();
+        static_cast<void>(QTest::qWaitForWindowActive(this));
     }
 };
