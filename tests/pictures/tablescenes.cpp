@@ -6,7 +6,7 @@
 #include "platform/window/edit.h"
 #include "platform/window/messageparams.h"
 #include "rvlib/rvgui/flextable/flextableheader.h"
-#include "tests/pictures/unseenview.h"
+#include "tests/pictures/activeview.h"
 
 namespace {
 
@@ -76,7 +76,7 @@ CBitmap RenderTableScene(const CTableScene& rScene, double Scale) {
                           {CFlexTable::eDouble, GetText("REFERENCE_WEIGHT"), "g"}});
         Table.SetDefaultValues({GetText("NAME"), "0.000000"});
         Table.Create(&Page, CRect(10, 30, 330, 180), 101);
-        const CUnseenView View(Page);
+        const CActiveView View(Page);
         Page.SetScale(Scale);
         Fill(Table, rScene);
         if (rScene.m_bFocus) {

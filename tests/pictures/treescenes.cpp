@@ -9,7 +9,7 @@
 #include "rvlib/rvgui/proptree/proptreeitemcombo.h"
 #include "rvlib/rvgui/proptree/proptreeitemspinedit.h"
 #include "rvlib/rvgui/proptree/proptreeitemstatic.h"
-#include "tests/pictures/unseenview.h"
+#include "tests/pictures/activeview.h"
 
 using namespace PropTree;
 
@@ -104,7 +104,7 @@ CBitmap RenderTreeScene(const CTreeScene& rScene, double Scale) {
         Tree.SetMode(rScene.m_bKeyboardOnly ? CPropTree::eKeyboardOnly : CPropTree::eNormalMode);
         Tree.Create(nullptr, CRect(0, 0, rScene.m_nWidth, rScene.m_nHeight), 0);
         Fill(Tree, rScene);
-        const CUnseenView View(Tree);
+        const CActiveView View(Tree);
         Tree.SetScale(Scale);
         CPropTreeItem* pRow = rScene.m_nFocus < 0 ? nullptr : Tree.GetFirstVisible();
         for (int i = 0; i < rScene.m_nFocus; ++i) {

@@ -1,15 +1,14 @@
 #pragma once
+#include <qtestsupport_widgets.h>
 #include <QApplication>
-#include <QTest>
 
 #include "platform/qt/windowview.h"
 
-/// A view that nobody sees, but that has the focus of one that is on the screen.
-class CUnseenView : public CWindowView {
+/// A view with the focus and the caret of one that is on the screen; who has no screen sees nothing of it.
+class CActiveView : public CWindowView {
 public:
-    explicit CUnseenView(CWnd& rWnd) : CWindowView(rWnd) {
+    explicit CActiveView(CWnd& rWnd) : CWindowView(rWnd) {
         QApplication::setCursorFlashTime(0);  // a caret that stays
-        setAttribute(Qt::WA_DontShowOnScreen);
         show();
         activateWindow();
         static_cast<void>(QTest::qWaitForWindowActive(this));
