@@ -111,7 +111,9 @@ CBitmap RenderTreeScene(const CTreeScene& rScene, double Scale) {
             pRow = pRow->GetNextVisible();
         }
         Tree.SetFocusedItem(pRow);
-        if (pRow != nullptr && rScene.m_bWithWindowFocus) {
+        if (!rScene.m_bWithWindowFocus) {
+            Tree.GetInfo().SetFocus();  // elsewhere
+        } else if (pRow != nullptr) {
             Tree.GetList().SetFocus();
         }
         if (pRow != nullptr && rScene.m_bEdited) {
