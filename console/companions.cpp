@@ -13,10 +13,7 @@
 
 #include "console/processwork.h"
 #include "console/session.h"
-#include "platform/rvopc/prebalinterfacefromnc.h"
-#include "platform/rvopc/prebalinterfacefromnctestweight.h"
-#include "platform/rvopc/prebalinterfacetonc.h"
-#include "platform/rvopc/prebalinterfacetoncwarnings.h"
+#include "contract/ncitems.h"
 #include "platform/system/eventloop.h"
 #include "platform/system/files.h"
 #include "platform/system/linesplitter.h"
@@ -40,10 +37,10 @@ struct CLinkItem {
     const char* m_pItem;
 };
 constexpr CLinkItem LINK_ITEMS[] = {
-    {CPreBalInterfaceFromNC::ms_pKey, "Request"},
-    {CPreBalInterfaceToNC::ms_pKey, "Notification"},
-    {CPreBalInterfaceToNCWarnings::ms_pKey, "Warning"},
-    {CPreBalInterfaceFromNcTestWeight::ms_pKey, "TestWeight"},
+    {NcItems::REQUEST, "Request"},
+    {NcItems::NOTIFICATION, "Notification"},
+    {NcItems::WARNING, "Warning"},
+    {NcItems::TEST_WEIGHT, "TestWeight"},
 };
 
 std::string MakePassword() {

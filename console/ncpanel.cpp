@@ -3,11 +3,10 @@
 #include <algorithm>
 #include <utility>
 
+#include "contract/ncitems.h"
 #include "platform/rvopc/inprocessopcserver.h"
 #include "platform/rvopc/opcconnection.h"
 #include "platform/rvopc/opcdatabase.h"
-#include "platform/rvopc/prebalinterfacetonc.h"
-#include "platform/rvopc/prebalinterfacetoncwarnings.h"
 #include "platform/system/eventloop.h"
 
 namespace {
@@ -85,9 +84,8 @@ CNcPanel::CNcPanel(const std::optional<COpcSetup>& rSetup) {
             pDatabase->SetOpcLinkItem(rKey, rItem);
         }
     }
-    m_pServer =
-        std::make_shared<CServer>(*this, LinkedItem(CPreBalInterfaceToNC::ms_pKey, LOCAL_NOTIFICATION),
-                                  LinkedItem(CPreBalInterfaceToNCWarnings::ms_pKey, LOCAL_WARNING));
+    m_pServer = std::make_shared<CServer>(*this, LinkedItem(NcItems::NOTIFICATION, LOCAL_NOTIFICATION),
+                                          LinkedItem(NcItems::WARNING, LOCAL_WARNING));
     COPCConnection::CreateInstance()->SetConnector(
         [pServer = m_pServer, rSetup](const std::string& rServer, int Flag) {
             if (rSetup) {

@@ -6,13 +6,10 @@
 #include <nlohmann/json.hpp>
 #include <string_view>
 
+#include "contract/ncitems.h"
+#include "contract/ncnotification.h"
+#include "contract/ncrequests.h"
 #include "platform/rvopc/opcnodeid.h"
-#include "platform/rvopc/prebalinterfacefromnc.h"
-#include "platform/rvopc/prebalinterfacefromncrotationdirection.h"
-#include "platform/rvopc/prebalinterfacefromnctargetunbalance.h"
-#include "platform/rvopc/prebalinterfacefromnctestweight.h"
-#include "platform/rvopc/prebalinterfacetonc.h"
-#include "platform/rvopc/prebalinterfacetoncwarnings.h"
 #include "platform/system/files.h"
 #include "simulator/jsonfields.h"
 
@@ -29,14 +26,13 @@ constexpr std::array<std::string_view, 4> POLICIES = {"Basic256Sha256", "Aes128_
 constexpr std::string_view UNSECURED = "None";
 
 constexpr std::array<std::string_view, 7> LINK_KEYS = {
-    CPreBalInterfaceFromNC::ms_pKey,
-    CPreBalInterfaceToNC::ms_pKey,
-    CPreBalInterfaceToNCWarnings::ms_pKey,
-    CPreBalInterfaceFromNcTestWeight::ms_pKey,
-    CPreBalInterfaceFromNcTargetUnbalance::ms_pKey,
-    CPreBalInterfaceFromNcRotationDirection::ms_pKey,
-    // Deliberately another one: only this one makes the module connect.
-    "PreBalInterfaceFromNCRotationDirection",
+    NcItems::REQUEST,
+    NcItems::NOTIFICATION,
+    NcItems::WARNING,
+    NcItems::TEST_WEIGHT,
+    NcItems::TARGET_UNBALANCE,
+    NcItems::ROTATION_DIRECTION,
+    NcItems::ROTATION_DIRECTION_CONNECTS,
 };
 
 std::string ReadFingerprint(const CJsonFields& rFields) {
@@ -100,7 +96,7 @@ COpcConfiguration FromJson(const json& rValue, const fs::path& rDirectory) {
     const CJsonFields Fields(
         rValue, "",
         {"server", "security", "fingerprint", "user", "password", "user_certificate", "user_key", "items"});
-    COpcConfiguration Result;
+    COpcConfiguration Result = COpcSetup::MakeConfiguration();
     Result.m_Server = ReadServer(Fields);
     Result.m_Security = POLICIES.at(Fields.GetChoice("security", 0, POLICIES));
     Result.m_Fingerprint = ReadFingerprint(Fields);
@@ -132,6 +128,14 @@ bool CanOthersRead(const std::string& rFile) {
 }
 
 }  // namespace
+
+COpcConfiguration COpcSetup::MakeConfiguration() {
+    COpcConfiguration Result;
+    // An unsigned node can't.
+    Result.m_Exacting = {{NcItems::REQUEST, NcRequests::eRefused},
+                         {NcItems::NOTIFICATION, std::vector<std::int32_t>(CNcNotification::eSize, -1)}};
+    return Result;
+}
 
 std::optional<COpcConfiguration> COpcSetup::Read(const std::string& rFile, std::string& rError) {
     rError.clear();

@@ -4,8 +4,6 @@
 #include <utility>
 
 #include "platform/rvlog/log.h"
-#include "platform/rvopc/prebalinterfacefromnc.h"
-#include "platform/rvopc/prebalinterfacetonc.h"
 #include "platform/system/eventloop.h"
 
 using nlohmann::json;
@@ -51,15 +49,12 @@ std::optional<COpcValue> ToValue(const json& rAnswer) {
     return std::nullopt;
 }
 
-/// Answers and notifications hold -1, which an unsigned node can't.
-std::map<std::string, COpcValue> FindExacting(const std::map<std::string, std::string>& rLinkItems) {
-    const std::pair<const char*, COpcValue> Values[] = {
-        {CPreBalInterfaceFromNC::ms_pKey, -1},
-        {CPreBalInterfaceToNC::ms_pKey, std::vector<std::int32_t>(CPreBalInterfaceToNC::eNumberOfValues, -1)},
-    };
+/// The exacting values of the linked items, by node.
+std::map<std::string, COpcValue> FindExacting(const COpcConfiguration& rConfiguration) {
     std::map<std::string, COpcValue> Exacting;
-    for (const auto& [pKey, rValue] : Values) {
-        if (const auto Item = rLinkItems.find(pKey); Item != rLinkItems.end()) {
+    for (const auto& [rKey, rValue] : rConfiguration.m_Exacting) {
+        if (const auto Item = rConfiguration.m_LinkItems.find(rKey);
+            Item != rConfiguration.m_LinkItems.end()) {
             Exacting[Item->second] = rValue;
         }
     }
@@ -92,7 +87,7 @@ CNetworkOpcServer::CNetworkOpcServer(std::unique_ptr<IFOpcGateway> pGateway,
                                        {"password", rConfiguration.m_Password},
                                        {"user_certificate", rConfiguration.m_UserCertificate},
                                        {"user_key", rConfiguration.m_UserKey}})),
-      m_Exacting(FindExacting(rConfiguration.m_LinkItems)) {
+      m_Exacting(FindExacting(rConfiguration)) {
     m_pGateway->OnOpened = [this] { OnGatewayOpened(); };
     m_pGateway->OnLine = [this](const std::string& rLine) { OnLine(rLine); };
     m_pGateway->OnLost = [this](const std::string& rWhy) { OnLost(rWhy); };

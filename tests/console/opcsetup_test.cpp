@@ -55,6 +55,17 @@ TEST_F(COpcSetupTest, AServerAloneGetsTheDefaults) {
     EXPECT_THAT(Configuration->m_LinkItems, IsEmpty());
 }
 
+/// An unsigned node can't, and would fail in the run only.
+TEST_F(COpcSetupTest, NodesOfRequestAndNotificationMustHoldMinusOne) {
+    const auto Configuration = Read(R"({"server": "opc.tcp://nc"})");
+    ASSERT_TRUE(Configuration) << m_Error;
+    const auto Expected =
+        ElementsAre(Pair("PreBalInterfaceFromNC", COpcValue(-1)),
+                    Pair("PreBalInterfaceToNC", COpcValue(std::vector<std::int32_t>(14, -1))));
+    EXPECT_THAT(Configuration->m_Exacting, Expected);
+    EXPECT_THAT(COpcSetup().m_Configuration.m_Exacting, Expected);
+}
+
 TEST_F(COpcSetupTest, EachFieldIsTaken) {
     const std::string Fingerprint(64, 'a');
     const auto Configuration =

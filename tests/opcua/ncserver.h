@@ -12,10 +12,7 @@
 #include <string>
 
 #include "console/opcsetup.h"
-#include "platform/rvopc/prebalinterfacefromnc.h"
-#include "platform/rvopc/prebalinterfacefromnctestweight.h"
-#include "platform/rvopc/prebalinterfacetonc.h"
-#include "platform/rvopc/prebalinterfacetoncwarnings.h"
+#include "contract/ncitems.h"
 #include "platform/system/eventloop.h"
 #include "tests/opcua/children.h"
 #include "tests/support/testpaths.h"
@@ -60,11 +57,10 @@ public:
         COpcSetup Setup;
         Setup.m_Configuration.m_Server = m_Listening.at("url");
         const nlohmann::json& rItems = m_Listening.at("items");
-        Setup.m_Configuration.m_LinkItems = {
-            {CPreBalInterfaceFromNC::ms_pKey, rItems.at("Request")},
-            {CPreBalInterfaceToNC::ms_pKey, rItems.at("Notification")},
-            {CPreBalInterfaceToNCWarnings::ms_pKey, rItems.at("Warning")},
-            {CPreBalInterfaceFromNcTestWeight::ms_pKey, rItems.at("TestWeight")}};
+        Setup.m_Configuration.m_LinkItems = {{NcItems::REQUEST, rItems.at("Request")},
+                                             {NcItems::NOTIFICATION, rItems.at("Notification")},
+                                             {NcItems::WARNING, rItems.at("Warning")},
+                                             {NcItems::TEST_WEIGHT, rItems.at("TestWeight")}};
         Setup.m_PkiDirectory = m_Directory.filePath("pki").toStdString();
         Setup.m_GatewayProgram = TestProgram("opc-gateway");
         return Setup;

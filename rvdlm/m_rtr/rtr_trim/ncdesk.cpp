@@ -3,10 +3,11 @@
 #include <algorithm>
 #include <array>
 
+#include "contract/ncitems.h"
+#include "contract/ncnotification.h"
 #include "contract/ncrequests.h"
 #include "platform/rvopc/opcconnection.h"
 #include "platform/rvopc/opcdatabase.h"
-#include "platform/rvopc/prebalinterfacefromnctargetunbalance.h"
 #include "rvdlm/m_rtr/rtr_trim/log.h"
 
 using RtrTrim::g_pLog;
@@ -15,14 +16,14 @@ namespace {
 
 constexpr std::uint32_t eUpdateRate = 100;  ///< ms
 
-/// Items by which the module may be linked to an NC. The last one is deliberately written with "NC", although
-/// the item's own key has "Nc": a link configured for the one doesn't serve for the other.
+/// Items by which the module may be linked to an NC. The last one is deliberately not the direction's own
+/// key.
 constexpr std::array<const char*, 5> linkKeys{
-    CPreBalInterfaceFromNC::ms_pKey,
-    CPreBalInterfaceToNC::ms_pKey,
-    CPreBalInterfaceFromNcTargetUnbalance::ms_pKey,
-    CPreBalInterfaceToNCWarnings::ms_pKey,
-    "PreBalInterfaceFromNCRotationDirection",
+    NcItems::REQUEST,
+    NcItems::NOTIFICATION,
+    NcItems::TARGET_UNBALANCE,
+    NcItems::WARNING,
+    NcItems::ROTATION_DIRECTION_CONNECTS,
 };
 /// With a connection on hand these first ones aren't looked at.
 constexpr std::size_t eLookedAtWithoutConnection = 2;
@@ -102,7 +103,7 @@ void CNCDesk::SendStep(CPreBalNotification::Step Step) {
     if (m_pInterfaceToNC == nullptr) {
         return;
     }
-    std::vector<std::int32_t> Data(CPreBalInterfaceToNC::eNumberOfValues, 0);
+    std::vector<std::int32_t> Data(CNcNotification::eSize, 0);
     Data.front() = Step;
     CheckSent(m_pInterfaceToNC->SetNCData(Data), NOTIFICATION_FAILED);
 }

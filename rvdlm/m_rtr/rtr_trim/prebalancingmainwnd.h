@@ -5,13 +5,13 @@
 #include <string>
 
 #include "contract/menus.h"
-#include "platform/rvopc/prebalfromncinterface.h"
 #include "platform/window/webbrowser2.h"
 #include "platform/window/wnd.h"
 #include "rvdlm/m_rtr/rtr_trim/communication/iffromcommunication.h"
 #include "rvdlm/m_rtr/rtr_trim/mainwndmakers.h"
 #include "rvdlm/m_rtr/rtr_trim/moduleconversation.h"
 #include "rvdlm/m_rtr/rtr_trim/ncdesk.h"
+#include "rvdlm/m_rtr/rtr_trim/nc/prebalfromncinterface.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/prebalancing.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/prebalmainwndinterface.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalconfigtabs.h"

@@ -1,5 +1,6 @@
 // The module's side of the gateway: lines, what becomes of writes, and what is told after an outage.
 #include "platform/rvopc/networkopcserver.h"
+#include "contract/ncitems.h"
 
 #include <gmock/gmock.h>
 
@@ -7,9 +8,6 @@
 #include <deque>
 #include <nlohmann/json.hpp>
 
-#include "platform/rvopc/prebalinterfacefromnc.h"
-#include "platform/rvopc/prebalinterfacetonc.h"
-#include "platform/rvopc/prebalinterfacetoncwarnings.h"
 #include "platform/system/virtualeventloop.h"
 #include "tests/support/logcapture.h"
 
@@ -226,9 +224,12 @@ TEST_F(CNetworkOpcServerTest, AnOutageIsLoggedOncePerReasonAndSoIsItsEnd) {
 /// In the run it would be too late to find out.
 TEST_F(CNetworkOpcServerTest, AtEachConnectionItIsCheckedThatTheNodesCanTakeWhatWillBeWritten) {
     COpcConfiguration Configuration;
-    Configuration.m_LinkItems = {{CPreBalInterfaceFromNC::ms_pKey, "s=Request"},
-                                 {CPreBalInterfaceToNC::ms_pKey, "s=Notification"},
-                                 {CPreBalInterfaceToNCWarnings::ms_pKey, "s=Warning"}};
+    Configuration.m_LinkItems = {{NcItems::REQUEST, "s=Request"},
+                                 {NcItems::NOTIFICATION, "s=Notification"},
+                                 {NcItems::WARNING, "s=Warning"}};
+    Configuration.m_Exacting = {{NcItems::REQUEST, -1},
+                                {NcItems::NOTIFICATION, std::vector<std::int32_t>(14, -1)},
+                                {NcItems::TEST_WEIGHT, 2.5}};
     auto pGateway = std::make_unique<CFakeGateway>();
     m_pGateway = pGateway.get();
     m_pServer = std::make_unique<CNetworkOpcServer>(std::move(pGateway), Configuration, "");

@@ -6,8 +6,8 @@
 #include "contract/menus.h"
 #include "platform/rvopc/opcconnection.h"
 #include "platform/rvopc/opcdatabase.h"
-#include "platform/rvopc/prebalinterfacefromnctestweight.h"
 #include "rvdlm/m_rtr/rtr_trim/log.h"
+#include "rvdlm/m_rtr/rtr_trim/nc/prebalinterfacefromnctestweight.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalnotification.h"
 #include "rvlib/math/matrixlog.h"
 

@@ -5,9 +5,9 @@
 
 #include <stdexcept>
 
-#include "platform/rvopc/prebalinterfacefromnctestweight.h"
 #include "platform/system/virtualeventloop.h"
 #include "platform/window/dc.h"
+#include "rvdlm/m_rtr/rtr_trim/nc/prebalinterfacefromnctestweight.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalnotification.h"
 #include "rvlib/math/vector.h"
 #include "tests/rvdlm/m_rtr/rtr_trim/screwentry.h"

@@ -1,4 +1,4 @@
-#include "platform/rvopc/prebalinterfacetoncwarnings.h"
+#include "rvdlm/m_rtr/rtr_trim/nc/prebalinterfacetoncwarnings.h"
 
 #include <utility>
 

@@ -1,4 +1,4 @@
-#include "platform/rvopc/prebalinterfacefromnc.h"
+#include "rvdlm/m_rtr/rtr_trim/nc/prebalinterfacefromnc.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,10 +1,12 @@
-#include "platform/rvopc/prebalinterfacetonc.h"
+#include "rvdlm/m_rtr/rtr_trim/nc/prebalinterfacetonc.h"
 
 #include <utility>
+
+#include "contract/ncnotification.h"
 
 CPreBalInterfaceToNC::CPreBalInterfaceToNC(std::shared_ptr<COPCGroup> pGroup, std::string Name)
     : COpcItem(std::move(pGroup), std::move(Name), ms_pKey) {}
 
 int CPreBalInterfaceToNC::SetNCData(const std::vector<std::int32_t>& rData) {
-    return rData.size() == eNumberOfValues ? Write(rData) : 0;
+    return rData.size() == CNcNotification::eSize ? Write(rData) : 0;
 }

@@ -4,13 +4,14 @@
 #include <memory>
 #include <string>
 
+#include "contract/ncitems.h"
 #include "platform/rvopc/opcitem.h"
-#include "platform/rvopc/prebalfromncinterface.h"
+#include "rvdlm/m_rtr/rtr_trim/nc/prebalfromncinterface.h"
 
 /// The request item: the NC writes a request, the module answers in the same item.
 class CPreBalInterfaceFromNC : public COpcItem {
 public:
-    static constexpr const char* ms_pKey = "PreBalInterfaceFromNC";
+    static constexpr const char* ms_pKey = NcItems::REQUEST;
 
     /// Subscribes; pTarget gets every value that somebody else wrote, and a value that isn't a whole number
     /// as the unknown request 0x7FFFFFFF.

@@ -3,12 +3,13 @@
 #include <memory>
 #include <string>
 
+#include "contract/ncitems.h"
 #include "platform/rvopc/opcitem.h"
 
 /// The warning item: the number of the warning shown, 0 for none.
 class CPreBalInterfaceToNCWarnings : public COpcItem {
 public:
-    static constexpr const char* ms_pKey = "PreBalInterfaceToNCWarnings";
+    static constexpr const char* ms_pKey = NcItems::WARNING;
 
     CPreBalInterfaceToNCWarnings(std::shared_ptr<COPCGroup> pGroup, std::string Name);
 

@@ -1,11 +1,12 @@
 #pragma once
+#include "contract/ncitems.h"
 #include "platform/rvopc/opcnumberitem.h"
-#include "platform/rvopc/prebaltargetunbalanceinterface.h"
+#include "rvdlm/m_rtr/rtr_trim/nc/prebaltargetunbalanceinterface.h"
 
 /// The target unbalance that the NC sets.
 class CPreBalInterfaceFromNcTargetUnbalance : public COpcNumberItem {
 public:
-    static constexpr const char* ms_pKey = "PreBalInterfaceFromNCTargetUnbalance";
+    static constexpr const char* ms_pKey = NcItems::TARGET_UNBALANCE;
 
     /// Subscribes; pTarget gets each value.
     CPreBalInterfaceFromNcTargetUnbalance(std::shared_ptr<COPCGroup> pGroup, std::string Name,

@@ -4,13 +4,13 @@
 #include <string>
 #include <vector>
 
+#include "contract/ncitems.h"
 #include "platform/rvopc/opcitem.h"
 
 /// The notification item: 14 numbers to the NC.
 class CPreBalInterfaceToNC : public COpcItem {
 public:
-    static constexpr const char* ms_pKey = "PreBalInterfaceToNC";
-    static constexpr std::size_t eNumberOfValues = 14;
+    static constexpr const char* ms_pKey = NcItems::NOTIFICATION;
 
     CPreBalInterfaceToNC(std::shared_ptr<COPCGroup> pGroup, std::string Name);
 

@@ -1,13 +1,13 @@
 #pragma once
+#include "contract/ncitems.h"
 #include "platform/rvopc/opcnumberitem.h"
-#include "platform/rvopc/prebalrotationdirectioninterface.h"
+#include "rvdlm/m_rtr/rtr_trim/nc/prebalrotationdirectioninterface.h"
 
 /// The rotation direction that the NC sets.
 class CPreBalInterfaceFromNcRotationDirection : public COpcNumberItem {
 public:
-    /// With "Nc": deliberately not the key with "NC" that the main window looks at when it decides whether to
-    /// connect. A link item configured for the one doesn't serve for the other.
-    static constexpr const char* ms_pKey = "PreBalInterfaceFromNcRotationDirection";
+    /// Deliberately not the key that the main window looks at when it decides whether to connect.
+    static constexpr const char* ms_pKey = NcItems::ROTATION_DIRECTION;
 
     /// Subscribes; pTarget gets each value.
     CPreBalInterfaceFromNcRotationDirection(std::shared_ptr<COPCGroup> pGroup, std::string Name,
