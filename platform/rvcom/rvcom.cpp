@@ -15,6 +15,7 @@
 #include "platform/system/growingpause.h"
 #include "platform/window/messages.h"
 #include "platform/window/wnd.h"
+#include "platform/window/wndend.h"
 
 namespace rvCOM {
 
@@ -62,7 +63,9 @@ public:
     CStatistics GetStatistics() const;
 
 private:
-    CTransport() = default;
+    CTransport() {
+        AddWindowEndListener([this](const CWnd& rWnd) { Forget(&rWnd); });
+    }
 
     void OnOpened();
     void OnClosed(const std::string& rReason);

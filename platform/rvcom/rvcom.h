@@ -30,8 +30,8 @@ int SendRawData(const std::uint8_t* pData, std::uint32_t nSize);
 /// delivered. Null pWnd and other codes are refused with 0. Registering twice delivers once; a window that is
 /// destroyed is forgotten.
 int Notify(CWnd* pWnd, UINT Code, std::uint8_t Address);
-/// Ends all registrations of the window and takes back its buffers. Called by windows that go; a handler that
-/// destroys its own window may still read its frame to the end.
+/// Ends all registrations of the window and takes back its buffers, as the end of the window does; a handler
+/// that destroys its own window may still read its frame to the end.
 void Forget(const CWnd* pWnd);
 
 /// Gives a delivered buffer back. False for a handle that isn't out.

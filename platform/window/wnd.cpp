@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "platform/rvcom/rvcom.h"
 #include "platform/window/dc.h"
+#include "platform/window/wndend.h"
 #include "platform/window/wndregistry.h"
 
 CWnd::CRegistry& CWnd::GetRegistry() {
@@ -140,7 +140,7 @@ void CWnd::Forget() {
         m_pAnchor->Kill(rTimer);
     }
     m_pAnchor->m_Timers.clear();
-    rvCOM::Forget(this);
+    TellWindowEnd(*this);
     m_bExists = false;
     m_bDestroying = false;
     m_bPaintPending = false;
