@@ -1,5 +1,5 @@
 #pragma once
-// The toolkit's side of CBitmap, for the drawing code of platform/window/ and for this folder.
+// The toolkit's side of CBitmap.
 #include <QImage>
 
 #include "platform/window/bitmap.h"

@@ -33,7 +33,7 @@ public:
     /// Reads a PNG file, with scale 1; false, and the bitmap unchanged, if that fails.
     bool LoadPng(const std::string& rPath);
 
-    /// The toolkit's picture, for platform/ only.
+    /// The toolkit's picture, for its own folder only.
     struct Impl;
     Impl& GetImpl() { return *m_pImpl; }
     const Impl& GetImpl() const { return *m_pImpl; }

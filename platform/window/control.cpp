@@ -1,6 +1,5 @@
 #include "platform/window/control.h"
 
-#include "platform/qt/controlwidgets.h"
 #include "platform/window/dc.h"
 #include "platform/window/syscolor.h"
 

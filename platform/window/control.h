@@ -14,3 +14,7 @@ protected:
     /// The toolkit's picture; face colour without a toolkit. It shows the focus only where a view has it.
     CBitmap GetPicture() const override;
 };
+
+/// From the toolkit: draws a control that no view shows, as it would look there without the focus; nothing
+/// without an application. rPicture has the control's size.
+void DrawUnshownControl(const CControl& rControl, CBitmap& rPicture);
