@@ -5,7 +5,8 @@
 
 #include "platform/rvcom/bytelink.h"
 
-// The kinds of links, one function each; bytelink.cpp chooses by the description.
+// The kinds of links, one function each; bytelink.cpp chooses by the description. Ports and sockets are the
+// toolkit's, the pseudo terminal is the system's.
 
 /// A serial port, 8N1.
 std::unique_ptr<IFByteLink> MakeSerialLink(const std::string& rPath, std::uint32_t Baud);

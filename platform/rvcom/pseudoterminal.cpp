@@ -3,7 +3,6 @@
 #include <termios.h>
 #include <unistd.h>
 
-#include <QSocketNotifier>
 #include <array>
 #include <cerrno>
 #include <cstring>
@@ -14,30 +13,13 @@
 
 #include "platform/rvcom/linkkinds.h"
 #include "platform/rvcom/queuedlink.h"
+#include "platform/system/descriptor.h"
+#include "platform/system/descriptorwatch.h"
 
 namespace {
 
 /// What waits at most for a client that doesn't read; beyond it bytes are lost, as on a line.
 constexpr std::size_t eMaxWaiting = 65536;
-
-class CFileDescriptor {
-public:
-    CFileDescriptor() = default;
-    ~CFileDescriptor() { Reset(); }
-    CFileDescriptor(const CFileDescriptor&) = delete;
-    CFileDescriptor& operator=(const CFileDescriptor&) = delete;
-    void Reset(int Descriptor = -1) {
-        if (m_Descriptor >= 0) {
-            close(m_Descriptor);
-        }
-        m_Descriptor = Descriptor;
-    }
-    int Get() const { return m_Descriptor; }
-    bool IsValid() const { return m_Descriptor >= 0; }
-
-private:
-    int m_Descriptor = -1;
-};
 
 /// The master side of a pseudo terminal, with a symbolic link to its other side. Holds the other side open
 /// itself: clients may then come and go without the master's reading EIO in between, and the raw mode stays.
@@ -73,16 +55,16 @@ public:
 private:
     /// Empty, or what went wrong.
     std::string Make() {
-        m_Master.Reset(posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC));
+        m_Master = CDescriptor(posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC));
         std::array<char, 128> Name{};
-        if (!m_Master.IsValid() || grantpt(m_Master.Get()) != 0 || unlockpt(m_Master.Get()) != 0 ||
+        if (!m_Master.IsOpen() || grantpt(m_Master.Get()) != 0 || unlockpt(m_Master.Get()) != 0 ||
             ptsname_r(m_Master.Get(), Name.data(), Name.size()) != 0) {
             return std::string("no pseudo terminal: ") + std::strerror(errno);
         }
         m_OwnPath = Name.data();
-        m_Client.Reset(open(m_OwnPath.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
+        m_Client = CDescriptor(open(m_OwnPath.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
         termios Mode{};
-        if (!m_Client.IsValid() || tcgetattr(m_Client.Get(), &Mode) != 0) {
+        if (!m_Client.IsOpen() || tcgetattr(m_Client.Get(), &Mode) != 0) {
             return m_OwnPath + " can't be opened: " + std::strerror(errno);
         }
         cfmakeraw(&Mode);
@@ -92,11 +74,9 @@ private:
         if (std::string Reason = MakeSymbolicLink(); !Reason.empty()) {
             return Reason;
         }
-        m_pReader = std::make_unique<QSocketNotifier>(m_Master.Get(), QSocketNotifier::Read);
-        QObject::connect(m_pReader.get(), &QSocketNotifier::activated, [this] { ReadAll(); });
-        m_pWriter = std::make_unique<QSocketNotifier>(m_Master.Get(), QSocketNotifier::Write);
-        m_pWriter->setEnabled(false);
-        QObject::connect(m_pWriter.get(), &QSocketNotifier::activated, [this] { WriteWaiting(); });
+        m_pReader = WatchDescriptor(m_Master.Get(), DescriptorEvent::eReadable, [this] { ReadAll(); });
+        m_pWriter = WatchDescriptor(m_Master.Get(), DescriptorEvent::eWritable, [this] { WriteWaiting(); });
+        m_pWriter->SetEnabled(false);
         return {};
     }
     std::string MakeSymbolicLink() {
@@ -130,8 +110,8 @@ private:
                 std::filesystem::remove(m_Path, Error);
             }
         }
-        m_Client.Reset();
-        m_Master.Reset();
+        m_Client.Close();
+        m_Master.Close();
     }
     void ReadAll() {
         std::array<std::uint8_t, 4096> Chunk;
@@ -153,17 +133,17 @@ private:
                 break;
             }
         }
-        m_pWriter->setEnabled(!m_Waiting.empty());
+        m_pWriter->SetEnabled(!m_Waiting.empty());
     }
 
     std::string m_Path;
     std::string m_OwnPath;  ///< of the other side, /dev/pts/N
-    CFileDescriptor m_Master;
-    CFileDescriptor m_Client;
+    CDescriptor m_Master;
+    CDescriptor m_Client;
     bool m_bLinked = false;
     std::vector<std::uint8_t> m_Waiting;
-    std::unique_ptr<QSocketNotifier> m_pReader;
-    std::unique_ptr<QSocketNotifier> m_pWriter;
+    std::unique_ptr<IFDescriptorWatch> m_pReader;
+    std::unique_ptr<IFDescriptorWatch> m_pWriter;
 };
 
 }  // namespace
