@@ -1,6 +1,5 @@
 #include "platform/rvopc/opcnodeid.h"
 
-#include <QByteArray>
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
@@ -23,10 +22,16 @@ bool IsGuid(std::string_view Text) {
     return std::ranges::equal(Text, Form, Fits);
 }
 
+/// Padding may be left out; where it is, there is the right number of it.
 bool IsBase64(std::string_view Text) {
-    const QByteArray Bytes(Text.data(), static_cast<qsizetype>(Text.size()));
-    return QByteArray::fromBase64Encoding(Bytes, QByteArray::AbortOnBase64DecodingErrors).decodingStatus ==
-           QByteArray::Base64DecodingStatus::Ok;
+    constexpr std::string_view Digits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    constexpr std::size_t eGroup = 4;
+    if (Text.size() % eGroup == 0) {
+        for (int nPadding = 0; nPadding < 2 && Text.ends_with('='); ++nPadding) {
+            Text.remove_suffix(1);
+        }
+    }
+    return Text.find_first_not_of(Digits) == std::string_view::npos;
 }
 
 /// Takes "Key...;" off the front and tells what is between; without the key it tells nothing and takes
