@@ -1,32 +1,22 @@
 #include "platform/rvldb/gettext.h"
 
-#include <QLocale>
 #include <mutex>
 
 #include "platform/rvldb/languages.h"
-
-// Registers the texts that are compiled in, also when a static initialiser of another library asks for one
-// before this library's own have run. The macro has to stand outside any namespace.
-static void InitTextResource() {
-    Q_INIT_RESOURCE(corvane_platform_translations);
-}
 
 namespace {
 
 /// The languages that are compiled in.
 struct CTextState {
-    CTextState() { m_Languages.Choose(QLocale::system().name().toStdString()); }
+    CTextState() { m_Languages.Choose(GetSystemLanguage()); }
 
     std::mutex m_Mutex;
-    CLanguages m_Languages{":/texts"};
+    CLanguages m_Languages{LoadBuiltInLanguageFiles()};
 };
 
-/// Never destroyed: texts may be asked for while the program ends, after Qt's own statics are gone.
+/// Never destroyed: texts may be asked for while the program ends, after the toolkit's own statics are gone.
 CTextState& GetState() {
-    static CTextState* const s_pState = [] {
-        InitTextResource();
-        return new CTextState;
-    }();
+    static CTextState* const s_pState = new CTextState;
     return *s_pState;
 }
 

@@ -1,8 +1,6 @@
 #include "platform/rvldb/languages.h"
 
-#include <QDir>
-#include <QString>
-#include <QTranslator>
+#include <utility>
 
 namespace {
 
@@ -10,34 +8,11 @@ constexpr const char* c_pFallback = "en";
 
 }  // namespace
 
-/// The texts of one language. The translator is asked directly and not installed in an application, so that
-/// texts also work before there is one, and without one.
-class CLanguages::CTexts {
-public:
-    bool Load(const QString& rFile) { return m_Translator.load(rFile); }
-    /// Null if the language lacks the key.
-    QString Find(const std::string& rKey) const { return m_Translator.translate(nullptr, rKey.c_str()); }
-
-private:
-    QTranslator m_Translator;
-};
-
-CLanguages::CLanguages(const std::string& rFolder) : m_Current(c_pFallback) {
-    const QDir Folder(QString::fromStdString(rFolder));
-    for (const QString& rFile : Folder.entryList({"*.qm"}, QDir::Files, QDir::Name)) {
-        auto pTexts = std::make_unique<CTexts>();
-        if (pTexts->Load(Folder.filePath(rFile))) {
-            const QString Code = rFile.section('.', 0, 0).section('_', -1);
-            m_Texts[Code.toStdString()] = std::move(pTexts);
-        }
-    }
-}
-
-CLanguages::~CLanguages() = default;
+CLanguages::CLanguages(CLanguageFiles Files) : m_Files(std::move(Files)), m_Current(c_pFallback) {}
 
 bool CLanguages::Choose(const std::string& rCode) {
     const std::string Language = rCode.substr(0, rCode.find_first_of("_-"));
-    if (!m_Texts.contains(Language)) {
+    if (!m_Files.contains(Language)) {
         return false;
     }
     m_Current = Language;
@@ -46,7 +21,7 @@ bool CLanguages::Choose(const std::string& rCode) {
 
 std::vector<std::string> CLanguages::GetCodes() const {
     std::vector<std::string> Codes;
-    for (const auto& rEntry : m_Texts) {
+    for (const auto& rEntry : m_Files) {
         Codes.push_back(rEntry.first);
     }
     return Codes;
@@ -54,11 +29,11 @@ std::vector<std::string> CLanguages::GetCodes() const {
 
 std::string CLanguages::Find(const std::string& rKey) const {
     for (const std::string& rCode : {m_Current, std::string(c_pFallback)}) {
-        const auto Found = m_Texts.find(rCode);
-        if (Found != m_Texts.end()) {
-            const QString Text = Found->second->Find(rKey);
-            if (!Text.isEmpty()) {
-                return Text.toStdString();
+        const auto Found = m_Files.find(rCode);
+        if (Found != m_Files.end()) {
+            std::string Text = Found->second->Find(rKey);
+            if (!Text.empty()) {
+                return Text;
             }
         }
     }

@@ -1,19 +1,14 @@
 #pragma once
-#include <map>
-#include <memory>
 #include <string>
 #include <vector>
 
-/// The texts of several languages, each from a compiled language file; the part of a file's name behind the
-/// last "_" is the language's code ("rotor_trim_de.qm"). Works without an application object.
+#include "platform/rvldb/languagefiles.h"
+
+/// The texts of several languages.
 class CLanguages {
 public:
-    /// Loads the language files of a folder; ":/..." names one that is compiled in. The language in use is
-    /// English.
-    explicit CLanguages(const std::string& rFolder);
-    ~CLanguages();
-    CLanguages(const CLanguages&) = delete;
-    CLanguages& operator=(const CLanguages&) = delete;
+    /// The language in use is English.
+    explicit CLanguages(CLanguageFiles Files);
 
     /// Chooses a language by its code, a country behind it doesn't count. False, and no change, if it isn't
     /// there.
@@ -25,7 +20,6 @@ public:
     std::string Find(const std::string& rKey) const;
 
 private:
-    class CTexts;
-    std::map<std::string, std::unique_ptr<CTexts>> m_Texts;
+    CLanguageFiles m_Files;
     std::string m_Current;
 };

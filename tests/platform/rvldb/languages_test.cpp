@@ -12,7 +12,7 @@ using testing::IsEmpty;
 /// Languages with gaps: each of the two lacks keys of the other.
 class CLanguagesTest : public testing::Test {
 protected:
-    CLanguages m_Languages{TestData("platform/rvldb/languages")};
+    CLanguages m_Languages{LoadLanguageFiles(TestData("platform/rvldb/languages"))};
 };
 
 // The folder also holds a broken file of a third.
@@ -41,7 +41,7 @@ TEST_F(CLanguagesTest, AKeyMissingInEnglishTooGivesTheKey) {
 }
 
 TEST(CLanguagesWithoutFilesTest, GivesTheKeys) {
-    CLanguages Languages("/nowhere/at/all");
+    CLanguages Languages(LoadLanguageFiles("/nowhere/at/all"));
     EXPECT_THAT(Languages.GetCodes(), IsEmpty());
     EXPECT_EQ(Languages.Find("BOTH"), "BOTH");
     EXPECT_FALSE(Languages.Choose("en"));
