@@ -1,15 +1,12 @@
 #include "platform/rvmdb/directsql.h"
 
-#include <QSqlDatabase>
-#include <QSqlDriver>
-#include <QSqlError>
-#include <QSqlQuery>
-#include <QSqlRecord>
-#include <QString>
-#include <QVariant>
+#include <algorithm>
 #include <array>
 #include <atomic>
+#include <charconv>
+#include <cmath>
 #include <filesystem>
+#include <iterator>
 #include <memory>
 #include <string_view>
 #include <system_error>
@@ -19,6 +16,7 @@
 #include "platform/rvmdb/postgresurl.h"
 #include "platform/rvmdb/prebaldatabase.h"
 #include "platform/rvmdb/serversocket.h"
+#include "platform/system/text.h"
 
 namespace PreBalDB {
 
@@ -26,35 +24,14 @@ namespace {
 
 constexpr std::string_view SqlitePrefix = "sqlite:";
 
-QVariant ToVariant(const CDirectSQL::CValue& rValue) {
-    if (const auto* pInteger = std::get_if<std::int64_t>(&rValue)) {
-        return QVariant(static_cast<qlonglong>(*pInteger));
-    }
-    if (const auto* pDouble = std::get_if<double>(&rValue)) {
-        return QVariant(*pDouble);
-    }
-    // Not a null string even if it is empty: that would be stored as NULL.
-    return QVariant(QString::fromStdString(std::get<std::string>(rValue)) + QLatin1String(""));
-}
-
-CDirectSQL::CValue FromVariant(const QVariant& rValue) {
-    switch (rValue.typeId()) {
-        case QMetaType::Bool:
-        case QMetaType::Int:
-        case QMetaType::UInt:
-        case QMetaType::LongLong:
-        case QMetaType::ULongLong:
-            return static_cast<std::int64_t>(rValue.toLongLong());
-        case QMetaType::Double:
-            return rValue.toDouble();
-        default:
-            return rValue.toString().toStdString();
-    }
-}
-
-std::string ToText(const QSqlError& rError) {
-    const QString Text = rError.databaseText().isEmpty() ? rError.driverText() : rError.databaseText();
-    return Text.simplified().toStdString();
+/// The whole text as a number, 0 if it is none.
+template <typename T>
+T ToNumber(const std::string& rText) {
+    const std::string Trimmed = Text::Trim(rText);
+    T Number{};
+    const char* const pEnd = Trimmed.data() + Trimmed.size();
+    const auto [pStop, Error] = std::from_chars(Trimmed.data(), pEnd, Number);
+    return Error == std::errc() && pStop == pEnd ? Number : T{};
 }
 
 struct CErrorCode {
@@ -78,14 +55,12 @@ constexpr std::array PostgresCodes = {
     CErrorCode{"57014", StoreFailure::eNoAnswer},  // query_canceled, by its time limit
 };
 
-StoreFailure GetCause(const QSqlError& rError, bool bSqlite) {
-    const QString Code = rError.nativeErrorCode();
-    const std::string Plain =
-        bSqlite ? std::to_string(static_cast<unsigned>(Code.toInt()) & 0xFFU) : Code.toStdString();
+StoreFailure GetCause(const std::string& rCode, bool bSqlite) {
+    const std::string Plain = bSqlite ? std::to_string(ToNumber<unsigned>(rCode) & 0xFFU) : rCode;
     const auto Find = [&Plain](const auto& rCodes, StoreFailure Otherwise) {
-        for (const CErrorCode& rCode : rCodes) {
-            if (Plain == rCode.m_pCode) {
-                return rCode.m_Cause;
+        for (const CErrorCode& rKnown : rCodes) {
+            if (Plain == rKnown.m_pCode) {
+                return rKnown.m_Cause;
             }
         }
         return Otherwise;
@@ -106,7 +81,10 @@ std::int64_t CDirectSQL::CRow::GetInteger(std::size_t Column) const {
     if (const auto* pInteger = std::get_if<std::int64_t>(&rValue)) {
         return *pInteger;
     }
-    return ToVariant(rValue).toLongLong();
+    if (const auto* pDouble = std::get_if<double>(&rValue)) {
+        return std::llround(*pDouble);
+    }
+    return ToNumber<std::int64_t>(std::get<std::string>(rValue));
 }
 
 double CDirectSQL::CRow::GetDouble(std::size_t Column) const {
@@ -114,7 +92,10 @@ double CDirectSQL::CRow::GetDouble(std::size_t Column) const {
     if (const auto* pDouble = std::get_if<double>(&rValue)) {
         return *pDouble;
     }
-    return ToVariant(rValue).toDouble();
+    if (const auto* pInteger = std::get_if<std::int64_t>(&rValue)) {
+        return static_cast<double>(*pInteger);
+    }
+    return ToNumber<double>(std::get<std::string>(rValue));
 }
 
 std::string CDirectSQL::CRow::GetText(std::size_t Column) const {
@@ -122,31 +103,35 @@ std::string CDirectSQL::CRow::GetText(std::size_t Column) const {
     if (const auto* pText = std::get_if<std::string>(&rValue)) {
         return *pText;
     }
-    return ToVariant(rValue).toString().toStdString();
+    if (const auto* pInteger = std::get_if<std::int64_t>(&rValue)) {
+        return std::to_string(*pInteger);
+    }
+    std::array<char, 32> Digits{};
+    const auto [pEnd, Error] =
+        std::to_chars(Digits.data(), Digits.data() + Digits.size(), std::get<double>(rValue));
+    return {Digits.data(), pEnd};
 }
 
 struct CDirectSQL::Impl {
     std::string m_Name;
-    QString m_ConnectionName;
-    QSqlDatabase m_Database;
+    std::unique_ptr<IFSqlDriver> m_pDriver;
     bool m_bSqlite = false;
     CServerSocket m_Socket;
     std::atomic<bool> m_bInterrupted = false;
 
-    void Register(const char* pDriver, const char* pPackage) {
-        if (!QSqlDatabase::isDriverAvailable(QLatin1String(pDriver))) {
-            throw CDatabaseError(m_Name + ": the driver " + pDriver + " is missing; install the package " +
-                                 pPackage);
+    /// Makes the driver by Make and connects.
+    template <typename Maker>
+    void Open(Maker Make) {
+        try {
+            m_pDriver = Make();
+        } catch (const CSqlDriverError& rError) {
+            throw CDatabaseError(m_Name + ": " + rError.what());
         }
-        // Qt knows connections by name; two of the same name would take each other's place.
-        static std::atomic<std::uint64_t> ms_nConnections{0};
-        m_ConnectionName = QStringLiteral("rvMDB-%1").arg(++ms_nConnections);
-        m_Database = QSqlDatabase::addDatabase(QLatin1String(pDriver), m_ConnectionName);
-    }
-    void Open() {
-        if (!m_Database.open()) {
+        try {
+            m_pDriver->Open();
+        } catch (const CSqlDriverError& rError) {
             throw CDatabaseError(
-                m_Name + " can't be opened: " + ToText(m_Database.lastError()) +
+                m_Name + " can't be opened: " + rError.what() +
                 (m_bSqlite ? "; the user needs the right to read and write the file and its directory"
                            : "; is the server running, and are host, port, name, user and password "
                              "right?"));
@@ -164,73 +149,46 @@ struct CDirectSQL::Impl {
         if (std::filesystem::exists(Path, Error) && !std::filesystem::is_regular_file(Path, Error)) {
             throw CDatabaseError(m_Name + " isn't a file; give the path of the database file");
         }
-        Register("QSQLITE", "libqt6sql6-sqlite");
-        m_Database.setDatabaseName(QString::fromStdString(rPath));
-        m_Database.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=%1").arg(BusyTimeout));
-        Open();
+        Open([&] { return MakeSqliteDriver(rPath, BusyTimeout); });
     }
     void OpenPostgres(const std::string& rUrl) {
         const CPostgresUrl Url = CPostgresUrl::Parse(rUrl);
         m_Name = "database \"" + Url.m_Name + "\"";
-        Register("QPSQL", "libqt6sql6-psql");
-        m_Database.setHostName(QString::fromStdString(Url.m_Host));
-        m_Database.setPort(Url.m_Port);
-        m_Database.setUserName(QString::fromStdString(Url.m_User));
-        m_Database.setPassword(QString::fromStdString(Url.m_Password));
-        m_Database.setDatabaseName(QString::fromStdString(Url.m_Database));
-        m_Database.setConnectOptions(QString::fromStdString(Url.m_Options));
-        Open();
+        Open([&Url] { return MakePostgresDriver(Url); });
         AttachSocket();
     }
     void AttachSocket() {
-        const QVariant Connection = m_Database.driver()->handle();
-        if (Connection.isValid() && std::string_view(Connection.typeName()) == "PGconn*") {
-            m_Socket.Attach(*static_cast<void* const*>(Connection.constData()));
+        if (const void* const pConnection = m_pDriver->GetServerHandle()) {
+            m_Socket.Attach(pConnection);
+        }
+    }
+    /// Runs Operation; what the driver says is thrown as a CSqlError.
+    template <typename Operation>
+    auto Try(Operation Do) const {
+        try {
+            return Do();
+        } catch (const CSqlDriverError& rError) {
+            throw CSqlError(rError.what(), GetCause(rError.GetCode(), m_bSqlite));
         }
     }
     void Reopen() {
         m_Socket.Detach();
-        m_Database.close();
-        if (!m_Database.open()) {
-            throw MakeError(m_Database.lastError());
-        }
+        m_pDriver->Close();
+        Try([this] { m_pDriver->Open(); });
         if (!m_bSqlite) {
             AttachSocket();
         }
     }
     void Close() {
         m_Socket.Detach();
-        m_Database.close();
-        // The handle must be gone before its name is.
-        m_Database = QSqlDatabase();
-        if (!m_ConnectionName.isEmpty()) {
-            QSqlDatabase::removeDatabase(m_ConnectionName);
-        }
+        m_pDriver.reset();
     }
-    CSqlError MakeError(const QSqlError& rError) const {
-        return CSqlError(ToText(rError), GetCause(rError, m_bSqlite));
-    }
-    QSqlQuery Run(const std::string& rStatement, const std::vector<CValue>& rValues) {
+    /// The driver for a statement; none is begun after an interruption.
+    IFSqlDriver& GetDriver(const std::string& rStatement) const {
         if (m_bInterrupted && rStatement != "ROLLBACK") {
             throw CSqlError("given up", StoreFailure::eNoAnswer);
         }
-        QSqlQuery Query(m_Database);
-        Query.setForwardOnly(true);
-        const QString Statement = QString::fromStdString(rStatement);
-        // A statement without values isn't prepared: not every kind of statement can be.
-        bool bDone = false;
-        if (rValues.empty()) {
-            bDone = Query.exec(Statement);
-        } else if (Query.prepare(Statement)) {
-            for (const CValue& rValue : rValues) {
-                Query.addBindValue(ToVariant(rValue));
-            }
-            bDone = Query.exec();
-        }
-        if (!bDone) {
-            throw MakeError(Query.lastError());
-        }
-        return Query;
+        return *m_pDriver;
     }
 };
 
@@ -281,25 +239,15 @@ bool CDirectSQL::IsSqlite() const {
 }
 
 int CDirectSQL::Execute(const std::string& rStatement, const std::vector<CValue>& rValues) {
-    return m_pImpl->Run(rStatement, rValues).numRowsAffected();
+    IFSqlDriver& rDriver = m_pImpl->GetDriver(rStatement);
+    return m_pImpl->Try([&] { return rDriver.Execute(rStatement, rValues); });
 }
 
 std::vector<CDirectSQL::CRow> CDirectSQL::Query(const std::string& rStatement,
                                                 const std::vector<CValue>& rValues) {
-    QSqlQuery Result = m_pImpl->Run(rStatement, rValues);
-    const int nColumns = Result.record().count();
-    std::vector<CRow> Rows;
-    while (Result.next()) {
-        CRow& rRow = Rows.emplace_back();
-        for (int i = 0; i < nColumns; ++i) {
-            rRow.m_Values.push_back(FromVariant(Result.value(i)));
-        }
-    }
-    // A damaged page or a broken connection ends the rows early.
-    if (Result.lastError().isValid()) {
-        throw m_pImpl->MakeError(Result.lastError());
-    }
-    return Rows;
+    IFSqlDriver& rDriver = m_pImpl->GetDriver(rStatement);
+    auto Result = m_pImpl->Try([&] { return rDriver.Query(rStatement, rValues); });
+    return {std::make_move_iterator(Result.begin()), std::make_move_iterator(Result.end())};
 }
 
 void CDirectSQL::Reopen() {
@@ -316,11 +264,11 @@ void CDirectSQL::Resume() {
 }
 
 bool CDirectSQL::HasTable(const std::string& rTable) const {
-    return m_pImpl->m_Database.tables().contains(QString::fromStdString(rTable));
+    return std::ranges::count(m_pImpl->m_pDriver->GetTables(), rTable) != 0;
 }
 
 bool CDirectSQL::HasTables() const {
-    return !m_pImpl->m_Database.tables().isEmpty();
+    return !m_pImpl->m_pDriver->GetTables().empty();
 }
 
 CTransaction::CTransaction(CDirectSQL& rConnection, Purpose For) : m_rConnection(rConnection) {

@@ -3,9 +3,10 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
-#include <variant>
+#include <utility>
 #include <vector>
 
+#include "platform/rvmdb/sqldriver.h"
 #include "platform/rvmdb/storefailure.h"
 
 namespace PreBalDB {
@@ -26,18 +27,20 @@ private:
 /// order.
 class CDirectSQL {
 public:
-    using CValue = std::variant<std::int64_t, double, std::string>;
+    using CValue = CSqlValue;
 
-    /// A row of a result; columns count from 0. A value of another kind than asked for is converted.
+    /// A row of a result; columns count from 0. A value of another kind than asked for is converted: numbers
+    /// are rounded, a text that is no number counts as 0.
     class CRow {
     public:
+        explicit CRow(std::vector<CValue> Values) : m_Values(std::move(Values)) {}
+
         std::int64_t GetInteger(std::size_t Column) const;
         double GetDouble(std::size_t Column) const;
         std::string GetText(std::size_t Column) const;
         const CValue& GetValue(std::size_t Column) const { return m_Values.at(Column); }
 
     private:
-        friend class CDirectSQL;
         std::vector<CValue> m_Values;
     };
 
