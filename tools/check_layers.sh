@@ -3,6 +3,12 @@
 #
 #     console, simulator  ->  rvdlm  ->  rvlib  ->  platform  ->  Qt, spdlog, SQL, sockets
 #
+# Within platform/ the folders include those on their left only:
+#
+#     system, rvldb, window, rvlog, rvcom, rvmdb, rvopc  <-  qt
+#
+# and Qt itself stands in platform/qt/ alone, so that another folder can take its place.
+#
 # contract/, what host, module and NC agree on, lies beside them: everybody may include it, and it includes nothing but
 # the standard library.
 #
@@ -40,6 +46,10 @@ my %standard = map { $_ => 1 } qw(
 # values without any behaviour of the module. A record type of its own would be the same class once more.
 my %values = map { $_ => 1 } qw(rvlib/math/matrix.h rvlib/rvbas/array.h);
 
+# The folders of platform/, each above those before it. The last one stands behind the interfaces of all others.
+my @order = qw(system rvldb window rvlog rvcom rvmdb rvopc qt);
+my %place = map { $order[$_] => $_ } 0 .. $#order;
+
 my $bad = 0;
 
 sub report {
@@ -59,10 +69,19 @@ sub forbidden {
             return "quoted includes start at the root of the tree" if !$angled;
             return "$who includes the standard library only" if !$standard{$header};
         }
+        my $may_know_qt = ($folder ne 'platform' || $file =~ m{^platform/qt/});
+        return 'Qt stands in platform/qt/' if !$may_know_qt && $header =~ /^q/i && !$standard{$header};
         return '';
     }
     my ($target) = $header =~ m{^([^/]+)/};
-    if ($header =~ m{^platform/qt/} && ($folder eq 'rvlib' || $folder eq 'rvdlm' || $seam_header)) {
+    if ($folder eq 'platform' && $target eq 'platform') {
+        my ($own, $other) = map { m{^platform/([^/]+)/} ? $1 : '' } $file, $header;
+        for ($own, $other) {
+            return "platform/$_/ has no place in the order of its folders" if !defined $place{$_};
+        }
+        return "platform/$own/ stands below platform/$other/" if $place{$own} < $place{$other};
+    }
+    if ($header =~ m{^platform/qt/} && ($folder eq 'rvlib' || $folder eq 'rvdlm')) {
         return 'platform/qt/ is for what knows the toolkit';
     }
     my %below = (
@@ -95,7 +114,7 @@ for my $file (@ARGV) {
             report($file, $line, $2, $why) if $why;
         } elsif (/^\s*#\s*include/) {
             report($file, $line, $_, 'an include that hides its header');
-        } elsif ($file =~ /\.h$/ && $file =~ m{^(contract/|platform/(?!qt/)|rvlib/|rvdlm/)} || $file =~ m{^(rvlib|rvdlm)/}) {
+        } elsif ($file =~ m{^(contract/|platform/(?!qt/)|rvlib/|rvdlm/)}) {
             # Forward declarations are names too.
             my $code = s/"(?:\\.|[^"\\])*"//gr;
             report($file, $line, $1, 'no Qt type shows here') if $code =~ /\b(Q[A-Z][a-z]\w*|Qt::\w+|Q_[A-Z]+)\b/;
