@@ -4,10 +4,10 @@
 #include <memory>
 #include <utility>
 
-#include "platform/rvopc/prebalfromncinterface.h"
-#include "platform/rvopc/prebalinterfacefromnc.h"
-#include "platform/rvopc/prebalinterfacetonc.h"
-#include "platform/rvopc/prebalinterfacetoncwarnings.h"
+#include "rvdlm/m_rtr/rtr_trim/nc/prebalfromncinterface.h"
+#include "rvdlm/m_rtr/rtr_trim/nc/prebalinterfacefromnc.h"
+#include "rvdlm/m_rtr/rtr_trim/nc/prebalinterfacetonc.h"
+#include "rvdlm/m_rtr/rtr_trim/nc/prebalinterfacetoncwarnings.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/prebalancing.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalnotification.h"
 
