@@ -5,6 +5,8 @@
 #   tools/mutate.sh PATH...                          every breakage of these files, or of all files in these folders
 #   tools/mutate.sh --sample N [--seed S] PATH...    a random sample of them; the seed is told, and gives it once more
 #   tools/mutate.sh --list ...                       says which breakages it would try, and tries none
+#   tools/mutate.sh --nearest ...                    asks the nearest program only, which takes a fraction of the time;
+#                                                    what that leaves alive another one may notice
 #
 # The tests that cover a file are found by convention: first those of its layer's program, and of them first those in the
 # folder under tests/ that mirrors its own; what they leave alive goes to the next program in the table below. The first
@@ -40,12 +42,13 @@ fail() {
     exit 3
 }
 
-sample='' seed='' list=false paths=()
+sample='' seed='' list=false nearest=false paths=()
 while [ $# -gt 0 ]; do
     case "$1" in
         --sample) sample=${2:-} && shift ;;
         --seed) seed=${2:-} && shift ;;
         --list) list=true ;;
+        --nearest) nearest=true ;;
         -*) fail "unknown option $1; see the head of $0" ;;
         *) paths+=("$1") ;;
     esac
@@ -146,6 +149,7 @@ for ((round = 0; ${#pending[@]} > 0; ++round)); do
         IFS=$'\t' read -r file at offset length what replacement <<<"$line"
         number=$((number + 1))
         read -r -a chain <<<"$(programs "$file")"
+        ! "$nearest" || chain=("${chain[0]}")
         if [ "$round" -ge ${#chain[@]} ]; then
             survivors+=("$file:$at: $what")
             continue

@@ -144,6 +144,18 @@ survived: rvlib/a.cpp:11: 4 is now 5
 3 killed, 4 survived, 1 not compiled
 LIST
 )"
+output=$(tools/mutate.sh --nearest rvlib 2>&1) && status=0 || status=$?
+expect 'its answer with the nearest tests' "$status" 1
+expect 'what the nearest tests leave alive' "$(tail -n 7 <<<"$output")" "$(cat <<'LIST'
+survived: rvlib/a.cpp:5: * is now /
+survived: rvlib/a.cpp:5: 2 is now 3
+survived: rvlib/a.cpp:8: left out: a = 7;
+survived: rvlib/a.cpp:8: 7 is now 8
+survived: rvlib/a.cpp:11: 4 is now 5
+survived: rvlib/a.cpp:11: 4 is now 5
+1 killed, 6 survived, 1 not compiled
+LIST
+)"
 expect 'the tree' "$(git status --short; cat rvlib/a.cpp)" "$before"
 echo 'int main() { return 1; }' >tests/near.cpp
 tools/mutate.sh rvlib >/dev/null 2>&1 && status=0 || status=$?

@@ -1,94 +1,18 @@
 // The console with a screen, on Qt's offscreen platform and under virtual time: what an operator sees and
 // presses.
-#include "console/mainwindow.h"
-
-#include <gtest/gtest.h>
-
-#include <QLabel>
-#include <QPushButton>
-#include <QStatusBar>
 #include <QTest>
 
 #include "platform/qt/qteventloop.h"
 #include "platform/qt/windowview.h"
 #include "platform/rvcom/bytelink.h"
 #include "platform/rvcom/rvcom.h"
-#include "platform/system/virtualeventloop.h"
 #include "rvlib/rvgui/proptree/proptree.h"
 #include "rvlib/rvgui/proptree/proptreeitemspinedit.h"
-#include "tests/support/tempdirectory.h"
-#include "tests/system/wholerun.h"
+#include "tests/system/mainwindowfixture.h"
 
 namespace {
 
 using nlohmann::json;
-
-/// A window on the simulator, with the options that a test wants.
-class CMainWindowTestBase : public testing::Test {
-protected:
-    CMainWindowTestBase() { m_Run.m_Options.m_bHeadless = false; }
-
-    void Open() {
-        m_pSession = std::make_unique<CConsoleSession>(m_Run.m_Options, &m_Run.m_Rotor,
-                                                       m_Run.m_Installation.GetDatabaseFile().string());
-        m_pWindow = std::make_unique<CMainWindow>(*m_pSession);
-        m_pWindow->show();
-        m_Loop.Advance(3000);
-    }
-    void Close() {
-        m_pWindow.reset();
-        m_pSession.reset();
-    }
-
-    QPushButton* FindButton(const QString& rText) {
-        for (QPushButton* pButton : m_pWindow->findChildren<QPushButton*>()) {
-            if (pButton->text() == rText) {
-                return pButton;
-            }
-        }
-        return nullptr;
-    }
-    std::string GetState() { return m_pSession->Look().m_Progress.m_State; }
-    void Press(const QString& rText) {
-        QPushButton* pButton = FindButton(rText);
-        ASSERT_NE(pButton, nullptr) << rText.toStdString();
-        ASSERT_TRUE(pButton->isEnabled()) << rText.toStdString();
-        pButton->click();
-        m_Loop.Advance(500);
-    }
-
-    /// From the neutral position to the verdict on the screen.
-    void BalanceByButtons() {
-        Press("Fit as shown");
-        Press("Next");
-        Press("Start spindle");
-        m_Loop.Advance(3500);
-        Press("Next");
-        m_Loop.Advance(6000);
-        Press("Next");
-        EXPECT_EQ(GetState(), "eTestUnbalanceSpindleStop");
-        Press("Stop spindle");
-        m_Loop.Advance(3000);
-        EXPECT_EQ(GetState(), "eTestUnbalanceSetWeights");
-        Press("Fit as shown");
-        Press("Next");
-        Press("Start spindle");
-        m_Loop.Advance(9000);
-        Press("Next");
-        Press("Stop spindle");
-        m_Loop.Advance(3000);
-        EXPECT_EQ(GetState(), "ePreBalanceSetWeights");
-        Press("Fit as shown");
-        Press("Next");
-        Press("Start spindle");
-        m_Loop.Advance(9000);
-    }
-
-    CVirtualEventLoop m_Loop;
-    CWholeRun m_Run{CRotorFile::GetBuiltIn()};
-    std::unique_ptr<CConsoleSession> m_pSession;
-    std::unique_ptr<CMainWindow> m_pWindow;
-};
 
 class MainWindowTest : public CMainWindowTestBase {
 protected:
@@ -121,32 +45,6 @@ protected:
 
     PropTree::CPropTree m_Tree;
     PropTree::CPropTreeItemSpinEdit<double>* m_pValue = nullptr;
-};
-
-/// With what the command line asks for beside the window.
-class MainWindowOptionsTest : public CMainWindowTestBase {
-protected:
-    MainWindowOptionsTest() {
-        m_Run.m_Options.m_ReportFile = m_Directory.At("report.json");
-        m_Run.m_Options.m_ScreenshotDirectory = m_Directory.GetPath().string();
-    }
-    void AskFor(COptions::Procedure Procedure) {
-        m_Run.m_Options.m_Procedure = Procedure;
-        m_Run.m_Options.m_bProcedureGiven = true;
-    }
-    json ReadReport() const {
-        std::ifstream In(m_Run.m_Options.m_ReportFile);
-        return json::parse(In, nullptr, false);
-    }
-    std::size_t CountPictures() const {
-        std::size_t nFound = 0;
-        for (const auto& rEntry : std::filesystem::directory_iterator(m_Directory.GetPath())) {
-            nFound += rEntry.path().extension() == ".png" && rEntry.file_size() > 1000 ? 1 : 0;
-        }
-        return nFound;
-    }
-
-    CTempDirectory m_Directory;
 };
 
 /// On a line that may not be there.
@@ -191,29 +89,6 @@ TEST_F(MainWindowTest, AWholePreBalancingByButtonsBalancesTheRotor) {
     EXPECT_FALSE(m_pSession->Look().m_bRunning);
     ASSERT_NE(FindButton("Re-balance"), nullptr);
     EXPECT_TRUE(FindButton("Re-balance")->isEnabled());
-}
-
-TEST_F(MainWindowFocusTest, AnOpenEditOutlastsThePressOfASoftkey) {
-    QWidget* const pList = Find(m_Tree.GetList());
-    ASSERT_NE(pList, nullptr);
-    QTest::mouseClick(pList, Qt::LeftButton, Qt::NoModifier, QPoint(m_Tree.GetOrigin() + 30, 14));
-    QWidget* const pBox = Find(m_pValue->GetEdit());
-    ASSERT_NE(pBox, nullptr);
-    ASSERT_EQ(QApplication::focusWidget(), pBox);
-    QTest::keyClicks(pBox, "2");
-    QPushButton* const pKey = FindButton("Pre-balance");
-    ASSERT_NE(pKey, nullptr);
-    QTest::mousePress(pKey, Qt::LeftButton);
-    EXPECT_TRUE(m_pSession->Look().m_bRunning) << "the key has been told";
-    EXPECT_TRUE(m_pValue->IsActive());
-    QTest::mouseRelease(pKey, Qt::LeftButton);
-    m_Loop.Advance(500);
-    EXPECT_TRUE(m_pValue->IsActive());
-    EXPECT_EQ(QApplication::focusWidget(), pBox);
-    QTest::keyClicks(pBox, "5");
-    QTest::keyClick(pBox, Qt::Key_Return);
-    EXPECT_FALSE(m_pValue->IsActive());
-    EXPECT_EQ(m_pValue->GetItemValue(), 25.0);
 }
 
 TEST_F(MainWindowOptionsTest, WithoutAProcedureItBeginsInTheConfiguration) {
@@ -348,4 +223,27 @@ TEST_F(MainWindowLinkTest, WithoutAWindowALinkThatCannotBeOpenedIsAnError) {
     m_Run.m_Options.m_Link = "serial:" + m_Directory.At("module");
     EXPECT_THROW(CConsoleSession(m_Run.m_Options, nullptr, m_Run.m_Installation.GetDatabaseFile().string()),
                  CSessionError);
+}
+
+TEST_F(MainWindowFocusTest, AnOpenEditOutlastsThePressOfASoftkey) {
+    QWidget* const pList = Find(m_Tree.GetList());
+    ASSERT_NE(pList, nullptr);
+    QTest::mouseClick(pList, Qt::LeftButton, Qt::NoModifier, QPoint(m_Tree.GetOrigin() + 30, 14));
+    QWidget* const pBox = Find(m_pValue->GetEdit());
+    ASSERT_NE(pBox, nullptr);
+    ASSERT_EQ(QApplication::focusWidget(), pBox);
+    QTest::keyClicks(pBox, "2");
+    QPushButton* const pKey = FindButton("Pre-balance");
+    ASSERT_NE(pKey, nullptr);
+    QTest::mousePress(pKey, Qt::LeftButton);
+    EXPECT_TRUE(m_pSession->Look().m_bRunning) << "the key has been told";
+    EXPECT_TRUE(m_pValue->IsActive());
+    QTest::mouseRelease(pKey, Qt::LeftButton);
+    m_Loop.Advance(500);
+    EXPECT_TRUE(m_pValue->IsActive());
+    EXPECT_EQ(QApplication::focusWidget(), pBox);
+    QTest::keyClicks(pBox, "5");
+    QTest::keyClick(pBox, Qt::Key_Return);
+    EXPECT_FALSE(m_pValue->IsActive());
+    EXPECT_EQ(m_pValue->GetItemValue(), 25.0);
 }

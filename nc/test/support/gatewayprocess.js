@@ -68,18 +68,22 @@ export class GatewayProcess {
     this.waiting.forEach((look) => look());
   }
 
-  /** The next line, after those waited for before, that the predicate accepts; its one member's content. */
+  /**
+   * The next line, after those waited for before, that the predicate accepts; its one member's content. Waits that are
+   * begun together begin at the same line: what may come in any order is to be waited for so.
+   */
   next(kind, accepts = () => true) {
+    const start = this.taken;
     return new Promise((resolve, reject) => {
       const timer = setTimeout(() => {
         const last = JSON.stringify(this.lines.slice(-20));
         reject(new Error(`no "${kind}" came in ${PATIENCE} ms; the last lines were ${last} ${this.output}`));
       }, PATIENCE);
       const look = () => {
-        for (let i = this.taken; i < this.lines.length; ++i) {
+        for (let i = start; i < this.lines.length; ++i) {
           const content = this.lines[i][kind];
           if (content !== undefined && accepts(content)) {
-            this.taken = i + 1;
+            this.taken = Math.max(this.taken, i + 1);
             clearTimeout(timer);
             this.waiting = this.waiting.filter((other) => other !== look);
             resolve(content);

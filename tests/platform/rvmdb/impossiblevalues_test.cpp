@@ -79,6 +79,59 @@ TEST_P(CImpossibleValuesTest, EachIsToldByItsNameAndTheEntryCountsAsNotCalibrate
     }
 }
 
+// Of each field that only two planes and screws have, what it can just be and what it can't.
+TEST_P(CImpossibleValuesTest, SoAreThoseOfTwoPlanesAndScrews) {
+    const auto Reset = [this] {
+        CDirectSQL(m_Connection).Execute("DELETE FROM configuration");
+        const auto pFresh = Open();
+        CTwoPlaneBalancingTableEntry& rTwo = MakeCalibrated(*pFresh, "Wheel").CreateTwoPlane();
+        rTwo.CreatePlane1ScrewCompensationTableEntry();
+        ASSERT_NE(pFresh->WriteConfiguration(), 0);
+    };
+    for (const CCase& rCase : {
+             CCase{"two_plane", "inv_a = '2x2: 1 0; 0 1'", "two_plane.inv_a: \"2x2: 1 0; 0 1\" isn't 4 by 4"},
+             CCase{"two_plane", "ua_plane1 = '2x1: inf; 0'", "two_plane.ua_plane1: "},
+             CCase{"two_plane", "ua_plane2 = '1x2: 0 1'", "two_plane.ua_plane2: \"1x2: 0 1\" isn't 2 by 1"},
+             CCase{"two_plane", "rotation_direction = -1", "two_plane.rotation_direction: -1"},
+             CCase{"two_plane", "proximity_switch_input = 2", "two_plane.proximity_switch_input: 2"},
+             CCase{"two_plane", "plane1_sensor_adaption = 256", "two_plane.plane1_sensor_adaption: 256"},
+             CCase{"two_plane", "plane2_sensor_adaption = -1", "two_plane.plane2_sensor_adaption: -1"},
+             CCase{"screw_compensation", "plane = 3", "screw_compensation.plane1.plane: 3"},
+             CCase{"screw_compensation", "scaling_direction = 2",
+                   "screw_compensation.plane1.scaling_direction: 2"},
+             CCase{"screw_compensation", "number_of_holes = 361",
+                   "screw_compensation.plane1.number_of_holes: 361 isn't within 0 to 360"},
+             CCase{"screw_compensation", "number_of_screws = 256",
+                   "screw_compensation.plane1.number_of_screws: 256"},
+             CCase{"screw_compensation", "reference_weight = 0.0",
+                   "screw_compensation.plane1.reference_weight: 0.000000 isn't above 0"},
+             CCase{"screw_compensation", "reference_weight = -2.5",
+                   "screw_compensation.plane1.reference_weight: -2.5"},
+             CCase{"screw_compensation", "radius = 0.0", "screw_compensation.plane1.radius: 0.0"},
+         }) {
+        SCOPED_TRACE(rCase.m_pAssignment);
+        Reset();
+        Spoil(rCase.m_pAssignment, rCase.m_pTable);
+        const auto pDatabase = Open();
+        EXPECT_EQ(pDatabase->ReadConfiguration("Wheel").IsCalibrated(), 0);
+        EXPECT_THAT(pDatabase->GetOutcome().m_Problems, ElementsAre(HasSubstr(rCase.m_pProblem)));
+    }
+    for (const CCase& rCase : {
+             CCase{"two_plane", "plane1_sensor_adaption = 255, plane2_sensor_adaption = 0", ""},
+             CCase{"two_plane", "proximity_switch_input = 255", ""},
+             CCase{"screw_compensation", "plane = 255", ""},
+             CCase{"screw_compensation", "number_of_holes = 360", ""},
+             CCase{"screw_compensation", "reference_weight = 0.001, radius = 0.5", ""},
+         }) {
+        SCOPED_TRACE(rCase.m_pAssignment);
+        Reset();
+        Spoil(rCase.m_pAssignment, rCase.m_pTable);
+        const auto pDatabase = Open();
+        EXPECT_EQ(pDatabase->ReadConfiguration("Wheel").IsCalibrated(), 1);
+        EXPECT_THAT(pDatabase->GetOutcome().m_Problems, IsEmpty());
+    }
+}
+
 TEST_P(CImpossibleValuesTest, TheOtherFieldsAreRead) {
     Spoil("inv_a = '2x2: nan 0; 0 1', rotation_direction = 1", "single_plane");
     const auto pDatabase = Open();
@@ -137,4 +190,20 @@ TEST_F(CStoreFileTest, ATextInPlaceOfANumberIsLeftOut) {
     EXPECT_EQ(pDatabase->ReadConfiguration("Wheel").GetRPMTolerance(), 50U);
     EXPECT_THAT(pDatabase->GetOutcome().m_Problems,
                 ElementsAre("configuration.rpm_tolerance: \"wide\" is no number"));
+}
+
+TEST_F(CStoreFileTest, AFractionInPlaceOfAWholeNumberIsLeftOutAndAnInfiniteWeightToo) {
+    {
+        const auto pDatabase = Open();
+        MakeCalibrated(*pDatabase, "Wheel").CreateSinglePlane().CreateScrewCompensationTableEntry();
+        ASSERT_NE(pDatabase->WriteConfiguration(), 0);
+    }
+    CDirectSQL Sql(m_Connection);
+    Sql.Execute("UPDATE configuration SET rpm_tolerance = 12.5");
+    Sql.Execute("UPDATE screw_compensation SET reference_weight = 9e999");
+    const auto pDatabase = Open();
+    EXPECT_EQ(pDatabase->ReadConfiguration("Wheel").GetRPMTolerance(), CNewEntryDefaults::eRPMTolerance);
+    EXPECT_THAT(pDatabase->GetOutcome().m_Problems,
+                ElementsAre("configuration.rpm_tolerance: 12.500000 is no whole number",
+                            "screw_compensation.single.reference_weight: inf isn't above 0"));
 }

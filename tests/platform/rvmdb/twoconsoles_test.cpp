@@ -74,6 +74,21 @@ TEST_P(CTwoConsolesTest, EachWriteThatChangesSomethingIsARevision) {
     EXPECT_EQ(GetRevision(), Revision + 1);
 }
 
+// The revision is taken in the transaction of the write: where nothing is written none is used up.
+TEST_P(CTwoConsolesTest, AWriteThatIsRefusedOrLosesIsNoRevision) {
+    const std::int64_t Revision = GetRevision();
+    m_pSecond->ReadConfiguration("Other").SetProcessName("Wheel");
+    EXPECT_EQ(m_pSecond->WriteConfiguration(), 0);
+    EXPECT_EQ(GetRevision(), Revision);
+    m_pB = &m_pSecond->ReadConfiguration("Wheel");
+    m_pA->SetTargetUnbalance(9);
+    m_pB->SetTargetUnbalance(11);
+    Save(*m_pFirst);
+    Save(*m_pSecond);
+    EXPECT_THAT(m_pSecond->GetOutcome().m_Conflicts, ElementsAre("configuration.target_unbalance"));
+    EXPECT_EQ(GetRevision(), Revision + 1);
+}
+
 TEST_P(CTwoConsolesTest, DifferentFieldsChangedOnBothSidesAreBothKept) {
     CLogCapture Log;
     m_pA->SetTargetUnbalance(9);
@@ -187,6 +202,25 @@ TEST_P(CTwoConsolesTest, AMethodChangedHereWinsOverNothingOnTheOtherSide) {
     EXPECT_EQ(Sql.Query("SELECT count(*) FROM weight_compensation")[0].GetInteger(0), 0);
 }
 
+// The method of a part is one choice, like a field: the stored one stays, and nothing of the other is kept.
+TEST_P(CTwoConsolesTest, OfTwoMethodsChosenOnBothSidesTheStoredOneStaysAndTheOtherIsTold) {
+    m_pA->CreateTwoPlane().CreatePlane2ScrewCompensationTableEntry().SetNumberOfHoles(18);
+    m_pB->CreateTwoPlane().CreatePlane2WeightCompensationTableEntry();
+    m_pB->SetTargetUnbalance(9);
+    Save(*m_pFirst);
+    Save(*m_pSecond);
+    EXPECT_THAT(m_pSecond->GetOutcome().m_Conflicts, ElementsAre("weight_compensation.plane2.method"));
+    EXPECT_EQ(GetStored().GetTargetUnbalance(), 9U);
+    ASSERT_NE(GetStored().GetTwoPlane(), nullptr);
+    const CScrewCompensationTableEntry* const pScrews =
+        GetStored().GetTwoPlane()->GetPlane2ScrewCompensationTableEntry();
+    ASSERT_NE(pScrews, nullptr);
+    EXPECT_EQ(pScrews->GetNumberOfHoles(), 18U);
+    CDirectSQL Sql(m_Connection);
+    EXPECT_EQ(Sql.Query("SELECT count(*) FROM weight_compensation WHERE part = 'plane2'")[0].GetInteger(0),
+              0);
+}
+
 TEST_P(CTwoConsolesTest, TwoNewConfigurationsOfOneNameBecomeOne) {
     m_pFirst->ReadConfiguration("New").SetTargetUnbalance(9);
     m_pSecond->ReadConfiguration("New").SetRPMTolerance(70);
@@ -207,6 +241,21 @@ TEST_P(CTwoConsolesTest, AConfigurationThatWasRemovedMeanwhileComesBackWithAChan
     Save(*m_pFirst);
     EXPECT_EQ(GetStored().GetTargetUnbalance(), 9U);
     EXPECT_EQ(GetInvA(GetStored()), 0.5);
+}
+
+TEST_P(CTwoConsolesTest, AScrewTableThatLosesIsNoRevision) {
+    using Screws = Base::CWDArray<CScrew>;
+    const auto GetTableRevision = [this] {
+        CDirectSQL Sql(m_Connection);
+        return Sql.Query("SELECT revision FROM screw_table WHERE name = 'M6'")[0].GetInteger(0);
+    };
+    m_pFirst->ReadScrewTable("M6").SetScrewArray(Screws{CScrew("a", 1)});
+    m_pSecond->ReadScrewTable("M6").SetScrewArray(Screws{CScrew("b", 2)});
+    EXPECT_NE(m_pFirst->WriteScrewTable(), 0);
+    const std::int64_t Revision = GetTableRevision();
+    EXPECT_NE(m_pSecond->WriteScrewTable(), 0);
+    EXPECT_THAT(m_pSecond->GetOutcome().m_Conflicts, ElementsAre("screw_table.M6"));
+    EXPECT_EQ(GetTableRevision(), Revision);
 }
 
 TEST_P(CTwoConsolesTest, AScrewTableOfAnotherConsoleIsNotWrittenOver) {

@@ -217,6 +217,17 @@ TEST_F(CMainWndRunControlTest, WindowDeletedInARunWithoutAWordLeavesTheNCInactiv
     EXPECT_EQ(GetStep(), 0);
 }
 
+// By the time that it is deleted another window may have spoken.
+TEST_F(CMainWndRunControlTest, WindowThatIsDestroyedAndThenDeletedLeavesTheNCOnce) {
+    LinkOpc();
+    Open();
+    m_pWnd->DestroyWindow();
+    EXPECT_EQ(GetStep(), 0);
+    m_Opc.GetServer().Write("PreBalInterfaceToNC", std::vector<std::int32_t>{2});
+    m_pWnd.reset();
+    EXPECT_EQ(GetStep(), 2);
+}
+
 TEST_F(CMainWndRunControlTest, DestroyPendingHandsTheFocusToTheForegroundWindow) {
     Open();
     CWnd::SetForegroundWindow(&m_Host);

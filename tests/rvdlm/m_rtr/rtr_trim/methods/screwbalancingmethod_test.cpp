@@ -74,8 +74,9 @@ TEST_F(ScrewBalancingMethod, StartsWithTheMiddleOfTheTable) {
 }
 
 TEST_F(ScrewBalancingMethod, TheNCPresetsTheFirstScrewThatIsHeavyEnough) {
-    const std::pair<double, const char*> Cases[] = {{2.5, "M3"}, {3.000001, "M3"}, {10.0, "M3"},
-                                                    {0.0, "M1"}, {2.00002, "M3"},  {2.000009, "M2"}};
+    const std::pair<double, const char*> Cases[] = {{2.5, "M3"},       {3.000001, "M3"}, {10.0, "M3"},
+                                                    {0.0, "M1"},       {2.00002, "M3"},  {2.000009, "M2"},
+                                                    {2.0 + 1e-5, "M2"}};
     for (const auto& [Wanted, pName] : Cases) {
         LinkTestWeight(Wanted);
         EXPECT_EQ(GetTestScrew(MakeTable(3)), pName) << Wanted;
@@ -110,6 +111,8 @@ TEST_F(ScrewBalancingMethod, KeysChangeTheTestScrewAndWrapAround) {
     EXPECT_EQ(Press(Key::eDecrement), "M3");
     EXPECT_EQ(Press(Key::eDecrement), "M2");
     EXPECT_EQ(Press(Key::eNeutralPosition), "M2");  // any other key
+    EXPECT_EQ(Press(Key::eDecrement), "M1");
+    EXPECT_EQ(Press(Key::eNeutralPosition), "M1");
     EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
 }
 

@@ -271,4 +271,22 @@ TEST_F(PlaneTest, DumpsKeepTheirNames) {
     EXPECT_EQ(nRow("RawUnbalance in path ubtSum ="), 1);
 }
 
+// With screws there are no weights before the test; what is logged of them is zero all the same.
+TEST_F(PlaneTest, DumpsOfWeightsThatThereAreNotAreZeroVectors) {
+    const CLogCapture Log(true);
+    Read(m_Master, CPlane::ubtFirst, 10, 0);
+    Read(m_Master, CPlane::ubtSum, 30, 0);
+    Read(m_Master, CPlane::ubtCrossSum, 30, 50);
+    const std::vector<std::string> Texts = Log.GetTexts("PbMath");
+    for (const std::string Name : {"FirstDirectWeightVector", "FirstDirectWeightsAsNormalizedVector",
+                                   "FirstCrossWeightVector", "FirstCrossWeightsAsNormalizedVector"}) {
+        const std::string Margin(Name.size() + 3, ' ');
+        const auto Row = std::ranges::find(Texts, Name + " = |    0.0000  |");
+        ASSERT_NE(Row, Texts.end()) << Name;
+        ASSERT_NE(Row + 1, Texts.end()) << Name;
+        EXPECT_EQ(Row[1], Margin + "|    0.0000  |") << Name;
+        EXPECT_TRUE(Row + 2 == Texts.end() || !Row[2].starts_with(Margin)) << Name;
+    }
+}
+
 }  // namespace
