@@ -62,6 +62,8 @@ test('orders before the connect line are answered with an error', async () => {
   await start();
   assert.match((await gateway.write('ns=2;s=Request', { int32: 1 })).error, /no connection/);
   assert.match((await gateway.read('ns=2;s=Request')).error, /no connection/);
+  gateway.send({ check: { id: 5, node: 'ns=2;s=Request', value: { int32: 1 } } });
+  assert.match((await gateway.next('checked')).error, /no connection/);
 });
 
 test('lines that make no sense are complained about, and the next one is taken', async () => {
@@ -80,6 +82,7 @@ test('lines that make no sense are complained about, and the next one is taken',
   await complaint('{"ping": {"id": 1}, "read": {"id": 2}}', /does not know/);
   await complaint('{"read": 5}', /a read line with a wrong content/);
   await complaint('{"ping": {}}', /a ping line with a wrong id/);
+  await complaint('{"check": {"node": "i=1", "value": {"int32": 1}}}', /a check line with a wrong id/);
   await complaint('{"connect": {"server": "opc.tcp://127.0.0.1:1"}}', /a connect line with a wrong security/);
   await complaint(`{"ping": {"id": "${'x'.repeat(70000)}"}}`, /longer than 65536/);
   gateway.send({ ping: { id: 4 } });
@@ -94,6 +97,8 @@ test('an order with a fault is answered, so that nobody waits for it', async () 
   assert.deepEqual(await gateway.next('value'), { id: 2, error: 'wrong node' });
   gateway.send({ subscribe: { id: 3, node: 'i=1', rate: 'often' } });
   assert.deepEqual(await gateway.next('changed'), { id: 3, error: 'wrong rate' });
+  gateway.send({ check: { id: 4, node: 'i=1', value: 1 } });
+  assert.deepEqual(await gateway.next('checked'), { id: 4, error: 'wrong value' });
 });
 
 test('a second connect line is not taken', async () => {

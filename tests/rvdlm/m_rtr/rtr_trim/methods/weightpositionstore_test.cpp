@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <limits>
 #include <stdexcept>
 #include <string>
 
@@ -346,6 +347,26 @@ TEST_F(WeightPositionStore, SetWithoutAFileWritesTheDefaultHead) {
                              .Text("A")
                              .Record(true, 3, 3, true)
                              .m_Bytes);
+}
+
+// Of the planes that a record is of; what lies in the other one doesn't matter.
+TEST_F(WeightPositionStore, AnglesAreUsableIfAllOfThemAreOnTheScale) {
+    const auto IsUsable = [](double Plane1, double Plane2, bool bSinglePlane) {
+        WeightPos2Plane Record;
+        Record.m_PositionsPlane1 = MakeVector(10, Plane1);
+        Record.m_PositionsPlane2 = MakeVector(Plane2, 20);
+        Record.m_SinglePlane = bSinglePlane;
+        return Record.HasUsableAngles();
+    };
+    EXPECT_TRUE(IsUsable(0, 359, false));
+    EXPECT_TRUE(IsUsable(0, 359, true));
+    for (const double Angle : {-0.5, 359.5, 360.0, std::numeric_limits<double>::quiet_NaN(),
+                               std::numeric_limits<double>::infinity()}) {
+        EXPECT_FALSE(IsUsable(Angle, 0, false)) << Angle;
+        EXPECT_FALSE(IsUsable(Angle, 0, true)) << Angle;
+        EXPECT_FALSE(IsUsable(0, Angle, false)) << Angle;
+        EXPECT_TRUE(IsUsable(0, Angle, true)) << Angle;
+    }
 }
 
 TEST_F(WeightPositionStore, LoadWithoutAFileChangesNothing) {

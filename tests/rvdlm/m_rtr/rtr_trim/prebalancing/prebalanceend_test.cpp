@@ -2,6 +2,7 @@
 #include <filesystem>
 
 #include "tests/rvdlm/m_rtr/rtr_trim/prebalancing/sequencefixture.h"
+#include "tests/support/textfiles.h"
 
 namespace {
 
@@ -107,6 +108,19 @@ TEST_F(PreBalanceEndTest, CommitStoresThePositionsInTheFile) {
     EXPECT_EQ(rRecord.m_PositionsPlane1(0, 0), 123.0);
     EXPECT_EQ(rRecord.m_PositionsPlane1(1, 0), 321.0);
     EXPECT_EQ(rRecord.m_RPM, 3000) << "noted by the neutral measurement";
+}
+
+// Damaged while the run went on: the positions of this run get lost neither with the old file nor for it.
+TEST_F(PreBalanceEndTest, CommitIntoADamagedFileStoresThePositionsInANewOne) {
+    Reach(S::ePreBalanceMeasurement);
+    const std::string File = m_Installation.GetWeightPositions().string();
+    WriteTestFile(File, "\x03");
+    m_pMethod->m_Positions = math::MakeVector(123, 321);
+    EXPECT_TRUE(m_pSequence->CommitChanges());
+    m_Wnd.m_Store.Load();
+    ASSERT_TRUE(m_Wnd.m_Store.IsPositionsValid("000005_WHEEL1"));
+    EXPECT_TRUE(m_Wnd.m_Store.Get("000005_WHEEL1").m_PositionsPlane1 == math::MakeVector(123, 321));
+    EXPECT_EQ(ReadTestFile(File + ".damaged"), "\x03");
 }
 
 TEST_F(PreBalanceEndTest, CommitWithScrewsStoresNoPositions) {
