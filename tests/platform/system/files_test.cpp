@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <csignal>
 #include <filesystem>
 
 #include "tests/support/tempdirectory.h"
@@ -117,6 +118,26 @@ TEST(FilesTest, AWriteProtectedFileIsLeftAlone) {
     WriteTestFile(Directory.At("data"), "old");
     fs::permissions(Directory.At("data"), fs::perms::owner_read | fs::perms::group_read);
     EXPECT_FALSE(Files::WriteAll(Directory.At("data"), {1})) << "whoever the user is";
+    EXPECT_EQ(ReadTestFile(Directory.At("data")), "old");
+    EXPECT_EQ(std::distance(fs::directory_iterator(Directory.GetPath()), fs::directory_iterator()), 1);
+}
+
+// The disk is full in the middle of the new file.
+TEST(FilesTest, AWriteThatFailsLeavesTheOldFileAndNothingElse) {
+    const CTempDirectory Directory;
+    WriteTestFile(Directory.At("data"), "old");
+    const pid_t Writer = fork();
+    ASSERT_NE(Writer, -1);
+    if (Writer == 0) {
+        std::signal(SIGXFSZ, SIG_IGN);
+        const rlimit Limit{3, 3};
+        setrlimit(RLIMIT_FSIZE, &Limit);
+        _exit(Files::WriteAll(Directory.At("data"), {1, 2, 3, 4, 5, 6}) ? 1 : 0);
+    }
+    int Status = 0;
+    ASSERT_EQ(waitpid(Writer, &Status, 0), Writer);
+    ASSERT_TRUE(WIFEXITED(Status));
+    EXPECT_EQ(WEXITSTATUS(Status), 0) << "it is told";
     EXPECT_EQ(ReadTestFile(Directory.At("data")), "old");
     EXPECT_EQ(std::distance(fs::directory_iterator(Directory.GetPath()), fs::directory_iterator()), 1);
 }

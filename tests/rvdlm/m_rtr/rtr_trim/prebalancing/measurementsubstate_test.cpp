@@ -411,6 +411,20 @@ TEST_F(MeasurementSubStateTest, WithoutASettingsFileTheSwitchIsOff) {
     EXPECT_THAT(m_Log.GetTexts("Error"), IsEmpty());
 }
 
+TEST_F(MeasurementSubStateTest, TheIdOfAStoppedTimerIsNobodys) {
+    COwner& rOwner = MakeMeasuring();
+    m_Loop.Advance(50);
+    ASSERT_EQ(rOwner.m_Ticks.size(), 1U);
+    rOwner.StopMeasurement();
+    const std::size_t nRepaints = rOwner.m_Repaints.size();
+    for (std::int32_t Id = 0; Id < 20; ++Id) {
+        rOwner.OnIDTimeout(Id);
+    }
+    EXPECT_EQ(rOwner.m_Ticks.size(), 1U);
+    EXPECT_EQ(rOwner.m_Repaints.size(), nRepaints);
+    EXPECT_THAT(rOwner.Take(), IsEmpty());
+}
+
 TEST_F(MeasurementSubStateTest, DamagedSettingsFileIsLoggedAndTheSwitchIsOff) {
     WriteTestFile(m_Installation.GetRoot() / "cnf" / "mcon.xdb", "<Corvane><system_falconet IgnoreOut");
     COwner& rOwner = Make();

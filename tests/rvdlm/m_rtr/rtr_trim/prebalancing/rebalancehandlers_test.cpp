@@ -185,6 +185,20 @@ TEST_F(ReBalanceTest, KeysInTheMeasurementWorkOnlyWithMenu8) {
     }
 }
 
+// Readings and locks come all the time; a state that has no use for them takes them without a word.
+TEST_F(ReBalanceTest, WhatDoesNotConcernTheSettingOfWeightsIsTakenInSilence) {
+    for (const auto State :
+         {S::eReBalanceCommitWeights, S::eReBalanceSetWeights, S::eReBalanceCheckWeights}) {
+        Reach(State);
+        m_Log.Clear();
+        m_pSequence->CurrentRPM(0);
+        m_pSequence->OutOfLock(1);
+        m_pSequence->CurrentXYValuePlane1(1, 2);
+        EXPECT_EQ(GetState(), State);
+        EXPECT_THAT(m_Log.GetTexts("Warning"), IsEmpty()) << State;
+    }
+}
+
 // --- eReBalanceSpindleStop, eReBalanceSetWeights ---
 
 TEST_F(ReBalanceTest, SpindleStopComputesTheNewCorrection) {
