@@ -89,6 +89,9 @@ git ls-files -coz --exclude-standard | while IFS= read -r -d '' file; do
     [ ! -e "$file" ] || printf '%s\0' "$file"
 done | tar --null -cf - -T - | tar -xf - -C "$copy"
 
+# What was broken last has its old date again, and what was built of it is newer: it must be built again all the same.
+[ ! -e "$work/broken" ] || touch -c "$copy/$(<"$work/broken")"
+
 # Built as ./test builds, in the same place of the copy, so that all that isn't broken comes from the compiler cache.
 [ -e "$build/build.ninja" ] || (cd "$copy" && cmake --preset release) >"$log" 2>&1 ||
     { cat "$log" >&2; fail "the copy can't be configured"; }
@@ -157,6 +160,7 @@ for ((round = 0; ${#pending[@]} > 0; ++round)); do
         program=${chain[$round]}
         [ -n "${limits[$program]:-}" ] || prepare "$program"
         cat "$copy/$file" >"$work/unbroken"
+        printf '%s\n' "$file" >"$work/broken"
         tools/mutations.pl --apply "$copy/$file" "$offset" "$length" "$replacement"
         result=$(CCACHE_READONLY=1 CCACHE_PREFIX=$quiet try "$program" "$file")
         # Written anew, not with its old date: what was built of it must be built again.

@@ -157,6 +157,13 @@ survived: rvlib/a.cpp:11: 4 is now 5
 LIST
 )"
 expect 'the tree' "$(git status --short; cat rvlib/a.cpp)" "$before"
+# What a run has broken last, and its tests have noticed, is whole again in the next run.
+echo 'int Last(int a) { return a + 5; }' >rvlib/a.cpp
+echo 'int Last(int); int main() { return Last(2) == 7 ? 0 : 1; }' >tests/near.cpp
+for run in first next; do
+    tools/mutate.sh --nearest rvlib >/dev/null 2>&1 && status=0 || status=$?
+    expect "the $run run's answer where nothing survives" "$status" 0
+done
 echo 'int main() { return 1; }' >tests/near.cpp
 tools/mutate.sh rvlib >/dev/null 2>&1 && status=0 || status=$?
 expect 'its answer to tests that fail as they are' "$status" 3

@@ -68,16 +68,22 @@ TEST(ScrewWeights, AWideGapPartsThem) {
     ExpectSound(Weights);
 }
 
-// Each gap is wide beside all below it, and yet the search can't go through any number of groups.
+// Each gap is wide beside all narrower ones, and yet the search can't go through any number of groups.
 TEST(ScrewWeights, GroupsStayFewHoweverManyGapsAreWide) {
-    std::vector<double> Table;
+    std::vector<double> Wider;
+    std::vector<double> Narrower;
     for (int i = 0; i < 60; ++i) {
-        Table.push_back(1e-3 * std::pow(1.5, i));
+        Wider.push_back(1e-3 * std::pow(1.5, i));
+        Narrower.push_back(1e8 - 1e-3 * std::pow(1.5, i));
     }
-    const CScrewWeights Weights(Table);
-    EXPECT_EQ(Weights.GetGroups().size(), 16U);
-    EXPECT_EQ(Weights.GetGroups().back().m_From, 59U) << "the widest gaps part them";
-    ExpectSound(Weights);
+    const CScrewWeights WiderWeights(Wider);
+    EXPECT_EQ(WiderWeights.GetGroups().size(), 16U);
+    EXPECT_EQ(WiderWeights.GetGroups().back().m_From, 59U) << "the widest gaps part them";
+    ExpectSound(WiderWeights);
+    const CScrewWeights NarrowerWeights(Narrower);
+    EXPECT_EQ(NarrowerWeights.GetGroups().size(), 16U);
+    EXPECT_EQ(NarrowerWeights.GetGroups().front().m_To, 1U);
+    ExpectSound(NarrowerWeights);
 }
 
 TEST(ScrewWeights, TheNearestAndThoseInARangeAreFound) {
