@@ -202,7 +202,7 @@ TEST_F(CStoreFileTest, AFractionInPlaceOfAWholeNumberIsLeftOutAndAnInfiniteWeigh
     Sql.Execute("UPDATE configuration SET rpm_tolerance = 12.5");
     Sql.Execute("UPDATE screw_compensation SET reference_weight = 9e999");
     const auto pDatabase = Open();
-    EXPECT_EQ(pDatabase->ReadConfiguration("Wheel").GetRPMTolerance(), CNewEntryDefaults::eRPMTolerance);
+    EXPECT_EQ(pDatabase->ReadConfiguration("Wheel").GetRPMTolerance(), 50U) << "that of a new configuration";
     EXPECT_THAT(pDatabase->GetOutcome().m_Problems,
                 ElementsAre("configuration.rpm_tolerance: 12.500000 is no whole number",
                             "screw_compensation.single.reference_weight: inf isn't above 0"));

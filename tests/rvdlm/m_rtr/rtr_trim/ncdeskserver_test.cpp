@@ -224,13 +224,6 @@ TEST_F(DistantNCDesk, AnAnswerThatFailedSwallowsNoRequest) {
     EXPECT_THAT(GetCalls(), ElementsAre("StartPreBalancing 1500 0 1", "KeyPressed eNext"));
 }
 
-TEST_F(DistantNCDesk, AWriteThatFailsAfterTheDeskHasGoneIsNobodysConcern) {
-    m_pDesk->WarningModeChanged(3);
-    m_pDesk.reset();
-    m_pServer->Fail("PreBalInterfaceToNCWarnings");
-    EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
-}
-
 TEST_F(NCDeskLinking, ADeskWithoutItemsDoesNothing) {
     Serve();
     EXPECT_EQ(m_pDesk->GetInterfaceFromNC(), nullptr);

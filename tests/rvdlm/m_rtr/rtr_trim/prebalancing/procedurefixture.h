@@ -32,8 +32,8 @@ public:
 
 protected:
     using Procedure::Procedure;
-    static CSequencePlane MakeFakePlane(std::unique_ptr<CPlaneBalancingMethod> pMethod,
-                                                    Means Value, std::size_t Sensor) {
+    static CSequencePlane MakeFakePlane(std::unique_ptr<CPlaneBalancingMethod> pMethod, Means Value,
+                                        std::size_t Sensor) {
         CSequencePlane Plane;
         Plane.m_pMethod = std::move(pMethod);
         Plane.m_CompensationMethod = Value;

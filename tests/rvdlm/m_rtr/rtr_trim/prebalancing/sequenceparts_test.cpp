@@ -91,8 +91,8 @@ TEST_F(SequencePartsTest, OnePlaneThatCannotReachItsVectorIsEnoughToFailAndTheOt
 TEST_F(SequencePartsTest, AMeasurementIsCompleteWhenItsWholeWindowCameWhileTheConditionHeld) {
     AddPlane();
     m_Measuring.Begin();
-    // The first only ends the display of values that aren't valid, and the average is complete when one more than its
-    // window has come.
+    // The first only ends the display of values that aren't valid, and the average is complete when one more
+    // than its window has come.
     Sample(0, 4);
     EXPECT_FALSE(m_Measuring.IsMeasured(0, true));
     Sample(0, 1);
