@@ -71,7 +71,7 @@ TEST_F(CDirectSqlTest, AFailureHasTheDatabasesTextAndItsCause) {
         EXPECT_THAT(rError.what(), HasSubstr("locked"));
     }
     try {
-        m_Store.Query("SELECT nothing FROM nowhere");
+        m_Store.Query("SELECT one FROM nowhere");
         ADD_FAILURE() << "there is no such table";
     } catch (const CSqlError& rError) {
         EXPECT_EQ(rError.GetCause(), StoreFailure::eOther);
