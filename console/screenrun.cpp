@@ -86,7 +86,9 @@ void CScreenRun::End(bool bKeep) {
     m_rSession.SendAction(Actions::eTerminate, bKeep ? Actions::eCommit : Actions::eNone);
     if (bKeep) {
         GoOn();
-    } else {
+    }
+    // A result that can't be saved keeps the run, which nobody can end once more.
+    if (!bKeep || m_rSession.Look().m_bRunning) {
         FinishRun(false);
     }
 }

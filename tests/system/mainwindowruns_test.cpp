@@ -3,6 +3,7 @@
 #include <QMouseEvent>
 
 #include "platform/qt/qteventloop.h"
+#include "platform/rvmdb/directsql.h"
 #include "tests/system/mainwindowfixture.h"
 
 namespace {
@@ -119,6 +120,35 @@ TEST_F(MainWindowOptionsTest, AfterARunThatIsEndedEarlyTheNextOneDoesNotBegin) {
     EXPECT_FALSE(m_pSession->Look().m_bRunning);
     EXPECT_TRUE(m_pSession->GetHost().IsCalibrated()) << "so it could have begun";
     EXPECT_EQ(m_pWindow->statusBar()->currentMessage(), "");
+}
+
+TEST_F(MainWindowOptionsTest, AResultThatCannotBeSavedWhenTheWindowClosesIsReportedAsAFailure) {
+    Open();
+    Press("Pre-balance");
+    BalanceByButtons();
+    Press("Finish");
+    EXPECT_EQ(ReadReport()["exit"], 0);
+    PreBalDB::CDirectSQL("sqlite:" + m_Run.m_Installation.GetDatabaseFile().string())
+        .Execute(
+            "CREATE TRIGGER sabotage BEFORE UPDATE ON configuration BEGIN SELECT RAISE(ABORT, 'disk "
+            "trouble'); END");
+    Press("Stop spindle");
+    m_Loop.Advance(3000);
+    Press("Pre-balance");
+    BalanceByButtons();
+    Close();
+    EXPECT_EQ(ReadReport()["result"], "SetupSuccess");
+    EXPECT_EQ(ReadReport()["exit"], 2);
+}
+
+TEST_F(MainWindowOptionsTest, AWindowThatClosesOnAResultBeginsNothingMore) {
+    AskFor(COptions::Procedure::ePrebalanceAndRebalance);
+    Open();
+    BalanceByButtons();
+    Close();
+    const json Report = ReadReport();
+    EXPECT_EQ(Report["procedure"], "prebalance");
+    EXPECT_EQ(Report["exit"], 0);
 }
 
 TEST_F(MainWindowOptionsTest, ARunThatIsBrokenOffTogetherWithItsBeginningIsReported) {

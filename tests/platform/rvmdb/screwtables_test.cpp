@@ -109,6 +109,19 @@ TEST_P(CScrewTableTest, AChangedNameMakesAFurtherTable) {
     EXPECT_EQ(pDatabase->ReadScrewTable("M6").GetScrewArray(), (Screws{CScrew("a", 1)}));
 }
 
+TEST_P(CScrewTableTest, FromAChangedNameOnTheFurtherTableIsTheOneThatIsWritten) {
+    const auto pDatabase = Open();
+    CScrewTableEntry& rTable = pDatabase->ReadScrewTable("M6");
+    rTable.SetName("M8");
+    rTable.SetScrewArray({CScrew("b", 2)});
+    ASSERT_NE(pDatabase->WriteScrewTable(), 0);
+    Write(*Open(), "M8", {CScrew("c", 3)});
+    rTable.SetScrewArray({CScrew("d", 4)});
+    EXPECT_NE(pDatabase->WriteScrewTable(), 0);
+    EXPECT_THAT(pDatabase->GetOutcome().m_Conflicts, ElementsAre("screw_table.M8"));
+    EXPECT_EQ(Open()->ReadScrewTable("M8").GetScrewArray(), (Screws{CScrew("c", 3)}));
+}
+
 TEST_P(CScrewTableTest, TablesBelongToTheirMachine) {
     const auto pFirst = Open("M-1");
     const auto pSecond = Open("M-2");

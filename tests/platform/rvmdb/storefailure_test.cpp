@@ -177,6 +177,19 @@ TEST_F(CStoreFailureTest, AChangeToAnEntryThatCouldNotBeReadIsMergedWithWhatIsSt
     EXPECT_EQ(rStored.IsCalibrated(), 1);
 }
 
+// Nobody is known to have changed it since.
+TEST_F(CStoreFailureTest, AFieldThatIsSetInAnEntryThatCouldNotBeReadIsTaken) {
+    CDirectSQL Sql(m_Connection);
+    Sql.Execute("UPDATE configuration SET target_unbalance = 12");
+    Sql.Execute("ALTER TABLE two_plane RENAME TO gone");
+    CPreBalBaseTableEntry& rEntry = m_pDatabase->ReadConfiguration("Wheel");
+    Sql.Execute("ALTER TABLE gone RENAME TO two_plane");
+    rEntry.SetTargetUnbalance(15);
+    EXPECT_NE(m_pDatabase->WriteConfiguration(), 0);
+    EXPECT_THAT(m_pDatabase->GetOutcome().m_Conflicts, testing::IsEmpty());
+    EXPECT_EQ(Open()->ReadConfiguration("Wheel").GetTargetUnbalance(), 15U);
+}
+
 // The window thread waits so long in all, however often its message asks the store.
 TEST_F(CStoreFailureTest, AStoreThatIsLockedHoldsNobodyUpForLong) {
     CDirectSQL Other(m_Connection);
@@ -284,6 +297,21 @@ TEST_P(CFrozenServerTest, AServerThatFreezesHoldsNobodyUpAndTheNextTrySaves) {
     Signal(SIGCONT, Processes);
     EXPECT_NE(pDatabase->WriteConfiguration(), 0) << pDatabase->GetOutcome().m_Failure;
     EXPECT_EQ(Open()->ReadConfiguration("Wheel").GetSinglePlane()->GetInvA()(0, 0), 0.75);
+}
+
+// What hangs is the connection: given up, it makes room for another one.
+TEST_P(CFrozenServerTest, AFrozenConnectionIsFollowedByANewOneThatSaves) {
+    const auto pDatabase = Open();
+    MakeCalibrated(*pDatabase, "Wheel");
+    ASSERT_NE(pDatabase->WriteConfiguration(), 0);
+    MakeCalibrated(*pDatabase, "Wheel", 0.75);
+    const std::vector<pid_t> Processes = GetProcesses();
+    Signal(SIGSTOP, Processes);
+    EXPECT_EQ(pDatabase->WriteConfiguration(), 0);
+    EXPECT_EQ(pDatabase->GetOutcome().m_Cause, StoreFailure::eNoAnswer);
+    EXPECT_NE(pDatabase->WriteConfiguration(), 0) << pDatabase->GetOutcome().m_Failure;
+    EXPECT_EQ(Open()->ReadConfiguration("Wheel").GetSinglePlane()->GetInvA()(0, 0), 0.75);
+    Signal(SIGCONT, Processes);
 }
 
 TEST_P(CFrozenServerTest, ADatabaseOnAFrozenServerEndsInTime) {
