@@ -73,14 +73,14 @@ export class GatewayProcess {
    * begun together begin at the same line: what may come in any order is to be waited for so.
    */
   next(kind, accepts = () => true) {
-    const start = this.taken;
+    const first = this.taken;
     return new Promise((resolve, reject) => {
       const timer = setTimeout(() => {
         const last = JSON.stringify(this.lines.slice(-20));
         reject(new Error(`no "${kind}" came in ${PATIENCE} ms; the last lines were ${last} ${this.output}`));
       }, PATIENCE);
       const look = () => {
-        for (let i = start; i < this.lines.length; ++i) {
+        for (let i = first; i < this.lines.length; ++i) {
           const content = this.lines[i][kind];
           if (content !== undefined && accepts(content)) {
             this.taken = Math.max(this.taken, i + 1);
