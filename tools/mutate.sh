@@ -82,15 +82,20 @@ mkdir -p "$work"
 exec 9>"$work/lock"
 flock -n 9 || fail "another one is running in $work"
 
-# The copy: what git knows and what is new, with its dates, so that only what has changed is built again. Its build stays.
+# The copy: what git knows and what is new. A file is written only when its text differs, with the date of now, so that
+# what has changed is built again and nothing else: an old date of the tree may be older than what was built meanwhile.
+# Its build stays.
 mkdir -p "$copy"
-find "$copy" -mindepth 1 -maxdepth 1 ! -name build -exec rm -rf {} +
-git ls-files -coz --exclude-standard | while IFS= read -r -d '' file; do
-    [ ! -e "$file" ] || printf '%s\0' "$file"
-done | tar --null -cf - -T - | tar -xf - -C "$copy"
-
-# What was broken last has its old date again, and what was built of it is newer: it must be built again all the same.
-[ ! -e "$work/broken" ] || touch -c "$copy/$(<"$work/broken")"
+git ls-files -co --exclude-standard | while IFS= read -r file; do
+    [ ! -e "$file" ] || printf '%s\n' "$file"
+done | LC_ALL=C sort >"$work/files"
+(cd "$copy" && find . -path ./build -prune -o ! -type d -print | sed 's|^\./||' | LC_ALL=C sort) | LC_ALL=C comm -23 - "$work/files" |
+    while IFS= read -r file; do rm -f "$copy/$file"; done
+while IFS= read -r file; do
+    cmp -s "$file" "$copy/$file" && continue
+    mkdir -p "$copy/$(dirname "$file")"
+    cp "$file" "$copy/$file"
+done <"$work/files"
 
 # Built as ./test builds, in the same place of the copy, so that all that isn't broken comes from the compiler cache.
 [ -e "$build/build.ninja" ] || (cd "$copy" && cmake --preset release) >"$log" 2>&1 ||
@@ -160,7 +165,6 @@ for ((round = 0; ${#pending[@]} > 0; ++round)); do
         program=${chain[$round]}
         [ -n "${limits[$program]:-}" ] || prepare "$program"
         cat "$copy/$file" >"$work/unbroken"
-        printf '%s\n' "$file" >"$work/broken"
         tools/mutations.pl --apply "$copy/$file" "$offset" "$length" "$replacement"
         result=$(CCACHE_READONLY=1 CCACHE_PREFIX=$quiet try "$program" "$file")
         # Written anew, not with its old date: what was built of it must be built again.
