@@ -44,10 +44,11 @@ program node_hanging 'printf "%s\n" "# Subtest: group" "    # Subtest: first" " 
 program plain_good 'echo fine'
 program plain_bad 'echo "the reason"; exit 1'
 
-# run TEXT: a run that begins with these commands; leaves its output and status.
+# run TEXT: a run that begins with these commands; leaves its output and status. Started in the background this script
+# ignores SIGINT, and nothing below it could ever heed it again.
 run() {
     status=0
-    output=$(bash -c "set -euo pipefail; . '$tools/testrun.sh'; begin_test_run; cd '$work'; $1" 2>&1) || status=$?
+    output=$(env --default-signal=INT bash -c "set -euo pipefail; . '$tools/testrun.sh'; begin_test_run; cd '$work'; $1" 2>&1) || status=$?
     tried=$((tried + 1))
 }
 
