@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "platform/qt/bitmapimpl.h"
 
@@ -30,43 +31,47 @@ CBitmap& CBitmap::operator=(CBitmap&& rOther) noexcept {
     return *this;
 }
 
-void CBitmap::Create(CSize Size, double Scale) {
-    m_pImpl->m_Size = CSize(std::max(Size.cx, 0), std::max(Size.cy, 0));
-    if (m_pImpl->m_Size.cx == 0 || m_pImpl->m_Size.cy == 0) {
-        m_pImpl->m_Size = CSize();
-        m_pImpl->m_Image = QImage();
+void CBitmap::Impl::MakePixels() const {
+    if (!std::exchange(m_bWhite, false)) {
         return;
     }
-    const auto Scaled = [Scale](int nPixels) { return static_cast<int>(std::ceil(nPixels * Scale)); };
-    m_pImpl->m_Image = QImage(Scaled(m_pImpl->m_Size.cx), Scaled(m_pImpl->m_Size.cy), QImage::Format_RGB32);
-    m_pImpl->m_Image.setDevicePixelRatio(Scale);
-    m_pImpl->m_Image.fill(Qt::white);
+    const auto Scaled = [this](int nPixels) { return static_cast<int>(std::ceil(nPixels * m_Scale)); };
+    m_Image = QImage(Scaled(m_Size.cx), Scaled(m_Size.cy), QImage::Format_RGB32);
+    m_Image.setDevicePixelRatio(m_Scale);
+    m_Image.fill(Qt::white);
+}
+
+void CBitmap::Create(CSize Size, double Scale) {
+    m_pImpl->Set(Size, Scale);
 }
 
 CSize CBitmap::GetSize() const {
-    return m_pImpl->m_Size;
+    return m_pImpl->GetSize();
 }
 
 double CBitmap::GetScale() const {
-    return m_pImpl->m_Image.devicePixelRatio();
+    return m_pImpl->GetScale();
 }
 
 COLORREF CBitmap::GetPixel(int X, int Y) const {
-    if (X < 0 || Y < 0 || X >= m_pImpl->m_Size.cx || Y >= m_pImpl->m_Size.cy) {
+    if (X < 0 || Y < 0 || X >= GetSize().cx || Y >= GetSize().cy) {
         return RGB(0, 0, 0);
     }
     const double Scale = GetScale();
-    const QRgb Color = m_pImpl->m_Image.pixel(static_cast<int>(X * Scale), static_cast<int>(Y * Scale));
+    const QRgb Color =
+        std::as_const(*m_pImpl).GetImage().pixel(static_cast<int>(X * Scale), static_cast<int>(Y * Scale));
     return RGB(static_cast<unsigned>(qRed(Color)), static_cast<unsigned>(qGreen(Color)),
                static_cast<unsigned>(qBlue(Color)));
 }
 
 bool CBitmap::operator==(const CBitmap& rOther) const {
-    return GetScale() == rOther.GetScale() && m_pImpl->m_Image == rOther.m_pImpl->m_Image;
+    return GetScale() == rOther.GetScale() && GetSize() == rOther.GetSize() &&
+           ((m_pImpl->IsWhite() && rOther.m_pImpl->IsWhite()) ||
+            std::as_const(*m_pImpl).GetImage() == std::as_const(*rOther.m_pImpl).GetImage());
 }
 
 bool CBitmap::SavePng(const std::string& rPath) const {
-    return m_pImpl->m_Image.save(QString::fromStdString(rPath), "PNG");
+    return m_pImpl->GetImage().save(QString::fromStdString(rPath), "PNG");
 }
 
 bool CBitmap::LoadPng(const std::string& rPath) {
@@ -74,8 +79,6 @@ bool CBitmap::LoadPng(const std::string& rPath) {
     if (!Image.load(QString::fromStdString(rPath), "PNG")) {
         return false;
     }
-    m_pImpl->m_Image = Image.convertToFormat(QImage::Format_RGB32);
-    m_pImpl->m_Image.setDevicePixelRatio(1.0);
-    m_pImpl->m_Size = CSize(Image.width(), Image.height());
+    m_pImpl->Set(Image.convertToFormat(QImage::Format_RGB32));
     return true;
 }

@@ -154,7 +154,7 @@ protected:
             }
             const CBitmap Image =
                 rOwner.GetImageList().GetImage(rOwner.GetItemImage(i), GetSysColor(SysColor::eFace));
-            setTabIcon(i, QIcon(QPixmap::fromImage(Image.GetImpl().m_Image)));
+            setTabIcon(i, QIcon(QPixmap::fromImage(Image.GetImpl().GetImage())));
         }
         setCurrentIndex(rOwner.GetCurSel());
     }
@@ -179,7 +179,7 @@ CMirror* MakeControlWidget(CControl& rControl, QWidget* pParent) {
 }
 
 void DrawUnshownControl(const CControl& rControl, CBitmap& rPicture) {
-    if (rPicture.GetImpl().m_Image.isNull() ||
+    if (rPicture.GetImpl().IsEmpty() ||
         qobject_cast<QApplication*>(QCoreApplication::instance()) == nullptr) {
         return;
     }
@@ -191,5 +191,5 @@ void DrawUnshownControl(const CControl& rControl, CBitmap& rPicture) {
     pMirror->Follow();
     const CRect Client = rControl.GetClientRect();
     pMirror->GetWidget().setFixedSize(Client.right, Client.bottom);
-    pMirror->GetWidget().render(&rPicture.GetImpl().m_Image);
+    pMirror->GetWidget().render(&rPicture.GetImpl().GetImage());
 }

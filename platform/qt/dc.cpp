@@ -66,8 +66,8 @@ struct CDC::Impl {
     };
 
     explicit Impl(CBitmap& rTarget) : m_rTarget(rTarget) {
-        if (!rTarget.GetImpl().m_Image.isNull()) {
-            m_Painter.begin(&rTarget.GetImpl().m_Image);
+        if (!rTarget.GetImpl().IsEmpty()) {
+            m_Painter.begin(&rTarget.GetImpl().GetImage());
         }
     }
 
@@ -300,14 +300,14 @@ void CDC::BitBlt(const CRect& rDestination, const CBitmap& rSource, CPoint Sourc
         return;
     }
     const CPoint Target = rDestination.TopLeft() + Present.TopLeft() - Wanted.TopLeft();
-    m_pImpl->DrawImage(CRect(Target, Present.Size()), rSource.GetImpl().m_Image, Present,
+    m_pImpl->DrawImage(CRect(Target, Present.Size()), rSource.GetImpl().GetImage(), Present,
                        &rSource == &m_pImpl->m_rTarget);
 }
 
 void CDC::TransparentBlt(const CRect& rDestination, const CBitmap& rSource, CPoint SourceOrigin,
                          COLORREF Mask) {
     CBitmap Masked = rSource;
-    QImage& rImage = Masked.GetImpl().m_Image;
+    QImage& rImage = Masked.GetImpl().GetImage();
     if (rImage.isNull()) {
         return;
     }

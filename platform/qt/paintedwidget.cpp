@@ -73,7 +73,7 @@ void CPaintedWidget::paintEvent(QPaintEvent* /*pEvent*/) {
         Painter.fillRect(rect(), palette().window());
     }
     if (bShown) {
-        Painter.drawImage(0, 0, std::as_const(*GetWnd()).GetSurface().GetImpl().m_Image);
+        Painter.drawImage(0, 0, std::as_const(*GetWnd()).GetSurface().GetImpl().GetImage());
     }
 }
 

@@ -133,10 +133,10 @@ void CWindowView::OnFocusMoved(CWnd* pFocus) {
 
 bool CWindowView::DrawControl(const CWnd& rControl, CBitmap& rPicture) {
     QWidget* const pWidget = FindWidget(rControl);
-    if (pWidget == nullptr || rPicture.GetImpl().m_Image.isNull()) {
+    if (pWidget == nullptr || rPicture.GetImpl().IsEmpty()) {
         return false;
     }
-    pWidget->render(&rPicture.GetImpl().m_Image);
+    pWidget->render(&rPicture.GetImpl().GetImage());
     return true;
 }
 

@@ -35,7 +35,7 @@ protected:
     CBitmap Grab(double Scale = 1.0) {
         CBitmap Picture;
         Picture.Create(CSize(m_pView->width(), m_pView->height()), Scale);
-        m_pView->render(&Picture.GetImpl().m_Image);
+        m_pView->render(&Picture.GetImpl().GetImage());
         return Picture;
     }
     static bool IsBox(const CBitmap& rPicture, CPoint Point) {
@@ -140,14 +140,14 @@ TEST_F(ControlPicturesTest, AtTwiceTheResolutionSurfacesAndControlsAreSharp) {
     m_Loop.RunPosted();
     EXPECT_EQ(Fine.GetScale(), 2.0);
     EXPECT_EQ(Fine.GetSurface().GetSize(), CSize(60, 40));
-    const QImage& rSurface = Fine.GetSurface().GetImpl().m_Image;
+    const QImage& rSurface = Fine.GetSurface().GetImpl().GetImage();
     ASSERT_EQ(rSurface.size(), QSize(120, 80));
     EXPECT_EQ(rSurface.pixelColor(19, 20), Qt::white);
     EXPECT_EQ(rSurface.pixelColor(20, 20), Qt::black) << "pixel 10 is 20 and 21";
     EXPECT_EQ(rSurface.pixelColor(21, 20), Qt::black);
     EXPECT_EQ(rSurface.pixelColor(22, 20), Qt::white);
     const CBitmap Composed = m_Page.Compose();
-    const QImage& rPicture = Composed.GetImpl().m_Image;
+    const QImage& rPicture = Composed.GetImpl().GetImage();
     ASSERT_EQ(rPicture.size(), QSize(400, 200));
     // A stretched picture consists of blocks of two by two pixels; text and box of this one don't.
     const auto IsSharp = [&rPicture](const QRect& rArea) {
