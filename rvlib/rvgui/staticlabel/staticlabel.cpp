@@ -24,6 +24,11 @@ void CStaticLabel::SetTextColor(COLORREF Color) {
     Invalidate();
 }
 
+void CStaticLabel::SetTextEnd(int X) {
+    m_TextEnd = X;
+    Invalidate();
+}
+
 void CStaticLabel::Paint(CDC& rDC, const CRect& rRect) const {
     constexpr int c_nInset = 10;
     const CLook& rLook = IsWindowEnabled() ? m_Enabled : m_Disabled;
@@ -41,7 +46,12 @@ void CStaticLabel::Paint(CDC& rDC, const CRect& rRect) const {
     rDC.SetTextColor(m_TextColor);
     CRect Rect = rRect;
     Rect.left += c_nInset;
-    rDC.DrawText(GetText(), Rect, DT_SINGLELINE | DT_VCENTER | DT_LEFT);
+    unsigned Format = DT_SINGLELINE | DT_VCENTER | DT_LEFT;
+    if (m_TextEnd) {
+        Rect.right = rRect.left + *m_TextEnd;
+        Format |= DT_END_ELLIPSIS;
+    }
+    rDC.DrawText(GetText(), Rect, Format);
     rDC.RestoreDC(Saved);
 }
 

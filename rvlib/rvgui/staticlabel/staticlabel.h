@@ -1,4 +1,5 @@
 #pragma once
+#include <optional>
 #include <string>
 
 #include "platform/window/dc.h"
@@ -17,6 +18,9 @@ public:
     /// Without a font no text is drawn.
     void SetFont(const CFont& rFont) override;
     void SetTextColor(COLORREF Color);
+    /// Where other windows begin to cover the label: a text that is longer ends there in an ellipsis. From
+    /// the start the text has the whole width, and is cut at its end.
+    void SetTextEnd(int X);
 
     /// Draws into rRect; what the window does for its client area.
     void Paint(CDC& rDC, const CRect& rRect) const;
@@ -36,4 +40,5 @@ private:
     CLook m_Disabled;
     COLORREF m_TextColor = RGB(0, 0, 0);
     bool m_bHasFont = false;
+    std::optional<int> m_TextEnd;
 };
