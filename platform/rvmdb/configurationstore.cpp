@@ -94,18 +94,16 @@ std::optional<std::int64_t> CStore::BeginRevision(const char* pTable, const std:
 }
 
 CConfigurationWritten CStore::WriteConfiguration(const CConfigurationWrite& rWrite) {
-    if (rWrite.m_Name.empty()) {
-        throw CSqlError("a configuration needs a name", StoreFailure::eRefused);
-    }
     CTransaction Transaction(m_Connection, CTransaction::eWriting);
     const auto Revision = BeginRevision("configuration", rWrite.m_Name);
     if (!Revision) {
+        CheckNewName(rWrite.m_Name, "a configuration");
         CConfigurationWritten Written = Insert(rWrite);
         Transaction.Commit();
         return Written;
     }
     if (rWrite.m_Name != rWrite.m_StoredName) {
-        throw CSqlError("\"" + rWrite.m_Name + "\" exists already", StoreFailure::eRefused);
+        throw CSqlError("\"" + rWrite.m_Name + "\" exists already", StoreFailure::eNameTaken);
     }
     const std::int64_t Found = *Revision - 1;
     CConfigurationWritten Written;
@@ -188,9 +186,20 @@ void CStore::WriteDifference(const std::string& rName, const CFieldValues& rBefo
     }
 }
 
-std::vector<std::string> CStore::LoadProcessNames(CPreBalDatabase::BalancingMode Mode,
-                                                  CTypeBase::AffectedPlane Plane, std::uint8_t Sensor1,
-                                                  std::uint8_t Sensor2) {
+void CStore::DeleteConfiguration(const std::string& rName) {
+    if (rName == c_pDefaultConfiguration) {
+        throw CSqlError("the default configuration can't be deleted", StoreFailure::eDefault);
+    }
+    CTransaction Transaction(m_Connection, CTransaction::eWriting);
+    if (m_Connection.Execute("DELETE FROM configuration WHERE machine = ? AND name = ?",
+                             {m_MachineName, rName}) == 0) {
+        throw CSqlError("there is no configuration \"" + rName + "\"", StoreFailure::eMissing);
+    }
+    Transaction.Commit();
+}
+
+CLoadedNames CStore::LoadProcessNames(CPreBalDatabase::BalancingMode Mode, CTypeBase::AffectedPlane Plane,
+                                      std::uint8_t Sensor1, std::uint8_t Sensor2) {
     CTransaction Transaction(m_Connection, CTransaction::eReading);
     const std::int64_t Input = Plane;
     const bool bTwoPlane = Mode == CPreBalDatabase::eModeTwoPlane;
@@ -204,15 +213,27 @@ std::vector<std::string> CStore::LoadProcessNames(CPreBalDatabase::BalancingMode
                   "SELECT configuration FROM single_plane WHERE machine = ? AND proximity_switch_input = ? "
                   "AND sensor_adaption = ?",
                   {m_MachineName, Input, std::int64_t{Sensor1}});
-    std::vector<std::string> Names;
+    CLoadedNames Loaded;
     for (const CDirectSQL::CRow& rRow : Rows) {
         std::string Name = rRow.GetText(0);
-        if (bTwoPlane || IsPlane(Name, Mode)) {
-            Names.push_back(std::move(Name));
+        if (!CanBeAskedFor("configuration", Name)) {
+            Loaded.m_Unusable.push_back(std::move(Name));
+        } else if (bTwoPlane || IsPlane(Name, Mode)) {
+            Loaded.m_Names.push_back(std::move(Name));
         }
     }
-    SortNames(Names);
-    return Names;
+    SortNames(Loaded.m_Names);
+    return Loaded;
+}
+
+/// A name that is no UTF-8 comes changed out of the store, and what it stands for can't be found by it.
+bool CStore::CanBeAskedFor(const char* pTable, const std::string& rName) {
+    // U+FFFD, which stands for what was wrong.
+    return rName.find("\xEF\xBF\xBD") == std::string::npos ||
+           !m_Connection
+                .Query(std::string("SELECT 1 FROM ") + pTable + " WHERE machine = ? AND name = ?",
+                       {m_MachineName, rName})
+                .empty();
 }
 
 /// Whether a single-plane configuration is one of the mode's plane, which its compensation tells. One without

@@ -68,6 +68,8 @@ struct CPreBalDatabase::Impl {
             return false;
         }
     }
+    template <typename Load>
+    Base::CStringArray LoadNames(const std::string& rOfWhat, Load Names);
     void WriteConfiguration();
     bool RepairScrewTableNames(const std::vector<std::string>& rNames);
 
@@ -128,22 +130,27 @@ std::vector<std::string> CPreBalDatabase::GetOpenMachineNames() {
     return OpenMachineNames;
 }
 
+template <typename Load>
+Base::CStringArray CPreBalDatabase::Impl::LoadNames(const std::string& rOfWhat, Load Names) {
+    CLoadedNames Loaded;
+    Try("names of " + rOfWhat + " not read", [&] { Loaded = m_Thread.Run(Names); });
+    for (const std::string& rName : Loaded.m_Unusable) {
+        RV_ERROR(g_pLog, "among the %s of \"%s\": \"%s\" is no UTF-8, and left out", rOfWhat.c_str(),
+                 m_MachineName.c_str(), rName.c_str());
+    }
+    m_Outcome.m_Problems = Loaded.m_Unusable;
+    return ToArray(Loaded.m_Names);
+}
+
 Base::CStringArray CPreBalDatabase::GetProcessNames(BalancingMode Mode, CTypeBase::AffectedPlane Plane,
                                                     std::uint8_t Sensor1, std::uint8_t Sensor2) const {
-    std::vector<std::string> Names;
-    m_pImpl->Try("names of configurations not read", [&] {
-        Names = m_pImpl->m_Thread.Run(
-            [=](CStore& rStore) { return rStore.LoadProcessNames(Mode, Plane, Sensor1, Sensor2); });
+    return m_pImpl->LoadNames("configurations", [=](CStore& rStore) {
+        return rStore.LoadProcessNames(Mode, Plane, Sensor1, Sensor2);
     });
-    return ToArray(Names);
 }
 
 Base::CStringArray CPreBalDatabase::GetScrewTableNames() const {
-    std::vector<std::string> Names;
-    m_pImpl->Try("names of screw tables not read", [&] {
-        Names = m_pImpl->m_Thread.Run([](CStore& rStore) { return rStore.LoadScrewTableNames(); });
-    });
-    return ToArray(Names);
+    return m_pImpl->LoadNames("screw tables", [](CStore& rStore) { return rStore.LoadScrewTableNames(); });
 }
 
 CPreBalBaseTableEntry& CPreBalDatabase::ReadConfiguration(const std::string& rName) {
@@ -187,7 +194,7 @@ int CPreBalDatabase::WriteConfiguration() {
     m_pImpl->m_Read.m_Memory = ConfigurationFields::Read(*m_pImpl->m_pConfiguration);
     if (!m_pImpl->Try("configuration \"" + Name + "\" not written",
                       [this] { m_pImpl->WriteConfiguration(); })) {
-        if (m_pImpl->m_Outcome.m_Cause != StoreFailure::eRefused) {
+        if (!IsRefusal(m_pImpl->m_Outcome.m_Cause)) {
             m_pImpl->m_Unwritten[Name] = m_pImpl->m_Read;
         }
         return 0;
@@ -200,6 +207,30 @@ int CPreBalDatabase::WriteConfiguration() {
             "stays",
             Name.c_str(), GetMachineName().c_str(), rConflict.c_str());
     }
+    return 1;
+}
+
+int CPreBalDatabase::NameConfiguration(const std::string& rName) {
+    if (m_pImpl->m_pConfiguration == nullptr) {
+        return WriteConfiguration();
+    }
+    const std::string Former = m_pImpl->m_pConfiguration->GetProcessName();
+    m_pImpl->m_pConfiguration->SetProcessName(rName);
+    const int Written = WriteConfiguration();
+    if (Written == 0) {
+        m_pImpl->m_pConfiguration->SetProcessName(Former);
+        m_pImpl->m_Unwritten.erase(rName);
+    }
+    return Written;
+}
+
+int CPreBalDatabase::DeleteConfiguration(const std::string& rName) {
+    if (!m_pImpl->Try("configuration \"" + rName + "\" not deleted", [&] {
+            m_pImpl->m_Thread.Run([rName](CStore& rStore) { rStore.DeleteConfiguration(rName); });
+        })) {
+        return 0;
+    }
+    m_pImpl->m_Unwritten.erase(rName);
     return 1;
 }
 
@@ -272,6 +303,30 @@ int CPreBalDatabase::WriteScrewTable() {
             g_pLog,
             "screw table \"%s\" of \"%s\" was changed here and by another console; the stored one stays",
             rTable.m_Name.c_str(), GetMachineName().c_str());
+    });
+}
+
+int CPreBalDatabase::NameScrewTable(const std::string& rName) {
+    if (m_pImpl->m_pScrewTable == nullptr) {
+        return WriteScrewTable();
+    }
+    const std::string Former = m_pImpl->m_pScrewTable->m_Name;
+    m_pImpl->m_pScrewTable->SetName(rName);
+    const int Written = WriteScrewTable();
+    if (Written == 0) {
+        m_pImpl->m_pScrewTable->SetName(Former);
+    }
+    return Written;
+}
+
+int CPreBalDatabase::DeleteScrewTable(const std::string& rName) {
+    return m_pImpl->Try("screw table \"" + rName + "\" not deleted", [&] {
+        std::vector<std::string> Users =
+            m_pImpl->m_Thread.Run([rName](CStore& rStore) { return rStore.DeleteScrewTable(rName); });
+        if (!Users.empty()) {
+            m_pImpl->m_Outcome.m_Users = std::move(Users);
+            throw CSqlError("configurations use it", StoreFailure::eInUse);
+        }
     });
 }
 

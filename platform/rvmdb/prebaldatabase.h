@@ -29,10 +29,11 @@ std::string GetDatabaseConnection();
 struct CStoreOutcome {
     StoreFailure m_Cause = StoreFailure::eOther;
     std::string m_Failure;                 ///< why it failed, empty if it didn't
-    std::vector<std::string> m_Problems;   ///< values that can't be, and were left out at reading
+    std::vector<std::string> m_Problems;   ///< values or names that can't be, and were left out at reading
     std::vector<std::string> m_Conflicts;  ///< fields that others have changed too: the stored values stay
     bool m_bCalibrationLost = false;       ///< the calibration in memory was not taken for that reason
     bool m_bOthersWrote = false;           ///< what is stored now differs from what is in memory
+    std::vector<std::string> m_Users;      ///< configurations that use what was to be deleted
 };
 
 /// The configurations and screw tables of one machine, set and mode, told by the machine name. Owns the
@@ -51,9 +52,11 @@ public:
 
     const std::string& GetMachineName() const;
     /// Names of the configurations whose records fit the mode, the speed input and the sensors (sensor 2
-    /// counts in eModeTwoPlane only), in alphabetical order with "Default" first.
+    /// counts in eModeTwoPlane only), in alphabetical order with "Default" first. Names that are no UTF-8 are
+    /// left out: they are problems, told in GetOutcome and the log.
     Base::CStringArray GetProcessNames(BalancingMode Mode, CTypeBase::AffectedPlane Plane,
                                        std::uint8_t Sensor1, std::uint8_t Sensor2) const;
+    /// The same way.
     Base::CStringArray GetScrewTableNames() const;
     /// The configuration of that name, a new one with the defaults if there is none; a new one is in memory
     /// only until it is written. What could not be written last time comes back as it was then, not as it is
@@ -67,12 +70,24 @@ public:
     /// memory for the next try. A changed process name makes a further configuration, and the one of the
     /// former name stays as it is stored; a name that another configuration has is refused.
     int WriteConfiguration();
+    /// Writes the configuration that was read last as a further one of that name, which it has from now on:
+    /// with all that is in memory, its calibration included. The one of the former name stays as it is
+    /// stored. Nonzero for success. A refused name (IsRefusal of the outcome's cause) or a failure leaves
+    /// everything as it was.
+    int NameConfiguration(const std::string& rName);
+    /// Nonzero if it is gone. "Default" never goes. The entry that was read last stays in memory, also if it
+    /// is that one: whoever has it reads another.
+    int DeleteConfiguration(const std::string& rName);
     /// The table of that name, one without screws if there is none or it can't be read.
     CScrewTableEntry& ReadScrewTable(const std::string& rName);
     /// Writes the table that was read last, if it was changed, under the name that it has now. A changed name
     /// makes a further table: the former one stays for the configurations that use it. A table that others
     /// have changed meanwhile stays as it is stored: a conflict. One that couldn't be read is never written.
     int WriteScrewTable();
+    /// Writes the table that was read last as a further one of that name, as NameConfiguration does.
+    int NameScrewTable(const std::string& rName);
+    /// Nonzero if it is gone. The default table never goes, nor one that a configuration uses.
+    int DeleteScrewTable(const std::string& rName);
     const CStoreOutcome& GetOutcome() const;
     /// Makes sure that the default screw table is there and holds screws, that no other table is without
     /// screws (it is dropped), and that every screw configuration names an existing table (it takes the

@@ -29,17 +29,18 @@ Base::CWDArray<CScrew> CScrewCompensationTableEntry::GetScrewTable() const {
     return m_pDatabase->ReadScrews(m_ScrewTableName);
 }
 
-std::vector<std::string> CStore::LoadNamesOfScrewTables() {
-    std::vector<std::string> Names;
+CLoadedNames CStore::LoadNamesOfScrewTables() {
+    CLoadedNames Loaded;
     for (const CDirectSQL::CRow& rRow :
          m_Connection.Query("SELECT name FROM screw_table WHERE machine = ?", {m_MachineName})) {
-        Names.push_back(rRow.GetText(0));
+        const std::string Name = rRow.GetText(0);
+        (CanBeAskedFor("screw_table", Name) ? Loaded.m_Names : Loaded.m_Unusable).push_back(Name);
     }
-    SortNames(Names);
-    return Names;
+    SortNames(Loaded.m_Names);
+    return Loaded;
 }
 
-std::vector<std::string> CStore::LoadScrewTableNames() {
+CLoadedNames CStore::LoadScrewTableNames() {
     CTransaction Transaction(m_Connection, CTransaction::eReading);
     return LoadNamesOfScrewTables();
 }
@@ -62,11 +63,14 @@ CStoredScrewTable CStore::LoadScrewTable(const std::string& rName) {
 }
 
 std::optional<std::int64_t> CStore::WriteScrewTable(const CScrewTableWrite& rWrite) {
-    if (rWrite.m_Name.empty()) {
-        throw CSqlError("a screw table needs a name", StoreFailure::eRefused);
-    }
     CTransaction Transaction(m_Connection, CTransaction::eWriting);
-    const std::int64_t Revision = BeginRevision("screw_table", rWrite.m_Name).value_or(1);
+    const std::optional<std::int64_t> Found = BeginRevision("screw_table", rWrite.m_Name);
+    if (!Found) {
+        CheckNewName(rWrite.m_Name, "a screw table");
+    } else if (rWrite.m_Name != rWrite.m_ReadName) {
+        throw CSqlError("\"" + rWrite.m_Name + "\" exists already", StoreFailure::eNameTaken);
+    }
+    const std::int64_t Revision = Found.value_or(1);
     const bool bOthersWrote = rWrite.m_Name == rWrite.m_ReadName && Revision - 1 != rWrite.m_ReadRevision;
     if (bOthersWrote && LoadScrews(rWrite.m_Name) != rWrite.m_Screws) {
         return std::nullopt;
@@ -101,6 +105,34 @@ constexpr const char* pOfMissingTable =
 
 }  // namespace
 
+std::vector<std::string> CStore::LoadUsersOfScrewTable(const std::string& rName) {
+    std::vector<std::string> Users;
+    for (const CDirectSQL::CRow& rRow : m_Connection.Query(
+             "SELECT DISTINCT configuration FROM screw_compensation WHERE machine = ? AND screw_table = ?",
+             {m_MachineName, rName})) {
+        Users.push_back(rRow.GetText(0));
+    }
+    SortNames(Users);
+    return Users;
+}
+
+std::vector<std::string> CStore::DeleteScrewTable(const std::string& rName) {
+    if (rName == GetDefaultName()) {
+        throw CSqlError("the default screw table can't be deleted", StoreFailure::eDefault);
+    }
+    CTransaction Transaction(m_Connection, CTransaction::eWriting);
+    // First, so that the row is locked: nobody begins to use the table meanwhile.
+    if (m_Connection.Execute("DELETE FROM screw_table WHERE machine = ? AND name = ?",
+                             {m_MachineName, rName}) == 0) {
+        throw CSqlError("there is no screw table \"" + rName + "\"", StoreFailure::eMissing);
+    }
+    std::vector<std::string> Users = LoadUsersOfScrewTable(rName);
+    if (Users.empty()) {
+        Transaction.Commit();
+    }
+    return Users;
+}
+
 bool CStore::AreDefaultsSet() {
     CTransaction Transaction(m_Connection, CTransaction::eReading);
     return !LoadScrews(GetDefaultName()).IsEmpty() &&
@@ -116,7 +148,7 @@ CDefaultsSet CStore::SetDefaults() {
     // Mostly there is nothing to do, and then nothing is written: the store may be read-only, or another
     // console be writing.
     if (AreDefaultsSet()) {
-        return {false, LoadScrewTableNames()};
+        return {false, LoadScrewTableNames().m_Names};
     }
     CTransaction Transaction(m_Connection, CTransaction::eWriting);
     if (LoadScrews(GetDefaultName()).IsEmpty()) {
@@ -133,7 +165,7 @@ CDefaultsSet CStore::SetDefaults() {
     m_Connection.Execute(
         std::string("UPDATE screw_compensation SET screw_table = ? WHERE machine = ? AND") + pOfMissingTable,
         {GetDefaultName(), m_MachineName});
-    CDefaultsSet Set{true, LoadNamesOfScrewTables()};
+    CDefaultsSet Set{true, LoadNamesOfScrewTables().m_Names};
     Transaction.Commit();
     return Set;
 }

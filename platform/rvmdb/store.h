@@ -46,6 +46,12 @@ struct CStoredScrewTable {
     std::int64_t m_Revision = 0;  ///< 0 if there is no such table
 };
 
+/// Names of what is stored.
+struct CLoadedNames {
+    std::vector<std::string> m_Names;     ///< sorted
+    std::vector<std::string> m_Unusable;  ///< no UTF-8: only another program can put them right
+};
+
 struct CDefaultsSet {
     bool m_bChanged = false;
     std::vector<std::string> m_ScrewTableNames;
@@ -66,16 +72,18 @@ public:
     void Resume() { m_Connection.Resume(); }
 
     std::optional<CStoredConfiguration> LoadConfiguration(const std::string& rName);
-    std::vector<std::string> LoadProcessNames(CPreBalDatabase::BalancingMode Mode,
-                                              CTypeBase::AffectedPlane Plane, std::uint8_t Sensor1,
-                                              std::uint8_t Sensor2);
+    CLoadedNames LoadProcessNames(CPreBalDatabase::BalancingMode Mode, CTypeBase::AffectedPlane Plane,
+                                  std::uint8_t Sensor1, std::uint8_t Sensor2);
     /// Writes what was changed, or a further configuration if the name is another one than was read.
     CConfigurationWritten WriteConfiguration(const CConfigurationWrite& rWrite);
+    void DeleteConfiguration(const std::string& rName);
 
-    std::vector<std::string> LoadScrewTableNames();
+    CLoadedNames LoadScrewTableNames();
     CStoredScrewTable LoadScrewTable(const std::string& rName);
     /// The table's revision; nothing if others have changed the table as well, whose rows then stay.
     std::optional<std::int64_t> WriteScrewTable(const CScrewTableWrite& rWrite);
+    /// The configurations that use it, because of which it stays; none if it is gone.
+    std::vector<std::string> DeleteScrewTable(const std::string& rName);
     CDefaultsSet SetDefaults();
 
 private:
@@ -93,7 +101,9 @@ private:
     bool IsPlane(const std::string& rConfiguration, CPreBalDatabase::BalancingMode Mode);
     Base::CWDArray<CScrew> LoadScrews(const std::string& rTable);
     void StoreScrews(const std::string& rTable, const Base::CWDArray<CScrew>& rScrews, std::int64_t Revision);
-    std::vector<std::string> LoadNamesOfScrewTables();
+    CLoadedNames LoadNamesOfScrewTables();
+    std::vector<std::string> LoadUsersOfScrewTable(const std::string& rName);
+    bool CanBeAskedFor(const char* pTable, const std::string& rName);
     CValues MakeKey(const CRecordLayout& rLayout, const std::string& rName) const;
 
     std::string m_MachineName;

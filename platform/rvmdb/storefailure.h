@@ -11,7 +11,23 @@ enum class StoreFailure : std::uint8_t {
     eLocked,       ///< another program holds it
     eUnreachable,  ///< no connection to the server
     eNoAnswer,     ///< nothing came back in time
-    eRefused       ///< what was to be written can't be: a name or value that is wrong
+
+    // What was asked for can't be, and never will: trying again is of no use.
+    eRefused,      ///< a value that is wrong
+    eNoName,       ///< a new name is empty, or nothing but white space
+    eNameTooLong,  ///< a new name has more than c_nLongestName characters
+    eNameNotText,  ///< a new name is no UTF-8
+    eNameTaken,    ///< a new name is another one's
+    eDefault,      ///< "Default" can't be deleted
+    eInUse,        ///< what is to be deleted is used: CStoreOutcome::m_Users
+    eMissing       ///< what is to be deleted isn't there
 };
+
+constexpr bool IsRefusal(StoreFailure Cause) {
+    return Cause >= StoreFailure::eRefused;
+}
+
+/// In characters, not in bytes.
+constexpr int c_nLongestName = 60;
 
 }  // namespace PreBalDB

@@ -349,7 +349,7 @@ TEST_P(CConfigurationTest, ANameThatAnotherOneHasIsRefused) {
     ASSERT_NE(pDatabase->WriteConfiguration(), 0);
     rEntry.SetProcessName("A");
     EXPECT_EQ(pDatabase->WriteConfiguration(), 0);
-    EXPECT_EQ(pDatabase->GetOutcome().m_Cause, StoreFailure::eRefused);
+    EXPECT_EQ(pDatabase->GetOutcome().m_Cause, StoreFailure::eNameTaken);
     EXPECT_THAT(Log.GetTexts("Error"), ElementsAre(HasSubstr("\"A\" exists already")));
     EXPECT_EQ(GetStoredInvA("A"), 1.0);
     EXPECT_EQ(GetStoredInvA("B"), 2.0);
