@@ -514,5 +514,120 @@ Die Seite zeigt eine neue; das Gespeicherte bleibt unverändert.</translation>
         <extracomment>Why something was not saved; the system's own words follow</extracomment>
         <translation>die Datenbank antwortet nicht</translation>
     </message>
+    <message id="PREBALANCING_HEADER_INFO">
+        <source>The values that a balancing is done with. A changed direction or method needs a new pre-balancing.</source>
+        <extracomment>Info pane of the settings page, heading</extracomment>
+        <translation>Die Werte, mit denen gewuchtet wird. Nach Änderung von Drehrichtung, Zählrichtung oder Methode ist neu vorzuwuchten.</translation>
+    </message>
+    <message id="PB_SET_CALIB_DATE_INFO">
+        <source>The day of the pre-balancing that a re-balancing goes on from.</source>
+        <extracomment>Info pane of the settings page</extracomment>
+        <translation>Tag der Vorwuchtung, auf der ein Nachwuchten aufbaut.</translation>
+    </message>
+    <message id="PB_SET_CALIB_TIME_INFO">
+        <source>The time of day of that pre-balancing.</source>
+        <extracomment>Info pane of the settings page</extracomment>
+        <translation>Uhrzeit dieser Vorwuchtung.</translation>
+    </message>
+    <message id="PB_CALIBRATED_RPM_TEXT_INFO">
+        <source>Revolutions in a minute. Measure again at this speed only: the calibration holds for no other.</source>
+        <extracomment>Info pane of the settings page</extracomment>
+        <translation>Umdrehungen in der Minute. Nur bei dieser Drehzahl nachwuchten: Für andere gilt die Kalibrierung nicht.</translation>
+    </message>
+    <message id="PB_RPM_TOLERANCE_TEXT_INFO">
+        <source>How far the speed may be off while measuring. Too small: measuring never begins. Too large: wrong results.</source>
+        <extracomment>Info pane of the settings page</extracomment>
+        <translation>So weit darf die Drehzahl beim Messen abweichen. Zu klein: Messung beginnt nie. Zu groß: falsche Ergebnisse.</translation>
+    </message>
+    <message id="PB_UNBAL_TOLERANCE_TEXT_INFO">
+        <source>The rotor is good when its unbalance is no larger. Too small: the target is never reached.</source>
+        <extracomment>Info pane of the settings page</extracomment>
+        <translation>Bis zu dieser Unwucht ist der Rotor gut. Zu klein: Das Ziel wird nie erreicht.</translation>
+    </message>
+    <message id="MEASUREMENT_TIME_INFO">
+        <source>The reading is averaged over this time. Longer: steadier, but slower.</source>
+        <extracomment>Info pane of the settings page</extracomment>
+        <translation>Über diese Zeit wird die Anzeige gemittelt. Länger: ruhiger, aber langsamer.</translation>
+    </message>
+    <message id="PB_ROTATION_DIRECTION_TEXT_INFO">
+        <source>As seen from the end of the plane. A wrong one doubles the unbalance. A change clears the calibration.</source>
+        <extracomment>Info pane of the settings page</extracomment>
+        <translation>Auf das Ende der Ebene gesehen. Falsch: Die Unwucht verdoppelt sich. Eine Änderung löscht die Kalibrierung.</translation>
+    </message>
+    <message id="PB_SENSOR_ADAPTATION_TEXT_INFO">
+        <source>How the module is adapted to its sensor. Set at the module.</source>
+        <extracomment>Info pane of the settings page</extracomment>
+        <translation>Anpassung des Moduls an seinen Sensor. Wird am Modul eingestellt.</translation>
+    </message>
+    <message id="RPM_INPUT_INFO">
+        <source>The input that the speed is measured at. Set at the module.</source>
+        <extracomment>Info pane of the settings page</extracomment>
+        <translation>Eingang, an dem die Drehzahl gemessen wird. Wird am Modul eingestellt.</translation>
+    </message>
+    <message id="INV_INFO">
+        <source>How the rotor answers to weights, found by the calibration. For service.</source>
+        <extracomment>Info pane of the settings page: a number that the calibration has found</extracomment>
+        <translation>Wie der Rotor auf Gewichte antwortet, aus der Kalibrierung. Für den Service.</translation>
+    </message>
+    <message id="UA_INFO">
+        <source>The compensation that stands on the rotor, found by the last run. For service.</source>
+        <extracomment>Info pane of the settings page: a number that the calibration has found</extracomment>
+        <translation>Ausgleich, der auf dem Rotor sitzt, aus dem letzten Lauf. Für den Service.</translation>
+    </message>
+    <message id="BALANCING_METHOD_INFO">
+        <source>What is set on the rotor: two weights that are moved, or screws in holes. A change clears the calibration.</source>
+        <extracomment>Info pane of the settings page</extracomment>
+        <translation>Was am Rotor verstellt wird: zwei Gewichte oder Schrauben. Eine Änderung löscht die Kalibrierung.</translation>
+    </message>
+    <message id="PB_SCALINGDIRECTION_TEXT_INFO">
+        <source>The sense in which degrees or holes are counted on the rotor. A change clears the calibration.</source>
+        <extracomment>Info pane of the settings page</extracomment>
+        <translation>Richtung, in der Grade oder Bohrungen am Rotor zählen. Eine Änderung löscht die Kalibrierung.</translation>
+    </message>
+    <message id="MASS_TABLE_INFO">
+        <source>The screws that there are for this rotor. They are edited on the next page.</source>
+        <extracomment>Info pane of the settings page</extracomment>
+        <translation>Die Schrauben, die es für diesen Rotor gibt. Sie werden auf der nächsten Seite bearbeitet.</translation>
+    </message>
+    <message id="NUMBER_OF_FIXED_POSITIONS_INFO">
+        <source>Holes in the ring, evenly spread. A wrong number: screws go to wrong places.</source>
+        <extracomment>Info pane of the settings page</extracomment>
+        <translation>Bohrungen im Kranz, gleichmäßig verteilt. Falsche Anzahl: Schrauben sitzen an falschen Stellen.</translation>
+    </message>
+    <message id="NUMBER_OF_CORRECTION_MASSES_INFO">
+        <source>Screws of one correction. Three come closer to the target than two.</source>
+        <extracomment>Info pane of the settings page</extracomment>
+        <translation>Schrauben für einen Ausgleich. Drei kommen dem Ziel näher als zwei.</translation>
+    </message>
+    <message id="REFERENCE_WEIGHT_INFO">
+        <source>The test screw that the calibration was made with.</source>
+        <extracomment>Info pane of the settings page</extracomment>
+        <translation>Die Testschraube, mit der kalibriert wurde.</translation>
+    </message>
+    <message id="PB_CALIBRATED">
+        <source>Calibrated</source>
+        <extracomment>State line of the settings page; date, time and speed follow</extracomment>
+        <translation>Kalibriert</translation>
+    </message>
+    <message id="PB_NOT_CALIBRATED">
+        <source>Not calibrated: pre-balance first</source>
+        <extracomment>State line of the settings page</extracomment>
+        <translation>Nicht kalibriert: erst vorwuchten</translation>
+    </message>
+    <message id="PB_CALIBRATION_RESET">
+        <source>Changed: calibration no longer valid</source>
+        <extracomment>State line of the settings page: a change that the calibration doesn't outlast is not saved yet</extracomment>
+        <translation>Geändert: Kalibrierung gilt nicht mehr</translation>
+    </message>
+    <message id="PB_VALUE_CORRECTED">
+        <source>Corrected to the limit. Stored was</source>
+        <extracomment>Info pane of the settings page, before a stored value that lies beyond the limits</extracomment>
+        <translation>Auf die Grenze korrigiert. Gespeichert war</translation>
+    </message>
+    <message id="PB_TABLE_MISSING">
+        <source>This table is no longer there. Choose another one; until then nothing can be saved.</source>
+        <extracomment>Info pane of the settings page: the screw table that the configuration names isn't there</extracomment>
+        <translation>Diese Tabelle gibt es nicht mehr. Bitte eine andere wählen, vorher wird nichts gespeichert.</translation>
+    </message>
 </context>
 </TS>

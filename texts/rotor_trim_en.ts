@@ -514,5 +514,120 @@ The page shows a new one; what is stored stays as it is.</translation>
         <extracomment>Why something was not saved; the system's own words follow</extracomment>
         <translation>the database doesn't answer</translation>
     </message>
+    <message id="PREBALANCING_HEADER_INFO">
+        <source>The values that a balancing is done with. A changed direction or method needs a new pre-balancing.</source>
+        <extracomment>Info pane of the settings page, heading</extracomment>
+        <translation>The values that a balancing is done with. A changed direction or method needs a new pre-balancing.</translation>
+    </message>
+    <message id="PB_SET_CALIB_DATE_INFO">
+        <source>The day of the pre-balancing that a re-balancing goes on from.</source>
+        <extracomment>Info pane of the settings page</extracomment>
+        <translation>The day of the pre-balancing that a re-balancing goes on from.</translation>
+    </message>
+    <message id="PB_SET_CALIB_TIME_INFO">
+        <source>The time of day of that pre-balancing.</source>
+        <extracomment>Info pane of the settings page</extracomment>
+        <translation>The time of day of that pre-balancing.</translation>
+    </message>
+    <message id="PB_CALIBRATED_RPM_TEXT_INFO">
+        <source>Revolutions in a minute. Measure again at this speed only: the calibration holds for no other.</source>
+        <extracomment>Info pane of the settings page</extracomment>
+        <translation>Revolutions in a minute. Measure again at this speed only: the calibration holds for no other.</translation>
+    </message>
+    <message id="PB_RPM_TOLERANCE_TEXT_INFO">
+        <source>How far the speed may be off while measuring. Too small: measuring never begins. Too large: wrong results.</source>
+        <extracomment>Info pane of the settings page</extracomment>
+        <translation>How far the speed may be off while measuring. Too small: measuring never begins. Too large: wrong results.</translation>
+    </message>
+    <message id="PB_UNBAL_TOLERANCE_TEXT_INFO">
+        <source>The rotor is good when its unbalance is no larger. Too small: the target is never reached.</source>
+        <extracomment>Info pane of the settings page</extracomment>
+        <translation>The rotor is good when its unbalance is no larger. Too small: the target is never reached.</translation>
+    </message>
+    <message id="MEASUREMENT_TIME_INFO">
+        <source>The reading is averaged over this time. Longer: steadier, but slower.</source>
+        <extracomment>Info pane of the settings page</extracomment>
+        <translation>The reading is averaged over this time. Longer: steadier, but slower.</translation>
+    </message>
+    <message id="PB_ROTATION_DIRECTION_TEXT_INFO">
+        <source>As seen from the end of the plane. A wrong one doubles the unbalance. A change clears the calibration.</source>
+        <extracomment>Info pane of the settings page</extracomment>
+        <translation>As seen from the end of the plane. A wrong one doubles the unbalance. A change clears the calibration.</translation>
+    </message>
+    <message id="PB_SENSOR_ADAPTATION_TEXT_INFO">
+        <source>How the module is adapted to its sensor. Set at the module.</source>
+        <extracomment>Info pane of the settings page</extracomment>
+        <translation>How the module is adapted to its sensor. Set at the module.</translation>
+    </message>
+    <message id="RPM_INPUT_INFO">
+        <source>The input that the speed is measured at. Set at the module.</source>
+        <extracomment>Info pane of the settings page</extracomment>
+        <translation>The input that the speed is measured at. Set at the module.</translation>
+    </message>
+    <message id="INV_INFO">
+        <source>How the rotor answers to weights, found by the calibration. For service.</source>
+        <extracomment>Info pane of the settings page: a number that the calibration has found</extracomment>
+        <translation>How the rotor answers to weights, found by the calibration. For service.</translation>
+    </message>
+    <message id="UA_INFO">
+        <source>The compensation that stands on the rotor, found by the last run. For service.</source>
+        <extracomment>Info pane of the settings page: a number that the calibration has found</extracomment>
+        <translation>The compensation that stands on the rotor, found by the last run. For service.</translation>
+    </message>
+    <message id="BALANCING_METHOD_INFO">
+        <source>What is set on the rotor: two weights that are moved, or screws in holes. A change clears the calibration.</source>
+        <extracomment>Info pane of the settings page</extracomment>
+        <translation>What is set on the rotor: two weights that are moved, or screws in holes. A change clears the calibration.</translation>
+    </message>
+    <message id="PB_SCALINGDIRECTION_TEXT_INFO">
+        <source>The sense in which degrees or holes are counted on the rotor. A change clears the calibration.</source>
+        <extracomment>Info pane of the settings page</extracomment>
+        <translation>The sense in which degrees or holes are counted on the rotor. A change clears the calibration.</translation>
+    </message>
+    <message id="MASS_TABLE_INFO">
+        <source>The screws that there are for this rotor. They are edited on the next page.</source>
+        <extracomment>Info pane of the settings page</extracomment>
+        <translation>The screws that there are for this rotor. They are edited on the next page.</translation>
+    </message>
+    <message id="NUMBER_OF_FIXED_POSITIONS_INFO">
+        <source>Holes in the ring, evenly spread. A wrong number: screws go to wrong places.</source>
+        <extracomment>Info pane of the settings page</extracomment>
+        <translation>Holes in the ring, evenly spread. A wrong number: screws go to wrong places.</translation>
+    </message>
+    <message id="NUMBER_OF_CORRECTION_MASSES_INFO">
+        <source>Screws of one correction. Three come closer to the target than two.</source>
+        <extracomment>Info pane of the settings page</extracomment>
+        <translation>Screws of one correction. Three come closer to the target than two.</translation>
+    </message>
+    <message id="REFERENCE_WEIGHT_INFO">
+        <source>The test screw that the calibration was made with.</source>
+        <extracomment>Info pane of the settings page</extracomment>
+        <translation>The test screw that the calibration was made with.</translation>
+    </message>
+    <message id="PB_CALIBRATED">
+        <source>Calibrated</source>
+        <extracomment>State line of the settings page; date, time and speed follow</extracomment>
+        <translation>Calibrated</translation>
+    </message>
+    <message id="PB_NOT_CALIBRATED">
+        <source>Not calibrated: pre-balance first</source>
+        <extracomment>State line of the settings page</extracomment>
+        <translation>Not calibrated: pre-balance first</translation>
+    </message>
+    <message id="PB_CALIBRATION_RESET">
+        <source>Changed: calibration no longer valid</source>
+        <extracomment>State line of the settings page: a change that the calibration doesn't outlast is not saved yet</extracomment>
+        <translation>Changed: calibration no longer valid</translation>
+    </message>
+    <message id="PB_VALUE_CORRECTED">
+        <source>Corrected to the limit. Stored was</source>
+        <extracomment>Info pane of the settings page, before a stored value that lies beyond the limits</extracomment>
+        <translation>Corrected to the limit. Stored was</translation>
+    </message>
+    <message id="PB_TABLE_MISSING">
+        <source>This table is no longer there. Choose another one; until then nothing can be saved.</source>
+        <extracomment>Info pane of the settings page: the screw table that the configuration names isn't there</extracomment>
+        <translation>This table is no longer there. Choose another one; until then nothing can be saved.</translation>
+    </message>
 </context>
 </TS>

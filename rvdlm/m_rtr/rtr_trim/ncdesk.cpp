@@ -9,12 +9,11 @@
 #include "platform/rvopc/opcconnection.h"
 #include "platform/rvopc/opcdatabase.h"
 #include "rvdlm/m_rtr/rtr_trim/log.h"
+#include "rvdlm/m_rtr/rtr_trim/nc/linkeditem.h"
 
 using RtrTrim::g_pLog;
 
 namespace {
-
-constexpr std::uint32_t eUpdateRate = 100;  ///< ms
 
 /// Items by which the module may be linked to an NC. The last one is deliberately not the direction's own
 /// key.
@@ -27,16 +26,6 @@ constexpr std::array<const char*, 5> linkKeys{
 };
 /// With a connection on hand these first ones aren't looked at.
 constexpr std::size_t eLookedAtWithoutConnection = 2;
-
-/// The item of class T, null if none is linked.
-template <typename T, typename... Arguments>
-std::unique_ptr<T> MakeLinkedItem(const char* pName, Arguments... MoreArguments) {
-    if (COpcDatabaseRef(T::ms_pKey)->GetOpcLinkItem(T::ms_pKey).empty()) {
-        return nullptr;
-    }
-    return std::make_unique<T>(COPCConnection::CreateInstance()->CreateGroup(eUpdateRate, 0), pName,
-                               MoreArguments...);
-}
 
 /// A write may fail at once, or later when the server is elsewhere: the same assertion either way.
 void CheckSent(int Sent, const char* pText) {

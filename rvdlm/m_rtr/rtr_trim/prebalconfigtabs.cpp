@@ -36,7 +36,9 @@ const CPreBalConfigTabs::CMessageMapEntry CPreBalConfigTabs::ms_MessageMap[] = {
 };
 
 CPreBalConfigTabs::CPreBalConfigTabs(CPreBalancingMainWnd& rMainWnd)
-    : m_rMainWnd(rMainWnd), m_ConfigDlg(*this), m_ScrewTableDlg(*this) {}
+    : m_rMainWnd(rMainWnd), m_ConfigDlg(*this), m_ScrewTableDlg(*this) {
+    m_ConfigDlg.SetDynamicHelp(&rMainWnd);
+}
 
 CPreBalConfigTabs::~CPreBalConfigTabs() {
     RtrTrim::Guarded("~CPreBalConfigTabs", [this] { CloseDatabase(); });

@@ -92,7 +92,8 @@ LRESULT CPropTree::WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) {
     }
 }
 
-bool CPropTree::InsertItem(std::unique_ptr<CPropTreeItem> pItem, CPropTreeItem* pParent) {
+bool CPropTree::InsertItem(std::unique_ptr<CPropTreeItem> pItem, CPropTreeItem* pParent,
+                           const CPropTreeItem* pBefore) {
     if (pItem == nullptr) {
         return false;
     }
@@ -102,11 +103,12 @@ bool CPropTree::InsertItem(std::unique_ptr<CPropTreeItem> pItem, CPropTreeItem* 
     pInserted->m_pTree = this;
     pInserted->m_pParentItem = pParent != nullptr && bParentKnown ? pParent : m_pRoot.get();
     pInserted->m_ItemId = m_NextItemId++;
-    std::unique_ptr<CPropTreeItem>* ppLast = &pInserted->m_pParentItem->m_pChild;
-    while (*ppLast != nullptr) {
-        ppLast = &(*ppLast)->m_pSibling;
+    std::unique_ptr<CPropTreeItem>* ppPlace = &pInserted->m_pParentItem->m_pChild;
+    while (*ppPlace != nullptr && ppPlace->get() != pBefore) {
+        ppPlace = &(*ppPlace)->m_pSibling;
     }
-    *ppLast = std::move(pItem);
+    pItem->m_pSibling = std::move(*ppPlace);
+    *ppPlace = std::move(pItem);
 
     const std::weak_ptr<const bool> pLife = pInserted->GetLife();
     SendNotify(eInserted, pInserted);

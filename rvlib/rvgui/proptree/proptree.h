@@ -59,12 +59,13 @@ public:
     /// As that of CWnd; logs a failure.
     bool Create(CWnd* pParent, const CRect& rRect, UINT Id, bool bVisible = true);
 
-    /// Puts the item at the end of pParent's children (null: at the top level). Tells -1101. Null if the item
-    /// is gone after that, or if there was none.
+    /// Puts the item at the end of pParent's children (null: at the top level), or in front of pBefore, which
+    /// is one of them. Tells -1101. Null if the item is gone after that, or if there was none.
     template <typename Item>
-    Item* Insert(std::unique_ptr<Item> pItem, CPropTreeItem* pParent = nullptr) {
+    Item* Insert(std::unique_ptr<Item> pItem, CPropTreeItem* pParent = nullptr,
+                 const CPropTreeItem* pBefore = nullptr) {
         Item* const pInserted = pItem.get();
-        return InsertItem(std::move(pItem), pParent) ? pInserted : nullptr;
+        return InsertItem(std::move(pItem), pParent, pBefore) ? pInserted : nullptr;
     }
     /// Destroys the item and everything below it; null: all items. The parent is asked first (-1102), but for
     /// all items. False if it refused, or if this is no item of the tree. A handler of an item's own event
@@ -144,7 +145,8 @@ private:
     friend class CPropTreeItemSpinEdit;
     friend class CPropTreeItemCombo;
 
-    bool InsertItem(std::unique_ptr<CPropTreeItem> pItem, CPropTreeItem* pParent);
+    bool InsertItem(std::unique_ptr<CPropTreeItem> pItem, CPropTreeItem* pParent,
+                    const CPropTreeItem* pBefore);
     /// Takes an item and those below it out of everything, and destroys them. Asks nobody.
     void Remove(CPropTreeItem& rItem);
     /// pItem is in this tree; it may be any address.

@@ -29,6 +29,12 @@ int CPropTreeItemCombo::AddString(const std::string& rText) {
     return Append(rText);
 }
 
+void CPropTreeItemCombo::ResetContent() {
+    CComboBox::ResetContent();
+    m_NextData = m_Min;
+    Redraw();
+}
+
 void CPropTreeItemCombo::SetItemValue(int Value) {
     m_Value = Value;
     // The values follow one another from the minimum on, as whatever is refused is refused behind them all.

@@ -14,6 +14,8 @@ public:
     /// Appends a string with the next data value, which starts at the minimum and rises also when this one is
     /// beyond the maximum and isn't appended. The string's index, or -1.
     int AddString(const std::string& rText);
+    /// Takes all strings away; the next one has the minimum again.
+    void ResetContent();
     /// Selects the string with that data value. For a value behind them all, strings like "<7>" are added
     /// until it can be shown, beyond the maximum, too: so a stored value that no text exists for isn't lost.
     void SetItemValue(int Value);
