@@ -4,13 +4,6 @@
 #include "platform/rvcom/rvcom.h"
 #include "platform/window/messages.h"
 
-namespace {
-
-/// Bit of message 1122: re-balancing is possible.
-constexpr WPARAM REBALANCE_BIT = 64;
-
-}  // namespace
-
 bool CHostWindow::Open(CSize Size) {
     if (!Create(nullptr, CRect(CPoint(0, 0), Size), 0)) {
         return false;
@@ -29,16 +22,17 @@ LRESULT CHostWindow::WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) {
             m_Activity = static_cast<std::int32_t>(wParam);
             if (m_Activity == 0) {
                 m_bConfigured = true;
-                m_bCalibrated = lParam != 0;
+                SetSoftkeyBits(SoftkeyMask::eReBalancing, lParam != 0 ? SoftkeyMask::eReBalancing : 0);
             }
             break;
         case WM_RV_RESULTSAVED:
             m_bResultSaved = wParam != 0;
             break;
         case WM_RV_SOFTKEYENABLE:
-            if ((wParam & REBALANCE_BIT) != 0) {
-                m_bCalibrated = (static_cast<WPARAM>(lParam) & REBALANCE_BIT) != 0;
-            }
+            SetSoftkeyBits(static_cast<std::int32_t>(wParam), static_cast<std::int32_t>(lParam));
+            break;
+        case WM_RV_HELPORMENU:
+            m_Page = static_cast<std::uint32_t>(wParam);
             break;
         case WM_RV_RAWDATA_FIRST:
             return OnRawData(wParam, lParam);
@@ -54,6 +48,10 @@ LRESULT CHostWindow::WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) {
         OnChanged();
     }
     return 1;
+}
+
+void CHostWindow::SetSoftkeyBits(std::int32_t Mask, std::int32_t Values) {
+    m_SoftkeyBits = (m_SoftkeyBits & ~Mask) | (Values & Mask);
 }
 
 LRESULT CHostWindow::OnRawData(WPARAM wParam, LPARAM lParam) {

@@ -3,6 +3,8 @@
 #include <functional>
 #include <span>
 
+#include "contract/pages.h"
+#include "contract/softkeymask.h"
 #include "platform/window/wnd.h"
 
 /// The console's top-level window, parent of the module's window: takes the messages that the module sends to
@@ -19,10 +21,14 @@ public:
     std::int32_t GetMenu() const { return m_Menu; }
     /// 0 in the configuration, 1 pre-balancing, 2 re-balancing.
     std::int32_t GetActivity() const { return m_Activity; }
+    /// The page of the configuration on show (pages.h).
+    std::uint32_t GetPage() const { return m_Page; }
+    /// Which softkeys of the pages make sense (softkeymask.h).
+    std::int32_t GetSoftkeyBits() const { return m_SoftkeyBits; }
     /// The module has found its configuration at least once.
     bool IsConfigured() const { return m_bConfigured; }
     /// The configuration on show is calibrated, so that a re-balancing is possible.
-    bool IsCalibrated() const { return m_bCalibrated; }
+    bool IsCalibrated() const { return (m_SoftkeyBits & SoftkeyMask::eReBalancing) != 0; }
     /// The result that was to be saved last stands in the database; false before there was any.
     bool IsResultSaved() const { return m_bResultSaved; }
     /// Before the next run.
@@ -38,10 +44,12 @@ protected:
 
 private:
     LRESULT OnRawData(WPARAM wParam, LPARAM lParam);
+    void SetSoftkeyBits(std::int32_t Mask, std::int32_t Values);
 
     std::int32_t m_Menu = -1;
     std::int32_t m_Activity = 0;
+    std::uint32_t m_Page = Pages::eSettings;
+    std::int32_t m_SoftkeyBits = 0;
     bool m_bConfigured = false;
-    bool m_bCalibrated = false;
     bool m_bResultSaved = false;
 };

@@ -92,6 +92,9 @@ int RunHeadless(const COptions& rOptions, CConsoleSession& rSession, CCompanions
         try {
             rSession.Commission();
             Result = Run.Run();
+        } catch (const CSessionError& rError) {
+            Result = eExitBadArguments;
+            std::fprintf(stderr, "%s\n", rError.what());
         } catch (const std::runtime_error& rError) {
             // The report is written all the same.
             std::fprintf(stderr, "%s\n", rError.what());
@@ -116,6 +119,9 @@ int RunOnScreen(const COptions& rOptions, CConsoleSession& rSession, CCompanions
     Window.show();
     // A request from before couldn't end a loop that wasn't running yet.
     const int Result = rOptions.GetEndRequest().empty() ? QApplication::exec() : 0;
+    if (!Window.GetRefusal().empty()) {
+        return Refuse(Window.GetRefusal());
+    }
     if (rOptions.GetEndRequest().empty()) {
         return Result;
     }

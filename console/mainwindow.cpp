@@ -4,6 +4,7 @@
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QSpinBox>
 #include <QStatusBar>
@@ -12,10 +13,14 @@
 #include <utility>
 
 #include "contract/actions.h"
+#include "contract/hostmessages.h"
+#include "contract/pages.h"
 #include "platform/qt/windowview.h"
 #include "platform/rvcom/rvcom.h"
 #include "platform/rvldb/gettext.h"
+#include "platform/rvmdb/prebaldatabase.h"
 #include "platform/system/eventloop.h"
+#include "platform/window/messagebox.h"
 
 namespace {
 
@@ -24,6 +29,29 @@ constexpr std::uint32_t INIT_PERIOD = 5000;
 
 QString Text(const char* pKey) {
     return QString::fromStdString(GetText(pKey));
+}
+
+/// Why something was not deleted.
+std::string DescribeRefusal(const PreBalDB::CStoreOutcome& rOutcome) {
+    if (rOutcome.m_Cause != PreBalDB::StoreFailure::eInUse) {
+        return rOutcome.m_Failure;
+    }
+    QStringList Users;
+    for (const std::string& rUser : rOutcome.m_Users) {
+        Users << QString::fromStdString(rUser);
+    }
+    return Text("CONSOLE_TABLE_IN_USE").arg(Users.join(", ")).toStdString();
+}
+
+/// Broken at the blank nearest to its middle: keys are higher than they are wide.
+QString InTwoLines(const QString& rText) {
+    const auto Middle = rText.size() / 2;
+    const auto Before = rText.lastIndexOf(' ', Middle);
+    const auto Behind = rText.indexOf(' ', Middle);
+    const bool bBefore = Before >= 0 && (Behind < 0 || Middle - Before <= Behind - Middle);
+    const auto Place = bBefore ? Before : Behind;
+    constexpr int WIDE = 9;  // characters
+    return Place < 0 || rText.size() <= WIDE ? rText : rText.left(Place) + "\n" + rText.mid(Place + 1);
 }
 
 }  // namespace
@@ -51,6 +79,7 @@ CMainWindow::CMainWindow(CConsoleSession& rSession) : m_rSession(rSession), m_Ru
     resize(1000, 640);
 
     m_rSession.OnChanged = [this] {
+        CommissionOnce();
         ShowMenu();
         ShowConnection();
         m_Run.OnPanelChanged();
@@ -116,7 +145,7 @@ QWidget* CMainWindow::MakeSoftkeyBar() {
     auto* pBar = new QWidget(this);
     auto* pRow = new QHBoxLayout(pBar);
     pRow->setContentsMargins(0, 0, 0, 0);
-    for (std::size_t i = 0; i < eNumberOfKeys; ++i) {
+    for (std::size_t i = 0; i < m_Keys.size(); ++i) {
         m_Keys[i] = new QPushButton(pBar);
         m_Keys[i]->setMinimumHeight(48);
         m_Keys[i]->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
@@ -161,31 +190,105 @@ QWidget* CMainWindow::MakeMachinePanel() {
     return pBox;
 }
 
+void CMainWindow::CommissionOnce() {
+    if (m_bCommissioned || !m_rSession.GetHost().IsConfigured()) {
+        return;
+    }
+    m_bCommissioned = true;
+    // Not from within the module's own message: it reads its configuration anew then.
+    IFEventLoop::Current().Post(m_Lifetime.Guard([this] {
+        try {
+            m_rSession.Commission();
+        } catch (const CSessionError& rError) {
+            m_Refusal = rError.what();
+            close();
+        } catch (const std::runtime_error& rError) {
+            ShowMessageBox(rError.what(), "Error");
+        }
+    }));
+}
+
+CSoftkeys::CState CMainWindow::GetSoftkeyState() const {
+    const CHostWindow& rHost = m_rSession.GetHost();
+    const bool bTable = rHost.GetPage() == Pages::eScrewTable;
+    const CShownConfiguration Shown = m_rSession.GetShownConfiguration().value_or(CShownConfiguration());
+    const std::string& rName = bTable ? Shown.m_ScrewTable : Shown.m_Name;
+    return {rHost.IsConfigured(), rHost.GetMenu(), rHost.GetPage(), rHost.GetSoftkeyBits(),
+            !rName.empty() && rName != "Default"};
+}
+
 void CMainWindow::ShowMenu() {
-    const bool bReady = m_rSession.GetHost().IsConfigured();
-    const std::span<const MenuKeys::CKey> Keys = MenuKeys::GetKeys(m_rSession.GetHost().GetMenu());
-    m_Shown.assign(Keys.begin(), Keys.end());
-    for (std::size_t i = 0; i < eNumberOfKeys; ++i) {
-        const bool bUsed = bReady && i < m_Shown.size();
-        const bool bNeedsCalibration =
-            bUsed && m_rSession.GetHost().GetActivity() == 0 && m_Shown[i].m_Action == Actions::eRebalance;
-        m_Keys[i]->setText(bUsed ? Text(m_Shown[i].m_pTextKey) : QString());
-        m_Keys[i]->setEnabled(bUsed && (!bNeedsCalibration || m_rSession.GetHost().IsCalibrated()));
+    m_Softkeys.SetState(GetSoftkeyState());
+    const std::vector<CSoftkey>& rShown = m_Softkeys.GetShown();
+    for (std::size_t i = 0; i < m_Keys.size(); ++i) {
+        m_Keys[i]->setText(i < rShown.size() ? InTwoLines(Text(rShown[i].m_pTextKey)) : QString());
+        m_Keys[i]->setEnabled(i < rShown.size() && rShown[i].m_bEnabled);
     }
 }
 
 void CMainWindow::OnKeyDown(std::size_t Index) {
-    if (Index < m_Shown.size()) {
-        const MenuKeys::CKey Key = m_Shown[Index];
-        m_rSession.SendAction(Key.m_Action, Key.m_Flag);
+    if (Index >= m_Softkeys.GetShown().size()) {
+        return;
+    }
+    const CSoftkey Key = m_Softkeys.GetShown()[Index];
+    switch (Key.m_Kind) {
+        case CSoftkey::eModule:
+            m_Down.at(Index) = Key.m_Key;
+            m_rSession.SendAction(Key.m_Key.m_Action, Key.m_Key.m_Flag);
+            break;
+        case CSoftkey::eMore:
+            m_Softkeys.More();
+            ShowMenu();
+            break;
+        case CSoftkey::eHelp:
+            ShowHelp();
+            break;
+        case CSoftkey::eDelete:
+            AskToDelete();
+            break;
     }
 }
 
 void CMainWindow::OnKeyUp(std::size_t Index) {
-    // The menu may have changed while the key was down; only a repeating key has to be let go.
-    if (Index < m_Shown.size() && m_Shown[Index].m_bRepeats) {
-        m_rSession.SendAction(m_Shown[Index].m_Action, Actions::eNone);
+    // The menu may have changed while the key was down: what is let go is what was pressed.
+    const std::optional<MenuKeys::CKey> Key = std::exchange(m_Down.at(Index), std::nullopt);
+    if (Key && Key->m_bRepeats) {
+        m_rSession.SendAction(Key->m_Action, Actions::eNone);
     }
+}
+
+void CMainWindow::AskToDelete() {
+    const std::optional<CShownConfiguration> Shown = m_rSession.GetShownConfiguration();
+    if (!Shown) {
+        return;
+    }
+    const bool bTable = m_rSession.GetHost().GetPage() == Pages::eScrewTable;
+    const QString Question = Text(bTable ? "CONSOLE_ASK_DELETE_TABLE" : "CONSOLE_ASK_DELETE_CONFIGURATION")
+                                 .arg(QString::fromStdString(bTable ? Shown->m_ScrewTable : Shown->m_Name));
+    auto* const pBox =
+        new QMessageBox(QMessageBox::Question, Text("CONSOLE_DELETE"), Question, QMessageBox::NoButton, this);
+    pBox->setAttribute(Qt::WA_DeleteOnClose);
+    const QPushButton* const pDelete = pBox->addButton(Text("CONSOLE_DELETE"), QMessageBox::DestructiveRole);
+    pBox->setDefaultButton(pBox->addButton(Text("CONSOLE_KEEP"), QMessageBox::RejectRole));
+    connect(pDelete, &QPushButton::clicked, this, [this, Shown, bTable] { Delete(*Shown, bTable); });
+    pBox->open();
+}
+
+void CMainWindow::Delete(const CShownConfiguration& rShown, bool bTable) {
+    try {
+        PreBalDB::CPreBalDatabase Database(rShown.m_Machine);
+        const int bDeleted = bTable ? Database.DeleteScrewTable(rShown.m_ScrewTable)
+                                    : Database.DeleteConfiguration(rShown.m_Name);
+        if (bDeleted == 0) {
+            ShowMessageBox(DescribeRefusal(Database.GetOutcome()), GetText("CONSOLE_DELETE"));
+            return;
+        }
+    } catch (const PreBalDB::CDatabaseError& rError) {
+        ShowMessageBox(rError.what(), GetText("CONSOLE_DELETE"));
+        return;
+    }
+    m_rSession.GetModule().SendMessage(WM_RV_STORECHANGED);
+    ShowMenu();
 }
 
 void CMainWindow::Command(const nlohmann::json& rRequest) {

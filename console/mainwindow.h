@@ -2,10 +2,12 @@
 #include <QMainWindow>
 #include <array>
 #include <cstdint>
-#include <vector>
+#include <optional>
+#include <string>
 
 #include "console/screenrun.h"
 #include "console/session.h"
+#include "console/softkeys.h"
 #include "contract/menukeys.h"
 #include "platform/system/lifetime.h"
 #include "platform/system/timer.h"
@@ -22,11 +24,13 @@ public:
     explicit CMainWindow(CConsoleSession& rSession);
     ~CMainWindow() override;
 
+    /// Why the window has ended itself: the options don't go with what the machine is configured for. Empty
+    /// if it hasn't.
+    const std::string& GetRefusal() const { return m_Refusal; }
     /// Ends a run that is under way, and keeps nothing of it.
     void BreakOff() { m_Run.End(false); }
 
 private:
-    static constexpr std::size_t eNumberOfKeys = 8;
     static constexpr int eRefreshPeriod = 250;  ///< ms, of the machine panel
 
     QWidget* MakeSoftkeyBar();
@@ -39,6 +43,13 @@ private:
     void OnKeyUp(std::size_t Index);
     /// Puts the labels of the present menu on the softkeys.
     void ShowMenu();
+    CSoftkeys::CState GetSoftkeyState() const;
+    /// The first time that the module has a configuration: sets it up if nobody has yet.
+    void CommissionOnce();
+    void ShowHelp();
+    /// Asks, without waiting, whether what the page shows by its name is to go.
+    void AskToDelete();
+    void Delete(const CShownConfiguration& rShown, bool bTable);
     void RefreshMachine();
     void FitAsShown();
     void Command(const nlohmann::json& rRequest);
@@ -48,8 +59,11 @@ private:
     CWindowView* m_pPage = nullptr;
     QLabel* m_pConnection = nullptr;
     bool m_bLinkOpen = false;  ///< at the last look
-    std::array<QPushButton*, eNumberOfKeys> m_Keys{};
-    std::vector<MenuKeys::CKey> m_Shown;
+    CSoftkeys m_Softkeys;
+    std::array<QPushButton*, CSoftkeys::PLACES> m_Keys{};
+    std::array<std::optional<MenuKeys::CKey>, CSoftkeys::PLACES> m_Down{};  ///< held, to be let go
+    bool m_bCommissioned = false;
+    std::string m_Refusal;
     QSpinBox* m_pSpeed = nullptr;
     QLabel* m_pMachineState = nullptr;
     QLabel* m_pWeights = nullptr;

@@ -59,6 +59,9 @@ std::string FindContradiction(const COptions& rOptions) {
         return "--machine goes with an external link: with --link sim the machine is simulated in this "
                "process";
     }
+    if (rOptions.m_bCommission && rOptions.m_RotorFile.empty() && !rOptions.IsSimulated()) {
+        return "--commission goes with --rotor FILE: the configuration is set up from the rotor file";
+    }
     if (rOptions.m_TestWeight != 0.0 && !rOptions.IsDrivenByNc()) {
         return "--test-weight goes with --nc opcua: at the panel the operator chooses the test screw";
     }
@@ -103,11 +106,15 @@ std::optional<COptions> ParseCommandLine(int argc, const char* const* argv, CCom
         ->check(CheckAddress);
     App.add_option("--mode", Options.m_Mode, "plane1 | plane2 | two-plane")
         ->check(CLI::IsMember({"plane1", "plane2", "two-plane"}));
-    App.add_option("--method", Options.m_Methods, "weights | screws, per plane")
+    App.add_option("--method", Options.m_Methods, "weights | screws, per plane; default as configured")
         ->delimiter(',')
         ->check(CLI::IsMember({"weights", "screws"}));
     App.add_option("--screws", Options.m_nScrews, "2 | 3 screws for a correction; default as configured")
         ->check(CLI::IsMember({2, 3}));
+    App.add_flag(
+        "--commission", Options.m_bCommission,
+        "Set the configuration up from the rotor file, also one that somebody has set; its calibration "
+        "is cleared");
     const CLI::Option* const pProcedure =
         AddChoice(App, "--procedure", Options.m_Procedure, PROCEDURES,
                   "prebalance (default with --headless) | rebalance | prebalance+rebalance; the window "

@@ -23,8 +23,9 @@ struct COptions {
     std::string m_Modules;                  ///< empty: as the rotor file says
     std::vector<std::uint8_t> m_Addresses;  ///< empty: the family's defaults
     std::string m_Mode;                     ///< empty: plane1
-    std::vector<std::string> m_Methods;     ///< per plane, one for all; empty: weights
+    std::vector<std::string> m_Methods;     ///< per plane, one for all; empty: as configured
     int m_nScrews = 0;                      ///< that a correction places, 2 or 3; 0: as configured
+    bool m_bCommission = false;             ///< set up from the rotor file what somebody has set, too
     Procedure m_Procedure = Procedure::ePrebalance;
     bool m_bProcedureGiven = false;  ///< on the command line: the window begins with it
     std::string m_ConfigDirectory;   ///< empty: the user's own; a temporary one when headless

@@ -136,18 +136,21 @@ void CRunRecorder::Attach(CRunDriver& rDriver) {
 }
 
 void CRunRecorder::RecordCalibration() {
+    const std::optional<CShownConfiguration> Shown = m_rSession.GetShownConfiguration();
+    if (!Shown) {
+        return;
+    }
     std::optional<PreBalDB::CPreBalDatabase> Database;
     try {
-        Database.emplace(m_rSession.GetMachineName());
+        Database.emplace(Shown->m_Machine);
     } catch (const PreBalDB::CDatabaseError& rError) {
         Tell(rError.what());
         return;
     }
-    constexpr const char* CONFIGURATION = "Default";
-    PreBalDB::CPreBalBaseTableEntry& rEntry = Database->ReadConfiguration(CONFIGURATION);
+    PreBalDB::CPreBalBaseTableEntry& rEntry = Database->ReadConfiguration(Shown->m_Name);
     const auto SetCalibration = [&](const math::matrix<double>& rInvA,
                                     const std::vector<math::matrix<double>>& rUA) {
-        m_Report.SetCalibration(CONFIGURATION, rEntry.GetCalibratedRPM(), rEntry.GetTargetUnbalance(), rInvA,
+        m_Report.SetCalibration(Shown->m_Name, rEntry.GetCalibratedRPM(), rEntry.GetTargetUnbalance(), rInvA,
                                 rUA);
     };
     // A machine has records of one kind: its key tells the mode.

@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "console/commission.h"
 #include "contract/actions.h"
 #include "contract/hostmessages.h"
 #include "contract/initflags.h"
@@ -48,8 +49,6 @@ const CFamily& GetFamily(CRotorFile::Modules Modules) {
 
 constexpr std::array MODE_NAMES = {"plane1", "plane2", "two-plane"};  // as BalancingMode
 
-constexpr const char* CONFIGURATION = "Default";
-
 CRotorFile::Modules ChooseModules(const COptions& rOptions, const CRotorFile* pRotor) {
     return CRotorFile::ModulesFromString(rOptions.m_Modules)
         .value_or(pRotor != nullptr ? pRotor->m_Modules : CRotorFile::eKestrel);
@@ -85,77 +84,6 @@ void RefuseWhatIsMissing(const COptions& rOptions, const CRotorFile* pRotor,
     }
 }
 
-CTypeBase::Direction ToDirection(CRotorFile::Sense Value) {
-    return Value == CRotorFile::eClockwise ? CTypeBase::eClockwise : CTypeBase::eCounterClockwise;
-}
-
-/// The same rotation from the rotor's other end.
-CTypeBase::Direction TurnAround(CTypeBase::Direction Value) {
-    return Value == CTypeBase::eClockwise ? CTypeBase::eCounterClockwise : CTypeBase::eClockwise;
-}
-
-/// Whether the value was another one.
-template <typename Entry>
-bool Configure(Entry& rEntry, CTypeBase::Direction (Entry::*pGet)() const,
-               void (Entry::*pSet)(CTypeBase::Direction), CTypeBase::Direction Value) {
-    const bool bDiffers = (rEntry.*pGet)() != Value;
-    (rEntry.*pSet)(Value);
-    return bDiffers;
-}
-
-bool ConfigureRotation(PreBalDB::CPlaneBalancingTableEntry& rEntry, CTypeBase::Direction Value) {
-    using Entry = PreBalDB::CPlaneBalancingTableEntry;
-    return Configure(rEntry, &Entry::GetRotationDirection, &Entry::SetRotationDirection, Value);
-}
-
-bool ConfigureScale(PreBalDB::CCompensationTableEntry& rEntry, CRotorFile::Sense Scale) {
-    using Entry = PreBalDB::CCompensationTableEntry;
-    return Configure<Entry>(rEntry, &Entry::GetScalingDirection, &Entry::SetScalingDirection,
-                            ToDirection(Scale));
-}
-
-/// The screw table of COptions::m_ScrewTable.
-constexpr const char* SCREW_TABLE = "Rotor";
-
-/// A run with another configuration than its rotor's would balance to the wrong places.
-void RefuseUnwritten(const CPreBalDatabase& rDatabase, int bWritten) {
-    if (bWritten == 0) {
-        throw CSessionError("The configuration can't be set up for this rotor: " +
-                            rDatabase.GetOutcome().m_Failure);
-    }
-}
-
-/// True if the table was another one.
-bool WriteScrewTable(CPreBalDatabase& rDatabase, const std::vector<double>& rWeights) {
-    Base::CWDArray<PreBalDB::CScrew> Screws;
-    for (const double Weight : rWeights) {
-        const PreBalDB::CScrew Nameless("", Weight);
-        Screws.Add({Nameless.GetWeightAsString() + " g", Weight});
-    }
-    PreBalDB::CScrewTableEntry& rTable = rDatabase.ReadScrewTable(SCREW_TABLE);
-    if (rTable.GetScrewArray() == Screws) {
-        return false;
-    }
-    rTable.SetScrewArray(Screws);
-    RefuseUnwritten(rDatabase, rDatabase.WriteScrewTable());
-    return true;
-}
-
-bool ConfigureScrews(PreBalDB::CScrewCompensationTableEntry& rScrews, const CRotorFile::CRotorPlane& rPlane,
-                     const COptions& rOptions) {
-    const std::uint32_t nHoles = static_cast<std::uint32_t>(rPlane.m_Holes);
-    const auto nScrews =
-        rOptions.m_nScrews != 0 ? static_cast<std::uint8_t>(rOptions.m_nScrews) : rScrews.GetNumberOfScrews();
-    const std::string Table = rOptions.m_ScrewTable.empty() ? rScrews.GetScrewTableName() : SCREW_TABLE;
-    const bool bScale = ConfigureScale(rScrews, rPlane.m_Scale);
-    const bool bChanged = bScale || rScrews.GetNumberOfHoles() != nHoles ||
-                          rScrews.GetNumberOfScrews() != nScrews || rScrews.GetScrewTableName() != Table;
-    rScrews.SetNumberOfHoles(nHoles);
-    rScrews.SetNumberOfScrews(nScrews);
-    rScrews.SetScrewTableName(Table);
-    return bChanged;
-}
-
 CHoleRing MakeHoleRing(const PreBalDB::CScrewCompensationTableEntry* pScrews) {
     return pScrews == nullptr ? CHoleRing()
                               : CHoleRing{pScrews->GetNumberOfHoles(),
@@ -163,9 +91,6 @@ CHoleRing MakeHoleRing(const PreBalDB::CScrewCompensationTableEntry* pScrews) {
 }
 
 }  // namespace
-
-CBrokenOff::CBrokenOff(const std::string& rRequest)
-    : std::runtime_error("Broken off by " + rRequest + " before the run began.") {}
 
 CConsoleSession::CConsoleSession(const COptions& rOptions, const CRotorFile* pRotor,
                                  const std::string& rDatabaseFile)
@@ -304,82 +229,41 @@ std::string CConsoleSession::DescribeAnswers() const {
                : std::string();
 }
 
-std::string CConsoleSession::GetMachineName() const {
-    const std::vector<std::string> Names = CPreBalDatabase::GetOpenMachineNames();
-    return Names.empty() ? std::string() : Names.front();
+std::optional<CShownConfiguration> CConsoleSession::GetShownConfiguration() const {
+    CShownConfiguration Shown;
+    const bool bShown = m_pModule != nullptr && m_pModule->SendMessage(WM_RV_QUERYCONFIGURATION, 0,
+                                                                       reinterpret_cast<LPARAM>(&Shown)) != 0;
+    return bShown ? std::optional(Shown) : std::nullopt;
 }
 
 void CConsoleSession::Commission() {
-    const std::string MachineName = GetMachineName();
-    if (m_pRotor == nullptr || MachineName.empty()) {
+    const std::optional<CShownConfiguration> Shown = GetShownConfiguration();
+    if (m_pRotor == nullptr || !Shown) {
         return;
     }
-    {
-        CPreBalDatabase Database(MachineName);
-        // First: reading a table invalidates the configuration that was read.
-        const bool bTable =
-            !m_Options.m_ScrewTable.empty() && WriteScrewTable(Database, m_Options.m_ScrewTable);
-        PreBalDB::CPreBalBaseTableEntry& rEntry = Database.ReadConfiguration(CONFIGURATION);
-        const bool bMeans = m_Mode == CPreBalDatabase::eModeTwoPlane ? CommissionTwoPlane(rEntry)
-                                                                     : CommissionSinglePlane(rEntry);
-        if (!bMeans && !bTable) {
-            return;
-        }
-        rEntry.SetIsCalibrated(0);
-        RefuseUnwritten(Database, Database.WriteConfiguration());
+    const CCommission Commission(m_Options, *m_pRotor, m_Mode);
+    const CCommission::COutcome Outcome = Commission.SetUp(Shown->m_Machine, Shown->m_Name);
+    if (!Outcome.m_Disagreement.empty()) {
+        Say(Outcome.m_Disagreement);
     }
-    m_pModule->SendMessage(WM_RV_STORECHANGED);
-}
-
-bool CConsoleSession::CommissionSinglePlane(PreBalDB::CPreBalBaseTableEntry& rEntry) const {
-    const bool bPlane2 = m_Mode == CPreBalDatabase::eModePlane2;
-    const CTypeBase::Direction Rotation = ToDirection(m_pRotor->m_Rotation);
-    PreBalDB::CSinglePlaneBalancingTableEntry& rPlane = rEntry.CreateSinglePlane();
-    // The rotor file tells the rotation as seen from plane 1's end.
-    const bool bRotation = ConfigureRotation(rPlane, bPlane2 ? TurnAround(Rotation) : Rotation);
-    const CRotorFile::CRotorPlane& rRotorPlane = m_pRotor->m_Planes.at(bPlane2 ? 1 : 0);
-    const auto Used = rPlane.GetUsedCompensationMethod();
-    const bool bMeans =
-        UsesScrews(0) ? ConfigureScrews(rPlane.CreateScrewCompensationTableEntry(), rRotorPlane, m_Options)
-                      : ConfigureScale(rPlane.CreateWeightCompensationTableEntry(), rRotorPlane.m_Scale);
-    return bRotation || bMeans || Used != rPlane.GetUsedCompensationMethod();
-}
-
-bool CConsoleSession::CommissionTwoPlane(PreBalDB::CPreBalBaseTableEntry& rEntry) const {
-    PreBalDB::CTwoPlaneBalancingTableEntry& rPlanes = rEntry.CreateTwoPlane();
-    const bool bRotation = ConfigureRotation(rPlanes, ToDirection(m_pRotor->m_Rotation));
-    const CRotorFile::CRotorPlane& rPlane1 = m_pRotor->m_Planes.front();
-    const CRotorFile::CRotorPlane& rPlane2 = m_pRotor->m_Planes.back();
-    const auto Used1 = rPlanes.GetPlane1UsedCompensationMethod();
-    const auto Used2 = rPlanes.GetPlane2UsedCompensationMethod();
-    const bool bMeans1 =
-        UsesScrews(0) ? ConfigureScrews(rPlanes.CreatePlane1ScrewCompensationTableEntry(), rPlane1, m_Options)
-                      : ConfigureScale(rPlanes.CreatePlane1WeightCompensationTableEntry(), rPlane1.m_Scale);
-    const bool bMeans2 =
-        UsesScrews(1) ? ConfigureScrews(rPlanes.CreatePlane2ScrewCompensationTableEntry(), rPlane2, m_Options)
-                      : ConfigureScale(rPlanes.CreatePlane2WeightCompensationTableEntry(), rPlane2.m_Scale);
-    return bRotation || bMeans1 || bMeans2 || Used1 != rPlanes.GetPlane1UsedCompensationMethod() ||
-           Used2 != rPlanes.GetPlane2UsedCompensationMethod();
-}
-
-bool CConsoleSession::UsesScrews(std::size_t Plane) const {
-    const std::vector<std::string>& rMethods = m_Options.m_Methods;
-    return !rMethods.empty() && rMethods.at(std::min(Plane, rMethods.size() - 1)) == "screws";
+    if (Outcome.m_bWritten) {
+        m_pModule->SendMessage(WM_RV_STORECHANGED);
+    }
 }
 
 std::array<CHoleRing, 2> CConsoleSession::GetHoleRings() const {
     std::array<CHoleRing, 2> Rings;
-    const std::string MachineName = GetMachineName();
-    if (MachineName.empty()) {
+    const std::optional<CShownConfiguration> Shown = GetShownConfiguration();
+    if (!Shown) {
         return Rings;
     }
     std::optional<CPreBalDatabase> Database;
     try {
-        Database.emplace(MachineName);
+        Database.emplace(Shown->m_Machine);
     } catch (const PreBalDB::CDatabaseError&) {
         return Rings;  // the module tells what becomes of its result
     }
-    const PreBalDB::CPreBalBaseTableEntry& rEntry = Database->ReadConfiguration(CONFIGURATION);
+    const PreBalDB::CPreBalBaseTableEntry& rEntry = Database->ReadConfiguration(Shown->m_Name);
     if (const auto* pPlanes = rEntry.GetTwoPlane();
         m_Mode == CPreBalDatabase::eModeTwoPlane && pPlanes != nullptr) {
         Rings = {MakeHoleRing(pPlanes->GetPlane1ScrewCompensationTableEntry()),

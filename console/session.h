@@ -4,7 +4,6 @@
 #include <functional>
 #include <memory>
 #include <optional>
-#include <stdexcept>
 #include <string>
 
 #include "console/hostwindow.h"
@@ -13,26 +12,16 @@
 #include "console/ncpanel.h"
 #include "console/operator.h"
 #include "console/options.h"
+#include "console/sessionerror.h"
 #include "console/situation.h"
 #include "contract/actions.h"
+#include "contract/shownconfiguration.h"
 #include "platform/rvmdb/prebaldatabase.h"
 #include "simulator/machine.h"
 #include "simulator/rotorfile.h"
 
 class CMachineClient;
 class CSimulator;
-
-/// The console can't begin: bad arguments, or a link that can't be opened. The text is one line for a person.
-class CSessionError : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
-};
-
-/// Somebody wants the program to end before a run has begun. The text is one line for a person.
-class CBrokenOff : public std::runtime_error {
-public:
-    explicit CBrokenOff(const std::string& rRequest);
-};
 
 /// Everything between the command line and the module's window: link or simulator, host window, module
 /// library, the module's initialisation and its configuration for the machine. Used by the automatic run and
@@ -56,10 +45,8 @@ public:
     /// Asks the module's window to find its module, from the beginning if it was asked before: one that has
     /// come as far as the module's name asks no more by itself. Not while it has a configuration.
     void SendInit();
-    /// Brings the stored configuration in line with rotor and options: rotation and scale sense, both as seen
-    /// from the end of the plane that is balanced, means, and with screws the number of holes. What differs
-    /// makes a calibration void. A rotor file has no screw table: the configured one stays, on a new store
-    /// the default one.
+    /// Sets the configuration on show up for the rotor if it is new, or if the options ask for it; otherwise
+    /// says where the two disagree (CCommission). Throws as that does.
     void Commission();
     /// Starts a procedure, from the configuration. False if it was refused.
     bool StartProcedure(Actions::Action Start);
@@ -81,8 +68,12 @@ public:
     CSimulator* GetSimulator() { return m_pSimulator.get(); }
     /// Speed in rpm at which the machine balances.
     std::uint32_t GetWorkingSpeed() const;
+    /// What the module has in hand; nothing before it has found its configuration.
+    std::optional<CShownConfiguration> GetShownConfiguration() const;
     /// Key of the module's database, empty before the module has found it.
-    std::string GetMachineName() const;
+    std::string GetMachineName() const {
+        return GetShownConfiguration().value_or(CShownConfiguration()).m_Machine;
+    }
     /// The rings of holes per plane of the machine, as configured; without holes for a plane with weights.
     std::array<CHoleRing, 2> GetHoleRings() const;
 
@@ -103,11 +94,6 @@ private:
     void ConnectMachine();
     /// As the loop's; throws CBrokenOff when the program is to end.
     bool RunUntil(const std::function<bool()>& rDone, std::uint32_t Timeout) const;
-    /// Rotation and scale of one plane's compensation; whether anything differed.
-    bool CommissionSinglePlane(PreBalDB::CPreBalBaseTableEntry& rEntry) const;
-    bool CommissionTwoPlane(PreBalDB::CPreBalBaseTableEntry& rEntry) const;
-    /// Plane of the procedure, from 0.
-    bool UsesScrews(std::size_t Plane) const;
 
     COptions m_Options;
     CRotorFile::Modules m_Modules;

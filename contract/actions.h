@@ -47,7 +47,9 @@ enum Flag : std::int32_t {
     eNone = 0,
     eIncrementDown = 1,
     eDecrementDown = 2,
-    eCommit = 5,  ///< keep the result of the run, if there is one, before the action
+    ePrevious = 1,   ///< of eValue and eItem
+    eFollowing = 2,  ///< the same
+    eCommit = 5,     ///< keep the result of the run, if there is one, before the action
 };
 
 }  // namespace Actions

@@ -15,6 +15,8 @@ constexpr std::uint32_t WM_RV_QUERYPROGRESS = 1152;  ///< lParam a CPreBalProgre
 /// Somebody has written to the store: what the page shows is to be read anew. A running procedure has its
 /// configuration in hand, and reads it anew at its end anyway. Answer 1 if it was read, else 0.
 constexpr std::uint32_t WM_RV_STORECHANGED = 1153;
+constexpr std::uint32_t WM_RV_QUERYCONFIGURATION =
+    1154;  ///< lParam a CShownConfiguration to fill (shownconfiguration.h)
 
 // Module to host.
 constexpr std::uint32_t WM_RV_HELPORMENU = 1065;  ///< wParam page (pages.h), lParam 0 or 1

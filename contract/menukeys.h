@@ -6,6 +6,7 @@
 
 #include "contract/actions.h"
 #include "contract/menus.h"
+#include "contract/pages.h"
 
 /// The softkeys that belong to each menu, and what each sends. The module passes menu numbers on and takes
 /// actions; how a key looks is the host's.
@@ -49,9 +50,25 @@ inline constexpr CKey NEXT_SCREW{Actions::eIncrement, Actions::eNone, "SK_NEXT_S
 inline constexpr CKey PREVIOUS_SCREW{Actions::eDecrement, Actions::eNone, "SK_PREVIOUS_SCREW"};
 inline constexpr CKey NO_SCREWS{Actions::eNeutralPosition, Actions::eNone, "SK_NO_SCREWS"};
 
-inline constexpr std::array CONFIGURATION = {CKey{Actions::eStart, Actions::eNone, "SK_PREBALANCE"},
-                                             CKey{Actions::eRebalance, Actions::eNone, "SK_REBALANCE"},
-                                             CKey{Actions::eNextTab, Actions::eNone, "SK_NEXT_TAB"}};
+inline constexpr CKey PREBALANCE{Actions::eStart, Actions::eNone, "SK_PREBALANCE"};
+inline constexpr CKey REBALANCE_CALIBRATED{Actions::eRebalance, Actions::eNone, "SK_REBALANCE"};
+inline constexpr CKey NEXT_TAB{Actions::eNextTab, Actions::eNone, "SK_NEXT_TAB"};
+inline constexpr CKey PREVIOUS_ITEM{Actions::eItem, Actions::ePrevious, "SK_PREVIOUS_ITEM"};
+inline constexpr CKey NEXT_ITEM{Actions::eItem, Actions::eFollowing, "SK_NEXT_ITEM"};
+inline constexpr CKey PREVIOUS_VALUE{Actions::eValue, Actions::ePrevious, "SK_PREVIOUS_VALUE", true};
+inline constexpr CKey NEXT_VALUE{Actions::eValue, Actions::eFollowing, "SK_NEXT_VALUE", true};
+inline constexpr CKey ACCEPT{Actions::eAccept, Actions::eNone, "SK_ACCEPT"};
+inline constexpr CKey EXPAND{Actions::eExpand, Actions::eNone, "SK_EXPAND"};
+// The page of screw tables takes the flags the other way round: its cells and names go on with the first.
+inline constexpr CKey PREVIOUS_CELL{Actions::eItem, Actions::eFollowing, "SK_PREVIOUS_CELL"};
+inline constexpr CKey NEXT_CELL{Actions::eItem, Actions::ePrevious, "SK_NEXT_CELL"};
+inline constexpr CKey PREVIOUS_TABLE{Actions::eValue, Actions::eFollowing, "SK_PREVIOUS_TABLE"};
+inline constexpr CKey NEXT_TABLE{Actions::eValue, Actions::ePrevious, "SK_NEXT_TABLE"};
+
+inline constexpr std::array SETTINGS = {PREBALANCE,     REBALANCE_CALIBRATED, PREVIOUS_ITEM, NEXT_ITEM,
+                                        PREVIOUS_VALUE, NEXT_VALUE,           ACCEPT,        NEXT_TAB,
+                                        EXPAND};
+inline constexpr std::array SCREW_TABLE = {PREVIOUS_CELL, NEXT_CELL, PREVIOUS_TABLE, NEXT_TABLE, NEXT_TAB};
 inline constexpr std::array WAITING = {END};
 inline constexpr std::array CONFIRM = {NEXT, END};
 inline constexpr std::array FINAL = {REBALANCE, FINISH};
@@ -74,7 +91,7 @@ inline constexpr std::array CHANGE_SCREWS_OF_ONE_PLANE = {NEXT, NO_SCREWS, END};
 inline constexpr std::array CHANGE_SCREWS_OF_TWO_PLANES = {NEXT, TOGGLE_PLANE, NO_SCREWS, END};
 
 inline constexpr std::array MENUS = {
-    CMenu{Menus::eNone, CONFIGURATION},
+    CMenu{Menus::eNone, SETTINGS},
     CMenu{Menus::eConfirm, CONFIRM},
     CMenu{Menus::eChangeTestScrew, CHANGE_TEST_SCREW},
     CMenu{Menus::eWait, WAITING},
@@ -108,6 +125,12 @@ inline constexpr std::array MENUS = {
 constexpr std::span<const CKey> GetKeys(std::int32_t Menu) {
     const auto* pFound = std::ranges::find(Tables::MENUS, Menu, &CMenu::m_Menu);
     return pFound == Tables::MENUS.end() ? std::span<const CKey>(Tables::WAITING) : pFound->m_Keys;
+}
+
+/// The keys of a page of the configuration, which is what Menus::eNone stands for.
+constexpr std::span<const CKey> GetPageKeys(std::uint32_t Page) {
+    return Page == Pages::eScrewTable ? std::span<const CKey>(Tables::SCREW_TABLE)
+                                      : std::span<const CKey>(Tables::SETTINGS);
 }
 
 /// The key of an action in a menu, or null.

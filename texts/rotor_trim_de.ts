@@ -306,6 +306,106 @@
         <extracomment>Softkey: next page of the configuration</extracomment>
         <translation>Nächste Seite</translation>
     </message>
+    <message id="SK_PREVIOUS_ITEM">
+        <source>Item up</source>
+        <extracomment>Softkey: selects the item above</extracomment>
+        <translation>Eintrag auf</translation>
+    </message>
+    <message id="SK_NEXT_ITEM">
+        <source>Item down</source>
+        <extracomment>Softkey: selects the item below</extracomment>
+        <translation>Eintrag ab</translation>
+    </message>
+    <message id="SK_PREVIOUS_VALUE">
+        <source>Value −</source>
+        <extracomment>Softkey: the value before, or a smaller one</extracomment>
+        <translation>Wert −</translation>
+    </message>
+    <message id="SK_NEXT_VALUE">
+        <source>Value +</source>
+        <extracomment>Softkey: the value behind, or a larger one</extracomment>
+        <translation>Wert +</translation>
+    </message>
+    <message id="SK_ACCEPT">
+        <source>Edit / accept</source>
+        <extracomment>Softkey: begins or ends the editing of the value that is selected</extracomment>
+        <translation>Ändern / fertig</translation>
+    </message>
+    <message id="SK_EXPAND">
+        <source>Open / close group</source>
+        <extracomment>Softkey: shows or hides what lies below the selected item</extracomment>
+        <translation>Gruppe auf / zu</translation>
+    </message>
+    <message id="SK_PREVIOUS_CELL">
+        <source>Cell back</source>
+        <extracomment>Softkey: screw table, the cell before</extracomment>
+        <translation>Feld zurück</translation>
+    </message>
+    <message id="SK_NEXT_CELL">
+        <source>Cell on</source>
+        <extracomment>Softkey: screw table, the next cell</extracomment>
+        <translation>Feld weiter</translation>
+    </message>
+    <message id="SK_PREVIOUS_TABLE">
+        <source>Previous table</source>
+        <extracomment>Softkey</extracomment>
+        <translation>Vorige Tabelle</translation>
+    </message>
+    <message id="SK_NEXT_TABLE">
+        <source>Next table</source>
+        <extracomment>Softkey</extracomment>
+        <translation>Nächste Tabelle</translation>
+    </message>
+    <message id="SK_MORE">
+        <source>More</source>
+        <extracomment>Softkey: shows the other softkeys</extracomment>
+        <translation>Mehr</translation>
+    </message>
+    <message id="SK_HELP">
+        <source>Help</source>
+        <extracomment>Softkey</extracomment>
+        <translation>Hilfe</translation>
+    </message>
+    <message id="SK_DELETE_CONFIGURATION">
+        <source>Delete configuration</source>
+        <extracomment>Softkey</extracomment>
+        <translation>Konfiguration löschen</translation>
+    </message>
+    <message id="SK_DELETE_TABLE">
+        <source>Delete table</source>
+        <extracomment>Softkey</extracomment>
+        <translation>Tabelle löschen</translation>
+    </message>
+    <message id="CONSOLE_DELETE">
+        <source>Delete</source>
+        <extracomment>Title of a question</extracomment>
+        <translation>Löschen</translation>
+    </message>
+    <message id="CONSOLE_KEEP">
+        <source>Keep</source>
+        <extracomment>Answer to the question whether something is to be deleted</extracomment>
+        <translation>Behalten</translation>
+    </message>
+    <message id="CONSOLE_TABLE_IN_USE">
+        <source>This screw table is used by: %1. Choose another table there first.</source>
+        <extracomment>%1 names of configurations</extracomment>
+        <translation>Diese Schraubentabelle wird benutzt von: %1. Dort zuerst eine andere Tabelle wählen.</translation>
+    </message>
+    <message id="CONSOLE_ASK_DELETE_CONFIGURATION">
+        <source>Delete the configuration "%1"? Its values and its calibration are gone then.</source>
+        <extracomment>%1 its name</extracomment>
+        <translation>Die Konfiguration „%1“ löschen? Ihre Werte und ihre Kalibrierung sind dann weg.</translation>
+    </message>
+    <message id="CONSOLE_ASK_DELETE_TABLE">
+        <source>Delete the screw table "%1"?</source>
+        <extracomment>%1 its name</extracomment>
+        <translation>Die Schraubentabelle „%1“ löschen?</translation>
+    </message>
+    <message id="CONSOLE_DISAGREES">
+        <source>The configuration "%1" and the rotor file disagree in: %2. The configuration counts; --commission sets it up from the rotor file.</source>
+        <extracomment>%1 name of the configuration, %2 labels of values</extracomment>
+        <translation>Die Konfiguration „%1“ und die Rotordatei sind verschieden in: %2. Die Konfiguration gilt; --commission richtet sie nach der Rotordatei ein.</translation>
+    </message>
     <message id="SK_PLUS">
         <source>+</source>
         <extracomment>Softkey: turn the weight forwards</extracomment>

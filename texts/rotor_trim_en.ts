@@ -306,6 +306,106 @@
         <extracomment>Softkey: next page of the configuration</extracomment>
         <translation>Next page</translation>
     </message>
+    <message id="SK_PREVIOUS_ITEM">
+        <source>Item up</source>
+        <extracomment>Softkey: selects the item above</extracomment>
+        <translation>Item up</translation>
+    </message>
+    <message id="SK_NEXT_ITEM">
+        <source>Item down</source>
+        <extracomment>Softkey: selects the item below</extracomment>
+        <translation>Item down</translation>
+    </message>
+    <message id="SK_PREVIOUS_VALUE">
+        <source>Value −</source>
+        <extracomment>Softkey: the value before, or a smaller one</extracomment>
+        <translation>Value −</translation>
+    </message>
+    <message id="SK_NEXT_VALUE">
+        <source>Value +</source>
+        <extracomment>Softkey: the value behind, or a larger one</extracomment>
+        <translation>Value +</translation>
+    </message>
+    <message id="SK_ACCEPT">
+        <source>Edit / accept</source>
+        <extracomment>Softkey: begins or ends the editing of the value that is selected</extracomment>
+        <translation>Edit / accept</translation>
+    </message>
+    <message id="SK_EXPAND">
+        <source>Open / close group</source>
+        <extracomment>Softkey: shows or hides what lies below the selected item</extracomment>
+        <translation>Open / close group</translation>
+    </message>
+    <message id="SK_PREVIOUS_CELL">
+        <source>Cell back</source>
+        <extracomment>Softkey: screw table, the cell before</extracomment>
+        <translation>Cell back</translation>
+    </message>
+    <message id="SK_NEXT_CELL">
+        <source>Cell on</source>
+        <extracomment>Softkey: screw table, the next cell</extracomment>
+        <translation>Cell on</translation>
+    </message>
+    <message id="SK_PREVIOUS_TABLE">
+        <source>Previous table</source>
+        <extracomment>Softkey</extracomment>
+        <translation>Previous table</translation>
+    </message>
+    <message id="SK_NEXT_TABLE">
+        <source>Next table</source>
+        <extracomment>Softkey</extracomment>
+        <translation>Next table</translation>
+    </message>
+    <message id="SK_MORE">
+        <source>More</source>
+        <extracomment>Softkey: shows the other softkeys</extracomment>
+        <translation>More</translation>
+    </message>
+    <message id="SK_HELP">
+        <source>Help</source>
+        <extracomment>Softkey</extracomment>
+        <translation>Help</translation>
+    </message>
+    <message id="SK_DELETE_CONFIGURATION">
+        <source>Delete configuration</source>
+        <extracomment>Softkey</extracomment>
+        <translation>Delete configuration</translation>
+    </message>
+    <message id="SK_DELETE_TABLE">
+        <source>Delete table</source>
+        <extracomment>Softkey</extracomment>
+        <translation>Delete table</translation>
+    </message>
+    <message id="CONSOLE_DELETE">
+        <source>Delete</source>
+        <extracomment>Title of a question</extracomment>
+        <translation>Delete</translation>
+    </message>
+    <message id="CONSOLE_KEEP">
+        <source>Keep</source>
+        <extracomment>Answer to the question whether something is to be deleted</extracomment>
+        <translation>Keep</translation>
+    </message>
+    <message id="CONSOLE_TABLE_IN_USE">
+        <source>This screw table is used by: %1. Choose another table there first.</source>
+        <extracomment>%1 names of configurations</extracomment>
+        <translation>This screw table is used by: %1. Choose another table there first.</translation>
+    </message>
+    <message id="CONSOLE_ASK_DELETE_CONFIGURATION">
+        <source>Delete the configuration "%1"? Its values and its calibration are gone then.</source>
+        <extracomment>%1 its name</extracomment>
+        <translation>Delete the configuration "%1"? Its values and its calibration are gone then.</translation>
+    </message>
+    <message id="CONSOLE_ASK_DELETE_TABLE">
+        <source>Delete the screw table "%1"?</source>
+        <extracomment>%1 its name</extracomment>
+        <translation>Delete the screw table "%1"?</translation>
+    </message>
+    <message id="CONSOLE_DISAGREES">
+        <source>The configuration "%1" and the rotor file disagree in: %2. The configuration counts; --commission sets it up from the rotor file.</source>
+        <extracomment>%1 name of the configuration, %2 labels of values</extracomment>
+        <translation>The configuration "%1" and the rotor file disagree in: %2. The configuration counts; --commission sets it up from the rotor file.</translation>
+    </message>
     <message id="SK_PLUS">
         <source>+</source>
         <extracomment>Softkey: turn the weight forwards</extracomment>

@@ -31,9 +31,10 @@ protected:
         m_pSession.reset();
     }
 
+    /// By its text, however that is broken into lines.
     QPushButton* FindButton(const QString& rText) {
         for (QPushButton* pButton : m_pWindow->findChildren<QPushButton*>()) {
-            if (pButton->text() == rText) {
+            if (pButton->text().replace('\n', ' ') == rText) {
                 return pButton;
             }
         }

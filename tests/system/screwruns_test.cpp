@@ -172,7 +172,9 @@ TEST(ScrewRun, ChangedMeansNeedACalibrationOfTheirOwn) {
     Run.m_Options.m_Methods = {};
     EXPECT_NE(Run.Run(Procedure::ePrebalance), eExitFailed);
     Run.m_Options.m_Methods = {"screws"};
+    Run.m_Options.m_bCommission = true;
     EXPECT_EQ(Run.Run(Procedure::eRebalance), eExitFailed);
+    Run.m_Options.m_bCommission = false;
     EXPECT_NE(Run.Run(Procedure::ePrebalance), eExitFailed);
     EXPECT_NE(Run.Run(Procedure::eRebalance), eExitFailed);
 }

@@ -10,6 +10,7 @@
 #include "contract/hostmessages.h"
 #include "contract/ncrequests.h"
 #include "contract/prebalprogress.h"
+#include "contract/shownconfiguration.h"
 #include "platform/rvcom/rvcom.h"
 #include "platform/rvldb/gettext.h"
 #include "rvdlm/m_rtr/rtr_trim/log.h"
@@ -61,6 +62,8 @@ const CPreBalancingMainWnd::CMessageMapEntry CPreBalancingMainWnd::ms_MessageMap
     {WM_RV_DBINITDONE, WM_RV_DBINITDONE, "OnDBInitDone", &CPreBalancingMainWnd::OnDBInitDone},
     {WM_RV_QUERYPROGRESS, WM_RV_QUERYPROGRESS, "OnQueryProgress", &CPreBalancingMainWnd::OnQueryProgress},
     {WM_RV_STORECHANGED, WM_RV_STORECHANGED, "OnStoreChanged", &CPreBalancingMainWnd::OnStoreChanged},
+    {WM_RV_QUERYCONFIGURATION, WM_RV_QUERYCONFIGURATION, "OnQueryConfiguration",
+     &CPreBalancingMainWnd::OnQueryConfiguration},
 };
 
 CPreBalancingMainWnd::CPreBalancingMainWnd(CMainWndMakers Makers)
@@ -252,6 +255,20 @@ LRESULT CPreBalancingMainWnd::OnQueryProgress(WPARAM, LPARAM lParam) {
     }
     m_pPrebalancingSequence->GetProgress(*pProgress);
     pProgress->m_Menu = m_Menu;
+    return 1;
+}
+
+LRESULT CPreBalancingMainWnd::OnQueryConfiguration(WPARAM, LPARAM lParam) {
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): a message's parameters are whole numbers
+    auto* const pShown = reinterpret_cast<CShownConfiguration*>(lParam);
+    const PreBalDB::CPreBalBaseTableEntry* const pEntry = m_tabCtrl.GetCurrentBaseEntry();
+    if (pEntry == nullptr || pShown == nullptr) {
+        return 0;
+    }
+    pShown->m_Machine = pEntry->GetMachineName();
+    pShown->m_Name = pEntry->GetProcessName();
+    pShown->m_ScrewTable = m_tabCtrl.GetScrewTableDlg().GetScrewTableName();
+    pShown->m_bCalibrated = IsCalibrated();
     return 1;
 }
 

@@ -139,6 +139,7 @@ private:
     LRESULT OnDBInitDone(WPARAM wParam, LPARAM lParam);
     LRESULT OnStoreChanged(WPARAM wParam, LPARAM lParam);
     LRESULT OnQueryProgress(WPARAM wParam, LPARAM lParam);
+    LRESULT OnQueryConfiguration(WPARAM wParam, LPARAM lParam);
     CConversationCallbacks MakeConversationCallbacks();
     CNCDeskCallbacks MakeNCDeskCallbacks();
     void CreateMapper(std::uint32_t Address, const CInitFlags& rFlags);

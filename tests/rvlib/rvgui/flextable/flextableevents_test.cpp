@@ -240,7 +240,7 @@ TEST_F(ShownFlexTableTest, TheComposedPictureIsTheOneOnTheScreen) {
     m_Loop.RunPosted();
     CBitmap Screen;
     Screen.Create(CSize(300, 200));
-    m_pView->render(&Screen.GetImpl().m_Image);
+    m_pView->render(&Screen.GetImpl().GetImage());
     EXPECT_FALSE(FindDifference(Screen, m_Page.Compose()));
 }
 
