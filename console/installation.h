@@ -19,6 +19,7 @@ public:
     const std::filesystem::path& GetRoot() const { return m_Root; }
     std::filesystem::path GetConfigDirectory() const { return m_Root / "cnf"; }
     std::filesystem::path GetDatabaseFile() const { return GetConfigDirectory() / "prebal.db"; }
+    std::filesystem::path GetHelpDirectory() const { return m_Root / "ctrl" / "help"; }
     std::filesystem::path GetLogDirectory() const { return m_Root / "log"; }
 
 private:

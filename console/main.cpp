@@ -8,6 +8,7 @@
 
 #include "console/companions.h"
 #include "console/headlessrun.h"
+#include "console/helpfiles.h"
 #include "console/installation.h"
 #include "console/mainwindow.h"
 #include "console/options.h"
@@ -193,6 +194,7 @@ int main(int argc, char** argv) {
         });
         const CConsoleInstallation Installation(Options->m_ConfigDirectory, Options->m_bHeadless);
         const CInstallationLock Lock(Installation);
+        ProvideHelp(Installation, GetHelpOfProgram());
         if (!CLogComponent::OpenFile(Installation.GetLogDirectory().string())) {
             return Refuse("The log can't be written in " + Installation.GetLogDirectory().string() + ".");
         }

@@ -61,6 +61,50 @@
         <extracomment>Beginning of the help file's name. Not shown; the file of that name must exist</extracomment>
         <translation>de</translation>
     </message>
+    <message id="HELP_BACK">
+        <source>Back</source>
+        <translation>Zurück</translation>
+    </message>
+    <message id="HELP_CONTENTS">
+        <source>Contents</source>
+        <translation>Inhalt</translation>
+    </message>
+    <message id="HELP_INDEX">
+        <source>Index</source>
+        <translation>Index</translation>
+    </message>
+    <message id="HELP_SEARCH">
+        <source>Search</source>
+        <translation>Suchen</translation>
+    </message>
+    <message id="HELP_PAGE">
+        <source>Help</source>
+        <translation>Hilfe</translation>
+    </message>
+    <message id="HELP_CLOSE">
+        <source>Close</source>
+        <translation>Schließen</translation>
+    </message>
+    <message id="HELP_NOT_FOUND">
+        <source>No page has "%1".</source>
+        <translation>Keine Seite enthält "%1".</translation>
+    </message>
+    <message id="HELP_NO_FILE">
+        <source>There is no help: the file %1 isn't in %2.</source>
+        <translation>Es gibt keine Hilfe: Die Datei %1 liegt nicht in %2.</translation>
+    </message>
+    <message id="HELP_DAMAGED">
+        <source>The help can't be read: the file %1 in %2 is damaged.</source>
+        <translation>Die Hilfe kann nicht gelesen werden: Die Datei %1 in %2 ist beschädigt.</translation>
+    </message>
+    <message id="HELP_NO_PAGE">
+        <source>There is no help page %1: it isn't in %2 in %3.</source>
+        <translation>Es gibt keine Hilfeseite %1: Sie steht nicht in %2 in %3.</translation>
+    </message>
+    <message id="HELP_NO_ADDRESS">
+        <source>This is no address of a help page: %1</source>
+        <translation>Das ist keine Adresse einer Hilfeseite: %1</translation>
+    </message>
     <message id="PREBALANCING_HEADER">
         <source>Pre-balancing, one plane</source>
         <extracomment>Heading of the settings</extracomment>

@@ -5,7 +5,7 @@
 #
 # Within platform/ the folders include those on their left only:
 #
-#     system, rvldb, window, rvlog, rvcom, rvmdb, rvopc  <-  qt
+#     system, rvldb, help, window, rvlog, rvcom, rvmdb, rvopc  <-  qt
 #
 # and Qt itself stands in platform/qt/ alone, so that another folder can take its place.
 #
@@ -47,7 +47,7 @@ my %standard = map { $_ => 1 } qw(
 my %values = map { $_ => 1 } qw(rvlib/math/matrix.h rvlib/rvbas/array.h);
 
 # The folders of platform/, each above those before it. The last one stands behind the interfaces of all others.
-my @order = qw(system rvldb window rvlog rvcom rvmdb rvopc qt);
+my @order = qw(system rvldb help window rvlog rvcom rvmdb rvopc qt);
 my %place = map { $order[$_] => $_ } 0 .. $#order;
 
 my $bad = 0;

@@ -10,6 +10,7 @@
 
 #include "platform/qt/bitmapimpl.h"
 #include "platform/qt/editwidget.h"
+#include "platform/qt/helpwidget.h"
 #include "platform/qt/inputevents.h"
 #include "platform/window/combobox.h"
 #include "platform/window/messageparams.h"
@@ -174,6 +175,9 @@ CMirror* MakeControlWidget(CControl& rControl, QWidget* pParent) {
     }
     if (auto* const pTabBar = dynamic_cast<CTabBar*>(&rControl)) {
         return new CTabBarWidget(*pTabBar, pParent);
+    }
+    if (auto* const pBrowser = dynamic_cast<CWebBrowser2*>(&rControl)) {
+        return new CHelpWidget(*pBrowser, pParent);
     }
     return nullptr;
 }

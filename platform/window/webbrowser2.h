@@ -1,22 +1,25 @@
 #pragma once
-#include <functional>
+#include <cstdint>
 #include <string>
 
-#include "platform/window/wnd.h"
+#include "platform/window/control.h"
 
-/// The help pane: shows the page of a URL.
-class CWebBrowser2 : public CWnd {
+/// The help pane: shows the page of an address (platform/help/helpaddress.h), and lets the operator go on
+/// from there by links, contents, index and search. A tab stop.
+class CWebBrowser2 : public CControl {
 public:
-    /// Remembers the address and shows it as soon as a help viewer is attached.
+    CWebBrowser2();
+
+    /// Shows the page of an address, also when it is the present one and the operator has left it.
     void Navigate(const std::string& rUrl);
     const std::string& GetLocationURL() const { return m_Url; }
+    /// Counts the calls of Navigate: a view shows the address when this is another number than it knows.
+    std::uint64_t GetNavigation() const { return m_nNavigation; }
 
-    /// Shows the page of an address on the screen.
-    using Viewer = std::function<void(const std::string& rUrl)>;
-    /// From now on Shower gets the addresses; at once the present one, if there is one. Null to detach.
-    void AttachViewer(Viewer Shower);
+    /// The operator has gone to another page.
+    void NavigateByOperator(const std::string& rUrl) { m_Url = rUrl; }
 
 private:
-    Viewer m_Viewer;
     std::string m_Url;
+    std::uint64_t m_nNavigation = 0;
 };
