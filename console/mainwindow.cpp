@@ -12,7 +12,9 @@
 #include <algorithm>
 #include <utility>
 
+#include "console/helpview.h"
 #include "contract/actions.h"
+#include "contract/helptopics.h"
 #include "contract/hostmessages.h"
 #include "contract/pages.h"
 #include "platform/qt/windowview.h"
@@ -63,6 +65,7 @@ CMainWindow::CMainWindow(CConsoleSession& rSession) : m_rSession(rSession), m_Ru
     auto* pLeft = new QVBoxLayout();
     m_pPage = new CWindowView(rSession.GetHost(), pCentral);
     pLeft->addWidget(m_pPage, 1);
+    m_pHelp = new CHelpView(*m_pPage);
     m_pConnection = new QLabel(pCentral);
     m_pConnection->setWordWrap(true);
     m_pConnection->setMargin(6);
@@ -221,7 +224,8 @@ void CMainWindow::ShowMenu() {
     m_Softkeys.SetState(GetSoftkeyState());
     const std::vector<CSoftkey>& rShown = m_Softkeys.GetShown();
     for (std::size_t i = 0; i < m_Keys.size(); ++i) {
-        m_Keys[i]->setText(i < rShown.size() ? InTwoLines(Text(rShown[i].m_pTextKey)) : QString());
+        const bool bUsed = i < rShown.size() && rShown[i].m_Kind != CSoftkey::eNone;
+        m_Keys[i]->setText(bUsed ? InTwoLines(Text(rShown[i].m_pTextKey)) : QString());
         m_Keys[i]->setEnabled(i < rShown.size() && rShown[i].m_bEnabled);
     }
 }
@@ -232,6 +236,8 @@ void CMainWindow::OnKeyDown(std::size_t Index) {
     }
     const CSoftkey Key = m_Softkeys.GetShown()[Index];
     switch (Key.m_Kind) {
+        case CSoftkey::eNone:
+            break;
         case CSoftkey::eModule:
             m_Down.at(Index) = Key.m_Key;
             m_rSession.SendAction(Key.m_Key.m_Action, Key.m_Key.m_Flag);
@@ -255,6 +261,17 @@ void CMainWindow::OnKeyUp(std::size_t Index) {
     if (Key && Key->m_bRepeats) {
         m_rSession.SendAction(Key->m_Action, Actions::eNone);
     }
+}
+
+void CMainWindow::ShowHelp() {
+    // Between runs the page has a pane for the help; the key then shows it large.
+    const CSituation Situation = m_rSession.Look();
+    const bool bTable = m_rSession.GetHost().GetPage() == Pages::eScrewTable;
+    const char* pTopic = bTable ? HelpTopics::SCREW_TABLE_PAGE : HelpTopics::SETTINGS_PAGE;
+    if (Situation.m_bRunning) {
+        pTopic = HelpTopics::Find(Situation.m_Progress);
+    }
+    m_pHelp->ToggleTopic(pTopic);
 }
 
 void CMainWindow::AskToDelete() {
@@ -301,11 +318,11 @@ void CMainWindow::Command(const nlohmann::json& rRequest) {
 
 void CMainWindow::FitAsShown() {
     const CSituation Situation = m_rSession.Look();
-    for (std::size_t Plane = 0; Plane < Situation.m_Progress.m_Readings.size(); ++Plane) {
-        const std::vector<int> Angles = Situation.GetAngles(Plane);
-        if (Situation.m_bRunning && !Angles.empty()) {
-            Command({{"weights", {{"plane", Plane + 1}, {"angles", Angles}}}});
-        }
+    if (!Situation.m_bRunning) {
+        return;
+    }
+    for (const CFitting& rFitting : FindFittings(Situation, m_rSession.GetHoleRings())) {
+        Command(MakeRequest(rFitting));
     }
 }
 

@@ -12,6 +12,7 @@
 #include "platform/system/lifetime.h"
 #include "platform/system/timer.h"
 
+class CHelpView;
 class CWindowView;
 class QLabel;
 class QPushButton;
@@ -57,6 +58,7 @@ private:
     CConsoleSession& m_rSession;
     CScreenRun m_Run;
     CWindowView* m_pPage = nullptr;
+    CHelpView* m_pHelp = nullptr;
     QLabel* m_pConnection = nullptr;
     bool m_bLinkOpen = false;  ///< at the last look
     CSoftkeys m_Softkeys;

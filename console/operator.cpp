@@ -125,17 +125,7 @@ void COperator::FitFrom(std::size_t Place) {
         FitFrom(Place + 1);
         return;
     }
-    const std::size_t Plane = rFitting.m_Plane + 1;
-    nlohmann::json Request;
-    if (rFitting.m_bScrews) {
-        Request["screws"] = {{"plane", Plane}, {"fitted", nlohmann::json::array()}};
-        for (const CRotorScrew& rScrew : rFitting.m_Screws) {
-            Request["screws"]["fitted"].push_back({{"hole", rScrew.m_Hole}, {"grams", rScrew.m_Grams}});
-        }
-    } else {
-        Request["weights"] = {{"plane", Plane}, {"angles", rFitting.m_Angles}};
-    }
-    Command(Request, [this, Place] { FitFrom(Place + 1); });
+    Command(MakeRequest(rFitting), [this, Place] { FitFrom(Place + 1); });
 }
 
 void COperator::Confirm() {

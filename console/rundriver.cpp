@@ -35,6 +35,18 @@ std::string Describe(const CFitting& rFitting) {
                               : "weights of plane " + Plane + " to " + DescribeAngles(rFitting.m_Angles);
 }
 
+nlohmann::json MakeRequest(const CFitting& rFitting) {
+    const std::size_t Plane = rFitting.m_Plane + 1;
+    if (!rFitting.m_bScrews) {
+        return {{"weights", {{"plane", Plane}, {"angles", rFitting.m_Angles}}}};
+    }
+    nlohmann::json Screws = {{"plane", Plane}, {"fitted", nlohmann::json::array()}};
+    for (const CRotorScrew& rScrew : rFitting.m_Screws) {
+        Screws["fitted"].push_back({{"hole", rScrew.m_Hole}, {"grams", rScrew.m_Grams}});
+    }
+    return {{"screws", Screws}};
+}
+
 std::vector<CFitting> FindFittings(const CSituation& rSituation, const std::array<CHoleRing, 2>& rRings) {
     std::vector<CFitting> Fittings;
     for (std::size_t Plane = 0; Plane < rSituation.m_Progress.m_Readings.size(); ++Plane) {

@@ -2,6 +2,7 @@
 #include <array>
 #include <cstdint>
 #include <functional>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
@@ -19,6 +20,9 @@ struct CFitting {
 
 /// "weights of plane 1 to 30°, 150°" or "screws of plane 1: 2.5 g in hole 1".
 std::string Describe(const CFitting& rFitting);
+
+/// The same for the control link of a machine.
+nlohmann::json MakeRequest(const CFitting& rFitting);
 
 /// What the situation asks to be fitted, for each plane that it asks anything of.
 std::vector<CFitting> FindFittings(const CSituation& rSituation, const std::array<CHoleRing, 2>& rRings);

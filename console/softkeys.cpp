@@ -67,6 +67,7 @@ void CSoftkeys::SetState(const CState& rState) {
         }
         m_Rows.back().push_back(rKey);
     }
+    m_Rows.back().resize(PLACES - 1);
     m_Rows.back().push_back(MORE);
     m_nRow = m_nRow < m_Rows.size() ? m_nRow : 0;
 }

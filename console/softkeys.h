@@ -8,12 +8,13 @@
 /// A softkey of the panel.
 struct CSoftkey {
     enum Kind {
+        eNone,    ///< an empty place
         eModule,  ///< sends its action to the module
         eMore,    ///< shows the other keys
         eHelp,
         eDelete  ///< the configuration or the screw table on the page
     };
-    Kind m_Kind = eModule;
+    Kind m_Kind = eNone;
     const char* m_pTextKey = "";
     bool m_bEnabled = false;
     MenuKeys::CKey m_Key{};  ///< of eModule
@@ -41,7 +42,7 @@ public:
     void SetState(const CState& rState);
     /// Shows the next row, behind the last one the first.
     void More();
-    /// At most PLACES; the last one is More where there are more.
+    /// At most PLACES. Where there are more, all places are there, and the last one is More.
     const std::vector<CSoftkey>& GetShown() const { return m_Rows[m_nRow]; }
 
 private:

@@ -65,7 +65,7 @@ TEST(Softkeys, SettingsHaveTheMostUsedKeysInTheFirstRowAndTheOthersBehindMore) {
                                         "SK_PREVIOUS_VALUE", "SK_NEXT_VALUE", "SK_ACCEPT", "SK_MORE"}));
     Keys.More();
     EXPECT_EQ(GetTexts(Keys), (std::vector<std::string>{"SK_NEXT_TAB", "SK_EXPAND", "SK_DELETE_CONFIGURATION",
-                                                        "SK_HELP", "SK_MORE"}));
+                                                        "SK_HELP", "", "", "", "SK_MORE"}));
     Keys.More();
     EXPECT_EQ(GetTexts(Keys).front(), "SK_PREBALANCE");
 }
