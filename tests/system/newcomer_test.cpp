@@ -1,0 +1,196 @@
+// What somebody does who has never seen the console: configurations and a screw table of their own, by
+// softkeys and keyboard in the real window, balanced with, and found again after a restart.
+#include <QApplication>
+#include <QLineEdit>
+#include <QTest>
+#include <set>
+
+#include "platform/window/webbrowser2.h"
+#include "tests/system/mainwindowfixture.h"
+
+namespace {
+
+class NewcomerTest : public CMainWindowTestBase {
+protected:
+    NewcomerTest() { m_Run.m_Rotor.m_Planes.front().m_Holes = 18; }
+    ~NewcomerTest() override { Close(); }
+
+    void OpenInFront() {
+        Open();
+        m_pWindow->activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(m_pWindow.get()));
+        m_Loop.Advance(500);
+    }
+    CShownConfiguration GetShown() {
+        return m_pSession->GetShownConfiguration().value_or(CShownConfiguration());
+    }
+    /// A softkey, on whichever row it is.
+    void PressKey(const QString& rText) {
+        for (int nRow = 0; nRow < 2 && FindButton(rText) == nullptr; ++nRow) {
+            Press("More");
+        }
+        Press(rText);
+    }
+    bool IsKeyEnabled(const QString& rText) {
+        for (int nRow = 0; nRow < 2 && FindButton(rText) == nullptr; ++nRow) {
+            Press("More");
+        }
+        return FindButton(rText) != nullptr && FindButton(rText)->isEnabled();
+    }
+    /// Writes over the name in the field that shows it, and ends by Enter.
+    void TypeName(const QString& rOld, const QString& rNew) {
+        QLineEdit* pField = nullptr;
+        for (QLineEdit* const pEdit : m_pWindow->findChildren<QLineEdit*>()) {
+            pField = pEdit->isVisible() && pEdit->text() == rOld ? pEdit : pField;
+        }
+        ASSERT_NE(pField, nullptr) << rOld.toStdString();
+        pField->setFocus();
+        pField->selectAll();
+        QTest::keyClicks(pField, rNew);
+        QTest::keyClick(pField, Qt::Key_Return);
+        m_Loop.Advance(500);
+    }
+    /// Types where the focus is.
+    void Type(const QString& rText) {
+        ASSERT_NE(QApplication::focusWidget(), nullptr);
+        QTest::keyClicks(QApplication::focusWidget(), rText);
+        m_Loop.Advance(300);
+        ASSERT_NE(QApplication::focusWidget(), nullptr);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        m_Loop.Advance(300);
+    }
+    static const CWebBrowser2* FindBrowser(const CWnd& rWnd) {
+        for (const CWnd* const pChild : rWnd.GetChildren()) {
+            if (const auto* const pBrowser = dynamic_cast<const CWebBrowser2*>(pChild)) {
+                return pBrowser;
+            }
+            if (const CWebBrowser2* const pBelow = FindBrowser(*pChild)) {
+                return pBelow;
+            }
+        }
+        return nullptr;
+    }
+    std::string GetHelpTopic() {
+        const CWebBrowser2* const pBrowser = FindBrowser(m_pSession->GetHost());
+        const std::string Url = pBrowser == nullptr ? std::string() : pBrowser->GetLocationURL();
+        return Url.substr(Url.find_last_of("/\\") + 1);
+    }
+    /// Goes down the tree until the help on the right is that of the item.
+    void SelectItem(const std::string& rTopic) {
+        for (int nTry = 0; nTry < 40; ++nTry) {
+            if (GetHelpTopic() == rTopic + ".htm") {
+                return;
+            }
+            PressKey("Item down");
+        }
+        FAIL() << rTopic << ", at " << GetHelpTopic();
+    }
+    void GoToName() {
+        for (int nTry = 0; nTry < 30; ++nTry) {
+            PressKey("Item up");
+        }
+    }
+    /// Does what each step asks for until the verdict stands, and finishes.
+    void Balance() {
+        PressKey("Pre-balance");
+        for (int nTry = 0; nTry < 80 && FindButton("Finish") == nullptr; ++nTry) {
+            const std::string State = GetState();
+            ASSERT_FALSE(State.empty());
+            if (State.ends_with("SpindleStop")) {
+                Press("Stop spindle");
+                m_Loop.Advance(3000);
+            } else if (State.find("RPMStart") != std::string::npos) {
+                Press("Start spindle");
+                m_Loop.Advance(3500);
+                if (FindButton("Next") != nullptr && State == GetState()) {
+                    Press("Next");
+                }
+            } else if (State.find("Weights") != std::string::npos) {
+                Press("Fit as shown");
+                Press("Next");
+            } else {
+                m_Loop.Advance(1000);
+                if (FindButton("Next") != nullptr) {
+                    Press("Next");
+                }
+            }
+        }
+        ASSERT_NE(FindButton("Finish"), nullptr) << GetState();
+        Press("Finish");
+        Press("Stop spindle");
+        m_Loop.Advance(3000);
+    }
+    /// The names that the up-down control steps through, with those that are calibrated.
+    std::set<std::pair<std::string, bool>> GetConfigurations() {
+        GoToName();
+        for (int nStep = 0; nStep < 5; ++nStep) {
+            PressKey("Value +");
+        }
+        std::set<std::pair<std::string, bool>> Found;
+        for (int nStep = 0; nStep < 5; ++nStep) {
+            Found.emplace(GetShown().m_Name, GetShown().m_bCalibrated);
+            PressKey("Value −");
+        }
+        Found.emplace(GetShown().m_Name, GetShown().m_bCalibrated);
+        return Found;
+    }
+};
+
+}  // namespace
+
+TEST_F(NewcomerTest, BalancesWithTwoConfigurationsOfTheirOwnAndFindsBothAfterARestart) {
+    OpenInFront();
+    TypeName("Default", "Wheel 400");
+    EXPECT_EQ(GetShown().m_Name, "Wheel 400");
+    SelectItem("PB_011");
+    EXPECT_FALSE(IsKeyEnabled("Next page"));
+    PressKey("Value +");
+    ASSERT_TRUE(IsKeyEnabled("Next page")) << "screws have a table";
+
+    PressKey("Next page");
+    TypeName("Default", "Wheel screws");
+    PressKey("Cell on");
+    for (const char* const pWeight : {"0.5", "1", "1.5", "2", "2.5", "3"}) {
+        Type(QString("S%1").arg(pWeight));
+        Type(pWeight);
+    }
+    PressKey("Next page");
+
+    SelectItem("PB_009");
+    for (int nStep = 12; nStep < 18; ++nStep) {
+        PressKey("Value +");
+    }
+    GoToName();
+    SelectItem("PB_008");
+    PressKey("Value +");
+    Balance();
+    EXPECT_TRUE(GetShown().m_bCalibrated);
+    const double WithScrews = std::abs(m_pSession->GetSimulator()->GetRotor().GetResidual(0));
+    EXPECT_LT(WithScrews, m_Run.m_Rotor.m_Planes.front().m_Unbalance.m_Amount / 2);
+    {
+        PreBalDB::CPreBalDatabase Database(GetShown().m_Machine);
+        const PreBalDB::CScrewCompensationTableEntry* const pScrews =
+            Database.ReadConfiguration("Wheel 400").CreateSinglePlane().GetScrewCompensationTableEntry();
+        ASSERT_NE(pScrews, nullptr);
+        EXPECT_EQ(pScrews->GetNumberOfHoles(), 18U);
+        EXPECT_EQ(pScrews->GetScrewTableName(), "Wheel screws");
+        EXPECT_EQ(pScrews->GetScrewTable().GetSize(), 6U);
+    }
+
+    TypeName("Wheel 400", "Wheel 400 weights");
+    EXPECT_TRUE(GetShown().m_bCalibrated) << "with the old one's calibration";
+    SelectItem("PB_011");
+    PressKey("Value −");
+    EXPECT_FALSE(IsKeyEnabled("Re-balance")) << "other means, no calibration";
+    m_pSession->GetMachine()->Request({{"screws", {{"plane", 1}, {"fitted", nlohmann::json::array()}}}},
+                                      [](const nlohmann::json&) {});
+    Balance();
+    EXPECT_LT(std::abs(m_pSession->GetSimulator()->GetRotor().GetResidual(0)), 0.1);
+
+    const std::set<std::pair<std::string, bool>> Expected = {
+        {"Default", false}, {"Wheel 400", true}, {"Wheel 400 weights", true}};
+    EXPECT_EQ(GetConfigurations(), Expected);
+    Close();
+    OpenInFront();
+    EXPECT_EQ(GetConfigurations(), Expected);
+}
