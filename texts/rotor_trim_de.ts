@@ -773,5 +773,65 @@ Die Seite zeigt eine neue; das Gespeicherte bleibt unverändert.</translation>
         <extracomment>Info pane of the settings page: the screw table that the configuration names isn't there</extracomment>
         <translation>Diese Tabelle gibt es nicht mehr. Bitte eine andere wählen, vorher wird nichts gespeichert.</translation>
     </message>
+    <message id="NAME_EMPTY">
+        <source>Nothing is kept without a name: type 1 to %s characters.
+"%s" stays.</source>
+        <extracomment>Message box: the longest name, then the name that stays</extracomment>
+        <translation>Ohne Namen wird nichts abgelegt: Bitte 1 bis %s Zeichen eingeben.
+"%s" bleibt.</translation>
+    </message>
+    <message id="NAME_TOO_LONG">
+        <source>The name "%s" is too long: it may have %s characters.
+"%s" stays.</source>
+        <extracomment>Message box: what was typed, the longest name, the name that stays</extracomment>
+        <translation>Der Name "%s" ist zu lang: Er darf %s Zeichen haben.
+"%s" bleibt.</translation>
+    </message>
+    <message id="NAME_NOT_TEXT">
+        <source>What was entered as a name is no text (no valid UTF-8): type it anew.
+"%s" stays.</source>
+        <extracomment>Message box: the name that stays</extracomment>
+        <translation>Was als Name eingegeben wurde, ist kein Text (kein gültiges UTF-8): Bitte neu eingeben.
+"%s" bleibt.</translation>
+    </message>
+    <message id="NAME_TAKEN">
+        <source>There is a "%s" already: type another name, or step to that one by the arrows beside the name.
+"%s" stays.</source>
+        <extracomment>Message box: what was typed, the name that stays</extracomment>
+        <translation>"%s" gibt es schon: Bitte einen anderen Namen eingeben, oder mit den Pfeilen neben dem Namen dorthin blättern.
+"%s" bleibt.</translation>
+    </message>
+    <message id="NAME_NOT_STORED">
+        <source>"%s" was not made: %s.
+"%s" stays, and nothing is lost.</source>
+        <extracomment>Message box: what was typed, why, the name that stays</extracomment>
+        <translation>"%s" wurde nicht angelegt: %s.
+"%s" bleibt, und nichts geht verloren.</translation>
+    </message>
+    <message id="NAMES_LEFT_OUT">
+        <source>Names in the database are no text (no valid UTF-8); what they name can't be used: %s.</source>
+        <extracomment>Message box: the names</extracomment>
+        <translation>Namen in der Datenbank sind kein Text (kein gültiges UTF-8); was so heißt, kann nicht benutzt werden: %s.</translation>
+    </message>
+    <message id="DELETE_DEFAULT">
+        <source>"%s" is always there and can't be deleted.</source>
+        <extracomment>Message box: configuration or screw table</extracomment>
+        <translation>"%s" ist immer da und kann nicht gelöscht werden.</translation>
+    </message>
+    <message id="DELETE_IN_USE">
+        <source>The screw table "%s" was not deleted: %s uses it. Choose another table there first.</source>
+        <extracomment>Message box: screw table, then the configurations that use it</extracomment>
+        <translation>Die Schraubentabelle "%s" wurde nicht gelöscht: Sie wird benutzt von %s. Bitte dort zuerst eine andere Tabelle wählen.</translation>
+    </message>
+    <message id="DELETE_MISSING">
+        <source>There is no "%s" any more.</source>
+        <extracomment>Message box: configuration or screw table</extracomment>
+        <translation>"%s" gibt es nicht mehr.</translation>
+    </message>
+    <message id="DELETE_FAILED">
+        <source>"%s" was not deleted: %s.</source>
+        <extracomment>Message box: configuration or screw table, then why</extracomment>
+        <translation>"%s" wurde nicht gelöscht: %s.</translation>
+    </message>
 </context>
 </TS>

@@ -773,5 +773,65 @@ The page shows a new one; what is stored stays as it is.</translation>
         <extracomment>Info pane of the settings page: the screw table that the configuration names isn't there</extracomment>
         <translation>This table is no longer there. Choose another one; until then nothing can be saved.</translation>
     </message>
+    <message id="NAME_EMPTY">
+        <source>Nothing is kept without a name: type 1 to %s characters.
+"%s" stays.</source>
+        <extracomment>Message box: the longest name, then the name that stays</extracomment>
+        <translation>Nothing is kept without a name: type 1 to %s characters.
+"%s" stays.</translation>
+    </message>
+    <message id="NAME_TOO_LONG">
+        <source>The name "%s" is too long: it may have %s characters.
+"%s" stays.</source>
+        <extracomment>Message box: what was typed, the longest name, the name that stays</extracomment>
+        <translation>The name "%s" is too long: it may have %s characters.
+"%s" stays.</translation>
+    </message>
+    <message id="NAME_NOT_TEXT">
+        <source>What was entered as a name is no text (no valid UTF-8): type it anew.
+"%s" stays.</source>
+        <extracomment>Message box: the name that stays</extracomment>
+        <translation>What was entered as a name is no text (no valid UTF-8): type it anew.
+"%s" stays.</translation>
+    </message>
+    <message id="NAME_TAKEN">
+        <source>There is a "%s" already: type another name, or step to that one by the arrows beside the name.
+"%s" stays.</source>
+        <extracomment>Message box: what was typed, the name that stays</extracomment>
+        <translation>There is a "%s" already: type another name, or step to that one by the arrows beside the name.
+"%s" stays.</translation>
+    </message>
+    <message id="NAME_NOT_STORED">
+        <source>"%s" was not made: %s.
+"%s" stays, and nothing is lost.</source>
+        <extracomment>Message box: what was typed, why, the name that stays</extracomment>
+        <translation>"%s" was not made: %s.
+"%s" stays, and nothing is lost.</translation>
+    </message>
+    <message id="NAMES_LEFT_OUT">
+        <source>Names in the database are no text (no valid UTF-8); what they name can't be used: %s.</source>
+        <extracomment>Message box: the names</extracomment>
+        <translation>Names in the database are no text (no valid UTF-8); what they name can't be used: %s.</translation>
+    </message>
+    <message id="DELETE_DEFAULT">
+        <source>"%s" is always there and can't be deleted.</source>
+        <extracomment>Message box: configuration or screw table</extracomment>
+        <translation>"%s" is always there and can't be deleted.</translation>
+    </message>
+    <message id="DELETE_IN_USE">
+        <source>The screw table "%s" was not deleted: %s uses it. Choose another table there first.</source>
+        <extracomment>Message box: screw table, then the configurations that use it</extracomment>
+        <translation>The screw table "%s" was not deleted: %s uses it. Choose another table there first.</translation>
+    </message>
+    <message id="DELETE_MISSING">
+        <source>There is no "%s" any more.</source>
+        <extracomment>Message box: configuration or screw table</extracomment>
+        <translation>There is no "%s" any more.</translation>
+    </message>
+    <message id="DELETE_FAILED">
+        <source>"%s" was not deleted: %s.</source>
+        <extracomment>Message box: configuration or screw table, then why</extracomment>
+        <translation>"%s" was not deleted: %s.</translation>
+    </message>
 </context>
 </TS>

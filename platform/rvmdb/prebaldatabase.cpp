@@ -288,7 +288,7 @@ int CPreBalDatabase::WriteScrewTable() {
         return 1;  // nothing was changed here
     }
     const CScrewTableWrite Write{rTable.m_Name, m_pImpl->m_ReadScrewTableName, rRead.m_Revision,
-                                 rTable.m_Screws};
+                                 rRead.m_Screws.IsEmpty(), rTable.m_Screws};
     return m_pImpl->Try("screw table \"" + rTable.m_Name + "\" not written", [&] {
         const auto Revision =
             m_pImpl->m_Thread.Run([Write](CStore& rStore) { return rStore.WriteScrewTable(Write); });

@@ -71,7 +71,10 @@ std::optional<std::int64_t> CStore::WriteScrewTable(const CScrewTableWrite& rWri
         throw CSqlError("\"" + rWrite.m_Name + "\" exists already", StoreFailure::eNameTaken);
     }
     const std::int64_t Revision = Found.value_or(1);
-    const bool bOthersWrote = rWrite.m_Name == rWrite.m_ReadName && Revision - 1 != rWrite.m_ReadRevision;
+    // A table that is still empty may have been dropped meanwhile, as the default of another console.
+    const bool bDropped = !Found && rWrite.m_bReadEmpty;
+    const bool bOthersWrote =
+        rWrite.m_Name == rWrite.m_ReadName && Revision - 1 != rWrite.m_ReadRevision && !bDropped;
     if (bOthersWrote && LoadScrews(rWrite.m_Name) != rWrite.m_Screws) {
         return std::nullopt;
     }

@@ -38,6 +38,7 @@ struct CScrewTableWrite {
     std::string m_Name;
     std::string m_ReadName;
     std::int64_t m_ReadRevision = 0;  ///< 0 if it wasn't there
+    bool m_bReadEmpty = false;        ///< it had no screws
     Base::CWDArray<CScrew> m_Screws;
 };
 

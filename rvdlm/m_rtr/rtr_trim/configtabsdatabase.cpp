@@ -32,8 +32,12 @@ int CPreBalConfigTabs::InitDatabase(const std::string& rKey, std::uint8_t Sensor
     m_ProximitySwitchInput = Input;
     try {
         m_pDatabase = std::make_unique<CPreBalDatabase>(rKey);
-        m_ConfigDlg.SetBalancingConfigurations(GetProcessNames(), false);
-        m_ScrewTableDlg.SetScrewTables(m_pDatabase->GetScrewTableNames(), false);
+        const Base::CStringArray Configurations = GetProcessNames();
+        SaveMessages::TellNames(m_pDatabase->GetOutcome());
+        m_ConfigDlg.SetBalancingConfigurations(Configurations, false);
+        const Base::CStringArray ScrewTables = m_pDatabase->GetScrewTableNames();
+        SaveMessages::TellNames(m_pDatabase->GetOutcome());
+        m_ScrewTableDlg.SetScrewTables(ScrewTables, false);
     } catch (const CDatabaseError& rError) {
         RV_ERROR(g_pLog, "no configuration: %s", rError.what());
         ShowMessageBox(rError.what(), "Error");
@@ -68,14 +72,37 @@ void CPreBalConfigTabs::CloseDatabase() {
 }
 
 void CPreBalConfigTabs::SaveCurrentConfiguration() {
+    EndEditing();
     SaveCurrentScrewTable();
-    SaveCurrentEntry();
+    if (PropTree::CPropTreeItem* const pInvalid = SaveUnlessInvalid()) {
+        if (GetCurSel() != eSettingsTab) {
+            SetCurSel(eSettingsTab);
+            UpdateTabSelection();  // which tries once more, and shows the item
+        } else {
+            m_ConfigDlg.ShowInvalidItem(pInvalid);
+        }
+    }
+}
+
+PropTree::CPropTreeItem* CPreBalConfigTabs::SaveUnlessInvalid() {
+    if (m_pCurrentBaseEntry == nullptr) {
+        return nullptr;
+    }
+    PropTree::CPropTreeItem* const pInvalid = m_ConfigDlg.GetConfig(*m_pCurrentBaseEntry);
+    if (pInvalid == nullptr) {
+        SaveCurrentEntry();
+    }
+    return pInvalid;
+}
+
+void CPreBalConfigTabs::PrepareRun() {
+    // While the pane is hidden a procedure runs, and has the entry in its hands.
+    if (IsWindowVisible()) {
+        SaveCurrentConfiguration();
+    }
 }
 
 void CPreBalConfigTabs::SaveCurrentEntry() {
-    if (m_pCurrentBaseEntry == nullptr) {
-        return;
-    }
     const int Saved = SaveDatabase();
     RV_ASSERT_AS(g_pLog, Saved, "SaveDatabase()", "SaveDatabase() failed", false);
     const CStoreOutcome Outcome = m_pDatabase->GetOutcome();
@@ -89,14 +116,29 @@ void CPreBalConfigTabs::OnSaveConfiguration(WPARAM) {
     if (m_pDatabase == nullptr) {
         return;
     }
-    SaveCurrentEntry();
+    if (m_pCurrentBaseEntry != nullptr) {
+        m_ConfigDlg.GetConfig(*m_pCurrentBaseEntry);
+        SaveCurrentEntry();
+    }
     m_ConfigDlg.SetBalancingConfigurations(GetProcessNames(), true);
 }
 
 void CPreBalConfigTabs::OnProcessNameChanged(WPARAM) {
-    if (m_pCurrentBaseEntry != nullptr) {
-        m_pCurrentBaseEntry->SetProcessName(m_ConfigDlg.GetConfigurationName());
+    if (m_pCurrentBaseEntry == nullptr) {
+        return;
     }
+    const std::string Name = m_ConfigDlg.GetConfigurationName();
+    const std::string Former = m_pCurrentBaseEntry->GetProcessName();
+    if (Name == Former) {
+        return;
+    }
+    m_ConfigDlg.GetConfig(*m_pCurrentBaseEntry);  // the further one gets what is shown
+    if (m_pDatabase->NameConfiguration(Name) == 0) {
+        SaveMessages::TellNaming(Name, Former, m_pDatabase->GetOutcome());
+        m_ConfigDlg.ShowConfigurationName(Former);
+        return;
+    }
+    m_ConfigDlg.SetBalancingConfigurations(GetProcessNames(), true);
 }
 
 void CPreBalConfigTabs::OnUpdateConfiguration(WPARAM) {
@@ -120,16 +162,18 @@ void CPreBalConfigTabs::ShowConfiguration() {
 }
 
 bool CPreBalConfigTabs::WriteCurrentScrewTable() {
-    const Base::CWDArray<CScrew>& rScrews = m_ScrewTableDlg.GetConfig();
-    m_pCurrentScrewEntry->SetScrewArray(rScrews);
+    Base::CWDArray<CScrew> Screws;
+    m_ScrewTableDlg.GetConfig(Screws);
+    m_pCurrentScrewEntry->SetScrewArray(Screws);
     const int Written = m_pDatabase->WriteScrewTable();
     RV_ASSERT_AS(g_pLog, Written, "m_pDatabase->WriteScrewTable()", "WriteScrewTable failed!", false);
-    SaveMessages::TellScrewTable(m_ScrewTableDlg.GetScrewTableName(), m_pDatabase->GetOutcome());
-    return !rScrews.IsEmpty();
+    SaveMessages::TellScrewTable(m_ScrewTableName, m_pDatabase->GetOutcome());
+    return !Screws.IsEmpty();
 }
 
 void CPreBalConfigTabs::ReadScrewTable(const std::string& rName) {
-    m_pCurrentScrewEntry = &m_pDatabase->ReadScrewTable(rName);
+    m_ScrewTableName = rName;
+    m_pCurrentScrewEntry = &m_pDatabase->ReadScrewTable(m_ScrewTableName);
     m_ScrewTableDlg.SetScrewTable(m_pCurrentScrewEntry->GetScrewArray());
 }
 
@@ -156,9 +200,20 @@ void CPreBalConfigTabs::OnUpdateScrewTable(WPARAM) {
 }
 
 void CPreBalConfigTabs::OnScrewTableNameChanged(WPARAM) {
-    if (m_pCurrentScrewEntry != nullptr) {
-        m_pCurrentScrewEntry->SetName(m_ScrewTableDlg.GetScrewTableName());
+    if (m_pCurrentScrewEntry == nullptr || m_ScrewTableDlg.GetScrewTableName() == m_ScrewTableName) {
+        return;
     }
+    const std::string Name = m_ScrewTableDlg.GetScrewTableName();
+    Base::CWDArray<CScrew> Screws;
+    m_ScrewTableDlg.GetConfig(Screws);
+    m_pCurrentScrewEntry->SetScrewArray(Screws);
+    if (m_pDatabase->NameScrewTable(Name) == 0) {
+        SaveMessages::TellNaming(Name, m_ScrewTableName, m_pDatabase->GetOutcome());
+        m_ScrewTableDlg.ShowScrewTableName(m_ScrewTableName);
+        return;
+    }
+    m_ScrewTableName = Name;
+    m_ScrewTableDlg.SetScrewTables(m_pDatabase->GetScrewTableNames(), true);
 }
 
 void CPreBalConfigTabs::OnSaveScrewTable(WPARAM) {
@@ -167,4 +222,35 @@ void CPreBalConfigTabs::OnSaveScrewTable(WPARAM) {
     }
     WriteCurrentScrewTable();
     m_ScrewTableDlg.SetScrewTables(m_pDatabase->GetScrewTableNames(), true);
+}
+
+void CPreBalConfigTabs::ReadStoreAnew() {
+    EndEditing();
+    ReadScrewTablesAnew();
+    ReadConfigurationsAnew();
+}
+
+void CPreBalConfigTabs::ReadConfigurationsAnew() {
+    Base::CStringArray Names = GetProcessNames();
+    const std::string Name = m_ConfigDlg.GetConfigurationName();
+    if (CPageName::Find(Names, Name) < 0) {
+        m_ConfigDlg.SetBalancingConfigurations(Names, false);
+        return;
+    }
+    SaveUnlessInvalid();
+    m_ConfigDlg.SetBalancingConfigurations(Names, true);
+    LoadConfiguration(Name);
+}
+
+void CPreBalConfigTabs::ReadScrewTablesAnew() {
+    const Base::CStringArray Names = m_pDatabase->GetScrewTableNames();
+    const bool bThere = CPageName::Find(Names, m_ScrewTableName) >= 0;
+    if (bThere && m_pCurrentScrewEntry != nullptr) {
+        WriteCurrentScrewTable();
+    }
+    m_ScrewTableDlg.SetScrewTables(Names, true);
+    if (!bThere) {
+        m_ScrewTableDlg.ShowScrewTableName(m_pDatabase->GetDefaultScrewTableName());
+    }
+    ReadScrewTable(m_ScrewTableDlg.GetScrewTableName());
 }

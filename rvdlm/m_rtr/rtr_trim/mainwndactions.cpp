@@ -139,6 +139,7 @@ LRESULT CPreBalancingMainWnd::SetPrebalancingState(WPARAM wParam, LPARAM) {
             Result = StartRun(&CPreBalancing::StartPreBalancing);
             break;
         case eReBalancing:
+            m_tabCtrl.PrepareRun();
             if (!m_tabCtrl.HasDatabase() || !IsCalibrated()) {
                 return 0;
             }

@@ -14,6 +14,7 @@ using RtrTrim::g_pLog;
 
 void CPreBalancingMainWnd::HideConfiguration() {
     m_Conversation.BeginWatch();
+    m_tabCtrl.EndEditing();
     m_tabCtrl.ShowWindow(false);
     KillTimer(eHelpTimer);
     m_Browser.ShowWindow(false);
@@ -58,6 +59,7 @@ CPreBalancing* CPreBalancingMainWnd::GetProcedureToAbort() {
 }
 
 int CPreBalancingMainWnd::StartRun(StartOperation pStart) {
+    m_tabCtrl.PrepareRun();
     // A set that can't be used is to be shown, whatever the means: its run is aborted at once.
     const PreBalDB::CPreBalBaseTableEntry* const pEntry = m_tabCtrl.GetCurrentBaseEntry();
     if (m_pPrebalancingSequence == nullptr && pEntry != nullptr && m_Conversation.IsSetUsable() &&

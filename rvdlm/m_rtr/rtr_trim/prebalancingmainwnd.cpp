@@ -225,7 +225,7 @@ LRESULT CPreBalancingMainWnd::OnStoreChanged(WPARAM, LPARAM) {
     if (m_pPrebalancingSequence != nullptr || !m_tabCtrl.HasDatabase()) {
         return 0;
     }
-    m_tabCtrl.SendMessage(WM_RV_UPDATECONFIGURATION);
+    m_tabCtrl.ReadStoreAnew();
     return 1;
 }
 

@@ -10,13 +10,12 @@
 #include "rvdlm/m_rtr/rtr_trim/log.h"
 #include "rvdlm/m_rtr/rtr_trim/modulemessages.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancingmainwnd.h"
+#include "rvdlm/m_rtr/rtr_trim/tabimages.h"
 
 using RtrTrim::g_pLog;
 
 namespace {
 
-constexpr int eSettingsTab = 0;
-constexpr int eScrewTab = 1;
 constexpr const char* eSettingsTopic = "_PB001";
 constexpr const char* eScrewTopic = "_PB002";
 
@@ -60,11 +59,12 @@ void CPreBalConfigTabs::OnCreate(WPARAM) {
         DeleteItem(0);
     }
     SetFont(CFont("Arial", 14));
+    SetImageList(TabImages::Make());
     const CRect Area = GetDisplayArea();
     m_ConfigDlg.Create(this, Area, eSettingsPageId, true);
     m_ScrewTableDlg.Create(this, Area, eScrewPageId, false);
-    InsertItem(eSettingsTab, GetText("SETTINGS"));
-    InsertItem(eScrewTab, GetText("MASS_TABLE"));
+    InsertItem(eSettingsTab, GetText("SETTINGS"), TabImages::eSettings);
+    InsertItem(eScrewTab, GetText("MASS_TABLE"), TabImages::eScrewTable);
     UpdateTabSelection();
 }
 
@@ -84,6 +84,7 @@ void CPreBalConfigTabs::SendSoftkeys(WPARAM Mask, LPARAM Values) const {
 }
 
 void CPreBalConfigTabs::UpdateTabSelection() {
+    EndEditing();  // which may take the screw page away
     switch (GetCurSel()) {
         case eSettingsTab:
             ShowSettingsPage();
@@ -104,17 +105,22 @@ void CPreBalConfigTabs::ShowSettingsPage() {
     if (CWnd* const pHost = GetHost()) {
         pHost->SendMessage(WM_RV_HELPORMENU, Pages::eSettings, 0);
     }
-    SaveCurrentConfiguration();
-    if (m_pCurrentBaseEntry != nullptr) {
+    SaveCurrentScrewTable();
+    PropTree::CPropTreeItem* const pInvalid = SaveUnlessInvalid();
+    if (m_pCurrentBaseEntry != nullptr && pInvalid == nullptr) {
         ShowConfiguration();  // the screw tables may have changed
     }
     m_rMainWnd.SetHelpTopic(eSettingsTopic);
     m_ConfigDlg.ShowWindow(true);
+    m_ConfigDlg.ShowInvalidItem(pInvalid);
 }
 
 void CPreBalConfigTabs::ShowScrewPage() {
     m_ConfigDlg.ShowWindow(false);
     SaveCurrentConfiguration();
+    if (GetCurSel() != eScrewTab) {
+        return;  // a value isn't valid: the settings are shown again
+    }
     SendSoftkeys(SoftkeyMask::ePages, m_ScrewTableDlg.IsListMode() ? SoftkeyMask::ePages : 0);
     if (CWnd* const pHost = GetHost()) {
         pHost->SendMessage(WM_RV_HELPORMENU, Pages::eScrewTable, 1);
@@ -124,30 +130,46 @@ void CPreBalConfigTabs::ShowScrewPage() {
 }
 
 void CPreBalConfigTabs::NextTab() {
+    EndEditing();  // first: it may take the other tab away
     if (GetItemCount() > 1) {
         SetCurSel((GetCurSel() + 1) % 2);
     }
     UpdateTabSelection();
 }
 
-void CPreBalConfigTabs::Navigate(int Action, int /*Flag*/) {
+void CPreBalConfigTabs::Navigate(int Action, int Flag) {
     // A running procedure has the entry in its hands: what is in memory then must not be saved.
     if (!IsWindowVisible()) {
         return;
     }
-    if (GetCurSel() == eSettingsTab && (Action == Actions::eStart || Action == Actions::eSave)) {
+    if (GetCurSel() == eScrewTab) {
+        if (Action >= Actions::eValue && Action <= Actions::eItem) {
+            m_ScrewTableDlg.Navigate(Action, Flag);
+            SendSoftkeys(SoftkeyMask::ePages, m_ScrewTableDlg.IsListMode() ? SoftkeyMask::ePages : 0);
+        }
+    } else if (!m_ConfigDlg.Navigate(Action, Flag) &&
+               (Action == Actions::eStart || Action == Actions::eSave)) {
         SaveCurrentConfiguration();
     }
 }
 
+void CPreBalConfigTabs::EndEditing() {
+    m_ConfigDlg.EndEditing();
+    m_ScrewTableDlg.EndEditing();
+}
+
 void CPreBalConfigTabs::OnUpdateTabs(WPARAM bScrews) {
     if (bScrews != 0 && GetItemCount() == 1) {
-        const int Inserted = InsertItem(eScrewTab, GetText("MASS_TABLE"));
+        const int Inserted = InsertItem(eScrewTab, GetText("MASS_TABLE"), TabImages::eScrewTable);
         RV_ASSERT_AS(g_pLog, Inserted == eScrewTab, "InsertItem(1, GetText(\"MASS_TABLE\"), 1) == 1",
                      "must not fail!", false);
     } else if (bScrews == 0 && GetItemCount() == 2) {
+        const bool bShown = GetCurSel() == eScrewTab;
         const bool bDeleted = DeleteItem(eScrewTab);
         RV_ASSERT_AS(g_pLog, bDeleted, "DeleteItem(1)", "must not fail!", false);
+        if (bShown) {
+            UpdateTabSelection();
+        }
     }
     SendSoftkeys(SoftkeyMask::eScrewPage, bScrews != 0 ? SoftkeyMask::eScrewPage : 0);
 }

@@ -5,7 +5,6 @@
 
 #include "platform/rvmdb/prebaldatabase.h"
 #include "platform/window/tabctrl.h"
-#include "rvdlm/m_rtr/rtr_trim/config/configurationmodel.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalconfigdlg.h"
 #include "rvdlm/m_rtr/rtr_trim/screwtabledlg.h"
 
@@ -14,9 +13,12 @@ class CPreBalancingMainWnd;
 /// The configuration pane: the page "SETTINGS", which chooses and edits a configuration, and the page
 /// "MASS_TABLE", which is there only when the configuration uses screws. Owns the database and decides when
 /// it is written: at every change of tab and before every start. A change that can't be saved stays in memory
-/// until the next time. Window thread only.
+/// until the next time, and a value that isn't valid keeps the configuration from being saved: it is selected
+/// for the operator. Window thread only.
 class CPreBalConfigTabs : public CTabCtrl {
 public:
+    static constexpr int eSettingsTab = 0;
+    static constexpr int eScrewTab = 1;
     static constexpr UINT eSettingsPageId = 122;
     static constexpr UINT eScrewPageId = 123;
 
@@ -35,8 +37,17 @@ public:
     void CloseDatabase();
     bool HasDatabase() const { return m_pDatabase != nullptr; }
 
+    /// Takes what is being typed, in a name, an item or a cell.
+    void EndEditing();
+    /// Enters what the page shows into the current entry and writes it, after the screw table.
     void SaveCurrentConfiguration();
     void SaveCurrentScrewTable();
+    /// A run is to start: what the pages show is what counts.
+    void PrepareRun();
+    /// Others have written to the store: shows what is there now. What somebody has changed on the pages is
+    /// saved first, unless it is gone from the store; then the first configuration or the default table
+    /// takes its place.
+    void ReadStoreAnew();
     /// Hands an action of the host to the page shown; while the pane is hidden there is none.
     void Navigate(int Action, int Flag);
     /// Selects the other tab, if there are two, and shows its page, which saves.
@@ -53,7 +64,8 @@ public:
     /// Null until a configuration has been read.
     PreBalDB::CPreBalBaseTableEntry* GetCurrentBaseEntry() const { return m_pCurrentBaseEntry; }
     PreBalDB::CScrewTableEntry* GetCurrentScrewEntry() const { return m_pCurrentScrewEntry; }
-    bool IsCalibrated() const { return ConfigurationModel::IsCalibrated(m_pCurrentBaseEntry); }
+    /// Whether a re-balancing can start from what is stored and shown.
+    bool IsCalibrated() const { return m_ConfigDlg.IsCalibrated(); }
     const CPreBalConfigDlg& GetConfigDlg() const { return m_ConfigDlg; }
     CPreBalConfigDlg& GetConfigDlg() { return m_ConfigDlg; }
     const CScrewTableDlg& GetScrewTableDlg() const { return m_ScrewTableDlg; }
@@ -61,6 +73,8 @@ public:
 
     /// The window that the main window is a child of, null if it has no parent.
     CWnd* GetHost() const;
+    /// Message 1122 to it: the bits of Mask take the values of Values.
+    void SendSoftkeys(WPARAM Mask, LPARAM Values) const;
 
 protected:
     LRESULT WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) override;
@@ -87,6 +101,10 @@ private:
     void OnSaveScrewTable(WPARAM wParam);
 
     Base::CStringArray GetProcessNames() const;
+    /// Null if the current configuration was written, or couldn't be; else the item that is in its way.
+    PropTree::CPropTreeItem* SaveUnlessInvalid();
+    void ReadConfigurationsAnew();
+    void ReadScrewTablesAnew();
     /// Reads a configuration, which becomes the current one, and shows it.
     void LoadConfiguration(const std::string& rName);
     /// Writes the current entry. One that others have changed too is read anew.
@@ -98,8 +116,6 @@ private:
     void ReadScrewTable(const std::string& rName);
     void ShowSettingsPage();
     void ShowScrewPage();
-    /// Message 1122: the bits of Mask take the values of Values.
-    void SendSoftkeys(WPARAM Mask, LPARAM Values) const;
 
     std::unique_ptr<PreBalDB::CPreBalDatabase> m_pDatabase;
     std::uint8_t m_SensorAdaption1 = 255;
@@ -108,6 +124,7 @@ private:
     PreBalDB::CPreBalDatabase::BalancingMode m_BalancingMode = PreBalDB::CPreBalDatabase::eModePlane1;
     PreBalDB::CPreBalBaseTableEntry* m_pCurrentBaseEntry = nullptr;  ///< in the database
     PreBalDB::CScrewTableEntry* m_pCurrentScrewEntry = nullptr;      ///< in the database
+    std::string m_ScrewTableName;                                    ///< of that entry
     CPreBalancingMainWnd& m_rMainWnd;
     CPreBalConfigDlg m_ConfigDlg;
     CScrewTableDlg m_ScrewTableDlg;

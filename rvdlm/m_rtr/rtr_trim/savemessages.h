@@ -12,7 +12,12 @@ void TellResult(const std::string& rConfiguration, const PreBalDB::CStoreOutcome
 /// Changes made on the pages were to be saved.
 void TellConfiguration(const std::string& rConfiguration, const PreBalDB::CStoreOutcome& rOutcome);
 void TellScrewTable(const std::string& rTable, const PreBalDB::CStoreOutcome& rOutcome);
+/// A configuration or a screw table was to get a name that was typed; rFormer is the one that stays.
+void TellNaming(const std::string& rName, const std::string& rFormer,
+                const PreBalDB::CStoreOutcome& rOutcome);
 /// A configuration was read.
 void TellReading(const std::string& rConfiguration, const PreBalDB::CStoreOutcome& rOutcome);
+/// Names were read.
+void TellNames(const PreBalDB::CStoreOutcome& rOutcome);
 
 }  // namespace SaveMessages

@@ -197,7 +197,7 @@ TEST_F(CMainWndActionsTest, ACommittedResultThatCannotBeSavedIsAsserted) {
 TEST_F(CMainWndActionsTest, FlagFiveSavesNothingThatIsNotCommitted) {
     Open();
     Act(102);
-    m_pWnd->GetTabs().GetCurrentBaseEntry()->SetIsCalibrated(1);
+    ChangeOnPage([](PreBalDB::CPreBalBaseTableEntry& rEntry) { rEntry.SetIsCalibrated(1); });
     Act(4501, 5);
     EXPECT_FALSE(IsStoredCalibrated(m_pWnd->GetMachineName()));
     EXPECT_FALSE(m_pWnd->GetTabs().IsCalibrated());
@@ -261,7 +261,7 @@ TEST_F(CMainWndActionsTest, StateTwoNeedsACalibratedConfiguration) {
     Open();
     EXPECT_EQ(SetState(2), 0);
     EXPECT_EQ(m_pWnd->GetSequence(), nullptr);
-    m_pWnd->GetTabs().GetCurrentBaseEntry()->SetIsCalibrated(1);
+    ChangeOnPage([](PreBalDB::CPreBalBaseTableEntry& rEntry) { rEntry.SetIsCalibrated(1); });
     EXPECT_EQ(SetState(2), 1);
     EXPECT_THAT(GetSequenceCalls(), ElementsAre("StartReBalancing 65535 1 1"));
 }

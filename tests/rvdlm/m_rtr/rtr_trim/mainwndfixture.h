@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -99,8 +100,16 @@ protected:
     /// The same, and a calibrated configuration.
     void OpenCalibrated(LPARAM Flags = eKestrelPlane1) {
         Open(Flags);
-        m_pWnd->GetTabs().GetCurrentBaseEntry()->SetIsCalibrated(1);
+        ChangeOnPage([](PreBalDB::CPreBalBaseTableEntry& rEntry) { rEntry.SetIsCalibrated(1); });
         Forget();
+    }
+    /// Changes the configuration in memory, and what the page shows of it: nothing is saved by that.
+    void ChangeOnPage(const std::function<void(PreBalDB::CPreBalBaseTableEntry&)>& rChange) {
+        auto& rTabs = dynamic_cast<CPreBalConfigTabs&>(*m_pWnd->GetDlgItem(101));
+        rChange(*rTabs.GetCurrentBaseEntry());
+        rTabs.GetConfigDlg().SetConfiguration(*rTabs.GetCurrentBaseEntry(), rTabs.GetBalancingMode(),
+                                              {"Default"});
+        m_Loop.RunPosted();
     }
     /// Drops what was recorded so far.
     void Forget() {

@@ -96,7 +96,7 @@ TEST_F(CMainWndNCTest, WhatStandsInTheItemBeforeTheModuleIsReadyIsReplacedAndDoe
 
 TEST_F(CMainWndNCTest, RequestOneSavesTheConfigurationFirst) {
     Open();
-    m_pWnd->GetTabs().GetCurrentBaseEntry()->SetTargetUnbalance(23);
+    ChangeOnPage([](PreBalDB::CPreBalBaseTableEntry& rEntry) { rEntry.SetTargetUnbalance(23); });
     Request(1);
     PreBalDB::CPreBalDatabase Database(m_pWnd->GetMachineName());
     EXPECT_EQ(Database.ReadConfiguration("Default").GetTargetUnbalance(), 23U);
@@ -123,7 +123,7 @@ TEST_F(CMainWndNCTest, RequestOneWithoutDatabaseIsRefused) {
 
 TEST_F(CMainWndNCTest, RequestTwoSavesTheConfigurationFirst) {
     OpenCalibrated();
-    m_pWnd->GetTabs().GetCurrentBaseEntry()->SetTargetUnbalance(23);
+    ChangeOnPage([](PreBalDB::CPreBalBaseTableEntry& rEntry) { rEntry.SetTargetUnbalance(23); });
     Request(2);
     PreBalDB::CPreBalDatabase Database(m_pWnd->GetMachineName());
     EXPECT_EQ(Database.ReadConfiguration("Default").GetTargetUnbalance(), 23U);
@@ -197,7 +197,7 @@ TEST_F(CMainWndNCTest, AnExceptionIsARefusal) {
 TEST_F(CMainWndNCTest, TheStepFollowsTheConfiguration) {
     Open();
     EXPECT_EQ(GetStep(), 1);
-    m_pWnd->GetTabs().GetCurrentBaseEntry()->SetIsCalibrated(1);
+    ChangeOnPage([](PreBalDB::CPreBalBaseTableEntry& rEntry) { rEntry.SetIsCalibrated(1); });
     m_pWnd->GetDlgItem(101)->SendMessage(WM_RV_CALIBRATEDCHANGED, 1);
     EXPECT_EQ(GetStep(), 2);
     m_pWnd->GetDlgItem(101)->SendMessage(WM_RV_CALIBRATEDCHANGED, 0);

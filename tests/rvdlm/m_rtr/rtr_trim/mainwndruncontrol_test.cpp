@@ -1,3 +1,4 @@
+#include <iostream>
 // Start and end of procedures, and the end of the window's work.
 #include <gmock/gmock.h>
 
@@ -83,11 +84,15 @@ TEST_F(CMainWndRunControlTest, AStartWithoutConfigurationIsAsserted) {
 // Refusing to start is right, refusing to show an abort is not.
 TEST_F(CMainWndRunControlTest, ScrewsThatCantBeUsedKeepARunFromStartingButNotAnAbortFromBeingShown) {
     Open();
-    m_pWnd->GetTabs()
-        .GetCurrentBaseEntry()
-        ->CreateSinglePlane()
-        .CreateScrewCompensationTableEntry()
-        .SetNumberOfHoles(1);
+    {
+        PreBalDB::CPreBalDatabase Database(m_pWnd->GetMachineName());
+        Database.ReadScrewTable("Default").SetScrewArray({PreBalDB::CScrew("", -1.0)});
+        ASSERT_NE(Database.WriteScrewTable(), 0);
+    }
+    m_pWnd->SendMessage(WM_RV_STORECHANGED);
+    ChangeOnPage([](PreBalDB::CPreBalBaseTableEntry& rEntry) {
+        rEntry.CreateSinglePlane().CreateScrewCompensationTableEntry().SetScrewTableName("Default");
+    });
     TakeShownMessages();
     Act(102);
     EXPECT_EQ(m_pWnd->GetSequence(), nullptr);
@@ -139,7 +144,7 @@ TEST_F(CMainWndRunControlTest, DestroyPendingSavesARunsResult) {
 TEST_F(CMainWndRunControlTest, DestroyPendingWithoutRunSavesThePages) {
     Open();
     const std::string Key = m_pWnd->GetMachineName();
-    m_pWnd->GetTabs().GetCurrentBaseEntry()->SetTargetUnbalance(17);
+    ChangeOnPage([](PreBalDB::CPreBalBaseTableEntry& rEntry) { rEntry.SetTargetUnbalance(17); });
     DestroyPending();
     PreBalDB::CPreBalDatabase Database(Key);
     EXPECT_EQ(Database.ReadConfiguration("Default").GetTargetUnbalance(), 17U);
@@ -175,6 +180,10 @@ TEST_F(CMainWndRunControlTest, AfterDestroyPendingTheWindowMayBeInitialisedAnew)
     EXPECT_THAT(m_Log.GetTexts("Information"), Contains("using existing mapper."));
     Identify(Comm::eSuccess, "222222", 8);
     ReportSet(MakeSet(5));
+    for (const auto& r : m_Log.GetRecords()) {
+        if (r.m_bAssertion)
+            std::cerr << "XX " << r.m_File << ":" << r.m_Line << "\n";
+    }
     EXPECT_EQ(m_pWnd->GetMachineName(), "1#4#255-1-222222-8-5");
     EXPECT_TRUE(m_pWnd->GetTabs().HasDatabase());
     EXPECT_TRUE(m_pWnd->GetTabs().IsWindowVisible());

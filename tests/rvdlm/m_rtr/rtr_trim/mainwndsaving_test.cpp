@@ -174,7 +174,7 @@ TEST_F(CMainWndSavingTest, ChangesOfThePagesThatCannotBeSavedAreTold) {
     RunWithoutStore();
     m_Sequence.m_bCommit = false;
     Act(4501, 5);
-    m_pWnd->GetTabs().GetCurrentBaseEntry()->SetTargetUnbalance(44);
+    ChangeOnPage([](PreBalDB::CPreBalBaseTableEntry& rEntry) { rEntry.SetTargetUnbalance(44); });
     TakeShownMessages();
     Act(103);
     EXPECT_THAT(GetShown(), ElementsAre(AllOf(HasSubstr("changes of configuration \"Default\""),
@@ -185,7 +185,7 @@ TEST_F(CMainWndSavingTest, ChangesOfThePagesThatCannotBeSavedAreTold) {
 TEST_F(CMainWndSavingTest, AConflictOfThePagesIsToldAndWhatIsStoredIsShown) {
     Open();
     ChangeElsewhere([](CPreBalBaseTableEntry& rEntry) { rEntry.SetTargetUnbalance(9); });
-    m_pWnd->GetTabs().GetCurrentBaseEntry()->SetTargetUnbalance(44);
+    ChangeOnPage([](PreBalDB::CPreBalBaseTableEntry& rEntry) { rEntry.SetTargetUnbalance(44); });
     TakeShownMessages();
     Act(103);
     EXPECT_THAT(GetShown(), ElementsAre(HasSubstr("Unbalance target.")));
@@ -198,8 +198,8 @@ TEST_F(CMainWndSavingTest, AValueThatCannotBeIsToldWhenTheConfigurationIsRead) {
     CDirectSQL(GetDatabaseConnection()).Execute("UPDATE configuration SET number_of_samples = 4294967295");
     TakeShownMessages();
     EXPECT_EQ(m_pWnd->SendMessage(WM_RV_STORECHANGED), 1);
-    EXPECT_THAT(GetShown(), ElementsAre(AllOf(HasSubstr("configuration.number_of_samples: 4294967295"),
-                                              HasSubstr("not calibrated"))));
+    EXPECT_THAT(GetShown(),
+                ElementsAre(AllOf(HasSubstr("Measuring time [s]: 4294967295"), HasSubstr("not calibrated"))));
 }
 
 TEST_F(CMainWndSavingTest, AStoreThatTheHostHasChangedIsReadAnew) {

@@ -8,8 +8,7 @@
 #include "contract/hostmessages.h"
 #include "platform/rvldb/gettext.h"
 #include "platform/rvmdb/directsql.h"
-#include "rvdlm/m_rtr/rtr_trim/modulemessages.h"
-#include "tests/rvdlm/m_rtr/rtr_trim/mainwndfixture.h"
+#include "tests/rvdlm/m_rtr/rtr_trim/configtabsfixture.h"
 #include "tests/support/textfiles.h"
 
 using namespace PreBalDB;
@@ -21,52 +20,7 @@ using testing::Not;
 
 namespace {
 
-/// The elements, for the matchers.
-template <typename T>
-std::vector<T> Elements(const Base::CWDArray<T>& rArray) {
-    return {rArray.begin(), rArray.end()};
-}
-
-class CPreBalConfigTabsTest : public CMainWndFixture {
-protected:
-    CPreBalConfigTabs& Tabs() { return dynamic_cast<CPreBalConfigTabs&>(*m_pWnd->GetDlgItem(101)); }
-    CPreBalConfigDlg& Dlg() { return Tabs().GetConfigDlg(); }
-    CScrewTableDlg& ScrewDlg() { return Tabs().GetScrewTableDlg(); }
-    CPreBalBaseTableEntry& Entry() { return *Tabs().GetCurrentBaseEntry(); }
-    void Send(UINT Number, WPARAM wParam = 0) {
-        Tabs().SendMessage(Number, wParam);
-        m_Loop.RunPosted();
-    }
-    /// The names in the store, as another program sees them.
-    std::vector<std::string> GetStoredNames() {
-        CPreBalDatabase Database(m_pWnd->GetMachineName());
-        const Base::CStringArray Names =
-            Database.GetProcessNames(CPreBalDatabase::eModePlane1, CTypeBase::ePlane1, 3, 255);
-        return Elements(Names);
-    }
-    /// Puts configurations into the store under these names, then opens the window on it.
-    void OpenWith(const std::vector<std::string>& rNames, bool bScrews = false) {
-        Open();
-        const std::string Key = m_pWnd->GetMachineName();
-        m_pWnd->SendMessage(WM_RV_DESTROYPENDING);
-        for (const std::string& rName : rNames) {
-            CPreBalDatabase Database(Key);
-            CSinglePlaneBalancingTableEntry& rPlane = Database.ReadConfiguration(rName).CreateSinglePlane();
-            rPlane.SetProximitySwitchInput(CTypeBase::ePlane1);
-            rPlane.SetSensorAdaption(3);
-            if (bScrews) {
-                rPlane.CreateScrewCompensationTableEntry();
-            } else {
-                rPlane.CreateWeightCompensationTableEntry();
-            }
-            ASSERT_NE(Database.WriteConfiguration(), 0);
-        }
-        Init();
-        Identify();
-        ReportSet(MakeSet());
-        Forget();
-    }
-};
+using CPreBalConfigTabsTest = CConfigTabsFixture;
 
 TEST_F(CPreBalConfigTabsTest, CreationMakesBothPagesAndBothTabs) {
     Create();
@@ -243,7 +197,7 @@ TEST_F(CPreBalConfigTabsTest, ATypedNameIsSavedUnderThatName) {
 TEST_F(CPreBalConfigTabsTest, AConfigurationThatIsShownIsNotSavedByThat) {
     OpenWith({"Wheel A"});
     Dlg().OnDeltaposConfigSpin(1);
-    Entry().SetTargetUnbalance(99);
+    ChangeOnPage([](CPreBalBaseTableEntry& rEntry) { rEntry.SetTargetUnbalance(99); });
     m_Loop.RunPosted();
     CPreBalDatabase Database(m_pWnd->GetMachineName());
     EXPECT_NE(Database.ReadConfiguration("Wheel A").GetTargetUnbalance(), 99U);
@@ -283,7 +237,7 @@ TEST_F(CPreBalConfigTabsTest, ASecondInitDatabaseIsAssertedAndWorksOnTheNewOne) 
 
 TEST_F(CPreBalConfigTabsTest, ACalibratedEntryOffersReBalancing) {
     Open();
-    Entry().SetIsCalibrated(1);
+    ChangeOnPage([](CPreBalBaseTableEntry& rEntry) { rEntry.SetIsCalibrated(1); });
     Act(103);
     Forget();
     Send(WM_RV_UPDATECONFIGURATION);
@@ -294,18 +248,21 @@ TEST_F(CPreBalConfigTabsTest, ACalibratedEntryOffersReBalancing) {
 TEST_F(CPreBalConfigTabsTest, ActionsThatSaveSave) {
     Open();
     for (const int Action : {103, 102}) {
-        Entry().SetTargetUnbalance(static_cast<std::uint32_t>(Action));
+        ChangeOnPage([Action](CPreBalBaseTableEntry& rEntry) {
+            rEntry.SetTargetUnbalance(static_cast<std::uint32_t>(Action - 50));
+        });
         Act(Action);
         CPreBalDatabase Database(m_pWnd->GetMachineName());
         EXPECT_EQ(Database.ReadConfiguration("Default").GetTargetUnbalance(),
-                  static_cast<std::uint32_t>(Action));
+                  static_cast<std::uint32_t>(Action - 50));
+        Act(4501);
     }
 }
 
 // A procedure has uncalibrated the entry in memory: that must not reach the store by a stray key.
 TEST_F(CPreBalConfigTabsTest, ActionsThatSaveDoNotSaveInARun) {
     Open();
-    Entry().SetIsCalibrated(1);
+    ChangeOnPage([](CPreBalBaseTableEntry& rEntry) { rEntry.SetIsCalibrated(1); });
     Act(102);
     Entry().SetIsCalibrated(0);
     Act(103);
@@ -314,7 +271,7 @@ TEST_F(CPreBalConfigTabsTest, ActionsThatSaveDoNotSaveInARun) {
 
 TEST_F(CPreBalConfigTabsTest, ChangingTabsSavesAndTellsTheHost) {
     OpenWith({"Default"}, true);
-    Entry().SetTargetUnbalance(31);
+    ChangeOnPage([](CPreBalBaseTableEntry& rEntry) { rEntry.SetTargetUnbalance(31); });
     Act(1);
     EXPECT_EQ(Tabs().GetCurSel(), 1);
     EXPECT_FALSE(Dlg().IsWindowVisible());
@@ -375,7 +332,7 @@ TEST_F(CPreBalConfigTabsTest, AnEmptiedScrewTableGivesWayToTheDefault) {
     Open();
     ScrewDlg().SetScrewTable({});
     Act(103);
-    EXPECT_FALSE(ScrewDlg().GetConfig().IsEmpty());
+    EXPECT_THAT(GetShownScrews(), Not(IsEmpty()));
     EXPECT_THAT(Elements(ScrewDlg().GetScrewTableNames()), Contains(ScrewDlg().GetScrewTableName()));
     EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
 }
@@ -385,7 +342,7 @@ TEST_F(CPreBalConfigTabsTest, AScrewTableOfAnotherNameIsAnotherTable) {
     const std::string Former = ScrewDlg().GetScrewTableName();
     ScrewDlg().ShowScrewTableName("Brass");
     Send(WM_RV_UPDATESCREWTABLE);
-    EXPECT_TRUE(ScrewDlg().GetConfig().IsEmpty());
+    EXPECT_THAT(GetShownScrews(), IsEmpty());
     ScrewDlg().SetScrewTable({CScrew("M4", 0.5)});
     Send(WM_RV_SAVESCREWTABLE);
     EXPECT_THAT(Elements(ScrewDlg().GetScrewTableNames()),
@@ -421,7 +378,7 @@ TEST_F(CPreBalConfigTabsTest, AConfigurationThatCannotBeWrittenIsAssertedAndStay
         CDirectSQL Connection(GetDatabaseConnection());
         Connection.Execute("ALTER TABLE configuration RENAME TO gone");
     }
-    Entry().SetTargetUnbalance(44);
+    ChangeOnPage([](CPreBalBaseTableEntry& rEntry) { rEntry.SetTargetUnbalance(44); });
     Act(103);
     EXPECT_THAT(m_Log.GetAssertions(), ElementsAre("SaveDatabase() failed"));
     EXPECT_EQ(Entry().GetTargetUnbalance(), 44U);

@@ -1,0 +1,12 @@
+#pragma once
+#include "platform/window/imagelist.h"
+
+/// The small pictures on the tabs of the configuration.
+namespace TabImages {
+
+enum Image { eSettings = 0, eScrewTable = 1, eHelp = 2 };
+constexpr int eWidth = 16;
+
+CImageList Make();
+
+}  // namespace TabImages
