@@ -25,6 +25,8 @@ export const USAGE = `nc-simulator: an NC with an OPC UA server, and a part prog
     --procedure P         prebalance (default) | rebalance | prebalance+rebalance
     --plane N             plane of the rotor that a single-plane procedure balances, 1 (default) or 2
     --test-weight GRAMS   with screws: what the test screw is to weigh
+    --target UNBALANCE    what the module is to balance to, in place of its configuration's target
+    --rotation WAY        cw | ccw, in place of its configuration's direction
     --json                JSON lines on standard input and output; ends when the input closes
     --version             tells the version
 
@@ -44,6 +46,8 @@ const OPTIONS = {
   procedure: 'string',
   plane: 'string',
   'test-weight': 'string',
+  target: 'string',
+  rotation: 'string',
   json: 'boolean',
   help: 'boolean',
   version: 'boolean',
@@ -83,13 +87,19 @@ function toChoice(name, text, choices) {
   return text;
 }
 
-function toGrams(text) {
+function toAmount(name, text, what) {
+  if (text === undefined) {
+    return undefined;
+  }
   const value = Number(text);
   if (text.trim() === '' || !Number.isFinite(value) || value <= 0) {
-    throw new ArgumentError(`--test-weight "${text}" must be a number of grams above 0`);
+    throw new ArgumentError(`--${name} "${text}" must be ${what} above 0`);
   }
   return value;
 }
+
+/** The numbers of the directions are their places here. */
+const ROTATIONS = ['cw', 'ccw'];
 
 /** "tcp:HOST:PORT"; an IPv6 address stands in brackets. */
 function toEndpoint(text) {
@@ -167,7 +177,12 @@ export function readArguments(argv) {
       rotor: readRotorFile(values.rotor),
       procedures: PROCEDURES[procedure],
       plane: toWhole('plane', values.plane ?? '1', 1, 2),
-      testWeight: values['test-weight'] === undefined ? undefined : toGrams(values['test-weight']),
+      testWeight: toAmount('test-weight', values['test-weight'], 'a number of grams'),
+      target: toAmount('target', values.target, 'a number'),
+      rotation:
+        values.rotation === undefined
+          ? undefined
+          : ROTATIONS.indexOf(toChoice('rotation', values.rotation, ROTATIONS)),
       json: values.json ?? false,
     };
   } catch (error) {

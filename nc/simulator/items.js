@@ -32,7 +32,12 @@ export const ITEMS = Object.freeze([
     isWish: true,
     description: 'NC to module: the test screw is to weigh this, grams.',
   },
-  { key: 'TargetUnbalance', type: 'Double', isWish: true, description: 'NC to module: target of the balancing.' },
+  {
+    key: 'TargetUnbalance',
+    type: 'Double',
+    isWish: true,
+    description: 'NC to module: target of the balancing, within the limits of the page.',
+  },
   {
     key: 'RotationDirection',
     type: 'Int32',

@@ -1,3 +1,4 @@
+import { setTimeout as sleep } from 'node:timers/promises';
 import { rotorHole } from './holering.js';
 import { MachineError } from './machinelink.js';
 import { ModuleInterface, Request, TIMES } from './moduleinterface.js';
@@ -26,6 +27,8 @@ export class PartProgram {
   #rotor;
   #plane;
   #testWeight;
+  #target;
+  #rotation;
   #say;
   #times;
 
@@ -36,15 +39,19 @@ export class PartProgram {
    * @param {import('./rotorfile.js').Rotor} options.rotor
    * @param {number} [options.plane] of the rotor, that a single-plane procedure balances
    * @param {number} [options.testWeight] grams
+   * @param {number} [options.target] unbalance to balance to
+   * @param {number} [options.rotation] 0 clockwise, 1 counter-clockwise
    * @param {(text: string) => void} options.say
    * @param {Partial<typeof TIMES>} [options.times] where they differ from the usual ones
    */
-  constructor({ items, machine, rotor, plane = 1, testWeight, say, times = {} }) {
+  constructor({ items, machine, rotor, plane = 1, testWeight, target, rotation, say, times = {} }) {
     this.#items = items;
     this.#machine = machine;
     this.#rotor = rotor;
     this.#plane = plane;
     this.#testWeight = testWeight;
+    this.#target = target;
+    this.#rotation = rotation;
     this.#say = say;
     this.#times = { ...TIMES, ...times };
     this.#module = new ModuleInterface(items, say, this.#times);
@@ -85,10 +92,23 @@ export class PartProgram {
 
   async #runProcedure(procedure) {
     await this.#untilReady();
+    await this.#askForSettings();
     await this.#begin(procedure);
     const verdict = await this.#follow();
     this.#say(`${procedure}: ${verdict.isOverTarget ? 'over' : 'within'} the target`);
     return verdict.isOverTarget ? ExitStatus.overTarget : ExitStatus.ended;
+  }
+
+  /** What the page is to show before a run takes it over: the module sees it after the time that a value stands. */
+  async #askForSettings() {
+    const wishes = { TargetUnbalance: this.#target, RotationDirection: this.#rotation };
+    const given = Object.entries(wishes).filter(([, value]) => value !== undefined);
+    for (const [key, value] of given) {
+      this.#items.write(key, value);
+    }
+    if (given.length > 0) {
+      await sleep(this.#times.valueStands);
+    }
   }
 
   async #untilReady() {

@@ -107,8 +107,15 @@ export async function run(options) {
     const program = new PartProgram({ ...options, items: server, machine, say });
     status = await Promise.race([program.run(options.procedures), asked.then(() => ExitStatus.failed)]);
   } else {
-    if (options.testWeight !== undefined) {
-      server.write('TestWeight', options.testWeight);
+    const wishes = {
+      TestWeight: options.testWeight,
+      TargetUnbalance: options.target,
+      RotationDirection: options.rotation,
+    };
+    for (const [key, value] of Object.entries(wishes)) {
+      if (value !== undefined) {
+        server.write(key, value);
+      }
     }
     await asked;
     status = ExitStatus.ended;

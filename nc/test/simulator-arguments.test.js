@@ -47,6 +47,7 @@ describe('arguments', () => {
     const options = readArguments([
       ...['--host', '::1', '--port', '0', '--pki', '/p', '--machine', 'tcp:[::1]:4002', '--plane', '2', '--json'],
       ...['--rotor', file('rotor.json', '{"speed_rpm": 2400}'), '--procedure', 'prebalance+rebalance'],
+      ...['--target', '7', '--rotation', 'ccw'],
       ...['--test-weight', '2.5', '--user', 'nc', '--password-file', file('password', 'secret\r\n')],
     ]);
     assert.deepEqual(options.machine, { host: '::1', port: 4002, name: 'tcp:[::1]:4002' });
@@ -54,6 +55,8 @@ describe('arguments', () => {
     assert.deepEqual(options.procedures, ['prebalance', 'rebalance']);
     assert.equal(options.rotor.speed, 2400);
     assert.equal(options.testWeight, 2.5);
+    assert.equal(options.target, 7);
+    assert.equal(options.rotation, 1);
     assert.equal(options.plane, 2);
   });
 
@@ -76,6 +79,9 @@ describe('arguments', () => {
     [['--test-weight', '0'], /--test-weight "0"/],
     [['--test-weight', 'heavy'], /--test-weight "heavy"/],
     [['--test-weight', 'Infinity'], /--test-weight "Infinity"/],
+    [['--target', '0'], /--target "0"/],
+    [['--target', ''], /--target ""/],
+    [['--rotation', 'left'], /--rotation "left" must be cw or ccw/],
     [['--user', 'nc'], /--user and --password-file go together/],
     [['--password-file', '/p'], /--user and --password-file go together/],
     [['--user', 'nc', '--password-file', '/nowhere/p'], /can't be read: ENOENT/],

@@ -205,6 +205,25 @@ describe('a pre-balancing', () => {
       ['Request', 1],
     ]);
   });
+
+  it('writes target and rotation, and asks for the start when they have stood', async () => {
+    const items = new FakeItems();
+    const written = [];
+    items.on('written', (key, value) => written.push([key, value, performance.now()]));
+    await run([ready, ...single, { on: 'soon', notify: notification(SETUP_OK, MEASURE) }, end], {
+      items,
+      target: 33,
+      rotation: 1,
+      times: { valueStands: 40 },
+    });
+    const [target, rotation, request] = written;
+    assert.deepEqual([target, rotation, request].map(([key, value]) => [key, value]), [
+      ['TargetUnbalance', 33],
+      ['RotationDirection', 1],
+      ['Request', 1],
+    ]);
+    assert.ok(request[2] - rotation[2] >= 39);
+  });
 });
 
 describe('a re-balancing', () => {

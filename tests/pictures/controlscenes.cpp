@@ -1,5 +1,6 @@
 #include "tests/pictures/controlscenes.h"
 
+#include "tests/pictures/settingsscenes.h"
 #include "tests/pictures/tablescenes.h"
 #include "tests/pictures/treescenes.h"
 
@@ -14,6 +15,10 @@ std::vector<CControlScene> MakeScenes() {
     for (const CTableScene& rScene : GetTableScenes()) {
         Scenes.push_back({"table", rScene.m_Name, rScene.m_Caption,
                           [&rScene](double Scale) { return RenderTableScene(rScene, Scale); }});
+    }
+    for (const CSettingsScene& rScene : GetSettingsScenes()) {
+        Scenes.push_back({"settings", rScene.m_Name, rScene.m_Caption,
+                          [&rScene](double Scale) { return RenderSettingsScene(rScene, Scale); }});
     }
     return Scenes;
 }

@@ -25,6 +25,19 @@ TEST_F(PropTreeTest, ItemsGoToTheEndOfTheirParentsChildrenAndCountFromOne) {
     EXPECT_THAT(GetRows(), ElementsAre(m_pGroup, m_pSpeed, m_pTime, m_pDirection, m_pResult));
 }
 
+TEST_F(PropTreeTest, AnItemMayBePutInFrontOfAnother) {
+    CPropTreeItem* const pFirst =
+        m_pTree->Insert(std::make_unique<CPropTreeItemStatic>("First"), m_pGroup, m_pSpeed);
+    CPropTreeItem* const pMiddle =
+        m_pTree->Insert(std::make_unique<CPropTreeItemStatic>("Middle"), m_pGroup, m_pTime);
+    EXPECT_THAT(GetRows(),
+                ElementsAre(m_pGroup, pFirst, m_pSpeed, pMiddle, m_pTime, m_pDirection, m_pResult));
+    // In front of what isn't there: at the end.
+    CPropTreeItem* const pLast =
+        m_pTree->Insert(std::make_unique<CPropTreeItemStatic>("Last"), nullptr, m_pSpeed);
+    EXPECT_EQ(GetRows().back(), pLast);
+}
+
 TEST_F(PropTreeTest, AnInsertionIsToldBeforeItIsLaidOut) {
     bool bLaidOut = true;
     OnTold = [&bLaidOut](int, CPropTreeItem* pItem) -> LRESULT {

@@ -37,6 +37,16 @@ TEST(PropTreeItemComboTest, AValueBeyondTheStringsIsFilledUpTo) {
     EXPECT_EQ(Combo.GetCount(), 8);
 }
 
+TEST(PropTreeItemComboTest, AnEmptiedListBeginsAtTheMinimumAgain) {
+    CPropTreeItemCombo Combo(5, 6);
+    Combo.AddString("five");
+    Combo.SetItemValue(9);
+    Combo.ResetContent();
+    EXPECT_EQ(Combo.GetCount(), 0);
+    EXPECT_EQ(Combo.AddString("again five"), 0);
+    EXPECT_EQ(Combo.GetItemData(0), 5u);
+}
+
 TEST(PropTreeItemComboTest, FillingUpCountsFromTheLastStringThatIsThere) {
     CPropTreeItemCombo Combo(0, 1);
     for (const char* pText : {"a", "b", "refused"}) {
