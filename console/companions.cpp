@@ -41,6 +41,8 @@ constexpr CLinkItem LINK_ITEMS[] = {
     {NcItems::NOTIFICATION, "Notification"},
     {NcItems::WARNING, "Warning"},
     {NcItems::TEST_WEIGHT, "TestWeight"},
+    {NcItems::TARGET_UNBALANCE, "TargetUnbalance"},
+    {NcItems::ROTATION_DIRECTION, "RotationDirection"},
 };
 
 std::string MakePassword() {

@@ -5,6 +5,7 @@
 
 #include <QProcess>
 #include <QTemporaryDir>
+#include <filesystem>
 #include <fstream>
 #include <map>
 #include <memory>
@@ -26,7 +27,12 @@ constexpr const char* QUICK = R"("ramp_rpm_per_s": 100000)";
 
 class CNcRun {
 public:
-    CNcRun(const std::string& rRotor, const QStringList& rArguments) {
+    /// rOpc: what the installation's opc.json says; without it the console starts an NC itself.
+    CNcRun(const std::string& rRotor, const QStringList& rArguments, const json& rOpc = json()) {
+        if (!rOpc.is_null()) {
+            std::filesystem::create_directories(m_Directory.filePath("root/cnf").toStdString());
+            std::ofstream(m_Directory.filePath("root/cnf/opc.json").toStdString()) << rOpc;
+        }
         const QString Rotor = m_Directory.filePath("rotor.json");
         std::ofstream(Rotor.toStdString()) << "{" << QUICK << rRotor << "}";
         m_Console.setProcessChannelMode(QProcess::MergedChannels);
@@ -58,6 +64,34 @@ private:
     QTemporaryDir m_Directory;
     QProcess m_Console;
     std::string m_Output;
+};
+
+/// A machine of its own: the rotor simulator with both links.
+class CMachineProcess {
+public:
+    explicit CMachineProcess(const std::string& rRotor) {
+        EndWithUs(m_Process);
+        const QString Rotor = m_Directory.filePath("machine.json");
+        std::ofstream(Rotor.toStdString()) << "{" << QUICK << rRotor << "}";
+        m_Process.start(QString::fromStdString(TestProgram("simulator")),
+                        {"--frames", "tcp:127.0.0.1:0", "--machine", "tcp:127.0.0.1:0", "--rotor", Rotor});
+        while (m_Links.size() < 2 &&
+               (m_Process.canReadLine() || m_Process.waitForReadyRead(CNcServer::ePatience))) {
+            const QStringList Words = QString::fromUtf8(m_Process.readLine()).trimmed().split(" on ");
+            m_Links[Words.front()] = Words.back();
+        }
+    }
+    ~CMachineProcess() {
+        m_Process.kill();
+        m_Process.waitForFinished(CNcServer::ePatience);
+    }
+    /// "frames" or "machine".
+    QString GetLink(const char* pName) const { return m_Links.at(pName); }
+
+private:
+    QTemporaryDir m_Directory;
+    QProcess m_Process;
+    std::map<QString, QString> m_Links;
 };
 
 /// Whether a test of the present suite will run here and now.
@@ -141,32 +175,54 @@ TEST(NcCompanions, NothingIsLeftRunningWhenTheConsoleIsKilled) {
                                     CNcServer::ePatience));
 }
 
+/// The verdict is judged by the target that the NC has set: the configuration's own would be missed by far.
+TEST(NcRun, TheTargetThatTheNcSetsDecidesTheVerdict) {
+    CQtEventLoop Loop;
+    CMachineProcess Machine(R"(, "planes": [{"unbalance": {"amount": 2.4, "angle_deg": 77}}])");
+    QTemporaryDir Directory;
+    QProcess Nc;
+    EndWithUs(Nc);
+    Nc.start(QString::fromStdString(TestProgram("nc-simulator")),
+             {"--json", "--port", "0", "--pki", Directory.filePath("nc"), "--machine",
+              Machine.GetLink("machine"), "--target", "90"});
+    json Listening;
+    while (Listening.is_null() && (Nc.canReadLine() || Nc.waitForReadyRead(CNcServer::ePatience))) {
+        const json Line = json::parse(Nc.readLine().toStdString(), nullptr, false);
+        Listening = Line.is_object() && Line.contains("listening") ? Line["listening"] : json();
+    }
+    ASSERT_TRUE(Listening.is_object());
+    const json& rItems = Listening["items"];
+    CNcRun Run(
+        "",
+        {"--link", Machine.GetLink("frames"), "--machine", Machine.GetLink("machine"), "--method", "screws"},
+        {{"server", Listening["url"]},
+         {"items",
+          {{NcItems::REQUEST, rItems["Request"]},
+           {NcItems::NOTIFICATION, rItems["Notification"]},
+           {NcItems::WARNING, rItems["Warning"]},
+           {NcItems::TARGET_UNBALANCE, rItems["TargetUnbalance"]}}}});
+    const json Report = Run.Finish();
+    ASSERT_TRUE(Report.is_object()) << Run.GetOutput();
+    EXPECT_EQ(Run.GetExitCode(), 0) << Run.GetOutput();
+    EXPECT_EQ(Report["target"], 90);
+    EXPECT_EQ(Report["result"], "SetupSuccess");
+    EXPECT_GT(Report["final"][0]["amplitude"].get<double>(), 5.0);
+    EXPECT_THAT(Report["assertions"], IsEmpty());
+}
+
 /// What is on the rotor is asked of the machine itself, not of the module.
 TEST(NcRun, TheMachineIsLeftBalanced) {
     CQtEventLoop Loop;
-    QTemporaryDir Directory;
-    QProcess Machine;
-    EndWithUs(Machine);
-    const QString Rotor = Directory.filePath("machine.json");
-    std::ofstream(Rotor.toStdString()) << "{" << QUICK << "}";
-    Machine.start(QString::fromStdString(TestProgram("simulator")),
-                  {"--frames", "tcp:127.0.0.1:0", "--machine", "tcp:127.0.0.1:0", "--rotor", Rotor});
-    std::map<QString, QString> Links;
-    while (Links.size() < 2 && (Machine.canReadLine() || Machine.waitForReadyRead(CNcServer::ePatience))) {
-        const QStringList Words = QString::fromUtf8(Machine.readLine()).trimmed().split(" on ");
-        Links[Words.front()] = Words.back();
-    }
+    const CMachineProcess Machine("");
     {
-        CNcRun Run("", {"--link", Links["frames"], "--machine", Links["machine"]});
+        CNcRun Run("", {"--link", Machine.GetLink("frames"), "--machine", Machine.GetLink("machine")});
         ASSERT_TRUE(Run.Finish().is_object()) << Run.GetOutput();
         EXPECT_EQ(Run.GetExitCode(), 0) << Run.GetOutput();
     }
     std::string Error;
-    const auto pMachine = CMachineClient::Create(Links["machine"].toStdString(), Error);
+    const auto pMachine = CMachineClient::Create(Machine.GetLink("machine").toStdString(), Error);
     std::optional<json> State;
     pMachine->Request({{"state", json::object()}}, [&](const json& rAnswer) { State = rAnswer; });
     ASSERT_TRUE(CNcServer::RunUntil([&] { return State.has_value(); }, CNcServer::ePatience));
     EXPECT_LT(State->at("residual").at(0).at("amount").get<double>(), 0.04) << *State;
-    Machine.kill();
-    Machine.waitForFinished(CNcServer::ePatience);
 }

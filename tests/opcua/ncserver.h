@@ -66,6 +66,9 @@ public:
         return Setup;
     }
 
+    /// Node id of one of its items.
+    std::string GetItem(const char* pItem) const { return m_Listening.at("items").at(pItem); }
+
     void Send(const nlohmann::json& rOrder) {
         const std::string Line = rOrder.dump() + "\n";
         m_Process.write(Line.data(), static_cast<qint64>(Line.size()));

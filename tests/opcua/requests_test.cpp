@@ -119,6 +119,37 @@ TEST_F(CRequestsTest, ACalibratedConfigurationIsRebalanced) {
     EXPECT_EQ(m_Nc.Ask(4), eDone);
 }
 
+/// Over the wire to the page, and with the start from the page to the configuration that the run works with.
+TEST_F(CRequestsTest, ARunTakesTargetAndRotationThatTheNcHasSet) {
+    constexpr double TARGET = 33.0;
+    auto& rLinks = m_Options.m_Opc->m_Configuration.m_LinkItems;
+    rLinks[NcItems::TARGET_UNBALANCE] = m_Nc.GetItem("TargetUnbalance");
+    rLinks[NcItems::ROTATION_DIRECTION] = m_Nc.GetItem("RotationDirection");
+    Open();
+    Initialise();
+    m_Nc.Write("TargetUnbalance", TARGET);
+    m_Nc.Write("RotationDirection", 1);
+    const auto IsStored = [this] {
+        PreBalDB::CPreBalDatabase Database(m_pSession->GetMachineName());
+        PreBalDB::CPreBalBaseTableEntry& rEntry = Database.ReadConfiguration("Default");
+        return rEntry.GetTargetUnbalance() == TARGET && rEntry.GetSinglePlane() != nullptr &&
+               rEntry.GetSinglePlane()->GetRotationDirection() == PreBalDB::CTypeBase::eCounterClockwise;
+    };
+    EXPECT_FALSE(IsStored()) << "what the page shows isn't saved by that";
+    // Each value gets there in a time of its own; a start that comes too early is ended and asked for again.
+    const auto StartsWithThem = [&] {
+        EXPECT_EQ(m_Nc.Ask(1), eDone);
+        const bool bStored = IsStored();
+        EXPECT_EQ(m_Nc.Ask(4), eDone);
+        return bStored;
+    };
+    bool bStarted = false;
+    for (int i = 0; i < 100 && !bStarted; ++i) {
+        bStarted = StartsWithThem();
+    }
+    EXPECT_TRUE(bStarted);
+}
+
 /// What failed for good stays on the panel until somebody has seen it.
 TEST_F(CRequestsTest, AFailureWithoutReturnStaysOnThePanel) {
     Open();

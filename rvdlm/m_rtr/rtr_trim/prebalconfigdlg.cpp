@@ -79,6 +79,9 @@ void CPreBalConfigDlg::OnSize() {
     const int nTree = std::min(nState + eStateHeight, Client.bottom);
     m_State.MoveWindow(CRect(eInset, nState, std::max(Client.right - eInset, eInset), nTree));
     GetTree().MoveWindow(CRect(0, nTree, Client.right, Client.bottom));
+    // Labels need more room than values: in the narrowest page they'd be cut so short that they look alike.
+    constexpr int ePercent = 56;
+    GetTree().SetOrigin(Client.Width() * ePercent / 100);
 }
 
 void CPreBalConfigDlg::OnNotify(const CWndNotification& rNotification) {
