@@ -38,7 +38,7 @@ public:
     /// The surfaces that have changed, and the whole view with its controls.
     void Paint() {
         m_Loop.RunPosted();
-        m_View.render(&m_Screen.GetImpl().m_Image);
+        m_View.render(&m_Screen.GetImpl().GetImage());
     }
     void Press(int Key, const char* pText) {
         QWidget* const pBox = m_View.FindWidget(*m_Table.GetDlgItem(CFlexTable::eBoxId));

@@ -300,9 +300,9 @@ TEST_F(HelpPaneTest, ItRemembersSoManyPlacesAndNoMore) {
 /// A picture is the same whether somebody looks at the window or not.
 TEST_F(HelpPaneTest, ItIsPartOfThePageWithAndWithoutAView) {
     m_Browser.Navigate(MakeUrl("PB_005"));
-    const QImage Shown = m_Top.Compose().GetImpl().m_Image;
+    const QImage Shown = m_Top.Compose().GetImpl().GetImage();
     m_pView.reset();
-    const QImage Unshown = m_Top.Compose().GetImpl().m_Image;
+    const QImage Unshown = m_Top.Compose().GetImpl().GetImage();
     ASSERT_EQ(Shown.size(), Unshown.size());
     const QRect Pane(300, 40, 300, 400);  // without the buttons, one of which may have the focus
     EXPECT_EQ(Shown.copy(Pane), Unshown.copy(Pane));
