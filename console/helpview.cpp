@@ -40,7 +40,7 @@ CHelpView::CHelpView(QWidget& rPage) : QFrame(rPage.parentWidget()), m_rPage(rPa
     m_pClose = new QToolButton(this);
     m_pClose->setAutoRaise(true);
     m_pClose->setMinimumHeight(eButtonSize);
-    m_pClose->setFocusPolicy(Qt::TabFocus);
+    m_pClose->setFocusPolicy(Qt::NoFocus);
     connect(m_pClose, &QToolButton::clicked, this, [this] { Close(); });
     pRow->addWidget(m_pClose);
     pColumn->addLayout(pRow);
@@ -104,6 +104,13 @@ void CHelpView::keyPressEvent(QKeyEvent* pEvent) {
         default:
             QFrame::keyPressEvent(pEvent);
     }
+}
+
+bool CHelpView::focusNextPrevChild(bool /*bNext*/) {
+    // Behind the panel comes the button, and then the panel again: what lies below has its turn when this is
+    // closed.
+    (m_pClose->hasFocus() ? static_cast<QWidget*>(m_pPanel) : m_pClose)->setFocus(Qt::TabFocusReason);
+    return true;
 }
 
 bool CHelpView::eventFilter(QObject* pWatched, QEvent* pEvent) {

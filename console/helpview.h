@@ -33,6 +33,8 @@ public:
 
 protected:
     void keyPressEvent(QKeyEvent* pEvent) override;
+    /// The Tab key stays inside.
+    bool focusNextPrevChild(bool bNext) override;
     /// Follows the page.
     bool eventFilter(QObject* pWatched, QEvent* pEvent) override;
 

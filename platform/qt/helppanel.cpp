@@ -46,12 +46,19 @@ QUrl MakeUrl(const char* pScheme, const QString& rPath) {
     return Url;
 }
 
+QImage GetEmptyPicture() {
+    QImage Picture(1, 1, QImage::Format_ARGB32_Premultiplied);
+    Picture.fill(Qt::transparent);
+    return Picture;
+}
+
 }  // namespace
 
 // --- the page
 
 CHelpPanel::CPage::CPage(CHelpPanel& rPanel) : QTextBrowser(&rPanel), m_rPanel(rPanel) {
     setOpenLinks(false);
+    setFocusPolicy(Qt::ClickFocus);  // the Tab key goes by the panel
     setFrameShape(QFrame::NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     document()->setDocumentMargin(8);
@@ -79,18 +86,15 @@ QVariant CHelpPanel::CPage::loadResource(int Type, const QUrl& rName) {
     if (rName.scheme() == MADE_SCHEME && Type == QTextDocument::HtmlResource) {
         return m_rPanel.Make(rName);
     }
-    // Nothing else, so that no page reads a file of the machine.
-    if (rName.scheme() != FILE_SCHEME || m_rPanel.m_pHelp == nullptr) {
-        return {};
-    }
-    const std::string* const pContents = m_rPanel.m_pHelp->Find(GetPath(rName).toStdString());
+    // Nothing else, so that no page reads a file of the machine. The toolkit would look there by itself for
+    // what is not there: it gets something that is empty.
+    const bool bPicture = Type == QTextDocument::ImageResource;
+    const std::string* const pContents =
+        rName.scheme() == FILE_SCHEME ? m_rPanel.m_pHelp->Find(GetPath(rName).toStdString()) : nullptr;
     if (pContents == nullptr) {
-        return {};
+        return bPicture ? QVariant(GetEmptyPicture()) : QVariant(QByteArray(""));
     }
-    if (Type == QTextDocument::ImageResource) {
-        return LoadPicture(*pContents);
-    }
-    return QByteArray::fromStdString(*pContents);
+    return bPicture ? LoadPicture(*pContents) : QVariant(QByteArray::fromStdString(*pContents));
 }
 
 QVariant CHelpPanel::CPage::LoadPicture(const std::string& rContents) {
@@ -101,10 +105,13 @@ QVariant CHelpPanel::CPage::LoadPicture(const std::string& rContents) {
     QImageReader Reader(&Buffer);
     const QSize Size = Reader.size();
     if (!Size.isValid() || Size.width() > eMostPixels || Size.height() > eMostPixels) {
-        return {};
+        return GetEmptyPicture();
     }
     const int nRoom = qMax(m_nPictureWidth - 2 * static_cast<int>(document()->documentMargin()), 1);
     const QImage Picture = Reader.read();
+    if (Picture.isNull()) {
+        return GetEmptyPicture();
+    }
     return Picture.width() <= nRoom ? Picture : Picture.scaledToWidth(nRoom, Qt::SmoothTransformation);
 }
 
@@ -135,6 +142,7 @@ CHelpPanel::CHelpPanel(QWidget* pParent) : QWidget(pParent), m_pHelp(std::make_s
     m_pSearch->setMinimumHeight(eButtonHeight);
     m_pSearch->setMinimumWidth(60);
     m_pSearch->setClearButtonEnabled(true);
+    m_pSearch->setFocusPolicy(Qt::ClickFocus);
     for (QWidget* const pWidget : std::array<QWidget*, 3>{m_pBack, m_pContents, m_pIndex}) {
         pRow->addWidget(pWidget);
     }
@@ -160,7 +168,7 @@ QToolButton* CHelpPanel::MakeButton() {
     auto* const pButton = new QToolButton(this);
     pButton->setMinimumSize(eButtonHeight, eButtonHeight);
     pButton->setAutoRaise(true);
-    pButton->setFocusPolicy(Qt::TabFocus);
+    pButton->setFocusPolicy(Qt::NoFocus);
     return pButton;
 }
 

@@ -11,6 +11,7 @@
 #include <QTest>
 #include <QToolButton>
 #include <QVBoxLayout>
+#include <set>
 
 #include "platform/qt/helppanel.h"
 #include "platform/rvldb/gettext.h"
@@ -52,9 +53,9 @@ protected:
             std::filesystem::copy(TestProgram("help/") + pFile,
                                   m_Installation.GetRoot() / "ctrl" / "help" / pFile);
         }
-        m_Window.setAttribute(Qt::WA_DontShowOnScreen);
         m_Window.show();
         m_Window.activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&m_Window));
         m_Window.m_pPage->setFocus();
         QObject::connect(m_Window.m_pKey, &QPushButton::clicked,
                          [this] { m_View.ToggleTopic("RUN_STEP_12"); });
@@ -131,6 +132,24 @@ TEST_F(HelpViewTest, TheSoftkeysWorkWhileItIsOpen) {
     QTest::mouseClick(&Next, Qt::LeftButton);
     EXPECT_EQ(nPressed, 1);
     EXPECT_TRUE(m_View.IsOpen());
+}
+
+TEST_F(HelpViewTest, TheTabKeyStaysInside) {
+    m_View.ShowTopic("RUN_STEP_12");
+    std::set<const QWidget*> Reached;
+    for (int i = 0; i < 20; ++i) {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        ASSERT_TRUE(HasFocus());
+        Reached.insert(QApplication::focusWidget());
+    }
+    const auto* const pClose = m_View.findChild<QToolButton*>({}, Qt::FindDirectChildrenOnly);
+    EXPECT_TRUE(Reached.contains(pClose));
+    m_View.setFocus();
+    while (QApplication::focusWidget() != pClose) {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    }
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+    EXPECT_FALSE(m_View.IsOpen());
 }
 
 TEST_F(HelpViewTest, AnotherTopicTakesItsPlace) {

@@ -39,9 +39,9 @@ protected:
         m_Edit.Create(&m_Top, CRect(0, 0, 100, 20), 101);
         m_Browser.Create(&m_Top, CRect(300, 0, 600, 440), 103);
         m_pView = std::make_unique<CWindowView>(m_Top);
-        m_pView->setAttribute(Qt::WA_DontShowOnScreen);
         m_pView->show();
         m_pView->activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(m_pView.get()));
         m_Loop.RunPosted();
     }
     ~HelpPaneTest() override { SetLanguage(m_Language); }
@@ -251,6 +251,8 @@ TEST_F(HelpPaneTest, NothingIsReadFromOutsideTheFile) {
             ASSERT_NE(Shown.pixelColor(x, y), QColor(Qt::red)) << x << ", " << y;
         }
     }
+    EXPECT_THAT(GetPage().loadResource(QTextDocument::StyleSheetResource, QUrl("file:///etc/passwd")),
+                QVariant(QByteArray("")));
     ClickOnLink("outside");
     EXPECT_THAT(GetText(), HasSubstr("There is no help page"));
     QTest::mouseClick(&GetButton(0), Qt::LeftButton);
@@ -276,6 +278,8 @@ TEST_F(HelpPaneTest, TheTabKeyLeadsInThroughTheLinksAndOut) {
     QTest::keyClick(&GetPage(), Qt::Key_Tab);
     EXPECT_NE(CWnd::GetFocus(), &m_Browser);
     ASSERT_TRUE(m_Browser.SetFocus());
+    QTest::keyClick(&GetPage(), Qt::Key_Backtab, Qt::ShiftModifier);
+    EXPECT_EQ(QApplication::focusWidget(), &GetPage()) << "its link, backwards";
     QTest::keyClick(&GetPage(), Qt::Key_Backtab, Qt::ShiftModifier);
     EXPECT_EQ(QApplication::focusWidget(), &GetSearch());
     EXPECT_EQ(CWnd::GetFocus(), &m_Browser);
