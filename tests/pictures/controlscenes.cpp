@@ -1,5 +1,6 @@
 #include "tests/pictures/controlscenes.h"
 
+#include "tests/pictures/screwpagescenes.h"
 #include "tests/pictures/settingsscenes.h"
 #include "tests/pictures/tablescenes.h"
 #include "tests/pictures/treescenes.h"
@@ -19,6 +20,10 @@ std::vector<CControlScene> MakeScenes() {
     for (const CSettingsScene& rScene : GetSettingsScenes()) {
         Scenes.push_back({"settings", rScene.m_Name, rScene.m_Caption,
                           [&rScene](double Scale) { return RenderSettingsScene(rScene, Scale); }});
+    }
+    for (const CScrewPageScene& rScene : GetScrewPageScenes()) {
+        Scenes.push_back({"screwpage", rScene.m_Name, rScene.m_Caption,
+                          [&rScene](double Scale) { return RenderScrewPageScene(rScene, Scale); }});
     }
     return Scenes;
 }

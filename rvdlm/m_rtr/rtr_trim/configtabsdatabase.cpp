@@ -84,11 +84,17 @@ void CPreBalConfigTabs::SaveCurrentConfiguration() {
     }
 }
 
+PropTree::CPropTreeItem* CPreBalConfigTabs::TakePage() {
+    PropTree::CPropTreeItem* const pInvalid = m_ConfigDlg.GetConfig(*m_pCurrentBaseEntry);
+    ConfigurationModel::SetPlane(*m_pCurrentBaseEntry, m_BalancingMode);
+    return pInvalid;
+}
+
 PropTree::CPropTreeItem* CPreBalConfigTabs::SaveUnlessInvalid() {
     if (m_pCurrentBaseEntry == nullptr) {
         return nullptr;
     }
-    PropTree::CPropTreeItem* const pInvalid = m_ConfigDlg.GetConfig(*m_pCurrentBaseEntry);
+    PropTree::CPropTreeItem* const pInvalid = TakePage();
     if (pInvalid == nullptr) {
         SaveCurrentEntry();
     }
@@ -117,7 +123,7 @@ void CPreBalConfigTabs::OnSaveConfiguration(WPARAM) {
         return;
     }
     if (m_pCurrentBaseEntry != nullptr) {
-        m_ConfigDlg.GetConfig(*m_pCurrentBaseEntry);
+        TakePage();
         SaveCurrentEntry();
     }
     m_ConfigDlg.SetBalancingConfigurations(GetProcessNames(), true);
@@ -132,7 +138,7 @@ void CPreBalConfigTabs::OnProcessNameChanged(WPARAM) {
     if (Name == Former) {
         return;
     }
-    m_ConfigDlg.GetConfig(*m_pCurrentBaseEntry);  // the further one gets what is shown
+    TakePage();  // the further one gets what is shown
     if (m_pDatabase->NameConfiguration(Name) == 0) {
         SaveMessages::TellNaming(Name, Former, m_pDatabase->GetOutcome());
         m_ConfigDlg.ShowConfigurationName(Former);

@@ -102,7 +102,7 @@ LRESULT CPageName::WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) {
                 OnFieldFocus();
                 return 0;
             case EN_KILLFOCUS:
-                EndEditing();
+                OnFieldLeft();
                 return 0;
             case UDN_DELTAPOS:
                 EndEditing();
@@ -120,6 +120,14 @@ void CPageName::OnFieldFocus() {
     m_Handlers.m_OnFocus();
     if (Guard.IsAlive()) {
         m_Field.SelectAll();
+    }
+}
+
+void CPageName::OnFieldLeft() {
+    const CGuard Guard(*this);
+    EndEditing();
+    if (Guard.IsAlive()) {
+        m_Field.SetSel(-1, 0);  // a selection would look as if the focus were here
     }
 }
 

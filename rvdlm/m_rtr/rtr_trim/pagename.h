@@ -93,6 +93,7 @@ private:
     /// True if the key ended an edit.
     bool OnKeyDown(UINT Key);
     void OnFieldFocus();
+    void OnFieldLeft();
 
     const CStyle m_Style;
     const CHandlers m_Handlers;

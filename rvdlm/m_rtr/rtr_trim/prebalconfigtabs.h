@@ -101,6 +101,8 @@ private:
     void OnSaveScrewTable(WPARAM wParam);
 
     Base::CStringArray GetProcessNames() const;
+    /// Enters what the page shows into the current entry. Null, or the first item whose value isn't valid.
+    PropTree::CPropTreeItem* TakePage();
     /// Null if the current configuration was written, or couldn't be; else the item that is in its way.
     PropTree::CPropTreeItem* SaveUnlessInvalid();
     void ReadConfigurationsAnew();

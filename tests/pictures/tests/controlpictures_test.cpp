@@ -31,7 +31,7 @@ INSTANTIATE_TEST_SUITE_P(Controls, ControlPicturesTest,
                          NameTest);
 
 TEST(StoredControlPicturesTest, EachHasAScene) {
-    for (const char* pControl : {"tree", "table", "settings"}) {
+    for (const char* pControl : {"tree", "table", "settings", "screwpage"}) {
         std::vector<std::string> Names;
         for (const CControlScene& rScene : GetControlScenes()) {
             if (rScene.m_Control == pControl) {

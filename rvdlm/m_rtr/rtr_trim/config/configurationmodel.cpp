@@ -39,13 +39,16 @@ bool PrepareCompensation(CCompensationTableEntry::CompensationMethod Method, CTy
     return Method == CCompensationTableEntry::eScrews;
 }
 
+CTypeBase::AffectedPlane GetPlane(CPreBalDatabase::BalancingMode Mode) {
+    return Mode == CPreBalDatabase::eModePlane2 ? CTypeBase::ePlane2 : CTypeBase::ePlane1;
+}
+
 bool PrepareSinglePlane(CPreBalBaseTableEntry& rEntry, const CModuleSet& rSet) {
     CSinglePlaneBalancingTableEntry& rPlane = rEntry.CreateSinglePlane();
     rPlane.SetProximitySwitchInput(rSet.m_ProximitySwitchInput);
     rPlane.SetSensorAdaption(rSet.m_SensorAdaption1);
     return PrepareCompensation(
-        rPlane.GetUsedCompensationMethod(),
-        rSet.m_BalancingMode == CPreBalDatabase::eModePlane2 ? CTypeBase::ePlane2 : CTypeBase::ePlane1,
+        rPlane.GetUsedCompensationMethod(), GetPlane(rSet.m_BalancingMode),
         [&]() -> CCompensationTableEntry& { return rPlane.CreateWeightCompensationTableEntry(); },
         [&]() -> CCompensationTableEntry& { return rPlane.CreateScrewCompensationTableEntry(); });
 }
@@ -79,6 +82,18 @@ bool Prepare(CPreBalBaseTableEntry& rEntry, const CModuleSet& rSet) {
     RV_ASSERT(g_pLog, rSet.m_SensorAdaption1 != eUnknownSensor, "Sensor Adaption 1 invalid!");
     return rSet.m_BalancingMode == CPreBalDatabase::eModeTwoPlane ? PrepareTwoPlane(rEntry, rSet)
                                                                   : PrepareSinglePlane(rEntry, rSet);
+}
+
+void SetPlane(CPreBalBaseTableEntry& rEntry, CPreBalDatabase::BalancingMode Mode) {
+    CSinglePlaneBalancingTableEntry* const pPlane = rEntry.GetSinglePlane();
+    if (Mode == CPreBalDatabase::eModeTwoPlane || pPlane == nullptr) {
+        return;
+    }
+    if (pPlane->GetUsedCompensationMethod() == CCompensationTableEntry::eScrews) {
+        pPlane->CreateScrewCompensationTableEntry().SetPlane(GetPlane(Mode));
+    } else {
+        pPlane->CreateWeightCompensationTableEntry().SetPlane(GetPlane(Mode));
+    }
 }
 
 }  // namespace ConfigurationModel

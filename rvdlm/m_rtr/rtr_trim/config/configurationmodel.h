@@ -21,4 +21,8 @@ bool IsCalibrated(const PreBalDB::CPreBalBaseTableEntry* pEntry);
 /// a plane is compensated with screws. A set that lacks something is asserted.
 bool Prepare(PreBalDB::CPreBalBaseTableEntry& rEntry, const CModuleSet& rSet);
 
+/// Gives a single-plane configuration the plane of the mode again, by which it is found: a page knows only
+/// the plane that the module serves.
+void SetPlane(PreBalDB::CPreBalBaseTableEntry& rEntry, PreBalDB::CPreBalDatabase::BalancingMode Mode);
+
 }  // namespace ConfigurationModel

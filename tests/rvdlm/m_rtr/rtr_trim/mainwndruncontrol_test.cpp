@@ -1,4 +1,3 @@
-#include <iostream>
 // Start and end of procedures, and the end of the window's work.
 #include <gmock/gmock.h>
 
@@ -180,10 +179,6 @@ TEST_F(CMainWndRunControlTest, AfterDestroyPendingTheWindowMayBeInitialisedAnew)
     EXPECT_THAT(m_Log.GetTexts("Information"), Contains("using existing mapper."));
     Identify(Comm::eSuccess, "222222", 8);
     ReportSet(MakeSet(5));
-    for (const auto& r : m_Log.GetRecords()) {
-        if (r.m_bAssertion)
-            std::cerr << "XX " << r.m_File << ":" << r.m_Line << "\n";
-    }
     EXPECT_EQ(m_pWnd->GetMachineName(), "1#4#255-1-222222-8-5");
     EXPECT_TRUE(m_pWnd->GetTabs().HasDatabase());
     EXPECT_TRUE(m_pWnd->GetTabs().IsWindowVisible());

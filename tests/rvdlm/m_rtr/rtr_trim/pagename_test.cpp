@@ -186,6 +186,13 @@ TEST_F(CPageNameTest, TheFocusSelectsAllAndIsTold) {
     EXPECT_FALSE(m_Name.FocusField());
 }
 
+TEST_F(CPageNameTest, AFieldWithoutFocusShowsNoSelectionAndTheBeginningOfTheName) {
+    m_Name.FocusField();
+    m_Other.SetFocus();
+    EXPECT_EQ(m_Name.GetField().GetAnchor(), 0);
+    EXPECT_EQ(m_Name.GetField().GetCaret(), 0);
+}
+
 TEST_F(CPageNameTest, PlacesOfNamesAreFound) {
     EXPECT_EQ(CPageName::Find({"a", "b"}, "b"), 1);
     EXPECT_EQ(CPageName::Find({"a", "b"}, "c"), -1);
