@@ -8,7 +8,7 @@
 
 /// One of the controls that configurations are edited with, in one of its states.
 struct CControlScene {
-    std::string m_Control;  ///< "tree", "table" or "screwpage"
+    std::string m_Control;  ///< "tree", "table", "settings" or "screwpage"
     std::string m_Name;     ///< of its file; lower case and hyphens
     std::string m_Caption;  ///< what it shows
     /// Draws it with the pixels of a scale.

@@ -167,31 +167,51 @@ void CPreBalConfigTabs::ShowConfiguration() {
     m_ConfigDlg.SetConfiguration(*m_pCurrentBaseEntry, m_BalancingMode, m_pDatabase->GetScrewTableNames());
 }
 
-bool CPreBalConfigTabs::WriteCurrentScrewTable() {
+void CPreBalConfigTabs::TakeScrews() {
     Base::CWDArray<CScrew> Screws;
     m_ScrewTableDlg.GetConfig(Screws);
     m_pCurrentScrewEntry->SetScrewArray(Screws);
+}
+
+CStoreOutcome CPreBalConfigTabs::WriteCurrentScrewTable() {
+    TakeScrews();
     const int Written = m_pDatabase->WriteScrewTable();
     RV_ASSERT_AS(g_pLog, Written, "m_pDatabase->WriteScrewTable()", "WriteScrewTable failed!", false);
-    SaveMessages::TellScrewTable(m_ScrewTableName, m_pDatabase->GetOutcome());
-    return !Screws.IsEmpty();
+    const CStoreOutcome Outcome = m_pDatabase->GetOutcome();
+    SaveMessages::TellScrewTable(m_ScrewTableName, Outcome);
+    m_bScrewTableSaved = Written != 0;
+    return Outcome;
 }
 
 void CPreBalConfigTabs::ReadScrewTable(const std::string& rName) {
+    const bool bAnother = rName != m_ScrewTableName;
     m_ScrewTableName = rName;
     m_pCurrentScrewEntry = &m_pDatabase->ReadScrewTable(m_ScrewTableName);
-    m_ScrewTableDlg.SetScrewTable(m_pCurrentScrewEntry->GetScrewArray());
+    // Rows that can't be read once more stay on the page.
+    if (bAnother || m_pDatabase->GetOutcome().m_Failure.empty()) {
+        m_ScrewTableDlg.SetScrewTable(m_pCurrentScrewEntry->GetScrewArray());
+    }
+}
+
+void CPreBalConfigTabs::ShowScrewTableNames() {
+    const Base::CStringArray Names = m_pDatabase->GetScrewTableNames();
+    if (m_pDatabase->GetOutcome().m_Failure.empty()) {
+        m_ScrewTableDlg.SetScrewTables(Names, true);
+    }
 }
 
 void CPreBalConfigTabs::SaveCurrentScrewTable() {
     if (m_pCurrentScrewEntry == nullptr) {
         return;
     }
-    const bool bRows = WriteCurrentScrewTable();
-    if (m_pDatabase->TestAndSetDefaults() != 0 || !bRows) {
+    WriteCurrentScrewTable();
+    if (!m_bScrewTableSaved) {
+        return;  // the rows stay on the page, for the next time
+    }
+    if (m_pDatabase->TestAndSetDefaults() != 0 || m_pCurrentScrewEntry->GetScrewArray().IsEmpty()) {
         // The table on the page may be gone. The names stay put: nothing may be loaded later over what is
         // read here.
-        m_ScrewTableDlg.SetScrewTables(m_pDatabase->GetScrewTableNames(), true);
+        ShowScrewTableNames();
         m_ScrewTableDlg.ShowScrewTableName(m_pDatabase->GetDefaultScrewTableName());
     }
     ReadScrewTable(m_ScrewTableDlg.GetScrewTableName());
@@ -210,24 +230,25 @@ void CPreBalConfigTabs::OnScrewTableNameChanged(WPARAM) {
         return;
     }
     const std::string Name = m_ScrewTableDlg.GetScrewTableName();
-    Base::CWDArray<CScrew> Screws;
-    m_ScrewTableDlg.GetConfig(Screws);
-    m_pCurrentScrewEntry->SetScrewArray(Screws);
+    TakeScrews();
     if (m_pDatabase->NameScrewTable(Name) == 0) {
         SaveMessages::TellNaming(Name, m_ScrewTableName, m_pDatabase->GetOutcome());
         m_ScrewTableDlg.ShowScrewTableName(m_ScrewTableName);
         return;
     }
     m_ScrewTableName = Name;
-    m_ScrewTableDlg.SetScrewTables(m_pDatabase->GetScrewTableNames(), true);
+    ShowScrewTableNames();
 }
 
 void CPreBalConfigTabs::OnSaveScrewTable(WPARAM) {
     if (m_pCurrentScrewEntry == nullptr) {
         return;
     }
-    WriteCurrentScrewTable();
-    m_ScrewTableDlg.SetScrewTables(m_pDatabase->GetScrewTableNames(), true);
+    const bool bOthersWrote = WriteCurrentScrewTable().m_bOthersWrote;
+    ShowScrewTableNames();
+    if (bOthersWrote) {
+        ReadScrewTable(m_ScrewTableName);
+    }
 }
 
 void CPreBalConfigTabs::ReadStoreAnew() {

@@ -42,6 +42,8 @@ public:
     /// Enters what the page shows into the current entry and writes it, after the screw table.
     void SaveCurrentConfiguration();
     void SaveCurrentScrewTable();
+    /// The rows of the screw page aren't in memory only.
+    bool IsScrewTableSaved() const { return m_bScrewTableSaved; }
     /// A run is to start: what the pages show is what counts.
     void PrepareRun();
     /// Others have written to the store: shows what is there now. What somebody has changed on the pages is
@@ -113,8 +115,12 @@ private:
     void SaveCurrentEntry();
     /// Hands the current entry to the dialog.
     void ShowConfiguration();
-    /// Writes the rows of the screw page under the current entry. Whether there were rows.
-    bool WriteCurrentScrewTable();
+    /// Enters the rows of the screw page into the current entry.
+    void TakeScrews();
+    /// The same, and writes it.
+    PreBalDB::CStoreOutcome WriteCurrentScrewTable();
+    /// The names that are there now, if they can be read.
+    void ShowScrewTableNames();
     void ReadScrewTable(const std::string& rName);
     void ShowSettingsPage();
     void ShowScrewPage();
@@ -126,7 +132,8 @@ private:
     PreBalDB::CPreBalDatabase::BalancingMode m_BalancingMode = PreBalDB::CPreBalDatabase::eModePlane1;
     PreBalDB::CPreBalBaseTableEntry* m_pCurrentBaseEntry = nullptr;  ///< in the database
     PreBalDB::CScrewTableEntry* m_pCurrentScrewEntry = nullptr;      ///< in the database
-    std::string m_ScrewTableName;                                    ///< of that entry
+    bool m_bScrewTableSaved = true;
+    std::string m_ScrewTableName;  ///< of that entry
     CPreBalancingMainWnd& m_rMainWnd;
     CPreBalConfigDlg m_ConfigDlg;
     CScrewTableDlg m_ScrewTableDlg;

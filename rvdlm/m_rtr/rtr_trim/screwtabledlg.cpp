@@ -174,6 +174,9 @@ void CScrewTableDlg::OnNameTaken() {
 void CScrewTableDlg::OnStep(int nDelta) {
     EndEditing();
     m_rTabs.SendMessage(WM_RV_SAVESCREWTABLE);
+    if (!m_rTabs.IsScrewTableSaved()) {
+        return;  // another table would take the place of rows that are nowhere else
+    }
     const int nPosition = m_Name.GetStepTarget(nDelta);
     if (nPosition < 0 || nPosition >= static_cast<int>(m_ScrewTableNames.GetSize())) {
         RV_ASSERT_FAIL(g_pLog, "impossible");

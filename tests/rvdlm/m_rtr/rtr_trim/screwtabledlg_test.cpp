@@ -2,6 +2,7 @@
 #include "rvdlm/m_rtr/rtr_trim/screwtabledlg.h"
 
 #include "platform/rvldb/gettext.h"
+#include "platform/rvmdb/directsql.h"
 #include "tests/rvdlm/m_rtr/rtr_trim/configtabsfixture.h"
 
 using namespace PreBalDB;
@@ -394,6 +395,48 @@ TEST_F(CScrewTableDlgTest, ARefusedNameLeavesRowsAndTableAsTheyAre) {
         EXPECT_THAT(GetStoredScrews("Brass"), ElementsAre(CScrew("M6", 1.5)));
         EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
     }
+}
+
+TEST_F(CScrewTableDlgTest, RowsThatCannotBeSavedStayOnThePageForTheNextTime) {
+    OpenWithTables({"Brass"});
+    CDirectSQL(GetDatabaseConnection())
+        .Execute(
+            "CREATE TRIGGER sabotage BEFORE INSERT ON screw BEGIN SELECT RAISE(ABORT, 'disk trouble'); END");
+    ClickCell(0, 1);
+    TypeCell("8");
+    const auto Rows = [this] {
+        ScrewDlg().EndEditing();
+        return GetShownScrews();
+    }();
+    Name().GetSpin().Click(CSpinButtonCtrl::eUp);
+    m_Loop.RunPosted();
+    EXPECT_EQ(ScrewDlg().GetScrewTableName(), "Default");
+    EXPECT_EQ(GetShownScrews(), Rows);
+    Act(1);
+    EXPECT_EQ(GetShownScrews(), Rows);
+    EXPECT_NE(GetStoredScrews("Default"), Rows);
+    EXPECT_THAT(GetShown(), Contains(testing::HasSubstr("disk trouble")));
+    EXPECT_THAT(m_Log.GetAssertions(), Contains("WriteScrewTable failed!"));
+    CDirectSQL(GetDatabaseConnection()).Execute("DROP TRIGGER sabotage");
+    Act(1);
+    EXPECT_EQ(GetStoredScrews("Default"), Rows);
+}
+
+TEST_F(CScrewTableDlgTest, ATableThatOthersChangedTooIsShownAsItIsStored) {
+    OpenScrewPage();
+    {
+        CPreBalDatabase Database(m_pWnd->GetMachineName());
+        Database.ReadScrewTable("Default").SetScrewArray({CScrew("Other", 1.5)});
+        ASSERT_NE(Database.WriteScrewTable(), 0);
+    }
+    ClickCell(0, 1);
+    TypeCell("8");
+    Press(VK_DOWN);
+    EXPECT_THAT(GetShown(), testing::SizeIs(1));
+    EXPECT_THAT(GetShownScrews(), ElementsAre(CScrew("Other", 1.5)));
+    Press(VK_UP);
+    EXPECT_THAT(GetShown(), IsEmpty());
+    EXPECT_THAT(GetStoredScrews("Default"), ElementsAre(CScrew("Other", 1.5)));
 }
 
 TEST_F(CScrewTableDlgTest, AHiddenPageMovesNoFocusAndSavesNothing) {
