@@ -1,6 +1,7 @@
 #include "rvdlm/m_rtr/rtr_trim/moduleinstance.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "platform/system/eventloop.h"
 #include "platform/window/moduleframework.h"
@@ -32,6 +33,13 @@ bool CModuleInstance::Load() {
 }
 
 CModuleInstance::~CModuleInstance() {
+    Unload();
+}
+
+void CModuleInstance::Unload() {
+    if (std::exchange(m_bUnloaded, true)) {
+        return;
+    }
     RV_INFORMATION(g_pLog, "rtr_Trim.DLL Terminating!");
     if (!IFEventLoop::HasCurrent()) {
         // The program ends, and the host's loop has gone before its windows: there is nothing left that they
@@ -49,7 +57,7 @@ CModuleInstance::~CModuleInstance() {
 }
 
 CWnd* CModuleInstance::GetWindow() {
-    if (!m_bLoaded || !IFEventLoop::HasCurrent()) {
+    if (!m_bLoaded || m_bUnloaded || !IFEventLoop::HasCurrent()) {
         return nullptr;
     }
     CWnd* pWindow = nullptr;

@@ -12,10 +12,13 @@ class CModuleInstance {
 public:
     /// Loads. rFramework must outlive this.
     explicit CModuleInstance(IFModuleFramework& rFramework);
-    /// Unloads.
     ~CModuleInstance();
     CModuleInstance(const CModuleInstance&) = delete;
     CModuleInstance& operator=(const CModuleInstance&) = delete;
+
+    /// Deletes the windows that are left and takes its leave of the window system; only the first call does
+    /// anything. There are no new windows then.
+    void Unload();
 
     /// A new window, owned by this; null if the window system refused the module or there is no event loop.
     CWnd* GetWindow();
@@ -29,5 +32,6 @@ private:
 
     IFModuleFramework& m_rFramework;
     bool m_bLoaded;
+    bool m_bUnloaded = false;
     std::list<std::unique_ptr<CPreBalancingMainWnd>> m_Windows;
 };

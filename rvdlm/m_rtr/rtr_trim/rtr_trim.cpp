@@ -13,10 +13,20 @@ namespace {
 /// Made when the library is loaded, destroyed when it is unloaded.
 CModuleInstance g_Instance(GetModuleFramework());
 
+/// Made with the first window, and so gone before everything that was made while the library was loaded:
+/// windows that are left need that to their end.
+struct CUnload {
+    CUnload() = default;
+    ~CUnload() { g_Instance.Unload(); }
+    CUnload(const CUnload&) = delete;
+    CUnload& operator=(const CUnload&) = delete;
+};
+
 }  // namespace
 
 /// A new window, which stays the library's.
 RTR_TRIM_EXPORT CWnd* GetWindow() {
+    static const CUnload s_Unload;
     return g_Instance.GetWindow();
 }
 

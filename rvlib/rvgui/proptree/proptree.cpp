@@ -1,6 +1,8 @@
 #include "rvlib/rvgui/proptree/proptree.h"
 
 #include <algorithm>
+#include <memory>
+#include <utility>
 
 #include "rvlib/rvgui/log.h"
 
@@ -13,15 +15,16 @@ constexpr UINT eInfoId = 2;
 constexpr int eFontHeight = 15;
 constexpr std::uint32_t eHeldKey = 450;  // ms to the second step
 
-/// Shared by all trees; the window thread alone comes here.
+/// Shared by all trees; the window thread alone comes here. Without a destructor: when a library is unloaded
+/// its last trees may end behind its statics.
 struct CFonts {
     int m_nTrees = 0;
-    std::unique_ptr<CFont> m_pNormal;
-    std::unique_ptr<CFont> m_pBold;
+    const CFont* m_pNormal = nullptr;
+    const CFont* m_pBold = nullptr;
 };
 
 CFonts& GetFonts() {
-    static CFonts s_Fonts;
+    static constinit CFonts s_Fonts;
     return s_Fonts;
 }
 
@@ -30,8 +33,8 @@ CFonts& GetFonts() {
 CPropTree::CPropTree() : m_pRoot(std::make_unique<CPropTreeItem>()) {
     CFonts& rFonts = GetFonts();
     if (rFonts.m_nTrees++ == 0) {
-        rFonts.m_pNormal = std::make_unique<CFont>("Arial", eFontHeight);
-        rFonts.m_pBold = std::make_unique<CFont>("Arial", eFontHeight, CFont::eBold);
+        rFonts.m_pNormal = std::make_unique<CFont>("Arial", eFontHeight).release();
+        rFonts.m_pBold = std::make_unique<CFont>("Arial", eFontHeight, CFont::eBold).release();
     }
     m_pRoot->m_pTree = this;
     m_pRoot->m_State = CPropTreeItem::eExpanded;
@@ -43,17 +46,17 @@ CPropTree::~CPropTree() {
     }
     CFonts& rFonts = GetFonts();
     if (--rFonts.m_nTrees == 0) {
-        rFonts.m_pNormal.reset();
-        rFonts.m_pBold.reset();
+        const std::unique_ptr<const CFont> pNormal(std::exchange(rFonts.m_pNormal, nullptr));
+        const std::unique_ptr<const CFont> pBold(std::exchange(rFonts.m_pBold, nullptr));
     }
 }
 
 const CFont* CPropTree::FindNormalFont() {
-    return GetFonts().m_pNormal.get();
+    return GetFonts().m_pNormal;
 }
 
 const CFont* CPropTree::FindBoldFont() {
-    return GetFonts().m_pBold.get();
+    return GetFonts().m_pBold;
 }
 
 bool CPropTree::Create(CWnd* pParent, const CRect& rRect, UINT Id, bool bVisible) {
