@@ -56,6 +56,8 @@ void CSoftkeys::SetState(const CState& rState) {
     const std::vector<CSoftkey> Keys = MakeKeys(rState);
     if (Keys.size() <= PLACES) {
         m_Rows.front() = Keys;
+        // Help stands at the last place, whatever the others are.
+        m_Rows.front().insert(m_Rows.front().end() - 1, PLACES - Keys.size(), CSoftkey{});
         m_nRow = 0;
         return;
     }

@@ -42,7 +42,7 @@ public:
     void SetState(const CState& rState);
     /// Shows the next row, behind the last one the first.
     void More();
-    /// At most PLACES. Where there are more, all places are there, and the last one is More.
+    /// All PLACES, once there is a state; the last one is More where there are more keys, else Help.
     const std::vector<CSoftkey>& GetShown() const { return m_Rows[m_nRow]; }
 
 private:

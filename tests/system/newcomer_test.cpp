@@ -1,42 +1,16 @@
 // What somebody does who has never seen the console: configurations and a screw table of their own, by
 // softkeys and keyboard in the real window, balanced with, and found again after a restart.
-#include <QApplication>
 #include <QLineEdit>
-#include <QTest>
 #include <set>
 
-#include "platform/window/webbrowser2.h"
-#include "tests/system/mainwindowfixture.h"
+#include "tests/system/pagesfixture.h"
 
 namespace {
 
-class NewcomerTest : public CMainWindowTestBase {
+class NewcomerTest : public CPagesTestBase {
 protected:
     NewcomerTest() { m_Run.m_Rotor.m_Planes.front().m_Holes = 18; }
-    ~NewcomerTest() override { Close(); }
 
-    void OpenInFront() {
-        Open();
-        m_pWindow->activateWindow();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(m_pWindow.get()));
-        m_Loop.Advance(500);
-    }
-    CShownConfiguration GetShown() {
-        return m_pSession->GetShownConfiguration().value_or(CShownConfiguration());
-    }
-    /// A softkey, on whichever row it is.
-    void PressKey(const QString& rText) {
-        for (int nRow = 0; nRow < 2 && FindButton(rText) == nullptr; ++nRow) {
-            Press("More");
-        }
-        Press(rText);
-    }
-    bool IsKeyEnabled(const QString& rText) {
-        for (int nRow = 0; nRow < 2 && FindButton(rText) == nullptr; ++nRow) {
-            Press("More");
-        }
-        return FindButton(rText) != nullptr && FindButton(rText)->isEnabled();
-    }
     /// Writes over the name in the field that shows it.
     void TypeName(const QString& rOld, const QString& rNew, bool bEnter = true) {
         QLineEdit* pField = nullptr;
@@ -60,40 +34,6 @@ protected:
         ASSERT_NE(QApplication::focusWidget(), nullptr);
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
         m_Loop.Advance(300);
-    }
-    static const CWebBrowser2* FindBrowser(const CWnd& rWnd) {
-        for (const CWnd* const pChild : rWnd.GetChildren()) {
-            if (const auto* const pBrowser = dynamic_cast<const CWebBrowser2*>(pChild)) {
-                return pBrowser;
-            }
-            if (const CWebBrowser2* const pBelow = FindBrowser(*pChild)) {
-                return pBelow;
-            }
-        }
-        return nullptr;
-    }
-    std::string GetHelpTopic() {
-        const CWebBrowser2* const pBrowser = FindBrowser(m_pSession->GetHost());
-        const std::string Url = pBrowser == nullptr ? std::string() : pBrowser->GetLocationURL();
-        return Url.substr(Url.find_last_of("/\\") + 1);
-    }
-    /// Goes down the tree until the help on the right is that of the item.
-    void SelectItem(const std::string& rTopic) {
-        for (int nTry = 0; nTry < 40; ++nTry) {
-            if (GetHelpTopic() == rTopic + ".htm") {
-                return;
-            }
-            PressKey("Item down");
-        }
-        FAIL() << rTopic << ", at " << GetHelpTopic();
-    }
-    /// Above the first row.
-    void GoToName() {
-        for (int nTry = 0; nTry < 40 && GetHelpTopic() != "PB_013.htm"; ++nTry) {
-            PressKey("Item up");
-        }
-        ASSERT_EQ(GetHelpTopic(), "PB_013.htm");
-        PressKey("Item up");
     }
     /// Does what each step asks for until the verdict stands, and finishes.
     void Balance() {

@@ -4,6 +4,7 @@
 
 #include "platform/rvmdb/directsql.h"
 #include "platform/rvmdb/prebaldatabase.h"
+#include "platform/rvmdb/configurationfields.h"
 #include "tests/system/wholerun.h"
 
 using PreBalDB::CDirectSQL;
@@ -82,7 +83,7 @@ TEST_F(CUnsavedRunTest, ADamagedCalibrationIsReplacedByANewOne) {
     const auto InvA = m_Run.m_Report.at("inv_a");
     CDirectSQL(GetConnection()).Execute("UPDATE single_plane SET inv_a = '2x2: nan 0; 0 nan'");
     EXPECT_EQ(m_Run.Run(COptions::Procedure::eRebalance), eExitFailed) << "not calibrated";
-    EXPECT_TRUE(m_Run.HasLine("single_plane.inv_a"));
+    EXPECT_TRUE(m_Run.HasLine(PreBalDB::ConfigurationFields::GetLabel("single_plane.inv_a")));
     EXPECT_EQ(m_Run.Run(COptions::Procedure::ePrebalance), eExitWithinTarget);
     EXPECT_EQ(m_Run.m_Report.at("saved"), true);
     EXPECT_EQ(m_Run.m_Report.at("inv_a"), InvA);
