@@ -1,6 +1,5 @@
 // What somebody does who has never seen the console: configurations and a screw table of their own, by
 // softkeys and keyboard in the real window, balanced with, and found again after a restart.
-#include <QLineEdit>
 #include <set>
 
 #include "tests/system/pagesfixture.h"
@@ -11,21 +10,6 @@ class NewcomerTest : public CPagesTestBase {
 protected:
     NewcomerTest() { m_Run.m_Rotor.m_Planes.front().m_Holes = 18; }
 
-    /// Writes over the name in the field that shows it.
-    void TypeName(const QString& rOld, const QString& rNew, bool bEnter = true) {
-        QLineEdit* pField = nullptr;
-        for (QLineEdit* const pEdit : m_pWindow->findChildren<QLineEdit*>()) {
-            pField = pEdit->isVisible() && pEdit->text() == rOld ? pEdit : pField;
-        }
-        ASSERT_NE(pField, nullptr) << rOld.toStdString();
-        pField->setFocus();
-        pField->selectAll();
-        QTest::keyClicks(pField, rNew);
-        if (bEnter) {
-            QTest::keyClick(pField, Qt::Key_Return);
-        }
-        m_Loop.Advance(500);
-    }
     /// Types where the focus is.
     void Type(const QString& rText) {
         ASSERT_NE(QApplication::focusWidget(), nullptr);

@@ -1,5 +1,6 @@
 #pragma once
 #include <QApplication>
+#include <QLineEdit>
 #include <QTest>
 #include <string>
 
@@ -32,6 +33,21 @@ protected:
             Press("More");
         }
         return FindButton(rText) != nullptr && FindButton(rText)->isEnabled();
+    }
+    /// Writes over the name in the field that shows it.
+    void TypeName(const QString& rOld, const QString& rNew, bool bEnter = true) {
+        QLineEdit* pField = nullptr;
+        for (QLineEdit* const pEdit : m_pWindow->findChildren<QLineEdit*>()) {
+            pField = pEdit->isVisible() && pEdit->text() == rOld ? pEdit : pField;
+        }
+        ASSERT_NE(pField, nullptr) << rOld.toStdString();
+        pField->setFocus();
+        pField->selectAll();
+        QTest::keyClicks(pField, rNew);
+        if (bEnter) {
+            QTest::keyClick(pField, Qt::Key_Return);
+        }
+        m_Loop.Advance(500);
     }
     static const CWebBrowser2* FindBrowser(const CWnd& rWnd) {
         for (const CWnd* const pChild : rWnd.GetChildren()) {

@@ -2,9 +2,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "platform/rvmdb/configurationfields.h"
 #include "platform/rvmdb/directsql.h"
 #include "platform/rvmdb/prebaldatabase.h"
-#include "platform/rvmdb/configurationfields.h"
 #include "tests/system/wholerun.h"
 
 using PreBalDB::CDirectSQL;
