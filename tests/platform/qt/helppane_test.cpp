@@ -156,6 +156,9 @@ TEST_F(HelpPaneTest, TheSelectionsTopicComesBackAfterTheOperatorWentElsewhere) {
     m_Browser.MoveWindow(CRect(250, 0, 600, 440));
     EXPECT_EQ(m_Browser.GetLocationURL(), MakeUrl("PB_003")) << "a change of size is no reason to go";
     EXPECT_THAT(GetText(), HasSubstr("The speed in rpm at which"));
+    QTest::mouseClick(&GetButton(1), Qt::LeftButton);
+    m_Browser.MoveWindow(CRect(300, 0, 600, 440));
+    EXPECT_THAT(GetText(), testing::StartsWith("Contents\n")) << "nor from a page that has no address";
     m_Browser.Navigate(MakeUrl("PB_004"));
     EXPECT_THAT(GetText(), HasSubstr("1 to 100 rpm"));
 }
