@@ -176,14 +176,14 @@
         <translation>Auswuchtmethode</translation>
     </message>
     <message id="ANGULAR_METHOD">
-        <source>Two movable weights</source>
+        <source>Movable weights</source>
         <extracomment>Choice of the balancing method</extracomment>
-        <translation>Zwei Spreizgewichte</translation>
+        <translation>Spreizgewichte</translation>
     </message>
     <message id="FIXED_POSITION">
-        <source>Screws in fixed holes</source>
+        <source>Screws in holes</source>
         <extracomment>Choice of the balancing method</extracomment>
-        <translation>Schrauben in festen Bohrungen</translation>
+        <translation>Schrauben</translation>
     </message>
     <message id="PB_SCALINGDIRECTION_TEXT">
         <source>Direction of the scale</source>
@@ -193,12 +193,12 @@
     <message id="NUMBER_OF_FIXED_POSITIONS">
         <source>Number of holes</source>
         <extracomment>Label of a setting</extracomment>
-        <translation>Anzahl der Bohrungen</translation>
+        <translation>Bohrungszahl</translation>
     </message>
     <message id="NUMBER_OF_CORRECTION_MASSES">
         <source>Number of screws</source>
         <extracomment>Label of a setting: how many screws may be fitted in a plane</extracomment>
-        <translation>Anzahl der Schrauben</translation>
+        <translation>Schraubenzahl</translation>
     </message>
     <message id="REFERENCE_WEIGHT">
         <source>Reference weight</source>

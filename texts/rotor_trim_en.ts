@@ -176,14 +176,14 @@
         <translation>Balancing method</translation>
     </message>
     <message id="ANGULAR_METHOD">
-        <source>Two movable weights</source>
+        <source>Movable weights</source>
         <extracomment>Choice of the balancing method</extracomment>
-        <translation>Two movable weights</translation>
+        <translation>Movable weights</translation>
     </message>
     <message id="FIXED_POSITION">
-        <source>Screws in fixed holes</source>
+        <source>Screws in holes</source>
         <extracomment>Choice of the balancing method</extracomment>
-        <translation>Screws in fixed holes</translation>
+        <translation>Screws in holes</translation>
     </message>
     <message id="PB_SCALINGDIRECTION_TEXT">
         <source>Direction of the scale</source>

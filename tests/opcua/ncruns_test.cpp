@@ -208,6 +208,8 @@ TEST(NcRun, TheTargetThatTheNcSetsDecidesTheVerdict) {
     EXPECT_EQ(Report["result"], "SetupSuccess");
     EXPECT_GT(Report["final"][0]["amplitude"].get<double>(), 5.0);
     EXPECT_THAT(Report["assertions"], IsEmpty());
+    Nc.kill();
+    Nc.waitForFinished(CNcServer::ePatience);
 }
 
 /// What is on the rotor is asked of the machine itself, not of the module.

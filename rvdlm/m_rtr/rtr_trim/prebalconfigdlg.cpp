@@ -45,7 +45,7 @@ CPreBalConfigDlg::CPreBalConfigDlg(CPreBalConfigTabs& rTabs)
 LRESULT CPreBalConfigDlg::WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) {
     switch (Message) {
         case WM_CREATE:
-            OnCreate();
+            CreateControls();
             break;
         case WM_SIZE:
             OnSize();
@@ -59,7 +59,7 @@ LRESULT CPreBalConfigDlg::WindowProc(UINT Message, WPARAM wParam, LPARAM lParam)
     return CDialog::WindowProc(Message, wParam, lParam);
 }
 
-void CPreBalConfigDlg::OnCreate() {
+void CPreBalConfigDlg::CreateControls() {
     m_Name.CreateOn(*this, std::string(GetTitle()));
     m_State.SetFormat(DT_SINGLELINE | DT_VCENTER | DT_LEFT | DT_END_ELLIPSIS);
     CFont Font = GetDefaultGuiFont();
@@ -80,7 +80,7 @@ void CPreBalConfigDlg::OnSize() {
     m_State.MoveWindow(CRect(eInset, nState, std::max(Client.right - eInset, eInset), nTree));
     GetTree().MoveWindow(CRect(0, nTree, Client.right, Client.bottom));
     // Labels need more room than values: in the narrowest page they'd be cut so short that they look alike.
-    constexpr int ePercent = 56;
+    constexpr int ePercent = 54;
     GetTree().SetOrigin(Client.Width() * ePercent / 100);
 }
 

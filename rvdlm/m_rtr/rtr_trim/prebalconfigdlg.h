@@ -71,7 +71,7 @@ protected:
     LRESULT WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) override;
 
 private:
-    void OnCreate();
+    void CreateControls();
     void OnSize();
     void OnNotify(const CWndNotification& rNotification);
     /// The tree tells of a change.

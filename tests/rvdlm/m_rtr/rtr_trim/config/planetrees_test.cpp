@@ -53,7 +53,7 @@ TEST_F(SinglePlaneTree, ValuesOfTheEntry) {
     EXPECT_EQ(GetValue("INV(1, 1)"), "2.000000");
     EXPECT_EQ(GetValue("UA(0)"), "-0.125000");
     EXPECT_EQ(GetValue("UA(1)"), "3.000000");
-    EXPECT_EQ(GetValue(METHOD), "Two movable weights");
+    EXPECT_EQ(GetValue(METHOD), "Movable weights");
     EXPECT_EQ(GetValue(SCALE), "Counter-clockwise");
 }
 
