@@ -112,6 +112,41 @@ TEST_F(CConfigTabsNamesTest, EveryStartOfARunTakesTheNameAndSaves) {
     EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
 }
 
+TEST_F(CConfigTabsNamesTest, EveryStartOfARunSavesWhatThePageShows) {
+    LinkOpc();
+    OpenStoredCalibrated();
+    const std::vector<std::function<void()>> Starts{[this] { Act(102); },    [this] { Act(4499); },
+                                                    [this] { SetState(1); }, [this] { SetState(2); },
+                                                    [this] { Request(1); },  [this] { Request(2); }};
+    std::uint32_t n = 20;
+    for (const auto& rStart : Starts) {
+        SetOnPage(++n);
+        rStart();
+        ASSERT_NE(m_pWnd->GetSequence(), nullptr) << n;
+        EXPECT_EQ(GetStoredTarget("Default"), n);
+        Act(4501);
+        EXPECT_EQ(Entry().GetTargetUnbalance(), n);
+    }
+}
+
+// By the softkeys alone.
+TEST_F(CConfigTabsNamesTest, AChangeInTheTreeReachesTheEntryBySavingOnly) {
+    Open();
+    const std::uint32_t nFormer = Entry().GetRPMTolerance();
+    for (int nTry = 0; nTry < 10; ++nTry) {
+        const PropTree::CPropTreeItem* const pItem = Dlg().GetTree().GetFocusedItem();
+        if (pItem != nullptr && pItem->GetLabelText() == GetText("PB_RPM_TOLERANCE_TEXT")) {
+            break;
+        }
+        Act(4, 2);
+    }
+    Act(2, 2);
+    Act(2, 0);
+    EXPECT_EQ(Entry().GetRPMTolerance(), nFormer);
+    Act(103);
+    EXPECT_NE(Entry().GetRPMTolerance(), nFormer);
+}
+
 TEST_F(CConfigTabsNamesTest, AnAbortTakesTheNameToo) {
     OpenStoredCalibrated();
     TypeName(Name(), "Wheel 400");
