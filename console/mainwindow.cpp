@@ -21,6 +21,7 @@
 #include "platform/rvcom/rvcom.h"
 #include "platform/rvldb/gettext.h"
 #include "platform/rvmdb/prebaldatabase.h"
+#include "platform/rvmdb/storetexts.h"
 #include "platform/system/eventloop.h"
 #include "platform/window/messagebox.h"
 
@@ -31,18 +32,6 @@ constexpr std::uint32_t INIT_PERIOD = 5000;
 
 QString Text(const char* pKey) {
     return QString::fromStdString(GetText(pKey));
-}
-
-/// Why something was not deleted.
-std::string DescribeRefusal(const PreBalDB::CStoreOutcome& rOutcome) {
-    if (rOutcome.m_Cause != PreBalDB::StoreFailure::eInUse) {
-        return rOutcome.m_Failure;
-    }
-    QStringList Users;
-    for (const std::string& rUser : rOutcome.m_Users) {
-        Users << QString::fromStdString(rUser);
-    }
-    return Text("CONSOLE_TABLE_IN_USE").arg(Users.join(", ")).toStdString();
 }
 
 /// Broken at the blank nearest to its middle: keys are higher than they are wide.
@@ -92,6 +81,7 @@ CMainWindow::CMainWindow(CConsoleSession& rSession) : m_rSession(rSession), m_Ru
     };
     m_Run.OnSay = m_rSession.OnSay;
     m_RefreshTimer.StartPeriodic(eRefreshPeriod, [this] {
+        ShowMenu();  // a table that has got another name isn't told
         ShowConnection();
         RefreshMachine();
     });
@@ -297,7 +287,9 @@ void CMainWindow::Delete(const CShownConfiguration& rShown, bool bTable) {
         const int bDeleted = bTable ? Database.DeleteScrewTable(rShown.m_ScrewTable)
                                     : Database.DeleteConfiguration(rShown.m_Name);
         if (bDeleted == 0) {
-            ShowMessageBox(DescribeRefusal(Database.GetOutcome()), GetText("CONSOLE_DELETE"));
+            ShowMessageBox(PreBalDB::StoreTexts::GetDeletion(bTable ? rShown.m_ScrewTable : rShown.m_Name,
+                                                             Database.GetOutcome()),
+                           GetText("CONSOLE_DELETE"));
             return;
         }
     } catch (const PreBalDB::CDatabaseError& rError) {

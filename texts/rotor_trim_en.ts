@@ -430,11 +430,6 @@
         <extracomment>Answer to the question whether something is to be deleted</extracomment>
         <translation>Keep</translation>
     </message>
-    <message id="CONSOLE_TABLE_IN_USE">
-        <source>This screw table is used by: %1. Choose another table there first.</source>
-        <extracomment>%1 names of configurations</extracomment>
-        <translation>This screw table is used by: %1. Choose another table there first.</translation>
-    </message>
     <message id="CONSOLE_ASK_DELETE_CONFIGURATION">
         <source>Delete the configuration "%1"? Its values and its calibration are gone then.</source>
         <extracomment>%1 its name</extracomment>

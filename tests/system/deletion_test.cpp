@@ -62,7 +62,6 @@ TEST_F(DeletionTest, ATableThatAConfigurationUsesStaysAndTheMessageNamesThat) {
     SelectItem("PB_008");
     PressKey("Value +");
     PressKey("Next page");
-    PressKey("Next table");
     ASSERT_EQ(GetShown().m_ScrewTable, "Brass");
     PressKey("Delete table");
     Press("Delete");
