@@ -61,19 +61,30 @@ private:
     bool m_bSaved = true;
 };
 
+void AddControls(CGalleryPage& rPage, const char* pLevel, const std::string& rControl) {
+    for (const CControlScene& rScene : GetControlScenes()) {
+        if (rScene.m_Control == rControl) {
+            rPage.Add(pLevel, rScene.m_Caption, rControl + "-" + rScene.m_Name, rScene.m_Render(1.0));
+        }
+    }
+}
+
 bool WriteGallery(const std::filesystem::path& rFolder) {
     CGalleryPage Page(rFolder / "gallery.md", "gallery",
                       "# Gallery\n\n"
                       "What the operator sees. Written by `build/release/bin/gallery --docs docs`, from the "
                       "scenes that the\n"
-                      "picture tests compare (`tests/pictures/scenes.cpp`). What a configuration is edited "
-                      "with is shown\n"
+                      "picture tests compare (`tests/pictures/scenes.cpp`, "
+                      "`tests/pictures/settingsscenes.cpp`,\n"
+                      "`tests/pictures/screwpagescenes.cpp`). What a configuration is edited with is shown "
                       "[here](toolkit.md).\n");
     for (const CScene& rScene : GetScenes()) {
         if (rScene.m_bGallery) {
             Page.Add("##", rScene.m_Caption, rScene.m_Name, RenderScene(rScene));
         }
     }
+    AddControls(Page, "##", "settings");
+    AddControls(Page, "##", "screwpage");
     return Page.Close();
 }
 
@@ -87,12 +98,7 @@ bool WriteToolkit(const std::filesystem::path& rFolder) {
     for (const auto& [Control, Heading] :
          {std::pair("tree", "Property tree"), std::pair("table", "Flex table")}) {
         Page.AddHeading(Heading);
-        for (const CControlScene& rScene : GetControlScenes()) {
-            if (rScene.m_Control == Control) {
-                Page.Add("###", rScene.m_Caption, rScene.m_Control + "-" + rScene.m_Name,
-                         rScene.m_Render(1.0));
-            }
-        }
+        AddControls(Page, "###", Control);
     }
     return Page.Close();
 }
