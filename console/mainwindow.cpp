@@ -74,7 +74,9 @@ CMainWindow::CMainWindow(CConsoleSession& rSession) : m_rSession(rSession), m_Ru
         CommissionOnce();
         ShowMenu();
         ShowConnection();
-        m_Run.OnPanelChanged();
+        if (m_bCommissioned) {
+            m_Run.OnPanelChanged();
+        }
     };
     m_rSession.OnSay = [this](const std::string& rText) {
         statusBar()->showMessage(QString::fromStdString(rText));
@@ -184,10 +186,10 @@ QWidget* CMainWindow::MakeMachinePanel() {
 }
 
 void CMainWindow::CommissionOnce() {
-    if (m_bCommissioned || !m_rSession.GetHost().IsConfigured()) {
+    if (m_bConfigured || !m_rSession.GetHost().IsConfigured()) {
         return;
     }
-    m_bCommissioned = true;
+    m_bConfigured = true;
     // Not from within the module's own message: it reads its configuration anew then.
     IFEventLoop::Current().Post(m_Lifetime.Guard([this] {
         try {
@@ -195,9 +197,12 @@ void CMainWindow::CommissionOnce() {
         } catch (const CSessionError& rError) {
             m_Refusal = rError.what();
             close();
+            return;
         } catch (const std::runtime_error& rError) {
             ShowMessageBox(rError.what(), "Error");
         }
+        m_bCommissioned = true;
+        m_Run.OnPanelChanged();
     }));
 }
 

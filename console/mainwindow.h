@@ -64,7 +64,8 @@ private:
     CSoftkeys m_Softkeys;
     std::array<QPushButton*, CSoftkeys::PLACES> m_Keys{};
     std::array<std::optional<MenuKeys::CKey>, CSoftkeys::PLACES> m_Down{};  ///< held, to be let go
-    bool m_bCommissioned = false;
+    bool m_bConfigured = false;    ///< the module has found its configuration
+    bool m_bCommissioned = false;  ///< behind that: no run begins before
     std::string m_Refusal;
     QSpinBox* m_pSpeed = nullptr;
     QLabel* m_pMachineState = nullptr;

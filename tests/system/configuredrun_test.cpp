@@ -7,10 +7,9 @@
 #include <functional>
 
 #include "console/sessionerror.h"
-#include "tests/system/wholerun.h"
+#include "tests/system/mainwindowfixture.h"
 
 using PreBalDB::CTypeBase;
-using testing::Contains;
 using testing::HasSubstr;
 using Procedure = COptions::Procedure;
 
@@ -81,4 +80,38 @@ TEST(ConfiguredRun, OtherMeansThanConfiguredAreRefusedBeforeTheRun) {
     EXPECT_THROW(Run.Run(Procedure::ePrebalance), CSessionError);
     Run.m_Options.m_bCommission = true;
     EXPECT_NE(Run.Run(Procedure::ePrebalance), eExitFailed);
+}
+
+namespace {
+
+using ConfiguredWindowTest = MainWindowOptionsTest;
+
+}  // namespace
+
+/// Also if the window begins with a run at once.
+TEST_F(ConfiguredWindowTest, ANewConfigurationIsSetUpFromTheRotorFileBeforeTheFirstRun) {
+    m_Run.m_Rotor.m_Rotation = CRotorFile::eCounterClockwise;
+    AskFor(Procedure::ePrebalance);
+    Open();
+    BalanceByButtons();
+    Press("Finish");
+    EXPECT_EQ(ReadReport()["result"], "SetupSuccess");
+    EXPECT_LT(std::abs(m_pSession->GetSimulator()->GetRotor().GetResidual(0)), 0.1);
+}
+
+TEST_F(ConfiguredWindowTest, WhatSomebodyHasSetIsToldAndCounts) {
+    ASSERT_EQ(m_Run.Run(Procedure::ePrebalance), eExitWithinTarget);
+    m_Run.m_Rotor.m_Rotation = CRotorFile::eCounterClockwise;
+    m_Run.m_Options.m_Procedure = Procedure::ePrebalance;
+    Open();
+    EXPECT_THAT(m_pWindow->statusBar()->currentMessage().toStdString(), HasSubstr("--commission"));
+    EXPECT_TRUE(m_pSession->GetHost().IsCalibrated());
+}
+
+TEST_F(ConfiguredWindowTest, AWindowThatIsAskedForOtherMeansEndsAndSaysWhy) {
+    ASSERT_EQ(m_Run.Run(Procedure::ePrebalance), eExitWithinTarget);
+    m_Run.m_Options.m_Methods = {"screws"};
+    Open();
+    EXPECT_FALSE(m_pWindow->isVisible());
+    EXPECT_THAT(m_pWindow->GetRefusal(), HasSubstr("--method"));
 }
