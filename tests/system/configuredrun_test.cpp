@@ -115,3 +115,20 @@ TEST_F(ConfiguredWindowTest, AWindowThatIsAskedForOtherMeansEndsAndSaysWhy) {
     EXPECT_FALSE(m_pWindow->isVisible());
     EXPECT_THAT(m_pWindow->GetRefusal(), HasSubstr("--method"));
 }
+
+/// Neither by itself nor by what the pages save afterwards.
+TEST_F(ConfiguredWindowTest, ARunThatIsEndedEarlyLeavesTheCalibration) {
+    ASSERT_EQ(m_Run.Run(Procedure::ePrebalance), eExitWithinTarget);
+    Open();
+    ASSERT_TRUE(m_pSession->GetHost().IsCalibrated());
+    for (int nRun = 0; nRun < 2; ++nRun) {
+        Press("Pre-balance");
+        Press("End");
+        EXPECT_TRUE(m_pSession->GetHost().IsCalibrated());
+        ASSERT_NE(FindButton("Re-balance"), nullptr);
+        EXPECT_TRUE(FindButton("Re-balance")->isEnabled());
+    }
+    Close();
+    Open();
+    EXPECT_TRUE(m_pSession->GetHost().IsCalibrated());
+}
