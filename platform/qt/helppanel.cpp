@@ -1,12 +1,14 @@
 #include "platform/qt/helppanel.h"
 
+#include <QApplication>
 #include <QBuffer>
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QImageReader>
+#include <QInputDevice>
 #include <QLineEdit>
+#include <QMouseEvent>
 #include <QScrollBar>
-#include <QScroller>
 #include <QStyle>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -46,6 +48,11 @@ QUrl MakeUrl(const char* pScheme, const QString& rPath) {
     return Url;
 }
 
+/// Touches come as mouse events.
+bool IsByFinger(const QMouseEvent& rEvent) {
+    return rEvent.deviceType() == QInputDevice::DeviceType::TouchScreen;
+}
+
 QImage GetEmptyPicture() {
     QImage Picture(1, 1, QImage::Format_ARGB32_Premultiplied);
     Picture.fill(Qt::transparent);
@@ -64,7 +71,6 @@ CHelpPanel::CPage::CPage(CHelpPanel& rPanel) : QTextBrowser(&rPanel), m_rPanel(r
     document()->setDocumentMargin(8);
     // A finger that rests on the text is no wish for a menu.
     setContextMenuPolicy(Qt::NoContextMenu);
-    QScroller::grabGesture(viewport(), QScroller::TouchGesture);
 }
 
 void CHelpPanel::CPage::Show(const QUrl& rSource) {
@@ -122,6 +128,32 @@ void CHelpPanel::CPage::resizeEvent(QResizeEvent* pEvent) {
         const int nScrolled = verticalScrollBar()->value();
         reload();
         verticalScrollBar()->setValue(nScrolled);
+    }
+}
+
+void CHelpPanel::CPage::mousePressEvent(QMouseEvent* pEvent) {
+    m_bScrolling = false;
+    m_nPressedAt = qRound(pEvent->position().y());
+    m_nScrolledThen = verticalScrollBar()->value();
+    QTextBrowser::mousePressEvent(pEvent);
+}
+
+void CHelpPanel::CPage::mouseMoveEvent(QMouseEvent* pEvent) {
+    if (!IsByFinger(*pEvent)) {
+        QTextBrowser::mouseMoveEvent(pEvent);
+        return;
+    }
+    const int nMoved = qRound(pEvent->position().y()) - m_nPressedAt;
+    m_bScrolling = m_bScrolling || qAbs(nMoved) >= QApplication::startDragDistance();
+    if (m_bScrolling) {
+        verticalScrollBar()->setValue(m_nScrolledThen - nMoved);
+    }
+}
+
+void CHelpPanel::CPage::mouseReleaseEvent(QMouseEvent* pEvent) {
+    // The end of a way is no tap on a link.
+    if (!std::exchange(m_bScrolling, false)) {
+        QTextBrowser::mouseReleaseEvent(pEvent);
     }
 }
 

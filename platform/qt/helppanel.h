@@ -46,6 +46,10 @@ private:
 
     protected:
         void resizeEvent(QResizeEvent* pEvent) override;
+        // A finger scrolls where the mouse marks text.
+        void mousePressEvent(QMouseEvent* pEvent) override;
+        void mouseMoveEvent(QMouseEvent* pEvent) override;
+        void mouseReleaseEvent(QMouseEvent* pEvent) override;
 
     private:
         QVariant LoadPicture(const std::string& rContents);
@@ -53,6 +57,9 @@ private:
         CHelpPanel& m_rPanel;
         bool m_bHasPictures = false;
         int m_nPictureWidth = 0;  ///< the width that they were fitted to
+        bool m_bScrolling = false;
+        int m_nPressedAt = 0;
+        int m_nScrolledThen = 0;
     };
     struct CPlace {
         QUrl m_Source;

@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QLineEdit>
+#include <QPointingDevice>
 #include <QProcess>
 #include <QScrollBar>
 #include <QTest>
@@ -117,6 +118,39 @@ TEST_F(HelpPaneTest, WhatIsMissingIsSaidAndWhereItWasLookedFor) {
     EXPECT_EQ(GetText(), "This is no address of a help page: about:blank");
     m_Browser.Navigate(MakeUrl("PB_004"));
     EXPECT_THAT(GetText(), HasSubstr("1 to 100 rpm")) << "and all is well again";
+}
+
+TEST_F(HelpPaneTest, AFingerScrollsAndItsWayIsNoTap) {
+    m_Browser.Navigate(MakeUrl("_PB001"));
+    QWidget& rPage = *GetPage().viewport();
+    static QPointingDevice* const s_pScreen = QTest::createTouchDevice();
+    const std::string Url = m_Browser.GetLocationURL();
+    for (const int nFrom : {300, 280, 260}) {  // on links and beside them
+        GetPage().verticalScrollBar()->setValue(0);
+        const QPoint From(60, nFrom);
+        QTest::touchEvent(&rPage, s_pScreen).press(0, From, &rPage);
+        QTest::touchEvent(&rPage, s_pScreen).move(0, From - QPoint(0, 40), &rPage);
+        QTest::touchEvent(&rPage, s_pScreen).move(0, From - QPoint(0, 100), &rPage);
+        QTest::touchEvent(&rPage, s_pScreen).release(0, From - QPoint(0, 100), &rPage);
+        EXPECT_EQ(GetPage().verticalScrollBar()->value(), 100);
+        EXPECT_FALSE(GetPage().textCursor().hasSelection());
+    }
+    EXPECT_EQ(m_Browser.GetLocationURL(), Url);
+    EXPECT_THAT(GetText(), HasSubstr("Settings"));
+}
+
+TEST_F(HelpPaneTest, AFingerTapsOnALink) {
+    m_Browser.Navigate(MakeUrl("_PB001"));
+    QTextCursor Cursor = GetPage().document()->find("calibrated.");
+    Cursor.setPosition(Cursor.anchor() + 2);
+    GetPage().setTextCursor(Cursor);
+    GetPage().ensureCursorVisible();
+    QWidget& rPage = *GetPage().viewport();
+    static QPointingDevice* const s_pScreen = QTest::createTouchDevice();
+    const QPoint Link = GetPage().cursorRect(Cursor).center();
+    QTest::touchEvent(&rPage, s_pScreen).press(0, Link, &rPage);
+    QTest::touchEvent(&rPage, s_pScreen).release(0, Link, &rPage);
+    EXPECT_THAT(GetText(), Not(HasSubstr("What you see")));
 }
 
 TEST_F(HelpPaneTest, AHelpThatComesLaterIsFound) {
