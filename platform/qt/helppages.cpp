@@ -125,7 +125,7 @@ QString MakeFound(const CCompiledHelp& rHelp, const QString& rWords) {
             Found.push_back({Page, Title, GetExcerpt(Plain, Words.front()), HasAll(FoldedTitle)});
         }
     }
-    std::ranges::stable_partition(Found, [](const CFound& rFound) { return rFound.m_bInTitle; });
+    std::stable_partition(Found.begin(), Found.end(), [](const CFound& rFound) { return rFound.m_bInTitle; });
     QString Body;
     for (const CFound& rFound : Found) {
         Body += "<p class=\"entry\">" + MakeLink(rFound.m_Page, rFound.m_Title) + "<br>" +
