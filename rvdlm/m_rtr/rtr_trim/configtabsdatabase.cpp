@@ -177,7 +177,7 @@ CStoreOutcome CPreBalConfigTabs::WriteCurrentScrewTable() {
     TakeScrews();
     const int Written = m_pDatabase->WriteScrewTable();
     RV_ASSERT_AS(g_pLog, Written, "m_pDatabase->WriteScrewTable()", "WriteScrewTable failed!", false);
-    const CStoreOutcome Outcome = m_pDatabase->GetOutcome();
+    CStoreOutcome Outcome = m_pDatabase->GetOutcome();
     SaveMessages::TellScrewTable(m_ScrewTableName, Outcome);
     m_bScrewTableSaved = Written != 0;
     return Outcome;

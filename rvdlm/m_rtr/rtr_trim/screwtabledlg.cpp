@@ -37,7 +37,7 @@ CScrewTableDlg::CScrewTableDlg(CPreBalConfigTabs& rTabs)
 LRESULT CScrewTableDlg::WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) {
     switch (Message) {
         case WM_CREATE:
-            OnCreate();
+            CreateControls();
             break;
         case WM_SIZE:
             OnSize();
@@ -56,7 +56,7 @@ LRESULT CScrewTableDlg::WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) {
     return CDialog::WindowProc(Message, wParam, lParam);
 }
 
-void CScrewTableDlg::OnCreate() {
+void CScrewTableDlg::CreateControls() {
     m_Name.CreateOn(*this, GetText("MASS_TABLE"));
     m_Table.SetColumns({{CFlexTable::eString, GetText("NAME"), ""},
                         {CFlexTable::eDouble, GetText("REFERENCE_WEIGHT"), eUnit}});

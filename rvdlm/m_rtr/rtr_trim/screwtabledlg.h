@@ -51,7 +51,7 @@ protected:
     LRESULT WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) override;
 
 private:
-    void OnCreate();
+    void CreateControls();
     void OnSize();
     void OnShown();
     void OnNotify(const CWndNotification& rNotification);
