@@ -18,6 +18,7 @@
 
 using namespace PreBalDB;
 using testing::AllOf;
+using testing::AnyOf;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -218,7 +219,10 @@ TEST_F(CStoreFileTest, AServerThatNeverAnswersIsToldInTime) {
     const CFrozenServer Server;
     std::string Error;
     EXPECT_LT(Measure([&] { Error = GetOpeningError(Server.GetUrl()); }), eLongest);
-    EXPECT_THAT(Error, AllOf(HasSubstr("/plant"), Not(HasSubstr("secret"))));
+    // The driver gives up first, and names the server; on a machine that is very busy the patience may end
+    // before.
+    EXPECT_THAT(Error, AllOf(AnyOf(HasSubstr("/plant"), HasSubstr("no answer within 3 s")),
+                             Not(HasSubstr("secret"))));
     // However patient the URL is.
     EXPECT_LT(Measure([&] { Error = GetOpeningError(Server.GetUrl("?connect_timeout=20")); }), eLongest);
     EXPECT_THAT(Error, HasSubstr("no answer within 3 s"));
