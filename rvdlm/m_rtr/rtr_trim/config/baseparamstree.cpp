@@ -45,7 +45,7 @@ void CBaseParamsTree::SetConfig(const CPreBalBaseTableEntry& rEntry, BalancingMo
                                 const Base::CStringArray& rScrewTableNames) {
     m_pTargetFromNC.reset();
     m_pTargetFromNC = LinkSetting<CPreBalInterfaceFromNcTargetUnbalance>(
-        "CBaseParamsTree::CPreBalInterfaceFromNcTargetUnbalance",
+        "CBaseParamsTree::CPreBalInterfaceFromNCTargetUnbalance",
         static_cast<CPreBalTargetUnbalanceInterface*>(this));
     ShowHeading(BalMode);
     m_IsCalibrated = rEntry.IsCalibrated();
