@@ -17,6 +17,10 @@ constexpr std::uint32_t WM_RV_QUERYPROGRESS = 1152;  ///< lParam a CPreBalProgre
 constexpr std::uint32_t WM_RV_STORECHANGED = 1153;
 constexpr std::uint32_t WM_RV_QUERYCONFIGURATION =
     1154;  ///< lParam a CShownConfiguration to fill (shownconfiguration.h)
+constexpr std::uint32_t WM_RV_LANGUAGECHANGED =
+    1155;  ///< every text is to be shown in the language in use now
+constexpr std::uint32_t WM_RV_QUERYREADINGS =
+    1156;  ///< lParam a CArrivedReadings to fill (arrivedreadings.h)
 
 // Module to host.
 constexpr std::uint32_t WM_RV_HELPORMENU = 1065;  ///< wParam page (pages.h), lParam 0 or 1

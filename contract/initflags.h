@@ -4,12 +4,12 @@
 /// The bit field of message 1045 (WM_RV_INITWINDOW), by which the host says what module a window works on.
 class CInitFlags {
 public:
-    static constexpr std::uint8_t eNoSlave = 255;
-    static constexpr std::uint8_t eKestrel = 1;
-    static constexpr std::uint8_t eKestrelAlso = 2;
-    static constexpr std::uint8_t eLanner = 9;
+    static constexpr std::uint8_t NO_SLAVE = 255;
+    static constexpr std::uint8_t KESTREL = 1;
+    static constexpr std::uint8_t KESTREL_ALSO = 2;
+    static constexpr std::uint8_t LANNER = 9;
     /// Hardware that serves plane 2.
-    static constexpr std::uint8_t ePlane2Hardware = 5;
+    static constexpr std::uint8_t PLANE2_HARDWARE = 5;
 
     explicit constexpr CInitFlags(std::intptr_t Value) : m_Value(static_cast<std::uint32_t>(Value)) {}
     /// BalancingMode: 0 plane 1, 1 plane 2, 2 both planes.
@@ -27,19 +27,19 @@ public:
         return static_cast<std::uint8_t>(m_Value >> SLAVE_SHIFT);
     }
     /// Neither 0, which is no module's address, nor 255, which says so, names a slave.
-    constexpr bool HasSlave() const { return GetSlaveAddress() != 0 && GetSlaveAddress() != eNoSlave; }
+    constexpr bool HasSlave() const { return GetSlaveAddress() != 0 && GetSlaveAddress() != NO_SLAVE; }
     constexpr std::uint8_t GetIdentification() const {
         return static_cast<std::uint8_t>(m_Value >> IDENTIFICATION_SHIFT);
     }
     constexpr bool IsKestrel() const {
-        return GetIdentification() == eKestrel || GetIdentification() == eKestrelAlso;
+        return GetIdentification() == KESTREL || GetIdentification() == KESTREL_ALSO;
     }
-    constexpr bool IsLanner() const { return GetIdentification() == eLanner; }
+    constexpr bool IsLanner() const { return GetIdentification() == LANNER; }
     constexpr std::uint8_t GetHardwareType() const {
         return static_cast<std::uint8_t>(m_Value >> HARDWARE_SHIFT);
     }
     /// Plane that a module serves, by the hardware it sits in: 1 for type 5, else 0.
-    constexpr int GetPlane() const { return GetHardwareType() == ePlane2Hardware ? 1 : 0; }
+    constexpr int GetPlane() const { return GetHardwareType() == PLANE2_HARDWARE ? 1 : 0; }
 
 private:
     static constexpr std::uint32_t MODE_MASK = 0xF;            // bits 0 to 3

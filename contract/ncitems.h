@@ -10,6 +10,8 @@ inline constexpr const char* WARNING = "PreBalInterfaceToNCWarnings";          /
 inline constexpr const char* TEST_WEIGHT = "PreBalInterfaceFromNcTestWeight";  ///< grams
 inline constexpr const char* TARGET_UNBALANCE = "PreBalInterfaceFromNCTargetUnbalance";
 inline constexpr const char* ROTATION_DIRECTION = "PreBalInterfaceFromNcRotationDirection";
+/// A text: whose run this is. Not the module's: the host takes it for the archive.
+inline constexpr const char* ROTOR_NAME = "PreBalInterfaceFromNcRotorName";
 /// With "NC": deliberately another key than the direction's own. The module looks at this one when it decides
 /// whether to connect; a link item configured for the one doesn't serve for the other.
 inline constexpr const char* ROTATION_DIRECTION_CONNECTS = "PreBalInterfaceFromNCRotationDirection";

@@ -8,12 +8,12 @@
 
 /// A notification as the NC gets it: step, action, then per plane angle and weight of three corrections.
 struct CNcNotification : CPreBalCodes {
-    static constexpr std::size_t eSize = 14;
-    static constexpr std::size_t eCorrections = 3;
+    static constexpr std::size_t SIZE = 14;
+    static constexpr std::size_t CORRECTIONS = 3;
 
     /// Where a correction's angle stands; its weight follows. Plane and correction count from 0.
     static constexpr std::size_t GetPlace(std::size_t Plane, std::size_t Correction) {
-        return 2 + 2 * (Plane * eCorrections + Correction);
+        return 2 + 2 * (Plane * CORRECTIONS + Correction);
     }
 
     std::int32_t GetStep() const { return m_Values[0]; }
@@ -21,7 +21,7 @@ struct CNcNotification : CPreBalCodes {
     /// Angles of a plane's corrections in degrees, those in use only. Plane counts from 0.
     std::vector<int> GetAngles(std::size_t Plane) const {
         std::vector<int> Angles;
-        for (std::size_t i = 0; i < eCorrections; ++i) {
+        for (std::size_t i = 0; i < CORRECTIONS; ++i) {
             const std::int32_t Angle = GetAngle(Plane, i);
             if (Angle >= 0) {
                 Angles.push_back(Angle);
@@ -41,5 +41,5 @@ struct CNcNotification : CPreBalCodes {
         return rLeft.m_Values == rRight.m_Values;
     }
 
-    std::array<std::int32_t, eSize> m_Values{};
+    std::array<std::int32_t, SIZE> m_Values{};
 };

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "contract/measurement.h"
+
 /// Where a running procedure stands, for the host: its report, its progress line, a reader for people who
 /// can't see the page. Filled by the module's window on message WM_RV_QUERYPROGRESS with a pointer to this in
 /// lParam; the message answers 1 when a procedure runs, else 0 with the record unchanged.
@@ -29,6 +31,22 @@ struct CPreBalProgress {
         double m_AngleDeg = 0.0;
     };
     std::array<CReading, 2> m_Readings;
+    /// How far the measurement under way has come. Nothing of it means anything without one.
+    struct CMeasuring {
+        Measurement m_Which = Measurement::eNone;
+        std::uint32_t m_TargetRPM = 0;  ///< centre of the speed window
+        std::uint32_t m_RPMTolerance = 0;
+        bool m_bAtSpeed = false;
+        bool m_bLocked = false;
+        /// Speed and lock have held long enough: samples are taken.
+        bool m_bSampling = false;
+        /// Samples in a row that were taken in lock and at speed, in the plane that has fewer, and how many
+        /// make an average; one comes every m_SamplePeriod ms.
+        std::uint32_t m_nAveraged = 0;
+        std::uint32_t m_nNeeded = 0;
+        std::uint32_t m_SamplePeriod = 0;
+    };
+    CMeasuring m_Measuring;
     /// A screw that the procedure shows.
     struct CShownScrew {
         std::uint32_t m_Hole = 0;  ///< from 1, clockwise as seen from the plane's end, whatever the scale

@@ -27,7 +27,11 @@ CCompiledHelp::CCompiledHelp(const std::string& rFile, int Limit) {
         return;
     }
     const std::optional<std::vector<char>> Sent = Unpacking::Run(rFile, Limit);
-    if (Sent && Take(*Sent)) {
+    *this = CCompiledHelp(Sent ? std::span<const char>(*Sent) : std::span<const char>());
+}
+
+CCompiledHelp::CCompiledHelp(std::span<const char> Sent) {
+    if (Take(Sent)) {
         m_State = State::eRead;
     } else {
         m_Objects.clear();

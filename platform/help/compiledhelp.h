@@ -18,11 +18,13 @@ public:
         eRead
     };
     /// Ms that unpacking may take. What a console shows takes a hundredth of that.
-    static constexpr int eLimit = 2000;
+    static constexpr int LIMIT = 2000;
 
     CCompiledHelp() = default;
     /// Reads a file, its path in the system's form.
-    explicit CCompiledHelp(const std::string& rFile, int Limit = eLimit);
+    explicit CCompiledHelp(const std::string& rFile, int Limit = LIMIT);
+    /// Takes what the other process has sent.
+    explicit CCompiledHelp(std::span<const char> Sent);
 
     State GetState() const { return m_State; }
     /// An object by its name, "/PB_001.htm" or "PB_001.htm", upper or lower case; null if there is none. It
@@ -38,7 +40,7 @@ private:
         std::string m_Name;  ///< as the file spells it
         std::string m_Contents;
     };
-    /// Takes what the other process has sent. False if it isn't whole.
+    /// False if it isn't whole.
     bool Take(std::span<const char> Sent);
 
     State m_State = State::eMissing;

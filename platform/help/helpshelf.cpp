@@ -10,7 +10,7 @@ namespace HelpShelf {
 namespace {
 
 /// As many as there are languages on show at one time.
-constexpr std::size_t eMost = 2;
+constexpr std::size_t MOST = 2;
 
 struct CVolume {
     std::string m_File;
@@ -50,7 +50,7 @@ std::shared_ptr<const CCompiledHelp> Take(const std::string& rFile) {
     Now.m_pHelp = std::make_shared<const CCompiledHelp>(rFile);
     std::erase_if(s_Volumes, [&](const CVolume& rVolume) { return rVolume.m_File == rFile; });
     s_Volumes.push_back(Now);
-    if (s_Volumes.size() > eMost) {
+    if (s_Volumes.size() > MOST) {
         s_Volumes.pop_front();
     }
     return Now.m_pHelp;

@@ -15,7 +15,7 @@ namespace {
 std::string_view GetAttribute(std::string_view Tag, const std::string& Name) {
     const std::string Wanted = Name + "=\"";
     for (std::size_t i = 1; i + Wanted.size() <= Tag.size(); ++i) {
-        if (Text::c_WhiteSpace.find(Tag[i - 1]) != std::string_view::npos &&
+        if (Text::WHITE_SPACE.find(Tag[i - 1]) != std::string_view::npos &&
             Text::EqualNoCase(Tag.substr(i, Wanted.size()), Wanted)) {
             const std::string_view Value = Tag.substr(i + Wanted.size());
             return Value.substr(0, Value.find('"'));
@@ -25,13 +25,13 @@ std::string_view GetAttribute(std::string_view Tag, const std::string& Name) {
 }
 
 std::string Unescape(std::string_view Value) {
-    static constexpr std::array<std::pair<std::string_view, char>, 4> Entities = {
+    static constexpr std::array<std::pair<std::string_view, char>, 4> ENTITIES = {
         {{"&quot;", '"'}, {"&lt;", '<'}, {"&gt;", '>'}, {"&amp;", '&'}}};
     std::string Result;
     while (!Value.empty()) {
         const auto* const pFound = std::ranges::find_if(
-            Entities, [Value](const auto& rEntity) { return Value.starts_with(rEntity.first); });
-        const bool bFound = pFound != Entities.end();
+            ENTITIES, [Value](const auto& rEntity) { return Value.starts_with(rEntity.first); });
+        const bool bFound = pFound != ENTITIES.end();
         Result += bFound ? pFound->second : Value.front();
         Value.remove_prefix(bFound ? pFound->first.size() : 1);
     }
@@ -42,7 +42,7 @@ bool IsTag(std::string_view Tag, std::string_view Name) {
     if (!Text::EqualNoCase(Tag.substr(0, Name.size()), Name)) {
         return false;
     }
-    return Tag.size() == Name.size() || Text::c_WhiteSpace.find(Tag[Name.size()]) != std::string_view::npos;
+    return Tag.size() == Name.size() || Text::WHITE_SPACE.find(Tag[Name.size()]) != std::string_view::npos;
 }
 
 }  // namespace
@@ -53,7 +53,7 @@ std::vector<CEntry> Parse(const std::string& rFile) {
     CEntry Entry;
     int nDepth = -1;
     std::size_t nBegin = File.find('<');
-    while (nBegin != std::string_view::npos && Entries.size() < eMaxEntries) {
+    while (nBegin != std::string_view::npos && Entries.size() < MAX_ENTRIES) {
         const std::size_t nEnd = File.find('>', nBegin);
         if (nEnd == std::string_view::npos) {
             break;
@@ -73,7 +73,7 @@ std::vector<CEntry> Parse(const std::string& rFile) {
                 Entry.m_Page = Unescape(GetAttribute(Tag, "value"));
             }
         } else if (IsTag(Tag, "/object") && !Entry.m_Name.empty()) {
-            Entry.m_nDepth = std::clamp(nDepth, 0, eMaxDepth);
+            Entry.m_nDepth = std::clamp(nDepth, 0, MAX_DEPTH);
             Entries.push_back(std::exchange(Entry, {}));
         }
         nBegin = File.find('<', nEnd);

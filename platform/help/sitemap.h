@@ -13,8 +13,8 @@ struct CEntry {
 };
 
 /// Most entries, and deepest list, that are taken of a file.
-constexpr std::size_t eMaxEntries = 10000;
-constexpr int eMaxDepth = 10;
+constexpr std::size_t MAX_ENTRIES = 10000;
+constexpr int MAX_DEPTH = 10;
 
 /// In the file's order. What can't be understood is left out.
 std::vector<CEntry> Parse(const std::string& rFile);

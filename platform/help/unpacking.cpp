@@ -45,7 +45,7 @@ int SendObject(chmFile* pFile, chmUnitInfo* pUnit, void* pContext) {
     if (!bOfTheHelp) {
         return CHM_ENUMERATOR_CONTINUE;
     }
-    if (pUnit->length > eMaxObject) {
+    if (pUnit->length > MAX_OBJECT) {
         return CHM_ENUMERATOR_FAILURE;
     }
     std::vector<unsigned char> Contents(static_cast<std::size_t>(pUnit->length));
@@ -106,7 +106,7 @@ bool ReceiveAll(int Pipe, int Limit, std::vector<char>& rSent) {
         }
         if (nRead > 0) {
             rSent.insert(rSent.end(), Block.begin(), Block.begin() + nRead);
-            if (rSent.size() > eMaxTotal) {
+            if (rSent.size() > MAX_TOTAL) {
                 return false;
             }
         } else if (errno != EINTR) {

@@ -17,8 +17,8 @@ struct CHeader {
 constexpr CHeader END{0xFFFFFFFF, 0xFFFFFFFF};
 
 /// Most bytes that are taken, of one object and of all together.
-constexpr std::size_t eMaxObject = std::size_t{16} << 20U;
-constexpr std::size_t eMaxTotal = std::size_t{64} << 20U;
+constexpr std::size_t MAX_OBJECT = std::size_t{16} << 20U;
+constexpr std::size_t MAX_TOTAL = std::size_t{64} << 20U;
 
 /// What the process has sent; nothing if it failed, sent too much, or took longer than Limit ms.
 std::optional<std::vector<char>> Run(const std::string& rFile, int Limit);

@@ -1,7 +1,11 @@
 #include "platform/window/bitmap.h"
 
+#include <QBuffer>
+#include <QHash>
+#include <QImage>
 #include <algorithm>
 #include <cmath>
+#include <optional>
 #include <utility>
 
 #include "platform/qt/bitmapimpl.h"
@@ -72,6 +76,51 @@ bool CBitmap::operator==(const CBitmap& rOther) const {
 
 bool CBitmap::SavePng(const std::string& rPath) const {
     return m_pImpl->GetImage().save(QString::fromStdString(rPath), "PNG");
+}
+
+namespace {
+
+/// The same picture with a palette, colours rounded to so many bits a channel; nothing if these are too many.
+std::optional<QImage> WithPalette(const QImage& rImage, unsigned nBits) {
+    constexpr qsizetype LARGEST = 256;
+    const QRgb Kept = (0xFFU << (8U - nBits)) & 0xFFU;
+    const QRgb Mask = 0xFF000000U | Kept << 16U | Kept << 8U | Kept;
+    QImage Result(rImage.size(), QImage::Format_Indexed8);
+    QList<QRgb> Colours;
+    QHash<QRgb, unsigned char> Places;
+    for (int y = 0; y < rImage.height(); ++y) {
+        const auto* const pFrom = reinterpret_cast<const QRgb*>(rImage.constScanLine(y));
+        unsigned char* const pTo = Result.scanLine(y);
+        for (int x = 0; x < rImage.width(); ++x) {
+            auto Place = Places.constFind(pFrom[x] & Mask);
+            if (Place == Places.constEnd()) {
+                if (Colours.size() == LARGEST) {
+                    return std::nullopt;
+                }
+                Place = Places.insert(pFrom[x] & Mask, static_cast<unsigned char>(Colours.size()));
+                Colours.push_back(pFrom[x]);  // the first of its like stands for all
+            }
+            pTo[x] = *Place;
+        }
+    }
+    Result.setColorTable(Colours);
+    return Result;
+}
+
+}  // namespace
+
+std::vector<unsigned char> CBitmap::ToPng() const {
+    const QImage Full = m_pImpl->GetImage().convertToFormat(QImage::Format_RGB32);
+    std::optional<QImage> Small;
+    for (unsigned nBits = 8; !Small && nBits >= 3; --nBits) {
+        Small = WithPalette(Full, nBits);
+    }
+    QByteArray Bytes;
+    QBuffer Buffer(&Bytes);
+    if (!Buffer.open(QIODevice::WriteOnly) || !Small.value_or(Full).save(&Buffer, "PNG")) {
+        return {};
+    }
+    return {Bytes.begin(), Bytes.end()};
 }
 
 bool CBitmap::LoadPng(const std::string& rPath) {

@@ -36,8 +36,8 @@ void CEditWidget::FollowState(const CEdit& rEdit) {
     const QString Text = QString::fromStdString(rEdit.GetWindowText());
     setReadOnly(rEdit.IsReadOnly());
     setFrame((rEdit.GetStyle() & WS_BORDER) != 0);
-    constexpr int eNoLimit = 32767;
-    const int nLimit = rEdit.GetLimitText() == 0 ? eNoLimit : rEdit.GetLimitText();
+    constexpr int NO_LIMIT = 32767;
+    const int nLimit = rEdit.GetLimitText() == 0 ? NO_LIMIT : rEdit.GetLimitText();
     // The program's text may be longer. Not without need: it makes the toolkit forget what can be undone.
     if (const int nMost = std::max(nLimit, static_cast<int>(Text.size())); nMost != maxLength()) {
         setMaxLength(nMost);

@@ -51,12 +51,12 @@ CFontMetric FindFont(const CFont& rFont) {
     // Only numbers are kept: fonts of the toolkit must not outlive the application object.
     using Key = std::tuple<std::string, int, int>;
     static std::map<Key, CFitted> s_Known;
-    constexpr std::size_t eMaxKnown = 1000;
+    constexpr std::size_t MAX_KNOWN = 1000;
 
     const Key Wanted(rFont.m_FaceName, rFont.m_Height, rFont.m_Weight);
     auto Found = s_Known.find(Wanted);
     if (Found == s_Known.end()) {
-        if (s_Known.size() == eMaxKnown) {
+        if (s_Known.size() == MAX_KNOWN) {
             s_Known.clear();
         }
         Found = s_Known.emplace(Wanted, Fit(rFont)).first;

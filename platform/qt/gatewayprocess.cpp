@@ -18,7 +18,7 @@ namespace {
 CLogComponent* g_pLog = CLogComponent::Register("rvOPC", {});
 
 /// A gateway closes its session with the server before it ends.
-constexpr int eEndTimeout = 1500;
+constexpr int END_TIMEOUT = 1500;
 
 QString FindRuntimeDirectory() {
     const QString Runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
@@ -39,7 +39,7 @@ public:
     }
     ~CGatewayProcess() override {
         m_Server.close();
-        End(eEndTimeout);
+        End(END_TIMEOUT);
     }
     CGatewayProcess(const CGatewayProcess&) = delete;
     CGatewayProcess& operator=(const CGatewayProcess&) = delete;
@@ -174,7 +174,7 @@ void CGatewayProcess::End(int Timeout) {
         if (pProcess->state() != QProcess::NotRunning &&
             !(Timeout > 0 && pProcess->waitForFinished(Timeout))) {
             pProcess->kill();
-            pProcess->waitForFinished(eEndTimeout);
+            pProcess->waitForFinished(END_TIMEOUT);
         }
         pProcess->deleteLater();
     }

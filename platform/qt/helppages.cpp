@@ -64,12 +64,12 @@ QString GetTitle(const QString& rHtml, const QString& rPage) {
 
 /// The words around the place where the first one stands.
 QString GetExcerpt(const QString& rText, const QString& rWord) {
-    constexpr qsizetype eBefore = 40;
-    constexpr qsizetype eLength = 120;
+    constexpr qsizetype BEFORE = 40;
+    constexpr qsizetype LENGTH = 120;
     const qsizetype nFound = std::max<qsizetype>(rText.indexOf(rWord, 0, Qt::CaseInsensitive), 0);
-    qsizetype nBegin = nFound <= eBefore ? 0 : rText.lastIndexOf(' ', nFound - eBefore) + 1;
-    return (nBegin > 0 ? "… " : "") + rText.mid(nBegin, eLength).trimmed() +
-           (nBegin + eLength < rText.size() ? " …" : "");
+    qsizetype nBegin = nFound <= BEFORE ? 0 : rText.lastIndexOf(' ', nFound - BEFORE) + 1;
+    return (nBegin > 0 ? "… " : "") + rText.mid(nBegin, LENGTH).trimmed() +
+           (nBegin + LENGTH < rText.size() ? " …" : "");
 }
 
 }  // namespace

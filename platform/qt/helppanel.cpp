@@ -29,9 +29,9 @@ constexpr const char* INDEX = "index";
 const QString FOUND = "found/";  // and the words
 
 /// To be hit by a finger.
-constexpr int eButtonHeight = 32;
+constexpr int BUTTON_HEIGHT = 32;
 /// Most pixels of a picture, each way: a damaged one may name any.
-constexpr int eMostPixels = 4000;
+constexpr int MOST_PIXELS = 4000;
 
 QString Text(const char* pKey) {
     return QString::fromStdString(GetText(pKey));
@@ -110,7 +110,7 @@ QVariant CHelpPanel::CPage::LoadPicture(const std::string& rContents) {
     QBuffer Buffer(&Bytes);
     QImageReader Reader(&Buffer);
     const QSize Size = Reader.size();
-    if (!Size.isValid() || Size.width() > eMostPixels || Size.height() > eMostPixels) {
+    if (!Size.isValid() || Size.width() > MOST_PIXELS || Size.height() > MOST_PIXELS) {
         return GetEmptyPicture();
     }
     const int nRoom = qMax(m_nPictureWidth - 2 * static_cast<int>(document()->documentMargin()), 1);
@@ -171,7 +171,7 @@ CHelpPanel::CHelpPanel(QWidget* pParent) : QWidget(pParent), m_pHelp(std::make_s
     m_pContents = MakeButton();
     m_pIndex = MakeButton();
     m_pSearch = new QLineEdit(this);
-    m_pSearch->setMinimumHeight(eButtonHeight);
+    m_pSearch->setMinimumHeight(BUTTON_HEIGHT);
     m_pSearch->setMinimumWidth(60);
     m_pSearch->setClearButtonEnabled(true);
     m_pSearch->setFocusPolicy(Qt::ClickFocus);
@@ -198,7 +198,7 @@ CHelpPanel::CHelpPanel(QWidget* pParent) : QWidget(pParent), m_pHelp(std::make_s
 
 QToolButton* CHelpPanel::MakeButton() {
     auto* const pButton = new QToolButton(this);
-    pButton->setMinimumSize(eButtonHeight, eButtonHeight);
+    pButton->setMinimumSize(BUTTON_HEIGHT, BUTTON_HEIGHT);
     pButton->setAutoRaise(true);
     pButton->setFocusPolicy(Qt::NoFocus);
     return pButton;
@@ -239,7 +239,7 @@ void CHelpPanel::ShowAddress(const std::string& rUrl) {
 void CHelpPanel::Go(const QUrl& rSource) {
     if (!m_Source.isEmpty() && m_Source != rSource) {
         m_Places.push_back({m_Source, m_pPage->verticalScrollBar()->value()});
-        if (m_Places.size() > eMostPlaces) {
+        if (m_Places.size() > MOST_PLACES) {
             m_Places.pop_front();
         }
     }
@@ -331,7 +331,8 @@ bool CHelpPanel::focusNextPrevChild(bool bNext) {
         if (Stops[i] != pFocus) {
             continue;
         }
-        for (std::size_t Next = bNext ? i + 1 : i - 1; Next < Stops.size(); Next += bNext ? 1 : -1) {
+        for (std::size_t Next = bNext ? i + 1 : i - 1; Next < Stops.size();
+             Next = bNext ? Next + 1 : Next - 1) {
             if (Stops[Next]->isEnabled()) {
                 Stops[Next]->setFocus(bNext ? Qt::TabFocusReason : Qt::BacktabFocusReason);
                 return true;

@@ -65,7 +65,7 @@ private:
         QUrl m_Source;
         int m_nScrolled = 0;
     };
-    static constexpr std::size_t eMostPlaces = 50;
+    static constexpr std::size_t MOST_PLACES = 50;
 
     static QUrl GetContentsUrl();
     void SetTexts();

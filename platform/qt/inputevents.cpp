@@ -18,7 +18,7 @@ struct CKeyEntry {
     UINT m_VirtualKey;
 };
 
-constexpr std::array c_Keys{
+constexpr std::array KEYS{
     CKeyEntry{Qt::Key_Backspace, VK_BACK},  CKeyEntry{Qt::Key_Tab, VK_TAB},
     CKeyEntry{Qt::Key_Backtab, VK_TAB},     CKeyEntry{Qt::Key_Return, VK_RETURN},
     CKeyEntry{Qt::Key_Enter, VK_RETURN},    CKeyEntry{Qt::Key_Shift, VK_SHIFT},
@@ -31,7 +31,7 @@ constexpr std::array c_Keys{
     CKeyEntry{Qt::Key_Insert, VK_INSERT},   CKeyEntry{Qt::Key_Delete, VK_DELETE},
 };
 
-constexpr std::array c_PadKeys{
+constexpr std::array PAD_KEYS{
     CKeyEntry{Qt::Key_Asterisk, VK_MULTIPLY}, CKeyEntry{Qt::Key_Plus, VK_ADD},
     CKeyEntry{Qt::Key_Minus, VK_SUBTRACT},    CKeyEntry{Qt::Key_Period, VK_DECIMAL},
     CKeyEntry{Qt::Key_Comma, VK_DECIMAL},     CKeyEntry{Qt::Key_Slash, VK_DIVIDE},
@@ -57,7 +57,7 @@ UINT GetVirtualKey(const QKeyEvent& rEvent) {
         if (const UINT Digit = FindInRow(Key, Qt::Key_0, Qt::Key_9, VK_NUMPAD0); Digit != 0) {
             return Digit;
         }
-        if (const UINT Pad = Find(c_PadKeys, Key); Pad != 0) {
+        if (const UINT Pad = Find(PAD_KEYS, Key); Pad != 0) {
             return Pad;
         }
     }
@@ -70,7 +70,7 @@ UINT GetVirtualKey(const QKeyEvent& rEvent) {
     if (const UINT Function = FindInRow(Key, Qt::Key_F1, Qt::Key_F12, VK_F1); Function != 0) {
         return Function;
     }
-    return Find(c_Keys, Key);
+    return Find(KEYS, Key);
 }
 
 LPARAM GetRepeatParam(const QKeyEvent& rEvent) {

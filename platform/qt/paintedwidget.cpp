@@ -2,6 +2,7 @@
 
 #include <QMouseEvent>
 #include <QPainter>
+#include <QScopedValueRollback>
 #include <QWheelEvent>
 
 #include "platform/qt/bitmapimpl.h"
@@ -63,10 +64,17 @@ void CPaintedWidget::FollowLooks() {
     if (accessibleName().isEmpty()) {
         setAccessibleName(QString::fromStdString(GetWnd()->GetWindowText()));
     }
-    update();
+    if (!m_bPainting) {
+        update();
+    }
 }
 
 void CPaintedWidget::paintEvent(QPaintEvent* /*pEvent*/) {
+    if (GetWnd() != nullptr) {
+        // What fell due while nobody looked.
+        const QScopedValueRollback Painting(m_bPainting, true);
+        GetWnd()->PaintIfDue();
+    }
     QPainter Painter(this);
     const bool bShown = GetWnd() != nullptr && GetWnd()->IsWindowVisible();
     if (!bShown || GetWnd()->GetClientRect().Size() != CSize(width(), height())) {

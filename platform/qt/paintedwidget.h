@@ -20,6 +20,7 @@ protected:
     void leaveEvent(QEvent* pEvent) override;
 
 private:
+    bool m_bPainting = false;
     /// To the window, or to the one of its tree that has the capture.
     void SendMouse(const QMouseEvent& rEvent);
 };

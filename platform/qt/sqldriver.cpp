@@ -1,5 +1,7 @@
 #include "platform/rvmdb/sqldriver.h"
 
+#include <fcntl.h>
+
 #include <QSqlDatabase>
 #include <QSqlDriver>
 #include <QSqlError>
@@ -9,6 +11,8 @@
 #include <QVariant>
 #include <atomic>
 #include <string_view>
+
+#include "platform/system/descriptor.h"
 
 namespace PreBalDB {
 
@@ -103,9 +107,11 @@ public:
     }
     const void* GetServerHandle() const override {
         const QVariant Connection = m_Database.driver()->handle();
-        return Connection.isValid() && std::string_view(Connection.typeName()) == "PGconn*"
-                   ? *static_cast<void* const*>(Connection.constData())
-                   : nullptr;
+        // By the name that the client library gives its type, or by that of the type behind it: which of them
+        // is up to the toolkit's version.
+        const std::string_view Type = Connection.isValid() ? Connection.typeName() : "";
+        return Type == "PGconn*" || Type == "pg_conn*" ? *static_cast<void* const*>(Connection.constData())
+                                                       : nullptr;
     }
 
 private:
@@ -136,6 +142,10 @@ private:
 
 std::unique_ptr<IFSqlDriver> MakeSqliteDriver(const std::string& rPath, int BusyTimeout) {
     auto pDriver = std::make_unique<CSqlDriver>("QSQLITE", "libqt6sql6-sqlite");
+    // A new one is the group's, too, as all files are; SQLite wouldn't have it so. Its journals follow the
+    // file.
+    constexpr mode_t MODE = 0660;
+    const CDescriptor New(::open(rPath.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, MODE));
     pDriver->GetDatabase().setDatabaseName(QString::fromStdString(rPath));
     pDriver->GetDatabase().setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=%1").arg(BusyTimeout));
     return pDriver;

@@ -21,9 +21,7 @@ void DrawArrowButton(QPainter& rPainter, QStyleOptionButton& rOption, QStyle::Pr
     rStyle.drawPrimitive(Arrow, &rOption, &rPainter);
 }
 
-}  // namespace
-
-QPalette GetSystemPalette() {
+QPalette MakeSystemPalette() {
     QPalette Palette(ToQt(GetSysColor(SysColor::eFace)));
     Palette.setColor(QPalette::Base, ToQt(GetSysColor(SysColor::eWindow)));
     for (const auto Role : {QPalette::Text, QPalette::WindowText, QPalette::ButtonText}) {
@@ -34,6 +32,18 @@ QPalette GetSystemPalette() {
     Palette.setColor(QPalette::Highlight, ToQt(GetSysColor(SysColor::eSelection)));
     Palette.setColor(QPalette::HighlightedText, ToQt(GetSysColor(SysColor::eSelectionText)));
     return Palette;
+}
+
+}  // namespace
+
+// A style keeps the pictures of what it has drawn by the palette that it was given: with a new one each time
+// it would draw everything anew, and fill its cache with pictures that nobody asks for again.
+QPalette GetSystemPalette() {
+    static QPalette s_Palette;
+    if (const QPalette Palette = MakeSystemPalette(); Palette != s_Palette) {
+        s_Palette = Palette;
+    }
+    return s_Palette;
 }
 
 void DrawStylePart(QPainter& rPainter, const QRect& rRect, CDC::Part Kind, CDC::CPartState State) {

@@ -46,14 +46,17 @@ public:
         return IsOpen() && m_pSocket != nullptr &&
                m_pSocket->write(reinterpret_cast<const char*>(Bytes.data()), nSize) == nSize;
     }
+    LinkTrouble GetTrouble() const override { return m_Trouble; }
 
 protected:
     void TakeSocket(std::unique_ptr<QTcpSocket> pSocket) {
         m_pSocket = std::move(pSocket);
         QTcpSocket* pTaken = m_pSocket.get();
         QObject::connect(pTaken, &QTcpSocket::readyRead, [this] { ReadAll(); });
-        QObject::connect(pTaken, &QTcpSocket::errorOccurred,
-                         [this](QAbstractSocket::SocketError) { Lose(); });
+        QObject::connect(pTaken, &QTcpSocket::errorOccurred, [this](QAbstractSocket::SocketError Error) {
+            m_Trouble = ToTrouble(Error);
+            Lose();
+        });
     }
     void Connected() {
         m_bConnected = true;
@@ -92,8 +95,26 @@ private:
         PostClosed(std::move(Reason));
     }
 
+    static LinkTrouble ToTrouble(QAbstractSocket::SocketError Error) {
+        switch (Error) {
+            case QAbstractSocket::ConnectionRefusedError:
+                return LinkTrouble::eRefused;
+            case QAbstractSocket::HostNotFoundError:
+                return LinkTrouble::eNoSuchHost;
+            case QAbstractSocket::NetworkError:
+                return LinkTrouble::eUnreachable;
+            case QAbstractSocket::SocketTimeoutError:
+                return LinkTrouble::eNoAnswer;
+            case QAbstractSocket::RemoteHostClosedError:
+                return LinkTrouble::eClosed;
+            default:
+                return LinkTrouble::eOther;
+        }
+    }
+
     std::unique_ptr<QTcpSocket> m_pSocket;
     bool m_bConnected = false;
+    LinkTrouble m_Trouble = LinkTrouble::eOther;
 };
 
 /// The calling side.
@@ -138,6 +159,11 @@ public:
         DropSocket();
         m_Server.close();
         Restart();
+    }
+    void Sever() override {
+        // A free port that was taken is where the other end looks for it again.
+        m_Port = m_Server.isListening() ? m_Server.serverPort() : m_Port;
+        Close();
     }
     /// With the port that was taken, once it listens.
     std::string GetName() const override {

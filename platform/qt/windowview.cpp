@@ -79,6 +79,10 @@ void CWindowView::FollowVisibility(CWnd& rWnd) {
     }
 }
 
+bool CWindowView::IsLookedAt() const {
+    return isVisible() && updatesEnabled() && !window()->isMinimized();
+}
+
 void CWindowView::OnWindowChanged(CWnd& rWnd) {
     if (&rWnd != GetWnd()) {
         Provide(rWnd).Follow();

@@ -18,6 +18,7 @@ public:
     /// The widget that stands for a window of the tree; null if there is none.
     QWidget* FindWidget(const CWnd& rWnd) const;
 
+    bool IsLookedAt() const override;
     void OnWindowChanged(CWnd& rWnd) override;
     void OnWindowDestroyed(CWnd& rWnd) override;
     void OnChildDestroyed(CWnd& rWnd) override;

@@ -7,24 +7,24 @@
 
 namespace {
 
-constexpr std::uint32_t eDefaultBaud = 115200;
-constexpr std::uint32_t eMaxBaud = 4000000;
+constexpr std::uint32_t DEFAULT_BAUD = 115200;
+constexpr std::uint32_t MAX_BAUD = 4000000;
 
-constexpr std::string_view SerialPrefix = "serial:";
-constexpr std::string_view TcpPrefix = "tcp:";
-constexpr std::string_view PtyPrefix = "pty:";
+constexpr std::string_view SERIAL_PREFIX = "serial:";
+constexpr std::string_view TCP_PREFIX = "tcp:";
+constexpr std::string_view PTY_PREFIX = "pty:";
 
 std::unique_ptr<IFByteLink> FromSerial(std::string_view Text, std::string& rError) {
     // Device paths may hold colons themselves (/dev/serial/by-path/...): only digits behind the last are a
     // rate.
     std::string_view Path = Text;
-    std::uint32_t Baud = eDefaultBaud;
+    std::uint32_t Baud = DEFAULT_BAUD;
     if (const std::size_t Colon = Text.rfind(':'); Colon != std::string_view::npos) {
         const std::string_view Tail = Text.substr(Colon + 1);
         if (Tail.find_first_not_of("0123456789") == std::string_view::npos) {
             Path = Text.substr(0, Colon);
             const auto Given = ToNumber(Tail);
-            if (!Given || *Given == 0 || *Given > eMaxBaud) {
+            if (!Given || *Given == 0 || *Given > MAX_BAUD) {
                 rError = "\"" + std::string(Tail) +
                          "\" is no baud rate; give 1 to 4000000, or leave it out for 115200";
                 return nullptr;
@@ -44,11 +44,11 @@ std::unique_ptr<IFByteLink> FromSerial(std::string_view Text, std::string& rErro
 std::unique_ptr<IFByteLink> MakeByteLink(const std::string& rDescription, std::string& rError) {
     rError.clear();
     const std::string_view Text = rDescription;
-    if (Text.starts_with(SerialPrefix)) {
-        return FromSerial(Text.substr(SerialPrefix.size()), rError);
+    if (Text.starts_with(SERIAL_PREFIX)) {
+        return FromSerial(Text.substr(SERIAL_PREFIX.size()), rError);
     }
-    if (Text.starts_with(TcpPrefix)) {
-        const auto Endpoint = ToEndpoint(Text.substr(TcpPrefix.size()), 1);
+    if (Text.starts_with(TCP_PREFIX)) {
+        const auto Endpoint = ToEndpoint(Text.substr(TCP_PREFIX.size()), 1);
         if (!Endpoint) {
             rError = "\"" + rDescription +
                      "\" names no host and port; give for example tcp:192.168.0.10:4001, " +
@@ -64,8 +64,8 @@ std::unique_ptr<IFByteLink> MakeByteLink(const std::string& rDescription, std::s
 std::unique_ptr<IFByteLink> MakeListeningLink(const std::string& rDescription, std::string& rError) {
     rError.clear();
     const std::string_view Text = rDescription;
-    if (Text.starts_with(TcpPrefix)) {
-        const auto Endpoint = ToEndpoint(Text.substr(TcpPrefix.size()), 0);
+    if (Text.starts_with(TCP_PREFIX)) {
+        const auto Endpoint = ToEndpoint(Text.substr(TCP_PREFIX.size()), 0);
         if (!Endpoint) {
             rError = "\"" + rDescription +
                      "\" names no host and port; give for example tcp:127.0.0.1:4001, " +
@@ -74,8 +74,8 @@ std::unique_ptr<IFByteLink> MakeListeningLink(const std::string& rDescription, s
         }
         return MakeTcpListener(Endpoint->m_Host, Endpoint->m_Port);
     }
-    if (Text.starts_with(PtyPrefix)) {
-        const std::string Path(Text.substr(PtyPrefix.size()));
+    if (Text.starts_with(PTY_PREFIX)) {
+        const std::string Path(Text.substr(PTY_PREFIX.size()));
         if (Path.empty()) {
             rError = "the path of the pseudo terminal is missing; give for example pty:/tmp/spindle";
             return nullptr;

@@ -5,6 +5,16 @@
 #include <span>
 #include <string>
 
+/// What keeps a link from standing, as far as people can do something about it.
+enum class LinkTrouble : std::uint8_t {
+    eOther,
+    eRefused,      ///< the computer is there, and nothing listens at that port
+    eNoSuchHost,   ///< the host's name is unknown
+    eUnreachable,  ///< no way to it through the network
+    eNoAnswer,     ///< in the time that it has
+    eClosed        ///< by the other end, once it stood
+};
+
 /// A line that carries bytes both ways: serial port, TCP connection, or a pair in one process. Callbacks come
 /// on the window thread, never from inside a call of the same link.
 class IFByteLink {
@@ -14,11 +24,18 @@ public:
     /// Begins to open; OnOpened or OnClosed tells how it went.
     virtual void Open() = 0;
     virtual void Close() = 0;
+    /// As if its cable was torn: closes it so that whoever is at the other end notices. Open() mends it.
+    virtual void Sever() { Close(); }
     virtual bool IsOpen() const = 0;
     /// Queues bytes for sending. False if the link isn't open.
     virtual bool Write(std::span<const std::uint8_t> Bytes) = 0;
     /// What it is connected to, for messages: "serial:/dev/ttyS0:115200".
     virtual std::string GetName() const = 0;
+    /// The rate in baud that the other end is set to, where that can be told: by the listening side of a
+    /// pseudo terminal. Else 0.
+    virtual std::uint32_t GetPeerSpeed() const { return 0; }
+    /// Why it could not be opened or was lost, by kind; once OnClosed has come.
+    virtual LinkTrouble GetTrouble() const { return LinkTrouble::eOther; }
 
     std::function<void(std::span<const std::uint8_t>)> OnBytes;
     std::function<void()> OnOpened;
@@ -27,7 +44,8 @@ public:
 };
 
 /// Two ends in one process: what one end writes arrives at the other through the event loop, unchanged. Each
-/// end is opened for itself; as on a cable, what is sent while the other end is closed is lost.
+/// end is opened for itself; as on a cable, what is sent while the other end is closed is lost. While one end
+/// is severed the other closes, and can't be opened.
 struct CLinkPair {
     std::unique_ptr<IFByteLink> m_pFirst;
     std::unique_ptr<IFByteLink> m_pSecond;

@@ -11,8 +11,8 @@
 namespace LineDiscipline {
 
 /// Lengths that a frame may have, without its CRC.
-constexpr std::size_t eMinFrame = 3;
-constexpr std::size_t eMaxFrame = 2048;
+constexpr std::size_t MIN_FRAME = 3;
+constexpr std::size_t MAX_FRAME = 2048;
 
 std::uint16_t Crc16(std::span<const std::uint8_t> Bytes);
 

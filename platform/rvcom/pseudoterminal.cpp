@@ -11,6 +11,7 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/rvcom/linespeed.h"
 #include "platform/rvcom/linkkinds.h"
 #include "platform/rvcom/queuedlink.h"
 #include "platform/system/descriptor.h"
@@ -19,7 +20,7 @@
 namespace {
 
 /// What waits at most for a client that doesn't read; beyond it bytes are lost, as on a line.
-constexpr std::size_t eMaxWaiting = 65536;
+constexpr std::size_t MAX_WAITING = 65536;
 
 /// The master side of a pseudo terminal, with a symbolic link to its other side. Holds the other side open
 /// itself: clients may then come and go without the master's reading EIO in between, and the raw mode stays.
@@ -43,7 +44,7 @@ public:
         Restart();
     }
     bool Write(std::span<const std::uint8_t> Bytes) override {
-        if (!IsOpen() || m_Waiting.size() + Bytes.size() > eMaxWaiting) {
+        if (!IsOpen() || m_Waiting.size() + Bytes.size() > MAX_WAITING) {
             return false;
         }
         m_Waiting.insert(m_Waiting.end(), Bytes.begin(), Bytes.end());
@@ -51,6 +52,7 @@ public:
         return true;
     }
     std::string GetName() const override { return "pty:" + m_Path; }
+    std::uint32_t GetPeerSpeed() const override { return GetLineSpeed(m_Master.Get()); }
 
 private:
     /// Empty, or what went wrong.

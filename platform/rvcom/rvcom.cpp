@@ -21,13 +21,13 @@ namespace rvCOM {
 
 namespace {
 
-constexpr std::size_t eBufferHeader = 3;  ///< handle and one unused byte
-constexpr std::uint8_t eReservedCommand = 4;
-constexpr std::size_t eMaxBuffers = 65535;  ///< all handles but 0
+constexpr std::size_t BUFFER_HEADER = 3;  ///< handle and one unused byte
+constexpr std::uint8_t RESERVED_COMMAND = 4;
+constexpr std::size_t MAX_BUFFERS = 65535;  ///< all handles but 0
 /// A link that has held this long is sound: its next loss begins with the shortest pause again.
-constexpr std::uint64_t eSoundAfter = 10000;
+constexpr std::uint64_t SOUND_AFTER = 10000;
 /// Bad frames are told in the log at most this often, in ms: a bad cable must not fill it.
-constexpr std::uint64_t eReportPeriod = 60000;
+constexpr std::uint64_t REPORT_PERIOD = 60000;
 
 CLogComponent* g_pLog = CLogComponent::Register("rvCOM", {});
 
@@ -141,7 +141,7 @@ void CTransport::OnClosed(const std::string& rReason) {
     if (m_bWasOpen) {
         m_bWasOpen = false;
         ++m_Statistics.m_LinkLost;
-        if (IFEventLoop::Current().Now() - m_OpenedAt >= eSoundAfter) {
+        if (IFEventLoop::Current().Now() - m_OpenedAt >= SOUND_AFTER) {
             m_Pause.Reset();
         }
         ReportBadFrames(true);
@@ -176,7 +176,7 @@ void CTransport::StopTimer() {
 }
 
 int CTransport::Send(std::span<const std::uint8_t> Frame) {
-    if (Frame.size() < LineDiscipline::eMinFrame || Frame.size() > LineDiscipline::eMaxFrame) {
+    if (Frame.size() < LineDiscipline::MIN_FRAME || Frame.size() > LineDiscipline::MAX_FRAME) {
         RV_ERROR(g_pLog, "a frame of %zu bytes isn't sent: 3 to 2048 bytes are possible", Frame.size());
         return 0;
     }
@@ -220,7 +220,7 @@ void CTransport::Withdraw(const CWnd* pWnd) {
 
 void CTransport::OnFrame(std::span<const std::uint8_t> Frame) {
     ++m_Statistics.m_FramesReceived;
-    if (Frame[0] == eReservedCommand) {
+    if (Frame[0] == RESERVED_COMMAND) {
         ++m_Statistics.m_ReservedCommand;
         return;
     }
@@ -248,7 +248,7 @@ void CTransport::Deliver(CWnd& rWnd, std::span<const std::uint8_t> Frame) {
     CBuffer& rBuffer = m_Buffers[Handle];
     rBuffer.m_pWnd = &rWnd;
     std::vector<std::uint8_t>& rBytes = rBuffer.m_Bytes;
-    rBytes.reserve(eBufferHeader + Frame.size());
+    rBytes.reserve(BUFFER_HEADER + Frame.size());
     rBytes = {static_cast<std::uint8_t>(Handle & 0xFFU), static_cast<std::uint8_t>(Handle >> 8U), 0};
     rBytes.insert(rBytes.end(), Frame.begin(), Frame.end());
     if (!rWnd.PostMessage(WM_RV_RAWDATA_FIRST, reinterpret_cast<WPARAM>(rBytes.data()),
@@ -260,7 +260,7 @@ void CTransport::Deliver(CWnd& rWnd, std::span<const std::uint8_t> Frame) {
 /// A free handle, 0 if there is none. They go round, so that a handle freed twice by mistake rarely meets a
 /// buffer that is out.
 std::uint16_t CTransport::TakeHandle() {
-    if (m_Buffers.size() >= eMaxBuffers) {
+    if (m_Buffers.size() >= MAX_BUFFERS) {
         return 0;
     }
     do {
@@ -289,7 +289,7 @@ void CTransport::ReportBadFrames(bool bNow) {
         return;
     }
     const std::uint64_t Now = IFEventLoop::HasCurrent() ? IFEventLoop::Current().Now() : m_ReportedAt;
-    if (!bNow && m_nReported != 0 && Now - m_ReportedAt < eReportPeriod) {
+    if (!bNow && m_nReported != 0 && Now - m_ReportedAt < REPORT_PERIOD) {
         return;
     }
     RV_WARNING(g_pLog,

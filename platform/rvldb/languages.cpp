@@ -4,11 +4,11 @@
 
 namespace {
 
-constexpr const char* c_pFallback = "en";
+constexpr const char* FALLBACK = "en";
 
 }  // namespace
 
-CLanguages::CLanguages(CLanguageFiles Files) : m_Files(std::move(Files)), m_Current(c_pFallback) {}
+CLanguages::CLanguages(CLanguageFiles Files) : m_Files(std::move(Files)), m_Current(FALLBACK) {}
 
 bool CLanguages::Choose(const std::string& rCode) {
     const std::string Language = rCode.substr(0, rCode.find_first_of("_-"));
@@ -28,7 +28,7 @@ std::vector<std::string> CLanguages::GetCodes() const {
 }
 
 std::string CLanguages::Find(const std::string& rKey) const {
-    for (const std::string& rCode : {m_Current, std::string(c_pFallback)}) {
+    for (const std::string& rCode : {m_Current, std::string(FALLBACK)}) {
         const auto Found = m_Files.find(rCode);
         if (Found != m_Files.end()) {
             std::string Text = Found->second->Find(rKey);

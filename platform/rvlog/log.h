@@ -9,11 +9,11 @@
         }                                                                                      \
     } while (false)
 
-#define RV_ERROR(pPublisher, ...) RV_LOG(pPublisher, CLogComponent::eError, "Error", __VA_ARGS__)
-#define RV_WARNING(pPublisher, ...) RV_LOG(pPublisher, CLogComponent::eWarning, "Warning", __VA_ARGS__)
+#define RV_ERROR(pPublisher, ...) RV_LOG(pPublisher, CLogComponent::ERROR, "Error", __VA_ARGS__)
+#define RV_WARNING(pPublisher, ...) RV_LOG(pPublisher, CLogComponent::WARNING, "Warning", __VA_ARGS__)
 #define RV_INFORMATION(pPublisher, ...) \
-    RV_LOG(pPublisher, CLogComponent::eInformation, "Information", __VA_ARGS__)
-#define RV_DEBUG(pPublisher, ...) RV_LOG(pPublisher, CLogComponent::eDebug, "Debug", __VA_ARGS__)
+    RV_LOG(pPublisher, CLogComponent::INFORMATION, "Information", __VA_ARGS__)
+#define RV_DEBUG(pPublisher, ...) RV_LOG(pPublisher, CLogComponent::DEBUG, "Debug", __VA_ARGS__)
 
 /// Asserts with an expression text of its own; bShow adds a message box. Never changes the flow.
 #define RV_ASSERT_AS(pPublisher, Condition, ExpressionText, Text, bShow)                              \

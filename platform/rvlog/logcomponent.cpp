@@ -16,11 +16,11 @@
 
 namespace {
 
-constexpr std::size_t c_nFileSize = std::size_t{2} * 1024 * 1024;
+constexpr std::size_t FILE_SIZE = std::size_t{2} * 1024 * 1024;
 /// Besides the file being written; five files in all.
-constexpr std::size_t c_nOldFiles = 4;
-constexpr std::size_t c_nIndentWidth = 2;
-constexpr const char* c_pPattern = "%Y-%m-%d %H:%M:%S.%e %v";
+constexpr std::size_t OLD_FILES = 4;
+constexpr std::size_t INDENT_WIDTH = 2;
+constexpr const char* PATTERN = "%Y-%m-%d %H:%M:%S.%e %v";
 
 /// A listener with its own lock, so that once its guard is gone it isn't running in any thread. The lock is
 /// recursive: a listener may log, and may drop its own guard.
@@ -52,6 +52,7 @@ struct CLogState {
     std::shared_ptr<spdlog::logger> m_pFile;
     std::shared_ptr<spdlog::logger> m_pConsole;
     std::uint32_t m_ConsoleMask = 0;
+    CLogComponent::CChoice m_Choice;
     std::atomic<bool> m_bStopOnAssert = false;
 };
 
@@ -63,13 +64,13 @@ CLogState& GetState() {
 }
 
 spdlog::level::level_enum ToSpdlogLevel(std::uint32_t Mask) {
-    if ((Mask & CLogComponent::eError) != 0) {
+    if ((Mask & CLogComponent::ERROR) != 0) {
         return spdlog::level::err;
     }
-    if ((Mask & CLogComponent::eWarning) != 0) {
+    if ((Mask & CLogComponent::WARNING) != 0) {
         return spdlog::level::warn;
     }
-    if ((Mask & CLogComponent::eInformation) != 0) {
+    if ((Mask & CLogComponent::INFORMATION) != 0) {
         return spdlog::level::info;
     }
     return spdlog::level::debug;
@@ -78,9 +79,10 @@ spdlog::level::level_enum ToSpdlogLevel(std::uint32_t Mask) {
 std::shared_ptr<spdlog::logger> MakeLogger(const char* pName, spdlog::sink_ptr pSink) {
     auto pLogger = std::make_shared<spdlog::logger>(pName, std::move(pSink));
     pLogger->set_level(spdlog::level::trace);
-    pLogger->set_pattern(c_pPattern);
-    // What went wrong must be in the file even if the program ends the hard way right after.
-    pLogger->flush_on(spdlog::level::warn);
+    pLogger->set_pattern(PATTERN);
+    // What has happened must be in the file even if the program ends the hard way right after; traces may
+    // wait.
+    pLogger->flush_on(spdlog::level::info);
     return pLogger;
 }
 
@@ -89,11 +91,18 @@ std::string FormatLine(const CLogRecord& rRecord, std::size_t nIndent) {
     std::string Line = rRecord.m_Publisher + " " + rRecord.m_LevelName + " ";
     Line += (Slash == std::string::npos) ? rRecord.m_File : rRecord.m_File.substr(Slash + 1);
     Line += "(" + std::to_string(rRecord.m_Line) + ") " + rRecord.m_Function + ": ";
-    Line.append(nIndent * c_nIndentWidth, ' ');
+    Line.append(nIndent * INDENT_WIDTH, ' ');
     if (rRecord.m_bAssertion) {
         Line += "Assertion failed: " + rRecord.m_Expression + ": ";
     }
-    return Line + rRecord.m_Text;
+    Line += rRecord.m_Text;
+    if (Line.size() > CLogComponent::LONGEST_LINE) {
+        Line.resize(CLogComponent::LONGEST_LINE);
+        Line += " ...";
+    }
+    const auto IsControl = [](char Each) { return (Each >= 0 && Each < ' ') || Each == '\x7f'; };
+    std::replace_if(Line.begin(), Line.end(), IsControl, ' ');
+    return Line;
 }
 
 std::string FormatText(const char* pFormat, std::va_list Arguments) {
@@ -135,6 +144,7 @@ CLogComponent* CLogComponent::Register(const char* pPublisher, std::initializer_
         }
     }
     rState.m_Publishers.emplace_back(new CLogComponent(pPublisher, Topics));
+    rState.m_Publishers.back()->Apply(rState.m_Choice);
     return rState.m_Publishers.back().get();
 }
 
@@ -157,6 +167,31 @@ std::vector<CLogComponent*> CLogComponent::GetPublishers() {
         Publishers.push_back(rpPublisher.get());
     }
     return Publishers;
+}
+
+void CLogComponent::Apply(const CChoice& rChoice) {
+    std::uint32_t Level = rChoice.m_Levels;
+    for (const CLogTopic& rTopic : m_Topics) {
+        const bool bChosen = std::find(rChoice.m_Topics.begin(), rChoice.m_Topics.end(), rTopic.m_pName) !=
+                             rChoice.m_Topics.end();
+        Level |= bChosen ? rTopic.m_Mask : 0;
+    }
+    m_Level = Level;
+}
+
+void CLogComponent::Choose(CChoice Choice) {
+    CLogState& rState = GetState();
+    const std::lock_guard Lock(rState.m_Mutex);
+    for (const auto& rpPublisher : rState.m_Publishers) {
+        rpPublisher->Apply(Choice);
+    }
+    rState.m_Choice = std::move(Choice);
+}
+
+CLogComponent::CChoice CLogComponent::GetChoice() {
+    CLogState& rState = GetState();
+    const std::lock_guard Lock(rState.m_Mutex);
+    return rState.m_Choice;
 }
 
 void CLogComponent::Log(const char* pFile, int Line, const char* pFunction, std::uint32_t Mask,
@@ -192,7 +227,7 @@ void CLogComponent::LogEndBlock(std::uint32_t Mask) {
 
 void CLogComponent::LogAssert(const char* pFile, int Line, const char* pFunction, const char* pExpression,
                               const char* pText, bool bShow) {
-    Publish({m_Name, pFile, Line, pFunction, eError, "Error", pText, pExpression, true});
+    Publish({m_Name, pFile, Line, pFunction, ERROR, "Error", pText, pExpression, true});
     if (bShow) {
         ShowMessageBox(pText, "Error");
     }
@@ -227,7 +262,7 @@ bool CLogComponent::OpenFile(const std::string& rDirectory) {
     CLogState& rState = GetState();
     try {
         auto pSink = std::make_shared<spdlog::sinks::rotating_file_sink_mt>(
-            Files::ToNative(rDirectory) + "/rotor_trim.log", c_nFileSize, c_nOldFiles);
+            Files::ToNative(rDirectory) + "/rotor_trim.log", FILE_SIZE, OLD_FILES);
         auto pLogger = MakeLogger("file", std::move(pSink));
         const std::lock_guard Lock(rState.m_Mutex);
         rState.m_pFile = std::move(pLogger);

@@ -33,10 +33,19 @@ struct CLogRecord {
 /// and every assertion whatever the level. Any thread may log.
 class CLogComponent {
 public:
-    static constexpr std::uint32_t eError = 1;
-    static constexpr std::uint32_t eWarning = 2;
-    static constexpr std::uint32_t eInformation = 4;
-    static constexpr std::uint32_t eDebug = 0x8000;
+    static constexpr std::uint32_t ERROR = 1;
+    static constexpr std::uint32_t WARNING = 2;
+    static constexpr std::uint32_t INFORMATION = 4;
+    static constexpr std::uint32_t DEBUG = 0x8000;
+    static constexpr std::size_t LONGEST_LINE = std::size_t{16} * 1024;
+
+    /// What all publishers write, also those that register later.
+    struct CChoice {
+        std::uint32_t m_Levels = ERROR | WARNING;
+        std::vector<std::string> m_Topics;  ///< by name, of every publisher that has it
+
+        bool operator==(const CChoice&) const = default;
+    };
 
     /// The publisher of that name, made with these topics when new. Lives as long as the process.
     static CLogComponent* Register(const char* pPublisher, std::initializer_list<CLogTopic> Topics);
@@ -48,6 +57,9 @@ public:
     const std::vector<CLogTopic>& GetTopics() const { return m_Topics; }
     std::uint32_t GetLevel() const { return m_Level; }
     void SetLevel(std::uint32_t Level) { m_Level = Level; }
+    /// Sets the levels of all publishers.
+    static void Choose(CChoice Choice);
+    static CChoice GetChoice();
 
     /// printf-style. pLevelName is the level's or the topic's name.
     void Log(const char* pFile, int Line, const char* pFunction, std::uint32_t Mask, const char* pLevelName,
@@ -68,7 +80,9 @@ public:
     using Listener = std::function<void(const CLogRecord&)>;
     [[nodiscard]] static std::shared_ptr<void> AddListener(Listener Callback);
 
-    /// Starts writing to rDirectory/rotor_trim.log (5 files of 2 MB); false if it can't be opened.
+    /// Starts writing to rDirectory/rotor_trim.log (5 files of 2 MB); false if it can't be opened. A record
+    /// is a line, cut at LONGEST_LINE bytes: texts from outside can neither begin a line of their own nor
+    /// fill the file.
     static bool OpenFile(const std::string& rDirectory);
     /// Lines whose mask has a bit in common with Mask go to stderr too; 0 (the default) none.
     static void SetConsoleMask(std::uint32_t Mask);
@@ -76,11 +90,12 @@ public:
 private:
     CLogComponent(std::string Name, std::initializer_list<CLogTopic> Topics);
     void Publish(const CLogRecord& rRecord);
+    void Apply(const CChoice& rChoice);
 
     std::string m_Name;
     std::vector<CLogTopic> m_Topics;
     /// Read by every logging macro of every thread.
-    std::atomic<std::uint32_t> m_Level = eError | eWarning;
+    std::atomic<std::uint32_t> m_Level = ERROR | WARNING;
     /// The open blocks. One whose heading the level kept out doesn't indent.
     struct CBlock {
         std::uint32_t m_Mask;

@@ -7,19 +7,19 @@ namespace PreBalDB {
 
 namespace {
 
-constexpr const char* pConfiguration = "configuration";
-constexpr const char* pSinglePlane = "single_plane";
-constexpr const char* pTwoPlane = "two_plane";
-constexpr const char* pWeights = "weight_compensation";
-constexpr const char* pScrews = "screw_compensation";
+constexpr const char* CONFIGURATION = "configuration";
+constexpr const char* SINGLE_PLANE = "single_plane";
+constexpr const char* TWO_PLANE = "two_plane";
+constexpr const char* WEIGHTS = "weight_compensation";
+constexpr const char* SCREWS = "screw_compensation";
 
-constexpr const char* pSinglePart = "single";
-constexpr const char* pPlane1Part = "plane1";
-constexpr const char* pPlane2Part = "plane2";
+constexpr const char* SINGLE_PART = "single";
+constexpr const char* PLANE1_PART = "plane1";
+constexpr const char* PLANE2_PART = "plane2";
 
 /// The number of the plane that a record belongs to, 0 if it is none of two.
 int GetPlane(const CRecordLayout& rLayout) {
-    return rLayout.m_Part == pPlane1Part ? 1 : rLayout.m_Part == pPlane2Part ? 2 : 0;
+    return rLayout.m_Part == PLANE1_PART ? 1 : rLayout.m_Part == PLANE2_PART ? 2 : 0;
 }
 
 /// A property in its place.
@@ -35,7 +35,7 @@ struct CRegistry {
 
     template <typename Record>
     void Add(const char* pTable, const char* pPart = "") {
-        CRecordLayout Layout{pTable, pTable == pConfiguration ? "name" : "configuration", pPart};
+        CRecordLayout Layout{pTable, pTable == CONFIGURATION ? "name" : "configuration", pPart};
         for (const CRecordField<Record>& rField : CConfigurationFields::Of<Record>()) {
             const CProperty& rProperty = rField.m_Property;
             Layout.m_Properties.push_back(&rProperty);
@@ -50,12 +50,12 @@ struct CRegistry {
     }
 
     CRegistry() {
-        Add<CPreBalBaseTableEntry>(pConfiguration);
-        Add<CSinglePlaneBalancingTableEntry>(pSinglePlane);
-        Add<CTwoPlaneBalancingTableEntry>(pTwoPlane);
-        for (const char* const pPart : {pSinglePart, pPlane1Part, pPlane2Part}) {
-            Add<CWeightCompensationTableEntry>(pWeights, pPart);
-            Add<CScrewCompensationTableEntry>(pScrews, pPart);
+        Add<CPreBalBaseTableEntry>(CONFIGURATION);
+        Add<CSinglePlaneBalancingTableEntry>(SINGLE_PLANE);
+        Add<CTwoPlaneBalancingTableEntry>(TWO_PLANE);
+        for (const char* const pPart : {SINGLE_PART, PLANE1_PART, PLANE2_PART}) {
+            Add<CWeightCompensationTableEntry>(WEIGHTS, pPart);
+            Add<CScrewCompensationTableEntry>(SCREWS, pPart);
         }
     }
 };
@@ -109,14 +109,14 @@ void Take(const CFieldValues& rValues, const std::string& rPrefix, Record& rReco
 }
 
 void PutCompensation(const char* pPart, const CPlaneCompensation& rCompensation, CFieldValues& rValues) {
-    Put(GetPrefix(pWeights, pPart), rCompensation.GetWeight(), rValues);
-    Put(GetPrefix(pScrews, pPart), rCompensation.GetScrew(), rValues);
+    Put(GetPrefix(WEIGHTS, pPart), rCompensation.GetWeight(), rValues);
+    Put(GetPrefix(SCREWS, pPart), rCompensation.GetScrew(), rValues);
 }
 
 void TakeCompensation(const CFieldValues& rValues, const char* pPart, CPlaneCompensation& rCompensation,
                       std::vector<std::string>& rProblems) {
-    const std::string Weights = GetPrefix(pWeights, pPart);
-    const std::string Screws = GetPrefix(pScrews, pPart);
+    const std::string Weights = GetPrefix(WEIGHTS, pPart);
+    const std::string Screws = GetPrefix(SCREWS, pPart);
     if (Has(rValues, Weights)) {
         Take(rValues, Weights, rCompensation.CreateWeight(), rProblems);
     } else if (Has(rValues, Screws)) {
@@ -128,15 +128,15 @@ void TakeCompensation(const CFieldValues& rValues, const char* pPart, CPlaneComp
 
 CFieldValues CConfigurationFields::Read(const CPreBalBaseTableEntry& rEntry) {
     CFieldValues Values;
-    Put(GetPrefix(pConfiguration), &rEntry, Values);
+    Put(GetPrefix(CONFIGURATION), &rEntry, Values);
     if (const CSinglePlaneBalancingTableEntry* const pSingle = rEntry.GetSinglePlane()) {
-        Put(GetPrefix(pSinglePlane), pSingle, Values);
-        PutCompensation(pSinglePart, pSingle->m_Compensation, Values);
+        Put(GetPrefix(SINGLE_PLANE), pSingle, Values);
+        PutCompensation(SINGLE_PART, pSingle->m_Compensation, Values);
     }
     if (const CTwoPlaneBalancingTableEntry* const pTwo = rEntry.GetTwoPlane()) {
-        Put(GetPrefix(pTwoPlane), pTwo, Values);
-        PutCompensation(pPlane1Part, pTwo->m_Plane1Compensation, Values);
-        PutCompensation(pPlane2Part, pTwo->m_Plane2Compensation, Values);
+        Put(GetPrefix(TWO_PLANE), pTwo, Values);
+        PutCompensation(PLANE1_PART, pTwo->m_Plane1Compensation, Values);
+        PutCompensation(PLANE2_PART, pTwo->m_Plane2Compensation, Values);
     }
     return Values;
 }
@@ -144,17 +144,17 @@ CFieldValues CConfigurationFields::Read(const CPreBalBaseTableEntry& rEntry) {
 std::vector<std::string> CConfigurationFields::Write(const CFieldValues& rValues,
                                                      CPreBalBaseTableEntry& rEntry) {
     std::vector<std::string> Problems;
-    Take(rValues, GetPrefix(pConfiguration), rEntry, Problems);
-    if (Has(rValues, GetPrefix(pSinglePlane))) {
+    Take(rValues, GetPrefix(CONFIGURATION), rEntry, Problems);
+    if (Has(rValues, GetPrefix(SINGLE_PLANE))) {
         CSinglePlaneBalancingTableEntry& rSingle = rEntry.CreateSinglePlane();
-        Take(rValues, GetPrefix(pSinglePlane), rSingle, Problems);
-        TakeCompensation(rValues, pSinglePart, rSingle.m_Compensation, Problems);
+        Take(rValues, GetPrefix(SINGLE_PLANE), rSingle, Problems);
+        TakeCompensation(rValues, SINGLE_PART, rSingle.m_Compensation, Problems);
     }
-    if (Has(rValues, GetPrefix(pTwoPlane))) {
+    if (Has(rValues, GetPrefix(TWO_PLANE))) {
         CTwoPlaneBalancingTableEntry& rTwo = rEntry.CreateTwoPlane();
-        Take(rValues, GetPrefix(pTwoPlane), rTwo, Problems);
-        TakeCompensation(rValues, pPlane1Part, rTwo.m_Plane1Compensation, Problems);
-        TakeCompensation(rValues, pPlane2Part, rTwo.m_Plane2Compensation, Problems);
+        Take(rValues, GetPrefix(TWO_PLANE), rTwo, Problems);
+        TakeCompensation(rValues, PLANE1_PART, rTwo.m_Plane1Compensation, Problems);
+        TakeCompensation(rValues, PLANE2_PART, rTwo.m_Plane2Compensation, Problems);
     }
     if (!Problems.empty()) {
         rEntry.SetIsCalibrated(0);
@@ -183,7 +183,7 @@ CProperty::Role GetRole(const std::string& rField) {
 }
 
 std::string GetLabel(const std::string& rField) {
-    if (rField == pCalibration) {
+    if (rField == CALIBRATION) {
         return GetText("CALIBRATION");
     }
     const CField* const pField = FindField(rField);

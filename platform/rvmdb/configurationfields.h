@@ -33,7 +33,7 @@ struct CRecordLayout {
 namespace ConfigurationFields {
 
 /// The name that all fields of a calibration go by together.
-constexpr const char* pCalibration = "calibration";
+constexpr const char* CALIBRATION = "calibration";
 
 /// In the order of the store.
 const std::vector<CRecordLayout>& GetLayouts();

@@ -7,11 +7,11 @@ namespace PreBalDB {
 
 namespace {
 
+using ConfigurationFields::CALIBRATION;
 using ConfigurationFields::GetRole;
-using ConfigurationFields::pCalibration;
 using Role = CProperty::Role;
 
-constexpr const char* pIsCalibrated = "configuration.is_calibrated";
+constexpr const char* IS_CALIBRATED = "configuration.is_calibrated";
 
 const CDirectSQL::CValue* Find(const CFieldValues& rValues, const std::string& rField) {
     const auto Found = rValues.find(rField);
@@ -57,7 +57,7 @@ public:
         for (const std::string& rField : m_Others) {
             MergeFields({rField}, rField);
         }
-        const Winner Calibration = MergeFields(m_Calibration, pCalibration);
+        const Winner Calibration = MergeFields(m_Calibration, CALIBRATION);
         DropOtherMethods();
         CheckBasis(Calibration);
         return std::move(m_Result);
@@ -142,16 +142,16 @@ private:
             const CFieldValues& rMadeWith =
                 Calibration == Winner::eMemory ? m_rMemory.m_Now : m_rStored.m_Now;
             if (GetBasis(rMadeWith) != GetBasis(m_Result.m_Values)) {
-                m_Result.m_Values[pIsCalibrated] = std::int64_t{0};
-                m_Result.m_Conflicts.emplace_back(pCalibration);
+                m_Result.m_Values[IS_CALIBRATED] = std::int64_t{0};
+                m_Result.m_Conflicts.emplace_back(CALIBRATION);
             }
         }
         const bool bWanted =
             std::ranges::any_of(
                 m_Calibration, [this](const std::string& rField) { return HasChanged(m_rMemory, rField); }) &&
-            m_rMemory.m_Now.at(pIsCalibrated) == CDirectSQL::CValue(std::int64_t{1});
+            m_rMemory.m_Now.at(IS_CALIBRATED) == CDirectSQL::CValue(std::int64_t{1});
         m_Result.m_bCalibrationLost =
-            bWanted && std::ranges::find(m_Result.m_Conflicts, pCalibration) != m_Result.m_Conflicts.end();
+            bWanted && std::ranges::find(m_Result.m_Conflicts, CALIBRATION) != m_Result.m_Conflicts.end();
     }
 
     const CChange& m_rStored;

@@ -17,7 +17,7 @@ struct CChange {
 struct CMerged {
     CFieldValues m_Values;
     /// Fields that both sides have changed, each in its own way; the stored values stay. All fields of a
-    /// calibration are one here, ConfigurationFields::pCalibration.
+    /// calibration are one here, ConfigurationFields::CALIBRATION.
     std::vector<std::string> m_Conflicts;
     /// The calibration in memory is new, and isn't in m_Values as one.
     bool m_bCalibrationLost = false;

@@ -35,13 +35,14 @@ CStore::CStore(std::string MachineName, const std::string& rConnection)
 void CStore::Prepare() {
     Schema::Prepare(m_Connection);
     try {
+        m_Connection.UseWriteAheadLog();
         const CValues Key = {m_MachineName};
         if (m_Connection.Query("SELECT 1 FROM machine WHERE name = ?", Key).empty()) {
             m_Connection.Execute("INSERT INTO machine (name) VALUES (?) ON CONFLICT DO NOTHING", Key);
         }
         SetDefaults();
     } catch (const CSqlError& rError) {
-        throw CDatabaseError(m_Connection.GetUnusableText(rError));
+        throw CDatabaseError(m_Connection.GetUnusableText(rError), rError.GetCause());
     }
 }
 
@@ -95,12 +96,18 @@ std::optional<std::int64_t> CStore::BeginRevision(const char* pTable, const std:
 
 CConfigurationWritten CStore::WriteConfiguration(const CConfigurationWrite& rWrite) {
     CTransaction Transaction(m_Connection, CTransaction::eWriting);
+    CConfigurationWritten Written = MergeIn(rWrite);
+    if (Written.m_bChanged) {
+        Transaction.Commit();
+    }
+    return Written;
+}
+
+CConfigurationWritten CStore::MergeIn(const CConfigurationWrite& rWrite) {
     const auto Revision = BeginRevision("configuration", rWrite.m_Name);
     if (!Revision) {
         CheckNewName(rWrite.m_Name, "a configuration");
-        CConfigurationWritten Written = Insert(rWrite);
-        Transaction.Commit();
-        return Written;
+        return Insert(rWrite);
     }
     if (rWrite.m_Name != rWrite.m_StoredName) {
         throw CSqlError("\"" + rWrite.m_Name + "\" exists already", StoreFailure::eNameTaken);
@@ -119,21 +126,22 @@ CConfigurationWritten CStore::WriteConfiguration(const CConfigurationWrite& rWri
     Written.m_Stored = {std::move(Merged.m_Values), Found};
     if (Written.m_Stored.m_Values != Stored) {
         WriteDifference(rWrite.m_Name, Stored, Written.m_Stored.m_Values);
-        Transaction.Commit();
+        Written.m_bChanged = true;
         Written.m_Stored.m_Revision = *Revision;
     }
     return Written;
 }
 
 CConfigurationWritten CStore::Insert(const CConfigurationWrite& rWrite) {
-    constexpr std::int64_t eFirstRevision = 1;  // the column's default
+    constexpr std::int64_t FIRST_REVISION = 1;  // the column's default
     for (const CRecordLayout& rLayout : ConfigurationFields::GetLayouts()) {
         if (HasRecord(rWrite.m_Memory, rLayout)) {
             InsertRecord(rLayout, rWrite.m_Name, rWrite.m_Memory);
         }
     }
     CConfigurationWritten Written;
-    Written.m_Stored = {rWrite.m_Memory, eFirstRevision};
+    Written.m_Stored = {rWrite.m_Memory, FIRST_REVISION};
+    Written.m_bChanged = true;
     return Written;
 }
 
@@ -187,7 +195,7 @@ void CStore::WriteDifference(const std::string& rName, const CFieldValues& rBefo
 }
 
 void CStore::DeleteConfiguration(const std::string& rName) {
-    if (rName == c_pDefaultConfiguration) {
+    if (rName == DEFAULT_CONFIGURATION) {
         throw CSqlError("the default configuration can't be deleted", StoreFailure::eDefault);
     }
     CTransaction Transaction(m_Connection, CTransaction::eWriting);
@@ -239,11 +247,11 @@ bool CStore::CanBeAskedFor(const char* pTable, const std::string& rName) {
 /// Whether a single-plane configuration is one of the mode's plane, which its compensation tells. One without
 /// compensation, or whose plane isn't known, fits both.
 bool CStore::IsPlane(const std::string& rConfiguration, CPreBalDatabase::BalancingMode Mode) {
-    constexpr const char* pOne = "SELECT plane FROM ";
-    constexpr const char* pPart = " WHERE machine = ? AND configuration = ? AND part = 'single'";
+    constexpr const char* ONE = "SELECT plane FROM ";
+    constexpr const char* PART = " WHERE machine = ? AND configuration = ? AND part = 'single'";
     const CValues Key = {m_MachineName, rConfiguration};
     for (const char* const pTable : {"weight_compensation", "screw_compensation"}) {
-        const auto Rows = m_Connection.Query(std::string(pOne) + pTable + pPart, Key);
+        const auto Rows = m_Connection.Query(std::string(ONE) + pTable + PART, Key);
         if (!Rows.empty()) {
             const std::int64_t Plane = Rows[0].GetInteger(0);
             return Plane == CTypeBase::eUnknownPlane ||

@@ -22,7 +22,7 @@ namespace PreBalDB {
 
 namespace {
 
-constexpr std::string_view SqlitePrefix = "sqlite:";
+constexpr std::string_view SQLITE_PREFIX = "sqlite:";
 
 /// The whole text as a number, 0 if it is none.
 template <typename T>
@@ -40,14 +40,14 @@ struct CErrorCode {
 };
 
 /// SQLite's result codes without their extension, and PostgreSQL's SQLSTATEs.
-constexpr std::array SqliteCodes = {
+constexpr std::array SQLITE_CODES = {
     CErrorCode{"5", StoreFailure::eLocked},        // SQLITE_BUSY
     CErrorCode{"6", StoreFailure::eLocked},        // SQLITE_LOCKED
     CErrorCode{"8", StoreFailure::eReadOnly},      // SQLITE_READONLY
     CErrorCode{"13", StoreFailure::eFull},         // SQLITE_FULL
     CErrorCode{"14", StoreFailure::eUnreachable},  // SQLITE_CANTOPEN
 };
-constexpr std::array PostgresCodes = {
+constexpr std::array POSTGRES_CODES = {
     CErrorCode{"53100", StoreFailure::eFull},      // disk_full
     CErrorCode{"25006", StoreFailure::eReadOnly},  // read_only_sql_transaction
     CErrorCode{"42501", StoreFailure::eReadOnly},  // insufficient_privilege
@@ -55,7 +55,13 @@ constexpr std::array PostgresCodes = {
     CErrorCode{"57014", StoreFailure::eNoAnswer},  // query_canceled, by its time limit
 };
 
+/// What a store that is written ahead says when its index finds no room: SQLITE_IOERR_SHMSIZE.
+constexpr unsigned NO_ROOM_FOR_INDEX = 4874;
+
 StoreFailure GetCause(const std::string& rCode, bool bSqlite) {
+    if (bSqlite && ToNumber<unsigned>(rCode) == NO_ROOM_FOR_INDEX) {
+        return StoreFailure::eFull;
+    }
     const std::string Plain = bSqlite ? std::to_string(ToNumber<unsigned>(rCode) & 0xFFU) : rCode;
     const auto Find = [&Plain](const auto& rCodes, StoreFailure Otherwise) {
         for (const CErrorCode& rKnown : rCodes) {
@@ -66,12 +72,17 @@ StoreFailure GetCause(const std::string& rCode, bool bSqlite) {
         return Otherwise;
     };
     if (bSqlite) {
-        return Find(SqliteCodes, StoreFailure::eOther);
+        return Find(SQLITE_CODES, StoreFailure::eOther);
     }
     // What has no SQLSTATE doesn't come from the server: there is none.
-    return Find(PostgresCodes, Plain.empty() || Plain.starts_with("08") || Plain.starts_with("57P")
-                                   ? StoreFailure::eUnreachable
-                                   : StoreFailure::eOther);
+    return Find(POSTGRES_CODES, Plain.empty() || Plain.starts_with("08") || Plain.starts_with("57P")
+                                    ? StoreFailure::eUnreachable
+                                    : StoreFailure::eOther);
+}
+
+/// Whether a commit waits until it is on the disk; of a SQLite file, between two transactions.
+void SetDurable(CDirectSQL& rConnection, bool bDurable) {
+    rConnection.Execute(bDurable ? "PRAGMA synchronous = EXTRA" : "PRAGMA synchronous = NORMAL");
 }
 
 }  // namespace
@@ -116,6 +127,7 @@ struct CDirectSQL::Impl {
     std::string m_Name;
     std::unique_ptr<IFSqlDriver> m_pDriver;
     bool m_bSqlite = false;
+    int m_BusyTimeout = 0;
     CServerSocket m_Socket;
     std::atomic<bool> m_bInterrupted = false;
 
@@ -132,13 +144,15 @@ struct CDirectSQL::Impl {
         } catch (const CSqlDriverError& rError) {
             throw CDatabaseError(
                 m_Name + " can't be opened: " + rError.what() +
-                (m_bSqlite ? "; the user needs the right to read and write the file and its directory"
-                           : "; is the server running, and are host, port, name, user and password "
-                             "right?"));
+                    (m_bSqlite ? "; the user needs the right to read and write the file and its directory"
+                               : "; is the server running, and are host, port, name, user and password "
+                                 "right?"),
+                m_bSqlite ? StoreFailure::eOther : StoreFailure::eUnreachable);
         }
     }
     void OpenSqlite(const std::string& rPath, int BusyTimeout) {
         m_bSqlite = true;
+        m_BusyTimeout = BusyTimeout;
         m_Name = "database \"" + rPath + "\"";
         const std::filesystem::path Path(rPath);
         std::error_code Error;
@@ -195,13 +209,11 @@ struct CDirectSQL::Impl {
 CDirectSQL::CDirectSQL(const std::string& rConnection, int BusyTimeout) : m_pImpl(std::make_unique<Impl>()) {
     const std::string_view Connection = rConnection;
     try {
-        if (Connection.starts_with(SqlitePrefix) && Connection.size() > SqlitePrefix.size()) {
-            m_pImpl->OpenSqlite(rConnection.substr(SqlitePrefix.size()), BusyTimeout);
-            // Records go with their machine and configuration. A commit is on the disk when it returns, its
-            // journal's end too: the rollback journal, SQLite's default, keeps the store one file that can be
-            // copied.
+        if (Connection.starts_with(SQLITE_PREFIX) && Connection.size() > SQLITE_PREFIX.size()) {
+            m_pImpl->OpenSqlite(rConnection.substr(SQLITE_PREFIX.size()), BusyTimeout);
+            // Records go with their machine and configuration.
             Execute("PRAGMA foreign_keys = ON");
-            Execute("PRAGMA synchronous = EXTRA");
+            SetDurable(*this, true);
         } else if (CPostgresUrl::IsOne(rConnection)) {
             m_pImpl->OpenPostgres(rConnection);
         } else {
@@ -219,6 +231,23 @@ CDirectSQL::CDirectSQL(const std::string& rConnection, int BusyTimeout) : m_pImp
     }
 }
 
+void CDirectSQL::UseWriteAheadLog() {
+    // Who has the store open the other way, or a folder that can't do it, is no reason to wait or to fail:
+    // then the rollback journal does.
+    constexpr const char* MODE = "wal";
+    if (!m_pImpl->m_bSqlite || Query("PRAGMA journal_mode").at(0).GetText(0) == MODE) {
+        return;
+    }
+    Execute("PRAGMA busy_timeout = 0");
+    try {
+        Query(std::string("PRAGMA journal_mode = ") + MODE);
+    } catch (const CSqlError& rError) {
+        RV_INFORMATION(g_pLog, "%s: goes on with the rollback journal: %s", m_pImpl->m_Name.c_str(),
+                       rError.what());
+    }
+    Execute("PRAGMA busy_timeout = " + std::to_string(m_pImpl->m_BusyTimeout));
+}
+
 CDirectSQL::~CDirectSQL() {
     m_pImpl->Close();
 }
@@ -228,6 +257,10 @@ const std::string& CDirectSQL::GetName() const {
 }
 
 std::string CDirectSQL::GetUnusableText(const CSqlError& rError) const {
+    if (rError.GetCause() == StoreFailure::eFull) {
+        return m_pImpl->m_Name + " can't be used: no room is left on its disk (" + rError.what() +
+               "); make some";
+    }
     return m_pImpl->m_Name + " can't be used: " + rError.what() +
            "; if it is damaged put a backup in its place, if rights are missing give the user those to read "
            "and write "
@@ -271,16 +304,22 @@ bool CDirectSQL::HasTables() const {
     return !m_pImpl->m_pDriver->GetTables().empty();
 }
 
-CTransaction::CTransaction(CDirectSQL& rConnection, Purpose For) : m_rConnection(rConnection) {
+CTransaction::CTransaction(CDirectSQL& rConnection, Purpose For) : m_rConnection(rConnection), m_For(For) {
     const char* pBegin = "BEGIN";
     if (rConnection.IsSqlite()) {
-        pBegin = For == eWriting ? "BEGIN IMMEDIATE" : "BEGIN";
+        pBegin = For == eReading ? "BEGIN" : "BEGIN IMMEDIATE";
+        if (For == eNoting) {
+            SetDurable(rConnection, false);
+        }
     } else if (For == eReading) {
         pBegin = "BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY";
+    } else if (For == eNoting) {
+        pBegin = "BEGIN; SET LOCAL synchronous_commit = off";
     }
     try {
         rConnection.Execute(pBegin);
     } catch (const CSqlError& rError) {
+        End();
         if (rConnection.IsSqlite() || rError.GetCause() == StoreFailure::eNoAnswer) {
             throw;
         }
@@ -298,6 +337,7 @@ CTransaction::~CTransaction() {
     }
     try {
         m_rConnection.Execute("ROLLBACK");
+        End();
     } catch (const CSqlError& rError) {
         // Nothing was committed, which is what counts; a lost connection ends here.
         RV_WARNING(g_pLog, "%s: roll back: %s", m_rConnection.GetName().c_str(), rError.what());
@@ -307,6 +347,13 @@ CTransaction::~CTransaction() {
 void CTransaction::Commit() {
     m_rConnection.Execute("COMMIT");
     m_bOpen = false;
+    End();
+}
+
+void CTransaction::End() {
+    if (m_For == eNoting && m_rConnection.IsSqlite()) {
+        SetDurable(m_rConnection, true);
+    }
 }
 
 }  // namespace PreBalDB

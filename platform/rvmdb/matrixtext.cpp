@@ -10,7 +10,7 @@ namespace PreBalDB {
 namespace {
 
 /// Far above any matrix of this system; keeps a damaged text from asking for memory.
-constexpr std::uint32_t eMaxSize = 64;
+constexpr std::uint32_t MAX_SIZE = 64;
 
 /// Takes Text's beginning if it is Expected.
 bool Take(std::string_view& rText, std::string_view Expected) {
@@ -52,7 +52,7 @@ std::optional<math::matrix<double>> MatrixFromText(const std::string& rText) {
     std::uint32_t nRows = 0;
     std::uint32_t nColumns = 0;
     if (!TakeNumber(Text, nRows) || !Take(Text, "x") || !TakeNumber(Text, nColumns) || !Take(Text, ":") ||
-        nRows > eMaxSize || nColumns > eMaxSize) {
+        nRows > MAX_SIZE || nColumns > MAX_SIZE) {
         return std::nullopt;
     }
     math::matrix<double> Matrix(nRows, nColumns);

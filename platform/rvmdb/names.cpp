@@ -12,8 +12,8 @@ namespace PreBalDB {
 namespace {
 
 bool IsBefore(const std::string& rLeft, const std::string& rRight) {
-    const bool bLeftDefault = rLeft == c_pDefaultConfiguration;
-    const bool bRightDefault = rRight == c_pDefaultConfiguration;
+    const bool bLeftDefault = rLeft == DEFAULT_CONFIGURATION;
+    const bool bRightDefault = rRight == DEFAULT_CONFIGURATION;
     if (bLeftDefault || bRightDefault) {
         return bLeftDefault && !bRightDefault;
     }
@@ -37,13 +37,13 @@ struct CForm {
     std::size_t m_nBytes;
     char32_t m_First;  ///< smaller ones have a shorter form
 };
-constexpr std::array c_Forms = {CForm{0x80, 0x00, 1, 0}, CForm{0xE0, 0xC0, 2, 0x80},
-                                CForm{0xF0, 0xE0, 3, 0x800}, CForm{0xF8, 0xF0, 4, 0x10000}};
+constexpr std::array FORMS = {CForm{0x80, 0x00, 1, 0}, CForm{0xE0, 0xC0, 2, 0x80},
+                              CForm{0xF0, 0xE0, 3, 0x800}, CForm{0xF8, 0xF0, 4, 0x10000}};
 
 const CForm* FindForm(unsigned char Lead) {
     const auto Found = std::ranges::find_if(
-        c_Forms, [Lead](const CForm& rForm) { return (Lead & rForm.m_LeadMask) == rForm.m_Lead; });
-    return Found == c_Forms.end() ? nullptr : &*Found;
+        FORMS, [Lead](const CForm& rForm) { return (Lead & rForm.m_LeadMask) == rForm.m_Lead; });
+    return Found == FORMS.end() ? nullptr : &*Found;
 }
 
 }  // namespace
@@ -85,9 +85,9 @@ void CheckNewName(const std::string& rName, const std::string& rWhat) {
     }
     const auto nCharacters = std::ranges::count_if(
         rName, [](char Byte) { return (static_cast<unsigned char>(Byte) & 0xC0U) != 0x80U; });
-    if (nCharacters > c_nLongestName) {
+    if (nCharacters > LONGEST_NAME) {
         throw CSqlError("the name of " + rWhat + " has " + std::to_string(nCharacters) +
-                            " characters, more than " + std::to_string(c_nLongestName),
+                            " characters, more than " + std::to_string(LONGEST_NAME),
                         StoreFailure::eNameTooLong);
     }
 }

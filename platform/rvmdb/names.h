@@ -6,7 +6,7 @@
 namespace PreBalDB {
 
 /// Of the first configuration of a machine, which always comes back.
-constexpr const char* c_pDefaultConfiguration = "Default";
+constexpr const char* DEFAULT_CONFIGURATION = "Default";
 
 /// Sorts names as people do: "Default" first, then by letters, capital or not.
 void SortNames(std::vector<std::string>& rNames);

@@ -15,7 +15,7 @@ thread_local Duration Rest{};
 
 CPatience::CPatience() {
     if (nDepth++ == 0) {
-        Rest = eLimit;
+        Rest = LIMIT;
     }
 }
 
@@ -24,7 +24,7 @@ CPatience::~CPatience() {
 }
 
 Duration CPatience::GetRest() {
-    return nDepth == 0 ? Duration(eLimit) : Rest;
+    return nDepth == 0 ? Duration(LIMIT) : Rest;
 }
 
 void CPatience::Spend(Duration Time) {

@@ -9,7 +9,7 @@ namespace PreBalDB {
 /// server that is waited for.
 class CPatience {
 public:
-    static constexpr std::chrono::milliseconds eLimit{3000};
+    static constexpr std::chrono::milliseconds LIMIT{3000};
 
     CPatience();
     ~CPatience();

@@ -9,8 +9,7 @@
 #include "platform/rvmdb/defaultscrewtable.h"
 #include "platform/rvmdb/log.h"
 #include "platform/rvmdb/patience.h"
-#include "platform/rvmdb/store.h"
-#include "platform/rvmdb/storethread.h"
+#include "platform/rvmdb/storeaccess.h"
 
 namespace PreBalDB {
 
@@ -74,7 +73,7 @@ struct CPreBalDatabase::Impl {
     bool RepairScrewTableNames(const std::vector<std::string>& rNames);
 
     std::string m_MachineName;
-    CStoreThread m_Thread;
+    CStoreAccess m_Store;
     CStoreOutcome m_Outcome;
 
     std::unique_ptr<CPreBalBaseTableEntry> m_pConfiguration;
@@ -89,15 +88,11 @@ struct CPreBalDatabase::Impl {
     CStoredScrewTable m_ReadScrewTable;
 };
 
-CPreBalDatabase::Impl::Impl(const std::string& rMachineName) : m_MachineName(rMachineName) {
-    try {
-        m_Thread.Open(
-            [Machine = m_MachineName, To = Connection] { return std::make_unique<CStore>(Machine, To); });
-        m_Thread.Run([](CStore& rStore) { rStore.Prepare(); });
-    } catch (const CSqlError& rError) {
-        throw CDatabaseError("the database can't be used: " + std::string(rError.what()) +
-                             "; see that its server or disk answers");
-    }
+CPreBalDatabase::Impl::Impl(const std::string& rMachineName) try
+    : m_MachineName(rMachineName), m_Store(rMachineName, Connection) {
+} catch (const CSqlError& rError) {
+    throw CDatabaseError("the database can't be used: " + std::string(rError.what()) +
+                         "; see that its server or disk answers");
 }
 
 CPreBalDatabase::CPreBalDatabase(const std::string& rMachineName)
@@ -133,7 +128,7 @@ std::vector<std::string> CPreBalDatabase::GetOpenMachineNames() {
 template <typename Load>
 Base::CStringArray CPreBalDatabase::Impl::LoadNames(const std::string& rOfWhat, Load Names) {
     CLoadedNames Loaded;
-    Try("names of " + rOfWhat + " not read", [&] { Loaded = m_Thread.Run(Names); });
+    Try("names of " + rOfWhat + " not read", [&] { Loaded = Names(m_Store); });
     for (const std::string& rName : Loaded.m_Unusable) {
         RV_ERROR(g_pLog, "among the %s of \"%s\": \"%s\" is no UTF-8, and left out", rOfWhat.c_str(),
                  m_MachineName.c_str(), rName.c_str());
@@ -144,13 +139,15 @@ Base::CStringArray CPreBalDatabase::Impl::LoadNames(const std::string& rOfWhat, 
 
 Base::CStringArray CPreBalDatabase::GetProcessNames(BalancingMode Mode, CTypeBase::AffectedPlane Plane,
                                                     std::uint8_t Sensor1, std::uint8_t Sensor2) const {
-    return m_pImpl->LoadNames("configurations", [=](CStore& rStore) {
+    return m_pImpl->LoadNames("configurations", [=](CStoreAccess& rStore) {
         return rStore.LoadProcessNames(Mode, Plane, Sensor1, Sensor2);
     });
 }
 
 Base::CStringArray CPreBalDatabase::GetScrewTableNames() const {
-    return m_pImpl->LoadNames("screw tables", [](CStore& rStore) { return rStore.LoadScrewTableNames(); });
+    return m_pImpl->LoadNames("screw tables", [](CStoreAccess& rAccess) {
+        return rAccess.Read([](CStore& rStore) { return rStore.LoadScrewTableNames(); });
+    });
 }
 
 CPreBalBaseTableEntry& CPreBalDatabase::ReadConfiguration(const std::string& rName) {
@@ -165,10 +162,8 @@ CPreBalBaseTableEntry& CPreBalDatabase::ReadConfiguration(const std::string& rNa
         Read = Unwritten->second;
         ConfigurationFields::Write(Read.m_Memory, *pEntry);
     } else {
-        Read.m_bReadFailed = !m_pImpl->Try("configuration \"" + Name + "\" not read", [&] {
-            Read.m_Read =
-                m_pImpl->m_Thread.Run([Name](CStore& rStore) { return rStore.LoadConfiguration(Name); });
-        });
+        Read.m_bReadFailed = !m_pImpl->Try("configuration \"" + Name + "\" not read",
+                                           [&] { Read.m_Read = m_pImpl->m_Store.LoadConfiguration(Name); });
         if (Read.m_Read) {
             m_pImpl->m_Outcome.m_Problems = ConfigurationFields::Write(Read.m_Read->m_Values, *pEntry);
         }
@@ -226,7 +221,7 @@ int CPreBalDatabase::NameConfiguration(const std::string& rName) {
 
 int CPreBalDatabase::DeleteConfiguration(const std::string& rName) {
     if (!m_pImpl->Try("configuration \"" + rName + "\" not deleted", [&] {
-            m_pImpl->m_Thread.Run([rName](CStore& rStore) { rStore.DeleteConfiguration(rName); });
+            m_pImpl->m_Store.Run([rName](CStore& rStore) { rStore.DeleteConfiguration(rName); });
         })) {
         return 0;
     }
@@ -241,8 +236,8 @@ void CPreBalDatabase::Impl::WriteConfiguration() {
     if (bKnown && rRead.m_Memory == rRead.m_MemoryBefore) {
         return;  // nothing was changed here
     }
-    CConfigurationWritten Written =
-        m_Thread.Run([Write = rRead](CStore& rStore) { return rStore.WriteConfiguration(Write); });
+    CConfigurationWritten Written = m_Store.WriteConfiguration(rRead);
+    m_Outcome.m_bDelivered = Written.m_bDelivered;
     m_Outcome.m_Conflicts = std::move(Written.m_Conflicts);
     m_Outcome.m_bCalibrationLost = Written.m_bCalibrationLost;
     m_Outcome.m_bOthersWrote = Written.m_bOthersWrote && Written.m_Stored.m_Values != rRead.m_Memory;
@@ -259,7 +254,7 @@ CScrewTableEntry& CPreBalDatabase::ReadScrewTable(const std::string& rName) {
     m_pImpl->m_ReadScrewTable = {};
     m_pImpl->m_bScrewTableSound = m_pImpl->Try("screw table \"" + rName + "\" not read", [&] {
         m_pImpl->m_ReadScrewTable =
-            m_pImpl->m_Thread.Run([rName](CStore& rStore) { return rStore.LoadScrewTable(rName); });
+            m_pImpl->m_Store.Read([rName](CStore& rStore) { return rStore.LoadScrewTable(rName); });
     });
     pTable->SetScrewArray(m_pImpl->m_ReadScrewTable.m_Screws);
     m_pImpl->m_pScrewTable = std::move(pTable);
@@ -270,7 +265,7 @@ Base::CWDArray<CScrew> CPreBalDatabase::ReadScrews(const std::string& rName) con
     Base::CWDArray<CScrew> Screws;
     m_pImpl->Try("screws of \"" + rName + "\" not read", [&] {
         Screws =
-            m_pImpl->m_Thread.Run([rName](CStore& rStore) { return rStore.LoadScrewTable(rName).m_Screws; });
+            m_pImpl->m_Store.Read([rName](CStore& rStore) { return rStore.LoadScrewTable(rName).m_Screws; });
     });
     return Screws;
 }
@@ -291,7 +286,7 @@ int CPreBalDatabase::WriteScrewTable() {
                                  rRead.m_Screws.IsEmpty(), rTable.m_Screws};
     return m_pImpl->Try("screw table \"" + rTable.m_Name + "\" not written", [&] {
         const auto Revision =
-            m_pImpl->m_Thread.Run([Write](CStore& rStore) { return rStore.WriteScrewTable(Write); });
+            m_pImpl->m_Store.Run([Write](CStore& rStore) { return rStore.WriteScrewTable(Write); });
         if (Revision) {
             m_pImpl->m_ReadScrewTableName = rTable.m_Name;
             rRead = {rTable.m_Screws, *Revision};
@@ -322,7 +317,7 @@ int CPreBalDatabase::NameScrewTable(const std::string& rName) {
 int CPreBalDatabase::DeleteScrewTable(const std::string& rName) {
     return m_pImpl->Try("screw table \"" + rName + "\" not deleted", [&] {
         std::vector<std::string> Users =
-            m_pImpl->m_Thread.Run([rName](CStore& rStore) { return rStore.DeleteScrewTable(rName); });
+            m_pImpl->m_Store.Run([rName](CStore& rStore) { return rStore.DeleteScrewTable(rName); });
         if (!Users.empty()) {
             m_pImpl->m_Outcome.m_Users = std::move(Users);
             throw CSqlError("configurations use it", StoreFailure::eInUse);
@@ -333,7 +328,7 @@ int CPreBalDatabase::DeleteScrewTable(const std::string& rName) {
 int CPreBalDatabase::TestAndSetDefaults() {
     CDefaultsSet Set;
     m_pImpl->Try("defaults not set", [&] {
-        Set = m_pImpl->m_Thread.Run([](CStore& rStore) { return rStore.SetDefaults(); });
+        Set = m_pImpl->m_Store.SetDefaults();
         Set.m_bChanged |= m_pImpl->RepairScrewTableNames(Set.m_ScrewTableNames);
     });
     return Set.m_bChanged ? 1 : 0;
@@ -345,7 +340,7 @@ bool CPreBalDatabase::Impl::RepairScrewTableNames(const std::vector<std::string>
     const auto Repair = [&rNames, &bChanged](CPlaneCompensation& rCompensation) {
         CScrewCompensationTableEntry* const pScrew = rCompensation.m_pScrew.get();
         if (pScrew != nullptr && std::ranges::find(rNames, pScrew->GetScrewTableName()) == rNames.end()) {
-            pScrew->SetScrewTableName(CDefaultScrewTable::eName);
+            pScrew->SetScrewTableName(CDefaultScrewTable::NAME);
             bChanged = true;
         }
     };
@@ -360,7 +355,7 @@ bool CPreBalDatabase::Impl::RepairScrewTableNames(const std::vector<std::string>
 }
 
 std::string CPreBalDatabase::GetDefaultScrewTableName() const {
-    return CDefaultScrewTable::eName;
+    return CDefaultScrewTable::NAME;
 }
 
 }  // namespace PreBalDB

@@ -26,7 +26,7 @@ public:
     static CStoredLimits Whole(std::int64_t Min, std::int64_t Max) { return {eWhole, Min, Max, Max}; }
     /// 255 stands for "unknown".
     static CStoredLimits WholeOrUnknown(std::int64_t Min, std::int64_t Max) {
-        return {eWhole, Min, Max, eUnknown};
+        return {eWhole, Min, Max, UNKNOWN};
     }
     static CStoredLimits Positive() { return {ePositive, 0, 0, 0}; }
     static CStoredLimits Text() { return {eText, 0, 0, 0}; }
@@ -38,7 +38,7 @@ public:
     std::string Check(const CDirectSQL::CValue& rValue) const;
 
 private:
-    static constexpr std::int64_t eUnknown = 255;
+    static constexpr std::int64_t UNKNOWN = 255;
     enum Kind : std::uint8_t { eWhole, ePositive, eText, eMatrix };
     CStoredLimits(Kind Value, std::int64_t Min, std::int64_t Max, std::int64_t Also)
         : m_Kind(Value), m_Min(Min), m_Max(Max), m_Also(Also) {}
@@ -102,6 +102,8 @@ struct CProperty {
     /// The column, or the name of a property that has none.
     const char* GetFieldName() const { return IsStored() ? m_pColumn : m_pName; }
     bool IsStored() const { return *m_pColumn != '\0'; }
+    /// Whether people set it, or an NC in their place.
+    bool IsForPeople() const { return (m_Writers & (eOperator | eNc)) != 0; }
     /// A stored number in its unit, and back: downwards to a whole number.
     double ToUnit(double Stored) const { return Stored / m_PerUnit; }
     double FromUnit(double Shown) const;

@@ -3,6 +3,7 @@
 #include <array>
 #include <utility>
 
+#include "contract/units.h"
 #include "platform/rvmdb/defaultscrewtable.h"
 
 namespace PreBalDB {
@@ -86,22 +87,22 @@ CValue Zero(std::uint32_t nRows, std::uint32_t nColumns) {
 }
 
 /// In the order of CTypeBase::Direction.
-constexpr std::array Directions = {P::CChoice{"cw", "CW_TEXT"}, P::CChoice{"ccw", "CCW_TEXT"}};
+constexpr std::array DIRECTIONS = {P::CChoice{"cw", "CW_TEXT"}, P::CChoice{"ccw", "CCW_TEXT"}};
 /// In the order of CCompensationTableEntry::CompensationMethod, as far as there is more than the number.
-constexpr std::array Methods = {P::CChoice{"weights", "ANGULAR_METHOD"},
+constexpr std::array METHODS = {P::CChoice{"weights", "ANGULAR_METHOD"},
                                 P::CChoice{"screws", "FIXED_POSITION"}};
 
 // Speeds and amplitudes come in 16 bits.
-constexpr std::int64_t eMaxWord = 65535;
-constexpr std::int64_t eMaxByte = 255;
+constexpr std::int64_t MAX_WORD = 65535;
+constexpr std::int64_t MAX_BYTE = 255;
 /// The moving averages are filled by one sample in 50 ms.
-constexpr double eSamplesPerSecond = 20.0;
+constexpr double SAMPLES_PER_SECOND = 20.0;
 /// Ten minutes of them.
-constexpr std::int64_t eMaxSamples = 12000;
+constexpr std::int64_t MAX_SAMPLES = 12000;
 /// A hole a degree.
-constexpr std::int64_t eMaxHoles = 360;
+constexpr std::int64_t MAX_HOLES = 360;
 /// The end of the year 9999.
-constexpr std::int64_t eMaxTime = 253402300799;
+constexpr std::int64_t MAX_TIME = 253402300799;
 
 /// Which record a plane has tells its method; a new one counts as weights.
 template <typename Record>
@@ -112,7 +113,7 @@ CRecordField<Record> MakeMethod() {
              .m_Writers = P::eOperator,
              .m_Limits = L::Whole(0, 1),
              .m_Default = ToValue(CCompensationTableEntry::eWeights),
-             .m_Choices = Methods,
+             .m_Choices = METHODS,
              .m_Item = {"BALANCING_METHOD", "PB_011"}},
             {},
             {}};
@@ -126,7 +127,7 @@ CRecordField<Record> MakeScale() {
                               .m_Writers = P::eOperator,
                               .m_Limits = L::Whole(0, 1),
                               .m_Default = ToValue(CTypeBase::eClockwise),
-                              .m_Choices = Directions,
+                              .m_Choices = DIRECTIONS,
                               .m_Item = {"PB_SCALINGDIRECTION_TEXT", "PB_007"}},
                              &Record::GetScalingDirection, &Record::SetScalingDirection);
 }
@@ -140,7 +141,7 @@ CRecordField<Record> MakeRotation(int nPlane) {
                               .m_Writers = P::eOperator | P::eNc,
                               .m_Limits = L::Whole(0, 1),
                               .m_Default = ToValue(CTypeBase::eClockwise),
-                              .m_Choices = Directions,
+                              .m_Choices = DIRECTIONS,
                               .m_Item = {"PB_ROTATION_DIRECTION_TEXT", "PB_006"},
                               .m_nPlane = nPlane},
                              &Record::GetRotationDirection, &Record::SetRotationDirection);
@@ -163,8 +164,8 @@ CProperty MakeSensor(const char* pColumn, int nPlane) {
             .m_pColumn = pColumn,
             .m_Role = Role::eBasis,
             .m_Writers = P::eModule,
-            .m_Limits = L::Whole(0, eMaxByte),
-            .m_Default = ToValue(eMaxByte),  // none
+            .m_Limits = L::Whole(0, MAX_BYTE),
+            .m_Default = ToValue(MAX_BYTE),  // none
             .m_Item = {"PB_SENSOR_ADAPTATION_TEXT"},
             .m_nPlane = nPlane};
 }
@@ -197,7 +198,7 @@ const CRecordFields<CPreBalBaseTableEntry>& CConfigurationFields::Get(const CPre
                       .m_pColumn = "calibrated_unix_time",
                       .m_Role = Role::eCalibration,
                       .m_Writers = P::eRun,
-                      .m_Limits = L::Whole(0, eMaxTime),
+                      .m_Limits = L::Whole(0, MAX_TIME),
                       .m_Default = ToValue(0),
                       .m_Item = {"PB_SET_CALIB_DATE", "PB_001"},
                       .m_TimeItem = {"PB_SET_CALIB_TIME", "PB_002"}},
@@ -206,7 +207,7 @@ const CRecordFields<CPreBalBaseTableEntry>& CConfigurationFields::Get(const CPre
                       .m_pColumn = "calibrated_rpm",
                       .m_Role = Role::eCalibration,
                       .m_Writers = P::eRun,
-                      .m_Limits = L::Whole(0, eMaxWord),
+                      .m_Limits = L::Whole(0, MAX_WORD),
                       .m_Default = ToValue(0),
                       .m_pUnit = "RPM",
                       .m_Item = {"PB_CALIBRATED_RPM_TEXT", "PB_003"}},
@@ -216,30 +217,30 @@ const CRecordFields<CPreBalBaseTableEntry>& CConfigurationFields::Get(const CPre
         MakeField<R>({.m_pName = "rpm_tolerance",
                       .m_pColumn = "rpm_tolerance",
                       .m_Writers = P::eOperator,
-                      .m_Limits = L::Whole(0, eMaxWord),
+                      .m_Limits = L::Whole(0, MAX_WORD),
                       .m_Default = ToValue(50),
                       .m_Range = P::CRange{1, 100, 1},
                       .m_pUnit = "RPM",
                       .m_Item = {"PB_RPM_TOLERANCE_TEXT", "PB_004"}},
                      &R::GetRPMTolerance, &R::SetRPMTolerance),
-        // The readings' counts, which the panel calls µm/s.
+        // The readings' counts, in the unit that the panel gives them.
         MakeField<R>({.m_pName = "target_unbalance",
                       .m_pColumn = "target_unbalance",
                       .m_Writers = P::eOperator | P::eNc,
-                      .m_Limits = L::Whole(0, eMaxWord),
+                      .m_Limits = L::Whole(0, MAX_WORD),
                       .m_Default = ToValue(5),
                       .m_Range = P::CRange{1, 100, 1},
-                      .m_pUnit = "µm/s",
+                      .m_pUnit = Units::UNBALANCE,
                       .m_Item = {"PB_UNBAL_TOLERANCE_TEXT", "PB_005"}},
                      &R::GetTargetUnbalance, &R::SetTargetUnbalance),
         MakeField<R>({.m_pName = "measurement_time_s",
                       .m_pColumn = "number_of_samples",
                       .m_Writers = P::eOperator,
-                      .m_Limits = L::Whole(1, eMaxSamples),
+                      .m_Limits = L::Whole(1, MAX_SAMPLES),
                       .m_Default = ToValue(40),
                       .m_Range = P::CRange{1.5, 15.0, 0.1},
                       .m_pUnit = "s",
-                      .m_PerUnit = eSamplesPerSecond,
+                      .m_PerUnit = SAMPLES_PER_SECOND,
                       .m_Item = {"MEASUREMENT_TIME", "PB_012"}},
                      &R::GetNumberOfSamples, &R::SetNumberOfSamples),
     };
@@ -324,13 +325,13 @@ const CRecordFields<CScrewCompensationTableEntry>& CConfigurationFields::Get(
                       .m_pColumn = "screw_table",
                       .m_Writers = P::eOperator,
                       .m_Limits = L::Text(),
-                      .m_Default = ToValue(std::string(CDefaultScrewTable::eName)),
+                      .m_Default = ToValue(std::string(CDefaultScrewTable::NAME)),
                       .m_Item = {"MASS_TABLE", "PB_008"}},
                      &R::GetScrewTableName, &R::SetScrewTableName),
         MakeField<R>({.m_pName = "holes",
                       .m_pColumn = "number_of_holes",
                       .m_Writers = P::eOperator,
-                      .m_Limits = L::Whole(0, eMaxHoles),
+                      .m_Limits = L::Whole(0, MAX_HOLES),
                       .m_Default = ToValue(12),
                       .m_Range = P::CRange{3, 24, 1},
                       .m_Item = {"NUMBER_OF_FIXED_POSITIONS", "PB_009"}},
@@ -338,7 +339,7 @@ const CRecordFields<CScrewCompensationTableEntry>& CConfigurationFields::Get(
         MakeField<R>({.m_pName = "screws",
                       .m_pColumn = "number_of_screws",
                       .m_Writers = P::eOperator,
-                      .m_Limits = L::Whole(0, eMaxByte),
+                      .m_Limits = L::Whole(0, MAX_BYTE),
                       .m_Default = ToValue(2),
                       .m_Range = P::CRange{2, 3, 1},
                       .m_Item = {"NUMBER_OF_CORRECTION_MASSES", "PB_010"}},

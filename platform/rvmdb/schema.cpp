@@ -9,6 +9,7 @@
 #include "platform/rvmdb/directsql.h"
 #include "platform/rvmdb/log.h"
 #include "platform/rvmdb/prebaldatabase.h"
+#include "platform/rvmdb/storebackup.h"
 
 namespace PreBalDB::Schema {
 
@@ -21,12 +22,12 @@ struct CFrame {
 };
 
 // The revision grows with every change, so that a console knows when another one has written since it read.
-constexpr CFrame ConfigurationFrame = {
+constexpr CFrame CONFIGURATION_FRAME = {
     R"(machine TEXT NOT NULL REFERENCES machine (name) ON UPDATE CASCADE ON DELETE CASCADE,
         name TEXT NOT NULL)",
     R"(revision BIGINT NOT NULL DEFAULT 1,
         PRIMARY KEY (machine, name))"};
-constexpr CFrame RecordFrame = {
+constexpr CFrame RECORD_FRAME = {
     R"(machine TEXT NOT NULL,
         configuration TEXT NOT NULL)",
     R"(PRIMARY KEY (machine, configuration),
@@ -34,7 +35,7 @@ constexpr CFrame RecordFrame = {
             ON UPDATE CASCADE ON DELETE CASCADE)"};
 // "part" tells whose compensation it is: 'single', or 'plane1', 'plane2' of the two-plane record. A screw
 // table's name is no foreign key: a configuration may name one that is still to be written.
-constexpr CFrame PartFrame = {
+constexpr CFrame PART_FRAME = {
     R"(machine TEXT NOT NULL,
         configuration TEXT NOT NULL,
         part TEXT NOT NULL CHECK (part IN ('single', 'plane1', 'plane2')))",
@@ -42,8 +43,8 @@ constexpr CFrame PartFrame = {
         FOREIGN KEY (machine, configuration) REFERENCES configuration (machine, name)
             ON UPDATE CASCADE ON DELETE CASCADE)"};
 
-constexpr const char* pMachineTable = "CREATE TABLE machine (name TEXT NOT NULL PRIMARY KEY)";
-constexpr std::array OtherStatements = {
+constexpr const char* MACHINE_TABLE = "CREATE TABLE machine (name TEXT NOT NULL PRIMARY KEY)";
+constexpr std::array OTHER_STATEMENTS = {
     R"(CREATE TABLE screw_table (
         machine TEXT NOT NULL REFERENCES machine (name) ON UPDATE CASCADE ON DELETE CASCADE,
         name TEXT NOT NULL,
@@ -58,6 +59,8 @@ constexpr std::array OtherStatements = {
         PRIMARY KEY (machine, screw_table, position),
         FOREIGN KEY (machine, screw_table) REFERENCES screw_table (machine, name)
             ON UPDATE CASCADE ON DELETE CASCADE))",
+    // How far the queue of each console has come whose server was away: what stands in it is done once.
+    "CREATE TABLE delivery (console TEXT NOT NULL PRIMARY KEY, last BIGINT NOT NULL)",
     "CREATE TABLE schema_version (version INTEGER NOT NULL)",
     "INSERT INTO schema_version (version) VALUES (0)",
 };
@@ -82,9 +85,9 @@ const char* GetSqlType(PropertyType Type) {
 
 /// A table of configurations, with a column for each property that is stored.
 void MakeTable(CDirectSQL& rConnection, const CRecordLayout& rLayout) {
-    const CFrame& rFrame = rLayout.m_KeyColumn == "name" ? ConfigurationFrame
-                           : rLayout.m_Part.empty()      ? RecordFrame
-                                                         : PartFrame;
+    const CFrame& rFrame = rLayout.m_KeyColumn == "name" ? CONFIGURATION_FRAME
+                           : rLayout.m_Part.empty()      ? RECORD_FRAME
+                                                         : PART_FRAME;
     std::string Statement = "CREATE TABLE " + rLayout.m_Table + " (" + rFrame.m_pBefore + ",\n";
     for (const CProperty* const pProperty : rLayout.m_Properties) {
         if (pProperty->IsStored()) {
@@ -97,14 +100,14 @@ void MakeTable(CDirectSQL& rConnection, const CRecordLayout& rLayout) {
 
 /// All tables of the current version, in an empty store.
 void MakeTables(CDirectSQL& rConnection) {
-    rConnection.Execute(pMachineTable);
+    rConnection.Execute(MACHINE_TABLE);
     std::set<std::string> Made;
     for (const CRecordLayout& rLayout : ConfigurationFields::GetLayouts()) {
         if (Made.insert(rLayout.m_Table).second) {
             MakeTable(rConnection, rLayout);
         }
     }
-    for (const char* const pStatement : OtherStatements) {
+    for (const char* const pStatement : OTHER_STATEMENTS) {
         rConnection.Execute(pStatement);
     }
 }
@@ -117,14 +120,15 @@ struct CStep {
     const char* m_pStatement;
 };
 
-constexpr std::array Steps = {
+constexpr std::array STEPS = {
     // Rings of holes of any radius, in mm; until then all had 100.
     CStep{2, "ALTER TABLE screw_compensation ADD COLUMN radius DOUBLE PRECISION NOT NULL DEFAULT 100.0"},
     CStep{3, "ALTER TABLE configuration ADD COLUMN revision BIGINT NOT NULL DEFAULT 1"},
     CStep{3, "ALTER TABLE screw_table ADD COLUMN revision BIGINT NOT NULL DEFAULT 1"},
+    CStep{4, "CREATE TABLE delivery (console TEXT NOT NULL PRIMARY KEY, last BIGINT NOT NULL)"},
 };
 
-static_assert(Steps.back().m_Version == eCurrentVersion);
+static_assert(STEPS.back().m_Version == CURRENT_VERSION);
 
 [[noreturn]] void Refuse(const CDirectSQL& rConnection, const std::string& rText) {
     throw CDatabaseError(rConnection.GetName() + " " + rText);
@@ -155,18 +159,29 @@ void CheckPages(CDirectSQL& rConnection) {
     if (!rConnection.IsSqlite()) {
         return;  // a server looks after its own pages
     }
-    const auto Rows = rConnection.Query("PRAGMA quick_check(1)");
-    const std::string Verdict = Rows.empty() ? "no answer" : Rows[0].GetText(0);
-    if (Verdict != "ok") {
-        Refuse(rConnection,
-               "is damaged (" + Verdict + "); put a backup in its place, or move it away to begin anew");
+    // These tables only: the archive of runs in the same file may be a gigabyte, which nobody can wait for.
+    std::set<std::string> Tables = {"sqlite_schema", "machine",  "screw_table",
+                                    "screw",         "delivery", "schema_version"};
+    for (const CRecordLayout& rLayout : ConfigurationFields::GetLayouts()) {
+        Tables.insert(rLayout.m_Table);
+    }
+    for (const std::string& rTable : Tables) {
+        if (rTable != "sqlite_schema" && !rConnection.HasTable(rTable)) {
+            continue;  // of an empty file
+        }
+        const auto Rows = rConnection.Query("PRAGMA quick_check('" + rTable + "')");
+        const std::string Verdict = Rows.empty() ? "no answer" : Rows[0].GetText(0);
+        if (Verdict != "ok") {
+            Refuse(rConnection,
+                   "is damaged (" + Verdict + "); put a backup in its place, or move it away to begin anew");
+        }
     }
 }
 
 void CheckNotNewer(const CDirectSQL& rConnection, std::int64_t Version) {
-    if (Version > eCurrentVersion) {
+    if (Version > CURRENT_VERSION) {
         Refuse(rConnection, "has version " + std::to_string(Version) + ", this program knows up to " +
-                                std::to_string(eCurrentVersion) +
+                                std::to_string(CURRENT_VERSION) +
                                 "; update the program, or give another database");
     }
 }
@@ -180,22 +195,23 @@ void Migrate(CDirectSQL& rConnection) {
     // Read anew: another console may just have done it.
     const std::int64_t Version = ReadVersion(rConnection);
     CheckNotNewer(rConnection, Version);
-    if (Version == eCurrentVersion) {
+    if (Version == CURRENT_VERSION) {
         return;
     }
     if (Version == 0) {
         MakeTables(rConnection);
     } else {
-        for (const CStep& rStep : Steps) {
+        BackUpBeforeMigration(rConnection, "schema", Version);
+        for (const CStep& rStep : STEPS) {
             if (rStep.m_Version > Version) {
                 rConnection.Execute(rStep.m_pStatement);
             }
         }
     }
-    rConnection.Execute("UPDATE schema_version SET version = ?", {std::int64_t{eCurrentVersion}});
+    rConnection.Execute("UPDATE schema_version SET version = ?", {std::int64_t{CURRENT_VERSION}});
     Transaction.Commit();
     RV_INFORMATION(g_pLog, "%s: from version %d to %d", rConnection.GetName().c_str(),
-                   static_cast<int>(Version), eCurrentVersion);
+                   static_cast<int>(Version), CURRENT_VERSION);
 }
 
 /// All that ReadVersion asks, of one state of the store: another console may be making it just now.
@@ -211,11 +227,11 @@ void Prepare(CDirectSQL& rConnection) {
         const std::int64_t Version = LookAtVersion(rConnection);
         CheckNotNewer(rConnection, Version);
         CheckPages(rConnection);
-        if (Version < eCurrentVersion) {
+        if (Version < CURRENT_VERSION) {
             Migrate(rConnection);
         }
     } catch (const CSqlError& rError) {
-        throw CDatabaseError(rConnection.GetUnusableText(rError));
+        throw CDatabaseError(rConnection.GetUnusableText(rError), rError.GetCause());
     }
 }
 

@@ -8,13 +8,13 @@ namespace PreBalDB {
 namespace {
 
 const std::string& GetDefaultName() {
-    static const std::string ms_Name = CDefaultScrewTable::eName;
+    static const std::string ms_Name = CDefaultScrewTable::NAME;
     return ms_Name;
 }
 
 Base::CWDArray<CScrew> MakeDefaultScrews() {
     Base::CWDArray<CScrew> Screws;
-    for (const double Weight : CDefaultScrewTable::eWeights) {
+    for (const double Weight : CDefaultScrewTable::WEIGHTS) {
         Screws.Add(CScrew(CScrew("", Weight).GetWeightAsString() + " g", Weight));
     }
     return Screws;
@@ -99,10 +99,10 @@ void CStore::StoreScrews(const std::string& rTable, const Base::CWDArray<CScrew>
 namespace {
 
 // Conditions on the rows of a machine that stand in the way. Without a screw nothing can be balanced.
-constexpr const char* pWithoutScrews =
+constexpr const char* WITHOUT_SCREWS =
     " FROM screw_table WHERE machine = ? AND NOT EXISTS (SELECT 1 FROM screw "
     "WHERE screw.machine = screw_table.machine AND screw.screw_table = screw_table.name)";
-constexpr const char* pOfMissingTable =
+constexpr const char* OF_MISSING_TABLE =
     " NOT EXISTS (SELECT 1 FROM screw_table WHERE screw_table.machine = screw_compensation.machine "
     "AND screw_table.name = screw_compensation.screw_table)";
 
@@ -139,10 +139,10 @@ std::vector<std::string> CStore::DeleteScrewTable(const std::string& rName) {
 bool CStore::AreDefaultsSet() {
     CTransaction Transaction(m_Connection, CTransaction::eReading);
     return !LoadScrews(GetDefaultName()).IsEmpty() &&
-           m_Connection.Query(std::string("SELECT name") + pWithoutScrews, {m_MachineName}).empty() &&
+           m_Connection.Query(std::string("SELECT name") + WITHOUT_SCREWS, {m_MachineName}).empty() &&
            m_Connection
                .Query(std::string("SELECT configuration FROM screw_compensation WHERE machine = ? AND") +
-                          pOfMissingTable,
+                          OF_MISSING_TABLE,
                       {m_MachineName})
                .empty();
 }
@@ -158,15 +158,15 @@ CDefaultsSet CStore::SetDefaults() {
         StoreScrews(GetDefaultName(), MakeDefaultScrews(),
                     BeginRevision("screw_table", GetDefaultName()).value_or(1));
     }
-    m_Connection.Execute(std::string("DELETE") + pWithoutScrews, {m_MachineName});
+    m_Connection.Execute(std::string("DELETE") + WITHOUT_SCREWS, {m_MachineName});
     m_Connection.Execute(
         std::string("UPDATE configuration SET revision = revision + 1 WHERE machine = ? AND EXISTS (SELECT 1 "
                     "FROM screw_compensation WHERE screw_compensation.machine = configuration.machine AND "
                     "screw_compensation.configuration = configuration.name AND") +
-            pOfMissingTable + ")",
+            OF_MISSING_TABLE + ")",
         {m_MachineName});
     m_Connection.Execute(
-        std::string("UPDATE screw_compensation SET screw_table = ? WHERE machine = ? AND") + pOfMissingTable,
+        std::string("UPDATE screw_compensation SET screw_table = ? WHERE machine = ? AND") + OF_MISSING_TABLE,
         {GetDefaultName(), m_MachineName});
     CDefaultsSet Set{true, LoadNamesOfScrewTables().m_Names};
     Transaction.Commit();

@@ -10,6 +10,9 @@
 
 namespace PreBalDB {
 
+/// Of a configuration whose revision on the server isn't known: no stored one has it.
+constexpr std::int64_t UNKNOWN_REVISION = -1;
+
 /// A configuration as it is stored. The revision grows by one with every write that changes something.
 struct CStoredConfiguration {
     CFieldValues m_Values;
@@ -32,6 +35,8 @@ struct CConfigurationWritten {
     std::vector<std::string> m_Conflicts;  ///< CMerged::m_Conflicts
     bool m_bCalibrationLost = false;
     bool m_bOthersWrote = false;  ///< since it was read
+    bool m_bChanged = false;      ///< something had to be written
+    bool m_bDelivered = true;     ///< false: it stands on this console's own disk and waits for the server
 };
 
 struct CScrewTableWrite {
@@ -58,6 +63,9 @@ struct CDefaultsSet {
     std::vector<std::string> m_ScrewTableNames;
 };
 
+struct CDelivery;
+struct CTableRows;
+
 /// The store's side of CPreBalDatabase: plain values in, plain values out, so that it can work in a thread of
 /// its own. Reading and writing of configurations is in configurationstore.cpp, the screw tables and the
 /// defaults are in screwtables.cpp. Everything throws CSqlError.
@@ -65,6 +73,9 @@ class CStore {
 public:
     /// Opens the connection. Throws CDatabaseError.
     CStore(std::string MachineName, const std::string& rConnection);
+    virtual ~CStore() = default;
+    CStore(const CStore&) = delete;
+    CStore& operator=(const CStore&) = delete;
 
     /// Brings schema, machine and defaults into being. Throws CDatabaseError.
     void Prepare();
@@ -78,6 +89,11 @@ public:
     /// Writes what was changed, or a further configuration if the name is another one than was read.
     CConfigurationWritten WriteConfiguration(const CConfigurationWrite& rWrite);
     void DeleteConfiguration(const std::string& rName);
+    /// The same of a write from a console's queue, which is done once, however often this is asked: nothing
+    /// if it was done before.
+    std::optional<CConfigurationWritten> Deliver(const CDelivery& rDelivery);
+    /// All that is stored of the machine, as of one moment.
+    std::vector<CTableRows> LoadMachine();
 
     CLoadedNames LoadScrewTableNames();
     CStoredScrewTable LoadScrewTable(const std::string& rName);
@@ -87,6 +103,10 @@ public:
     std::vector<std::string> DeleteScrewTable(const std::string& rName);
     CDefaultsSet SetDefaults();
 
+protected:
+    CDirectSQL& GetConnection() { return m_Connection; }
+    const std::string& GetMachineName() const { return m_MachineName; }
+
 private:
     using CValues = std::vector<CDirectSQL::CValue>;
 
@@ -95,6 +115,8 @@ private:
     /// Locks the configuration for this transaction and gives it its next revision, which is the result;
     /// nothing if there is none.
     std::optional<std::int64_t> BeginRevision(const char* pTable, const std::string& rName);
+    CConfigurationWritten MergeIn(const CConfigurationWrite& rWrite);
+    bool BeginDelivery(const CDelivery& rDelivery);
     CConfigurationWritten Insert(const CConfigurationWrite& rWrite);
     void InsertRecord(const CRecordLayout& rLayout, const std::string& rName, const CFieldValues& rValues);
     void WriteDifference(const std::string& rName, const CFieldValues& rBefore, const CFieldValues& rNow);

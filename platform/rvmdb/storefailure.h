@@ -15,7 +15,7 @@ enum class StoreFailure : std::uint8_t {
     // What was asked for can't be, and never will: trying again is of no use.
     eRefused,      ///< a value that is wrong
     eNoName,       ///< a new name is empty, or nothing but white space
-    eNameTooLong,  ///< a new name has more than c_nLongestName characters
+    eNameTooLong,  ///< a new name has more than LONGEST_NAME characters
     eNameNotText,  ///< a new name is no UTF-8
     eNameTaken,    ///< a new name is another one's
     eDefault,      ///< "Default" can't be deleted
@@ -27,7 +27,12 @@ constexpr bool IsRefusal(StoreFailure Cause) {
     return Cause >= StoreFailure::eRefused;
 }
 
+/// Whether the server is away: it can't be reached, or has frozen.
+constexpr bool IsAway(StoreFailure Cause) {
+    return Cause == StoreFailure::eUnreachable || Cause == StoreFailure::eNoAnswer;
+}
+
 /// In characters, not in bytes.
-constexpr int c_nLongestName = 60;
+constexpr int LONGEST_NAME = 60;
 
 }  // namespace PreBalDB

@@ -55,7 +55,7 @@ std::string GetCause(const CStoreOutcome& rOutcome) {
 }
 
 std::string GetNaming(const std::string& rName, const std::string& rFormer, const CStoreOutcome& rOutcome) {
-    const std::string Longest = std::to_string(c_nLongestName);
+    const std::string Longest = std::to_string(LONGEST_NAME);
     switch (rOutcome.m_Cause) {
         case StoreFailure::eNoName:
             return Fill("NAME_EMPTY", {Longest, rFormer});

@@ -23,7 +23,8 @@ struct CStoreThread::Shared {
     std::unique_ptr<CStore> m_pStore;
 };
 
-CStoreThread::CStoreThread() : m_pShared(std::make_shared<Shared>()) {
+CStoreThread::CStoreThread(std::chrono::milliseconds Reserve)
+    : m_Reserve(Reserve), m_pShared(std::make_shared<Shared>()) {
     m_Thread = std::thread([pShared = m_pShared] { Work(*pShared); });
 }
 
@@ -110,14 +111,15 @@ void CStoreThread::GiveUp() {
     if (m_pShared->m_pStore != nullptr) {
         m_pShared->m_pStore->Interrupt();
     }
-    throw CSqlError("no answer within " + std::to_string(CPatience::eLimit.count() / 1000) + " s",
-                    StoreFailure::eNoAnswer);
+    throw CSqlError(
+        "no answer within " + std::to_string((CPatience::LIMIT - m_Reserve).count() / 1000) + " s",
+        StoreFailure::eNoAnswer);
 }
 
 bool CStoreThread::WaitFor(const std::function<bool()>& rCondition) {
     const auto Begin = std::chrono::steady_clock::now();
     std::unique_lock Guard(m_pShared->m_Lock);
-    const bool bReached = m_pShared->m_Changed.wait_for(Guard, CPatience::GetRest(), rCondition);
+    const bool bReached = m_pShared->m_Changed.wait_for(Guard, CPatience::GetRest() - m_Reserve, rCondition);
     CPatience::Spend(std::chrono::steady_clock::now() - Begin);
     return bReached;
 }

@@ -1,4 +1,5 @@
 #pragma once
+#include <chrono>
 #include <functional>
 #include <future>
 #include <memory>
@@ -16,7 +17,8 @@ class CStore;
 /// its result back by value: a caller that has given up is not there any more when it ends.
 class CStoreThread {
 public:
-    CStoreThread();
+    /// Reserve: so much of the patience is left to others.
+    explicit CStoreThread(std::chrono::milliseconds Reserve = std::chrono::milliseconds(0));
     /// Waits for work that was given up as long as patience lasts; a thread that hangs beyond that is left to
     /// itself.
     ~CStoreThread();
@@ -48,6 +50,7 @@ private:
     /// As long as patience lasts; the condition is asked under the lock. Whether it holds.
     bool WaitFor(const std::function<bool()>& rCondition);
 
+    std::chrono::milliseconds m_Reserve;
     std::shared_ptr<Shared> m_pShared;
     std::thread m_Thread;
 };

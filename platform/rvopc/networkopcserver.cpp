@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "platform/rvlog/log.h"
+#include "platform/rvopc/opclines.h"
 #include "platform/system/eventloop.h"
 
 using nlohmann::json;
@@ -49,6 +50,19 @@ std::optional<COpcValue> ToValue(const json& rAnswer) {
     return std::nullopt;
 }
 
+/// A number is the same whatever type the server's node gives it: what was written as a whole number comes
+/// back from a node of floating point.
+bool IsSame(const std::optional<COpcValue>& rLeft, const COpcValue& rRight) {
+    const auto ToNumber = [](const COpcValue& rValue) {
+        return std::holds_alternative<std::string>(rValue) ? std::nullopt : OpcValueToNumber(rValue);
+    };
+    if (!rLeft) {
+        return false;
+    }
+    const std::optional<double> Left = ToNumber(*rLeft);
+    return Left ? Left == ToNumber(rRight) : *rLeft == rRight;
+}
+
 /// The exacting values of the linked items, by node.
 std::map<std::string, COpcValue> FindExacting(const COpcConfiguration& rConfiguration) {
     std::map<std::string, COpcValue> Exacting;
@@ -79,14 +93,7 @@ CNetworkOpcServer::CNetworkOpcServer(std::unique_ptr<IFOpcGateway> pGateway,
                                      const COpcConfiguration& rConfiguration,
                                      const std::string& rPkiDirectory)
     : m_pGateway(std::move(pGateway)),
-      m_ConnectLine(ToLine("connect", {{"server", rConfiguration.m_Server},
-                                       {"security", rConfiguration.m_Security},
-                                       {"fingerprint", rConfiguration.m_Fingerprint},
-                                       {"pki", rPkiDirectory},
-                                       {"user", rConfiguration.m_User},
-                                       {"password", rConfiguration.m_Password},
-                                       {"user_certificate", rConfiguration.m_UserCertificate},
-                                       {"user_key", rConfiguration.m_UserKey}})),
+      m_ConnectLine(OpcLines::MakeConnect(rConfiguration, rPkiDirectory)),
       m_Exacting(FindExacting(rConfiguration)) {
     m_pGateway->OnOpened = [this] { OnGatewayOpened(); };
     m_pGateway->OnLine = [this](const std::string& rLine) { OnLine(rLine); };
@@ -113,7 +120,9 @@ void CNetworkOpcServer::OnLine(const std::string& rLine) {
         const json Line = json::parse(rLine);
         for (const auto& [Kind, rContent] : Line.get_ref<const json::object_t&>()) {
             if (Kind == "state") {
-                rContent.at("connected").get<bool>() ? OnConnected() : OnLost(rContent.value("reason", ""));
+                rContent.at("connected").get<bool>()
+                    ? OnConnected()
+                    : OnLost(rContent.value("reason", ""), rContent.value("kind", ""));
             } else if (Kind == "changed") {
                 OnChanged(rContent.at("id").get<Id>(), ToValue(rContent), rContent.value("error", ""));
             } else if (Kind == "checked") {
@@ -140,6 +149,7 @@ void CNetworkOpcServer::OnConnected() {
     }
     m_State = State::eConnected;
     m_LastReason.clear();
+    m_Trouble.clear();
     m_Checks.clear();
     for (const auto& [rItem, rValue] : m_Exacting) {
         m_Checks[++m_LastId] = rItem;
@@ -158,7 +168,8 @@ void CNetworkOpcServer::OnConnected() {
     }
 }
 
-void CNetworkOpcServer::OnLost(const std::string& rWhy) {
+void CNetworkOpcServer::OnLost(const std::string& rWhy, const std::string& rKind) {
+    m_Trouble = rKind;
     if (std::exchange(m_LastReason, rWhy) != rWhy) {
         RV_WARNING(g_pLog, "no connection to the NC: %s", rWhy.c_str());
     }
@@ -181,13 +192,13 @@ bool CNetworkOpcServer::IsNews(CItem& rItem, const COpcValue& rValue) {
     if (rItem.m_bUnsent && !rItem.m_Known) {
         return false;
     }
-    if (rItem.m_Known == rValue) {
+    if (IsSame(rItem.m_Known, rValue)) {
         return false;
     }
     if (std::exchange(rItem.m_bUnsent, false)) {
         PostFailure(std::exchange(rItem.m_OnFailure, nullptr));
         // A write whose answer got lost may have arrived all the same.
-        return rItem.m_Written != rValue;
+        return !IsSame(rItem.m_Written, rValue);
     }
     return true;
 }
@@ -216,7 +227,7 @@ void CNetworkOpcServer::OnChanged(Id Subscription, std::optional<COpcValue> Valu
     CItem& rItem = m_Items[pSubscription->m_Item];
     const bool bLook = std::exchange(pSubscription->m_bFresh, false);
     // What one subscription was told is news for the item's others too.
-    const bool bTell = !bLook || rItem.m_Told == Value || IsNews(rItem, *Value);
+    const bool bTell = !bLook || IsSame(rItem.m_Told, *Value) || IsNews(rItem, *Value);
     rItem.m_Known = Value;
     if (bTell) {
         rItem.m_Told = Value;
@@ -274,7 +285,7 @@ void CNetworkOpcServer::SendWrite(const std::string& rItem, CItem& rState, Failu
 }
 
 std::optional<COpcValue> CNetworkOpcServer::Read(const std::string& rItem) {
-    const std::uint64_t Deadline = IFEventLoop::Current().Now() + eReadTimeout;
+    const std::uint64_t Deadline = IFEventLoop::Current().Now() + READ_TIMEOUT;
     const auto Wait = [&] {
         const std::uint64_t Now = IFEventLoop::Current().Now();
         return Now < Deadline && m_pGateway->Wait(static_cast<std::uint32_t>(Deadline - Now));

@@ -32,7 +32,7 @@
 class CNetworkOpcServer : public IFOpcServer {
 public:
     /// Longest that Read waits in all, ms.
-    static constexpr std::uint32_t eReadTimeout = 2000;
+    static constexpr std::uint32_t READ_TIMEOUT = 2000;
 
     /// Begins to connect. PkiDirectory holds the certificates.
     CNetworkOpcServer(std::unique_ptr<IFOpcGateway> pGateway, const COpcConfiguration& rConfiguration,
@@ -49,6 +49,11 @@ public:
     [[nodiscard]] std::shared_ptr<void> Subscribe(const std::string& rItem, std::uint32_t UpdateRate,
                                                   ChangeHandler Handler) override;
     bool IsConnected() const { return m_State == State::eConnected; }
+    /// There was a connection, or a try to make one has failed; it is tried again.
+    bool IsLost() const { return m_State == State::eLost; }
+    /// Of what kind the trouble is that prevents a connection, by the gateway's word for it; empty while
+    /// there is none, or nothing particular is known of it.
+    const std::string& GetTrouble() const { return m_Trouble; }
 
 private:
     enum class State { eConnecting, eConnected, eLost };
@@ -81,7 +86,7 @@ private:
     void OnGatewayOpened();
     void OnLine(const std::string& rLine);
     void OnConnected();
-    void OnLost(const std::string& rWhy);
+    void OnLost(const std::string& rWhy, const std::string& rKind = {});
     void OnChanged(Id Subscription, std::optional<COpcValue> Value, const std::string& rError);
     void OnChecked(Id Check, const std::string& rError);
     void OnWritten(Id Write, const std::string& rError);
@@ -110,6 +115,7 @@ private:
     std::optional<std::optional<COpcValue>> m_ReadAnswer;
     Id m_ReadId = 0;
     std::string m_LastReason;  ///< of the outage that lasts; told once
+    std::string m_Trouble;
     /// Subscriptions may outlive the server.
     CLifetime m_Lifetime;
 };

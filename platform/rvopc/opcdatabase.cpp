@@ -8,11 +8,11 @@ namespace {
 
 // The foundation's publisher and topic. The foundation lies above this library: there is nothing to log to
 // before it has registered.
-constexpr std::uint32_t eRefCountTopic = 0x10000;
+constexpr std::uint32_t REF_COUNT_TOPIC = 0x10000;
 
 void LogCount(const char* pOperation, const char* pWho, std::uint32_t nCount) {
     CLogComponent* const pLog = CLogComponent::Find("CorvaneBase");
-    RV_LOG(pLog, eRefCountTopic, "RefCount", "COpcDatabase->%s(%s) called [%u]", pOperation, pWho, nCount);
+    RV_LOG(pLog, REF_COUNT_TOPIC, "RefCount", "COpcDatabase->%s(%s) called [%u]", pOperation, pWho, nCount);
 }
 
 }  // namespace

@@ -14,24 +14,24 @@ bool IsNumber(std::string_view Text) {
 }
 
 bool IsGuid(std::string_view Text) {
-    constexpr std::string_view Form = "xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx";
+    constexpr std::string_view FORM = "xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx";
     const auto Fits = [](char Character, char Expected) {
-        constexpr std::string_view Digits = "0123456789abcdefABCDEF";
-        return Expected == '-' ? Character == '-' : Digits.find(Character) != std::string_view::npos;
+        constexpr std::string_view DIGITS = "0123456789abcdefABCDEF";
+        return Expected == '-' ? Character == '-' : DIGITS.find(Character) != std::string_view::npos;
     };
-    return std::ranges::equal(Text, Form, Fits);
+    return std::ranges::equal(Text, FORM, Fits);
 }
 
 /// Padding may be left out; where it is, there is the right number of it.
 bool IsBase64(std::string_view Text) {
-    constexpr std::string_view Digits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-    constexpr std::size_t eGroup = 4;
-    if (Text.size() % eGroup == 0) {
+    constexpr std::string_view DIGITS = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    constexpr std::size_t GROUP = 4;
+    if (Text.size() % GROUP == 0) {
         for (int nPadding = 0; nPadding < 2 && Text.ends_with('='); ++nPadding) {
             Text.remove_suffix(1);
         }
     }
-    return Text.find_first_not_of(Digits) == std::string_view::npos;
+    return Text.find_first_not_of(DIGITS) == std::string_view::npos;
 }
 
 /// Takes "Key...;" off the front and tells what is between; without the key it tells nothing and takes
@@ -57,11 +57,11 @@ bool IsOpcNodeId(std::string_view Text) {
     } else if (!IsNumber<std::uint16_t>(Index)) {
         return false;
     }
-    constexpr std::size_t eKindLength = 2;
-    if (Text.size() <= eKindLength || Text[1] != '=') {
+    constexpr std::size_t KIND_LENGTH = 2;
+    if (Text.size() <= KIND_LENGTH || Text[1] != '=') {
         return false;
     }
-    const std::string_view Identifier = Text.substr(eKindLength);
+    const std::string_view Identifier = Text.substr(KIND_LENGTH);
     switch (Text.front()) {
         case 's':
             return true;

@@ -8,10 +8,10 @@ static_assert(sizeof(double) == 8 && std::numeric_limits<double>::is_iec559);
 namespace {
 
 // The prefixes of a string's length that say that a longer length follows.
-constexpr std::uint8_t c_LongLength = 0xFF;
-constexpr std::uint16_t c_VeryLongLength = 0xFFFF;
-constexpr std::size_t c_nMaxShort = 254;
-constexpr std::size_t c_nMaxLong = 65533;
+constexpr std::uint8_t LONG_LENGTH = 0xFF;
+constexpr std::uint16_t VERY_LONG_LENGTH = 0xFFFF;
+constexpr std::size_t MAX_SHORT = 254;
+constexpr std::size_t MAX_LONG = 65533;
 
 }  // namespace
 
@@ -75,14 +75,14 @@ CArchive& CArchive::operator<<(const std::string& rValue) {
     if (nLength > std::numeric_limits<std::uint32_t>::max()) {
         throw CArchiveException("a text is too long for an archive");
     }
-    if (nLength <= c_nMaxShort) {
+    if (nLength <= MAX_SHORT) {
         Write(static_cast<std::uint8_t>(nLength));
     } else {
-        Write(c_LongLength);
-        if (nLength <= c_nMaxLong) {
+        Write(LONG_LENGTH);
+        if (nLength <= MAX_LONG) {
             Write(static_cast<std::uint16_t>(nLength));
         } else {
-            Write(c_VeryLongLength);
+            Write(VERY_LONG_LENGTH);
             Write(static_cast<std::uint32_t>(nLength));
         }
     }
@@ -112,11 +112,11 @@ CArchive& CArchive::operator>>(double& rValue) {
 
 CArchive& CArchive::operator>>(std::string& rValue) {
     std::size_t nLength = Read<std::uint8_t>();
-    if (nLength == c_LongLength) {
+    if (nLength == LONG_LENGTH) {
         nLength = Read<std::uint16_t>();
-        if (nLength == c_VeryLongLength) {
+        if (nLength == VERY_LONG_LENGTH) {
             nLength = Read<std::uint32_t>();
-        } else if (nLength > c_nMaxLong) {
+        } else if (nLength > MAX_LONG) {
             throw CArchiveException("a text in the archive has an impossible length");
         }
     }

@@ -18,10 +18,10 @@ namespace Files {
 
 namespace {
 
-constexpr std::size_t c_nMaxPath = 260;
+constexpr std::size_t MAX_PATH = 260;
 /// New files and directories belong to the owner and the group, as all users of the machine share them.
-constexpr mode_t c_DirectoryMode = 0770;
-constexpr mode_t c_FileMode = 0664;
+constexpr mode_t DIRECTORY_MODE = 0770;
+constexpr mode_t FILE_MODE = 0660;
 
 std::string ToModuleForm(std::string Path) {
     std::replace(Path.begin(), Path.end(), '/', '\\');
@@ -56,13 +56,13 @@ bool IsWriteProtected(const std::string& rPath, const struct stat& rStatus) {
 }
 
 /// Between a file's name and six characters more in the name of its successor.
-constexpr const char* c_pTemporary = ".writing-";
+constexpr const char* TEMPORARY = ".writing-";
 
 /// A successor for a file, beside it. Its writer holds it locked, so that one without a lock is known to be
 /// left over from a writer that was killed.
 int OpenTemporary(const std::string& rPath, std::string& rTemporary) {
     while (true) {
-        rTemporary = rPath + c_pTemporary + "XXXXXX";
+        rTemporary = rPath + TEMPORARY + "XXXXXX";
         const int Handle = ::mkostemp(rTemporary.data(), O_CLOEXEC);
         struct stat Status;
         if (Handle < 0 || ::flock(Handle, LOCK_EX | LOCK_NB) != 0 || ::fstat(Handle, &Status) != 0 ||
@@ -74,7 +74,7 @@ int OpenTemporary(const std::string& rPath, std::string& rTemporary) {
 }
 
 void RemoveLeftovers(const std::filesystem::path& rPath) {
-    const std::string Beginning = rPath.filename().string() + c_pTemporary;
+    const std::string Beginning = rPath.filename().string() + TEMPORARY;
     const std::filesystem::path Parent = rPath.has_parent_path() ? rPath.parent_path() : ".";
     std::error_code Error;
     std::vector<std::filesystem::path> Leftovers;
@@ -107,7 +107,7 @@ std::string GetFullPath(const std::string& rPath) {
     std::error_code Error;
     const std::filesystem::path Full = std::filesystem::absolute(ToNative(rPath), Error);
     const std::string Path = Full.lexically_normal().string();
-    return (Error || (Path.size() > c_nMaxPath)) ? std::string() : ToModuleForm(Path);
+    return (Error || (Path.size() > MAX_PATH)) ? std::string() : ToModuleForm(Path);
 }
 
 bool IsDirectory(const std::string& rPath) {
@@ -127,7 +127,7 @@ bool CreateDirectory(const std::string& rPath, const char* pAccess) {
         return ::mkdir(Path.c_str(), 0777) == 0;
     }
     // The mode is set again, since the process's mask would take the group's right to write.
-    return (::mkdir(Path.c_str(), c_DirectoryMode) == 0) && (::chmod(Path.c_str(), c_DirectoryMode) == 0);
+    return (::mkdir(Path.c_str(), DIRECTORY_MODE) == 0) && (::chmod(Path.c_str(), DIRECTORY_MODE) == 0);
 }
 
 std::optional<std::vector<std::uint8_t>> ReadAll(const std::string& rPath) {
@@ -161,6 +161,9 @@ bool WriteAll(const std::string& rPath, const std::vector<std::uint8_t>& rBytes)
         return false;
     }
     RemoveLeftovers(Path);
+    if (bExists && ReadAll(rPath) == rBytes) {
+        return true;
+    }
     // Written beside the old file, forced to the disk, then put in its place in one step: whenever the power
     // fails, either the old contents or the new ones are there.
     std::string Temporary;
@@ -169,7 +172,7 @@ bool WriteAll(const std::string& rPath, const std::vector<std::uint8_t>& rBytes)
         return false;
     }
     const bool bWritten = WriteBytes(File.Get(), rBytes) &&
-                          (::fchmod(File.Get(), bExists ? (Status.st_mode & 07777) : c_FileMode) == 0) &&
+                          (::fchmod(File.Get(), bExists ? (Status.st_mode & 07777) : FILE_MODE) == 0) &&
                           (::fsync(File.Get()) == 0);
     if (!File.Close() || !bWritten || (std::rename(Temporary.c_str(), Path.c_str()) != 0)) {
         ::unlink(Temporary.c_str());
@@ -188,6 +191,10 @@ std::string GetProgramDirectory() {
     std::error_code Error;
     const std::filesystem::path Program = std::filesystem::read_symlink("/proc/self/exe", Error);
     return ToModuleForm(Program.parent_path().string());
+}
+
+std::string GetBesideProgram(const std::string& rName) {
+    return ToNative(GetProgramDirectory()) + "/" + rName;
 }
 
 }  // namespace Files

@@ -21,9 +21,13 @@ bool CreateDirectory(const std::string& rPath, const char* pAccess);
 /// Whole contents; nothing if the file can't be opened or read.
 std::optional<std::vector<std::uint8_t>> ReadAll(const std::string& rPath);
 /// Replaces the contents, creating the file if need be; the old contents survive a crash. What killed writers
-/// of this file have left beside it is removed. False on failure; a write-protected file is left alone.
+/// of this file have left beside it is removed. Contents that are there already are left alone. False on
+/// failure; a write-protected file is left alone.
 bool WriteAll(const std::string& rPath, const std::vector<std::uint8_t>& rBytes);
 /// Directory of the running program, with "\" as separator.
 std::string GetProgramDirectory();
+/// What lies beside the running program, in the platform's own form: module, other programs, help. A build
+/// and a package lay these out alike, so that nothing has to know where it was installed.
+std::string GetBesideProgram(const std::string& rName);
 
 }  // namespace Files

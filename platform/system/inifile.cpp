@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr std::string_view c_Utf8Mark = "\xEF\xBB\xBF";
+constexpr std::string_view UTF8_MARK = "\xEF\xBB\xBF";
 
 std::string Unquote(std::string Value) {
     if ((Value.size() >= 2) && (Value.front() == Value.back()) &&
@@ -18,8 +18,8 @@ std::string Unquote(std::string Value) {
 }  // namespace
 
 CIniFile::CIniFile(std::string_view Text) {
-    if (Text.starts_with(c_Utf8Mark)) {
-        Text.remove_prefix(c_Utf8Mark.size());
+    if (Text.starts_with(UTF8_MARK)) {
+        Text.remove_prefix(UTF8_MARK.size());
     }
     while (!Text.empty()) {
         const std::size_t End = Text.find('\n');

@@ -6,7 +6,7 @@ void CLineSplitter::Put(std::span<const std::uint8_t> Bytes) {
     for (std::uint8_t Byte : Bytes) {
         if (Byte == '\n') {
             EndLine();
-        } else if (m_Line.size() < eMaxLine) {
+        } else if (m_Line.size() < MAX_LINE) {
             m_Line.push_back(static_cast<char>(Byte));
         } else {
             m_bOverlong = true;

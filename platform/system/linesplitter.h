@@ -8,7 +8,7 @@
 /// so that a peer that sends no line ends can't fill the memory.
 class CLineSplitter {
 public:
-    static constexpr std::size_t eMaxLine = 65536;
+    static constexpr std::size_t MAX_LINE = 65536;
     /// A line without its end ("\n" or "\r\n").
     using LineHandler = std::function<void(const std::string& rLine)>;
     using OverlongHandler = std::function<void()>;

@@ -14,8 +14,8 @@ namespace Registry {
 
 namespace {
 
-constexpr std::string_view c_DefaultValue = "@";
-constexpr std::string_view c_NumberPrefix = "dword:";
+constexpr std::string_view DEFAULT_VALUE = "@";
+constexpr std::string_view NUMBER_PREFIX = "dword:";
 
 /// The keys that are open, by handle, with their full names.
 class COpenKeys {
@@ -84,7 +84,7 @@ std::optional<std::string> FindValue(Key Handle, const std::string& rName) {
     if (!File) {
         return std::nullopt;
     }
-    const std::string Name = rName.empty() ? std::string(c_DefaultValue) : rName;
+    const std::string Name = rName.empty() ? std::string(DEFAULT_VALUE) : rName;
     const std::string* pValue = File->Find(*FullName, Name);
     if (pValue == nullptr) {
         pValue = File->Find(*FullName, "\"" + Name + "\"");
@@ -133,8 +133,8 @@ std::optional<std::uint32_t> GetNumber(Key Handle, const std::string& rName) {
     }
     std::string_view Digits = *Value;
     int Base = 10;
-    if (Text::EqualNoCase(Digits.substr(0, c_NumberPrefix.size()), c_NumberPrefix)) {
-        Digits.remove_prefix(c_NumberPrefix.size());
+    if (Text::EqualNoCase(Digits.substr(0, NUMBER_PREFIX.size()), NUMBER_PREFIX)) {
+        Digits.remove_prefix(NUMBER_PREFIX.size());
         Base = 16;
     }
     std::uint32_t Number = 0;

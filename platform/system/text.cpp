@@ -41,15 +41,15 @@ std::vector<std::string> Split(std::string_view Value, std::string_view Separato
 }
 
 int ToInt(std::string_view Value) {
-    std::size_t Position = std::min(Value.find_first_not_of(c_WhiteSpace), Value.size());
+    std::size_t Position = std::min(Value.find_first_not_of(WHITE_SPACE), Value.size());
     const bool bNegative = (Position < Value.size()) && (Value[Position] == '-');
     if (bNegative || ((Position < Value.size()) && (Value[Position] == '+'))) {
         ++Position;
     }
-    constexpr std::int64_t c_Limit = -static_cast<std::int64_t>(std::numeric_limits<int>::min());
+    constexpr std::int64_t LIMIT = -static_cast<std::int64_t>(std::numeric_limits<int>::min());
     std::int64_t Number = 0;
     for (; (Position < Value.size()) && (Value[Position] >= '0') && (Value[Position] <= '9'); ++Position) {
-        Number = std::min(Number * 10 + (Value[Position] - '0'), c_Limit);
+        Number = std::min(Number * 10 + (Value[Position] - '0'), LIMIT);
     }
     if (bNegative) {
         return static_cast<int>(-Number);

@@ -8,10 +8,10 @@
 namespace Text {
 
 /// Blanks, tabs, carriage returns, line feeds, form feeds, vertical tabs.
-constexpr std::string_view c_WhiteSpace = " \t\r\n\f\v";
+constexpr std::string_view WHITE_SPACE = " \t\r\n\f\v";
 
 /// Without any of Characters at its beginning and its end.
-std::string Trim(std::string_view Value, std::string_view Characters = c_WhiteSpace);
+std::string Trim(std::string_view Value, std::string_view Characters = WHITE_SPACE);
 /// Equal without regard to the case of the letters A to Z.
 bool EqualNoCase(std::string_view First, std::string_view Second);
 /// The parts between the separators, trimmed of blanks, without the empty ones. Any character of Separators

@@ -53,7 +53,9 @@ std::uint32_t CVirtualEventLoop::AddTimer(std::uint32_t Period, bool bMultimedia
         ++m_NextId;
     }
     const std::uint32_t Id = m_NextId++;
-    m_Timers.emplace(Id, CTimer{m_Now + Period, m_NextOrder++, Period, bMultimedia, std::move(Proc)});
+    CTimer& rTimer = m_Timers[Id];
+    rTimer = {m_Now + Period, m_NextOrder++, Period, bMultimedia, std::move(Proc)};
+    m_Schedule.emplace(rTimer.GetPlace(), Id);
     return Id;
 }
 
@@ -62,6 +64,7 @@ bool CVirtualEventLoop::RemoveTimer(std::uint32_t Id, bool bMultimedia) {
     if (Found == m_Timers.end() || Found->second.m_bMultimedia != bMultimedia) {
         return false;
     }
+    m_Schedule.erase(Found->second.GetPlace());
     m_Timers.erase(Found);
     return true;
 }
@@ -81,19 +84,17 @@ bool CVirtualEventLoop::RunOneTask() {
 }
 
 bool CVirtualEventLoop::RunOneTimer(std::uint64_t Limit) {
-    const auto First =
-        std::min_element(m_Timers.begin(), m_Timers.end(), [](const auto& rLeft, const auto& rRight) {
-            return std::pair(rLeft.second.m_Due, rLeft.second.m_Order) <
-                   std::pair(rRight.second.m_Due, rRight.second.m_Order);
-        });
-    if (First == m_Timers.end() || First->second.m_Due > Limit) {
+    const auto First = m_Schedule.begin();
+    if (First == m_Schedule.end() || First->first.first > Limit) {
         return false;
     }
-    const std::uint32_t Id = First->first;
-    CTimer& rTimer = First->second;
+    const std::uint32_t Id = First->second;
+    CTimer& rTimer = m_Timers.at(Id);
+    m_Schedule.erase(First);
     m_Now = std::max(m_Now, rTimer.m_Due);
     // Late: on to the first instant of the timer's rhythm that still lies ahead.
     rTimer.m_Due += ((m_Now - rTimer.m_Due) / rTimer.m_Period + 1) * rTimer.m_Period;
+    m_Schedule.emplace(rTimer.GetPlace(), Id);
     // A copy, as the callback may kill its own timer.
     const std::function<void(std::uint32_t)> Proc = rTimer.m_Proc;
     Proc(Id);
@@ -101,9 +102,9 @@ bool CVirtualEventLoop::RunOneTimer(std::uint64_t Limit) {
 }
 
 void CVirtualEventLoop::Run() {
-    constexpr std::uint64_t eForever = UINT64_MAX;
+    constexpr std::uint64_t FOREVER = UINT64_MAX;
     m_bQuit = false;
-    while (!m_bQuit && (RunOneTask() || RunOneTimer(eForever))) {
+    while (!m_bQuit && (RunOneTask() || RunOneTimer(FOREVER))) {
     }
 }
 

@@ -2,6 +2,7 @@
 #include <deque>
 #include <map>
 #include <mutex>
+#include <utility>
 
 #include "platform/system/eventloop.h"
 
@@ -53,6 +54,8 @@ private:
         std::uint32_t m_Period = 0;
         bool m_bMultimedia = false;
         std::function<void(std::uint32_t)> m_Proc;
+
+        std::pair<std::uint64_t, std::uint64_t> GetPlace() const { return {m_Due, m_Order}; }
     };
     std::uint32_t AddTimer(std::uint32_t Period, bool bMultimedia, std::function<void(std::uint32_t)> Proc);
     bool RemoveTimer(std::uint32_t Id, bool bMultimedia);
@@ -65,6 +68,8 @@ private:
     std::uint64_t m_NextOrder = 0;
     std::uint32_t m_NextId = 1;
     std::map<std::uint32_t, CTimer> m_Timers;
+    /// The timers' ids in the order in which they are due.
+    std::map<std::pair<std::uint64_t, std::uint64_t>, std::uint32_t> m_Schedule;
     std::mutex m_Lock;  ///< guards m_Tasks: Post may come from another thread
     std::deque<std::function<void()>> m_Tasks;
     bool m_bQuit = false;

@@ -1,6 +1,7 @@
 #pragma once
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "platform/window/size.h"
 #include "platform/window/types.h"
@@ -30,6 +31,8 @@ public:
     bool operator==(const CBitmap& rOther) const;
     /// Writes a PNG file with all pixels; false if that fails.
     bool SavePng(const std::string& rPath) const;
+    /// A small PNG in memory: with a palette, colours rounded as far as that needs. Empty if that fails.
+    std::vector<unsigned char> ToPng() const;
     /// Reads a PNG file, with scale 1; false, and the bitmap unchanged, if that fails.
     bool LoadPng(const std::string& rPath);
 

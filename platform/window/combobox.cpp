@@ -7,7 +7,7 @@ CComboBox::CComboBox() {
 }
 
 int CComboBox::AddString(const std::string& rText) {
-    if (GetCount() == eMaxItems) {
+    if (GetCount() == MAX_ITEMS) {
         return -1;
     }
     m_Items.push_back({rText});

@@ -11,7 +11,7 @@
 class CComboBox : public CControl {
 public:
     /// More items are refused.
-    static constexpr int eMaxItems = 10000;
+    static constexpr int MAX_ITEMS = 10000;
 
     CComboBox();
 

@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr std::size_t eKept = 100;
+constexpr std::size_t KEPT = 100;
 
 struct CState {
     std::mutex m_Lock;
@@ -38,7 +38,7 @@ void ShowMessageBox(const std::string& rText, const std::string& rTitle) {
     CState& rState = GetState();
     {
         const std::lock_guard Guard(rState.m_Lock);
-        if (rState.m_Shown.size() == eKept) {
+        if (rState.m_Shown.size() == KEPT) {
             rState.m_Shown.erase(rState.m_Shown.begin());
         }
         rState.m_Shown.push_back(Message);

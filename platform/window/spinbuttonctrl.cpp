@@ -9,9 +9,9 @@
 
 namespace {
 
-constexpr UINT eFirstRepeat = 400;
-constexpr UINT eNextRepeat = 100;
-constexpr std::uint64_t eSecond = 1000;
+constexpr UINT FIRST_REPEAT = 400;
+constexpr UINT NEXT_REPEAT = 100;
+constexpr std::uint64_t SECOND = 1000;
 
 }  // namespace
 
@@ -64,7 +64,7 @@ LRESULT CSpinButtonCtrl::WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) 
             }
             return 0;
         case WM_TIMER:
-            if (wParam == eRepeatTimer) {
+            if (wParam == REPEAT_TIMER) {
                 Repeat();
                 return 0;
             }
@@ -85,7 +85,7 @@ void CSpinButtonCtrl::Press(CPoint Point) {
     m_Pressed = Point.y < GetClientRect().Height() / 2 ? eUp : eDown;
     m_PressedAt = IFEventLoop::Current().Now();
     SetCapture();
-    SetTimer(eRepeatTimer, eFirstRepeat);
+    SetTimer(REPEAT_TIMER, FIRST_REPEAT);
     Invalidate();
     Step();
 }
@@ -95,7 +95,7 @@ void CSpinButtonCtrl::LetGo() {
         return;
     }
     m_Pressed = eNone;
-    KillTimer(eRepeatTimer);
+    KillTimer(REPEAT_TIMER);
     Invalidate();
     if (GetCapture() == this) {
         ReleaseCapture();
@@ -103,12 +103,12 @@ void CSpinButtonCtrl::LetGo() {
 }
 
 void CSpinButtonCtrl::Repeat() {
-    SetTimer(eRepeatTimer, eNextRepeat);
+    SetTimer(REPEAT_TIMER, NEXT_REPEAT);
     Step();
 }
 
 int CSpinButtonCtrl::GetStep() const {
-    const std::uint64_t nHeld = (IFEventLoop::Current().Now() - m_PressedAt) / eSecond;
+    const std::uint64_t nHeld = (IFEventLoop::Current().Now() - m_PressedAt) / SECOND;
     int nStep = m_Accel.front().m_nStep;
     for (const CAccel& rAccel : m_Accel) {
         if (rAccel.m_nSeconds <= nHeld) {

@@ -44,7 +44,7 @@ protected:
     LRESULT WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) override;
 
 private:
-    static constexpr UINT eRepeatTimer = 1;
+    static constexpr UINT REPEAT_TIMER = 1;
 
     void Paint();
     void Press(CPoint Point);

@@ -9,7 +9,7 @@
 namespace {
 
 /// Of the tabs' window; far from those that pages use.
-constexpr UINT eBarId = 0xFFFF;
+constexpr UINT BAR_ID = 0xFFFF;
 
 }  // namespace
 
@@ -45,6 +45,15 @@ bool CTabCtrl::DeleteItem(int Index) {
     return true;
 }
 
+bool CTabCtrl::SetItemText(int Index, const std::string& rText) {
+    if (Index < 0 || Index >= GetItemCount()) {
+        return false;
+    }
+    m_Items[static_cast<std::size_t>(Index)].m_Text = rText;
+    m_pBar->Update();
+    return true;
+}
+
 int CTabCtrl::SetCurSel(int Index) {
     if (Index < 0 || Index >= GetItemCount()) {
         return -1;
@@ -67,7 +76,7 @@ void CTabCtrl::SetImageList(const CImageList& rImages) {
 
 CRect CTabCtrl::GetBarArea() const {
     CRect Area = GetClientRect();
-    Area.bottom = std::min(eTabHeight, Area.bottom);
+    Area.bottom = std::min(TAB_HEIGHT, Area.bottom);
     return Area;
 }
 
@@ -104,7 +113,7 @@ bool CTabCtrl::SelectByOperator(int Index) {
 LRESULT CTabCtrl::WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) {
     switch (Message) {
         case WM_CREATE:
-            m_pBar->Create(this, GetBarArea(), eBarId);
+            m_pBar->Create(this, GetBarArea(), BAR_ID);
             break;
         case WM_SIZE:
             m_pBar->MoveWindow(GetBarArea());

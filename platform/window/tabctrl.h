@@ -16,7 +16,7 @@ class CTabBar;
 /// so is a derived class, by OnSelectedByOperator.
 class CTabCtrl : public CWnd {
 public:
-    static constexpr int eTabHeight = 24;
+    static constexpr int TAB_HEIGHT = 24;
 
     CTabCtrl();
     ~CTabCtrl() override;
@@ -34,6 +34,8 @@ public:
     const std::string& GetItemText(int Index) const {
         return m_Items.at(static_cast<std::size_t>(Index)).m_Text;
     }
+    /// False, and no change, if Index is out of range.
+    bool SetItemText(int Index, const std::string& rText);
     int GetItemImage(int Index) const { return m_Items.at(static_cast<std::size_t>(Index)).m_Image; }
     void SetFont(const CFont& rFont) override;
     void SetImageList(const CImageList& rImages);

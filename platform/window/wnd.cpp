@@ -26,14 +26,15 @@ CWnd::~CWnd() {
 CWnd::CGuard::CGuard(const CWnd& rWnd) : m_pAnchor(rWnd.m_pAnchor), m_Life(m_pAnchor->m_Life) {}
 
 bool CWnd::CGuard::IsAlive() const {
-    return m_Life != Anchor::eNotAlive && m_pAnchor->m_Life == m_Life;
+    return m_Life != Anchor::NOT_ALIVE && m_pAnchor->m_Life == m_Life;
 }
 
 void CWnd::Begin(CWnd* pParent, const CRect& rRect, UINT Id, bool bVisible) {
     m_bExists = true;
     m_bDestroying = false;
     m_bVisible = bVisible;
-    m_bPaintPending = false;
+    m_bPaintDue = false;
+    m_bPaintPosted = false;
     m_Id = Id;
     m_Rect = rRect;
     m_pParent = pParent;
@@ -135,7 +136,7 @@ void CWnd::DestroyChildren() {
 }
 
 void CWnd::Forget() {
-    m_pAnchor->m_Life = Anchor::eNotAlive;
+    m_pAnchor->m_Life = Anchor::NOT_ALIVE;
     for (const auto& [Id, rTimer] : m_pAnchor->m_Timers) {
         m_pAnchor->Kill(rTimer);
     }
@@ -143,7 +144,6 @@ void CWnd::Forget() {
     TellWindowEnd(*this);
     m_bExists = false;
     m_bDestroying = false;
-    m_bPaintPending = false;
 
     CRegistry& rRegistry = GetRegistry();
     for (CWnd** ppWnd :
@@ -186,6 +186,15 @@ void CWnd::InvalidateTree() {
     Invalidate();
     for (CWnd* pChild : m_Children) {
         pChild->InvalidateTree();
+    }
+}
+
+void CWnd::PostDuePaints() {
+    if (m_bPaintDue) {
+        Invalidate();
+    }
+    for (CWnd* pChild : m_Children) {
+        pChild->PostDuePaints();
     }
 }
 
@@ -300,12 +309,15 @@ CPoint CWnd::ClientToTop(CPoint Point) const {
 }
 
 LRESULT CWnd::SendMessage(UINT Message, WPARAM wParam, LPARAM lParam) {
+    if (Message == WM_PAINT) {
+        m_bPaintDue = false;  // first, so that a handler may ask for the next one
+    }
     return m_bExists ? WindowProc(Message, wParam, lParam) : 0;
 }
 
 bool CWnd::PostMessage(UINT Message, WPARAM wParam, LPARAM lParam) {
     const std::uint64_t Life = m_pAnchor->m_Life;
-    if (Life == Anchor::eNotAlive) {
+    if (Life == Anchor::NOT_ALIVE) {
         return false;
     }
     IFEventLoop::Current().Post([pAnchor = m_pAnchor, Life, Message, wParam, lParam] {
@@ -347,22 +359,48 @@ bool CWnd::KillTimer(UINT Id) {
     return true;
 }
 
+bool CWnd::IsLookedAt() const {
+    const IFWindowPeer* const pPeer = GetPeer();
+    return pPeer != nullptr && IsShown() && pPeer->IsLookedAt();
+}
+
 void CWnd::Invalidate() {
-    if (!m_bExists || m_bMessageOnly || m_bPaintPending) {
+    if (!m_bExists || m_bMessageOnly) {
         return;
     }
-    m_bPaintPending = true;
+    m_bPaintDue = true;
+    if (m_bPaintPosted || !IsLookedAt()) {
+        return;
+    }
+    m_bPaintPosted = true;
     IFEventLoop::Current().Post([pAnchor = m_pAnchor, Life = m_pAnchor->m_Life.load()] {
         if (pAnchor->m_Life == Life) {
-            // First, so that a handler may ask for the next one.
-            pAnchor->m_pWnd->m_bPaintPending = false;
-            pAnchor->m_pWnd->SendMessage(WM_PAINT);
+            pAnchor->m_pWnd->m_bPaintPosted = false;
+            pAnchor->m_pWnd->PaintIfDue();
         }
     });
 }
 
+void CWnd::PaintIfDue() {
+    if (m_bPaintDue) {
+        SendMessage(WM_PAINT);
+    }
+}
+
+CBitmap& CWnd::GetSurface() {
+    if (m_bPaintDue && !IsLookedAt()) {
+        PaintIfDue();
+    }
+    return m_Surface;
+}
+
 void CWnd::SurfaceChanged() {
     NotifyPeer();
+}
+
+void CWnd::SetPeer(IFWindowPeer* pPeer) {
+    m_pPeer = pPeer;
+    PostDuePaints();
 }
 
 IFWindowPeer* CWnd::GetPeer() const {
@@ -380,9 +418,10 @@ void CWnd::NotifyPeer() {
     }
 }
 
-CBitmap CWnd::Compose() const {
+CBitmap CWnd::Compose() {
+    PaintIfDue();
     CBitmap Result = GetPicture();
-    for (const CWnd* pChild : m_Children) {
+    for (CWnd* pChild : m_Children) {
         if (pChild->m_bVisible) {
             const CBitmap Picture = pChild->Compose();
             CDC(Result).BitBlt(CRect(pChild->m_Rect.TopLeft(), Picture.GetSize()), Picture, CPoint());

@@ -25,6 +25,8 @@ enum class Cursor { eArrow, eHand, eText, eSplitColumns, eWait };
 class IFWindowPeer {
 public:
     virtual ~IFWindowPeer() = default;
+    /// The tree is on a screen. What isn't is painted when a picture of it is asked for.
+    virtual bool IsLookedAt() const { return true; }
     /// Surface, place, visibility, text or any other state of rWnd, a window of the tree, has changed.
     virtual void OnWindowChanged(CWnd& rWnd) = 0;
     /// The top-level window rWnd is no more. Its object may be about to go, too.
@@ -111,14 +113,21 @@ public:
     bool SetTimer(UINT Id, UINT Period);
     bool KillTimer(UINT Id);
 
-    /// Message 15 through the loop, once however often it is called before.
+    /// It is shown, and a view has its tree on a screen.
+    bool IsLookedAt() const;
+    /// Message 15 through the loop, once however often it is called before. While nobody looks at the window
+    /// it comes when a picture is asked for.
     void Invalidate();
     /// The window's picture, of the size of the client area. Whoever draws into it calls SurfaceChanged.
-    CBitmap& GetSurface() { return m_Surface; }
+    /// Asked for while nobody looks, it is painted first if that is due.
+    CBitmap& GetSurface();
+    /// The picture as it was painted last.
     const CBitmap& GetSurface() const { return m_Surface; }
     void SurfaceChanged();
+    /// Message 15 at once, if one is due.
+    void PaintIfDue();
     /// The window's picture with its visible children drawn over it, controls as the toolkit draws them.
-    CBitmap Compose() const;
+    CBitmap Compose();
     /// Surfaces of this window and all its children, those to come as well, get Scale times as many pixels
     /// each way, and are painted anew: 2 for a display of twice the usual resolution. Drawing code needn't
     /// know: all coordinates stay. A view sets it to what its screen has.
@@ -152,7 +161,7 @@ public:
     /// The top-level window with that title, or null.
     static CWnd* FindWindow(const std::string& rTitle);
 
-    void SetPeer(IFWindowPeer* pPeer) { m_pPeer = pPeer; }
+    void SetPeer(IFWindowPeer* pPeer);
 
 private:
     struct Anchor;
@@ -197,6 +206,8 @@ private:
     LRESULT SendSize();
     /// A window that was hidden may not have been painted for a while.
     void InvalidateTree();
+    /// Posts message 15 to those of the tree that it is due for, if somebody looks.
+    void PostDuePaints();
     void DestroyChildren();
     /// Ends the window without messages.
     void Forget();
@@ -217,7 +228,8 @@ private:
     bool m_bDestroying = false;
     bool m_bVisible = false;
     bool m_bMessageOnly = false;
-    bool m_bPaintPending = false;
+    bool m_bPaintDue = false;
+    bool m_bPaintPosted = false;
     bool m_bEnabled = true;
     UINT m_Id = 0;
     UINT m_Style = 0;

@@ -11,7 +11,7 @@
 /// What queued messages and running timers hold in the window's place. Every life of a window, from its
 /// creation to its destruction, has a number of its own; work that was queued in an earlier life is dropped.
 struct CWnd::Anchor {
-    static constexpr std::uint64_t eNotAlive = 0;
+    static constexpr std::uint64_t NOT_ALIVE = 0;
 
     struct CTimer {
         IFEventLoop* m_pLoop = nullptr;
@@ -26,13 +26,13 @@ struct CWnd::Anchor {
     }
 
     CWnd* m_pWnd = nullptr;
-    std::atomic<std::uint64_t> m_Life{eNotAlive};
+    std::atomic<std::uint64_t> m_Life{NOT_ALIVE};
     std::map<UINT, CTimer> m_Timers;
 };
 
 /// What windows know of each other across trees.
 struct CWnd::CRegistry {
-    std::uint64_t m_LastLife = Anchor::eNotAlive;
+    std::uint64_t m_LastLife = Anchor::NOT_ALIVE;
     std::vector<CWnd*> m_TopLevel;  ///< in order of creation
     CWnd* m_pForeground = nullptr;
     CWnd* m_pCapture = nullptr;

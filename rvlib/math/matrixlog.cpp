@@ -8,7 +8,7 @@ namespace math {
 
 void LogMatrix(CLogComponent* pPublisher, const char* pFile, int Line, const char* pFunction,
                const char* pName, const matrix<double>& rMatrix) {
-    if (pPublisher == nullptr || (pPublisher->GetLevel() & eMatrixTopic) == 0) {
+    if (pPublisher == nullptr || (pPublisher->GetLevel() & MATRIX_TOPIC) == 0) {
         return;
     }
     const std::string Name(pName);
@@ -22,7 +22,7 @@ void LogMatrix(CLogComponent* pPublisher, const char* pFile, int Line, const cha
             Text += Element.data();
         }
         Text += "|";
-        pPublisher->Log(pFile, Line, pFunction, eMatrixTopic, eMatrixTopicName, "%s", Text.c_str());
+        pPublisher->Log(pFile, Line, pFunction, MATRIX_TOPIC, MATRIX_TOPIC_NAME, "%s", Text.c_str());
     }
 }
 

@@ -8,8 +8,8 @@
 namespace math {
 
 /// Topic that matrices are dumped under.
-constexpr std::uint32_t eMatrixTopic = 0x1000;
-constexpr const char* eMatrixTopicName = "PbMath";
+constexpr std::uint32_t MATRIX_TOPIC = 0x1000;
+constexpr const char* MATRIX_TOPIC_NAME = "PbMath";
 
 /// One line a row: the name and " =" before row 0, blanks of the same width before the others, then the
 /// elements between bars. Nothing without a publisher or with the topic off. LOG_MATRIX hands the place of

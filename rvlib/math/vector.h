@@ -7,9 +7,9 @@
 
 namespace math {
 
-constexpr double ePi = 3.141592653589793;
+constexpr double PI = 3.141592653589793;
 /// Stands in a vector for "no measured value".
-constexpr double eInvalidValue = -100000000.0;
+constexpr double INVALID_VALUE = -100000000.0;
 
 /// The complex number x + iy as a 2-by-1 vector.
 inline matrix<double> MakeVector(double x, double y) {
@@ -44,7 +44,7 @@ inline double VectorLength(const matrix<double>& rVector) {
 /// Angle of a 2-by-1 vector in radians, -pi to pi. 0 if the vector hasn't exactly 2 rows or holds the invalid
 /// marker.
 inline double VectorAngle(const matrix<double>& rVector) {
-    if (rVector.RowNo() != 2 || rVector(0, 0) == eInvalidValue || rVector(1, 0) == eInvalidValue) {
+    if (rVector.RowNo() != 2 || rVector(0, 0) == INVALID_VALUE || rVector(1, 0) == INVALID_VALUE) {
         return 0.0;
     }
     return std::atan2(rVector(1, 0), rVector(0, 0));
@@ -54,7 +54,7 @@ inline double VectorAngle(const matrix<double>& rVector) {
 /// Result 1.
 inline int DegreesToRadians(matrix<double>& rTarget, const matrix<double>& rSource) {
     for (std::uint32_t i = 0; i < rSource.RowNo(); ++i) {
-        rTarget(i, 0) = rSource(i, 0) * ePi / 180.0;
+        rTarget(i, 0) = rSource(i, 0) * PI / 180.0;
     }
     return 1;
 }

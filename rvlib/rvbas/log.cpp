@@ -4,6 +4,6 @@ namespace Base {
 
 CLogComponent* g_pLog = CLogComponent::Register(
     "CorvaneBase",
-    {{"Timer", eTimerTopic}, {"ProtocolDetail", eProtocolDetailTopic}, {"RefCount", eRefCountTopic}});
+    {{"Timer", TIMER_TOPIC}, {"ProtocolDetail", PROTOCOL_DETAIL_TOPIC}, {"RefCount", REF_COUNT_TOPIC}});
 
 }  // namespace Base

@@ -4,9 +4,9 @@
 
 namespace Base {
 
-constexpr std::uint32_t eTimerTopic = 0x10000000;
-constexpr std::uint32_t eProtocolDetailTopic = 0x100000;
-constexpr std::uint32_t eRefCountTopic = 0x10000;
+constexpr std::uint32_t TIMER_TOPIC = 0x10000000;
+constexpr std::uint32_t PROTOCOL_DETAIL_TOPIC = 0x100000;
+constexpr std::uint32_t REF_COUNT_TOPIC = 0x10000;
 
 extern CLogComponent* g_pLog;
 

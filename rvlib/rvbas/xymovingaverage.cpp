@@ -25,7 +25,7 @@ CXYMovingAverage::~CXYMovingAverage() {
 }
 
 int CXYMovingAverage::AddValue(std::int16_t x, std::int16_t y) {
-    ++m_Index;  // eNoSample becomes 0
+    ++m_Index;  // NO_SAMPLE becomes 0
     if (m_Index >= m_Length) {
         m_Index = 0;
         m_Complete = 1;
@@ -36,7 +36,7 @@ int CXYMovingAverage::AddValue(std::int16_t x, std::int16_t y) {
 }
 
 void CXYMovingAverage::Reset() {
-    m_Index = eNoSample;
+    m_Index = NO_SAMPLE;
     m_Complete = 0;
     std::fill_n(m_pXValues.get(), m_Length, std::int16_t{0});
     std::fill_n(m_pYValues.get(), m_Length, std::int16_t{0});
@@ -44,7 +44,7 @@ void CXYMovingAverage::Reset() {
 
 void CXYMovingAverage::GetValues(double* pMagnitude, double* pAngle, double* pLastMagnitude, double* pX,
                                  double* pY) const {
-    const std::uint32_t n = m_Complete != 0 ? m_Length : m_Index + 1;  // 0 without a sample: eNoSample + 1
+    const std::uint32_t n = m_Complete != 0 ? m_Length : m_Index + 1;  // 0 without a sample: NO_SAMPLE + 1
     double MeanX = 0.0;
     double MeanY = 0.0;
     double LastMagnitude = 0.0;

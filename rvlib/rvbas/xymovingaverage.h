@@ -23,11 +23,11 @@ public:
     void GetValues(double* pMagnitude, double* pAngle, double* pLastMagnitude, double* pX, double* pY) const;
 
 private:
-    static constexpr std::uint32_t eNoSample = 0xFFFFFFFF;
+    static constexpr std::uint32_t NO_SAMPLE = 0xFFFFFFFF;
 
     std::uint32_t m_Length;
     std::unique_ptr<std::int16_t[]> m_pXValues;
     std::unique_ptr<std::int16_t[]> m_pYValues;
-    std::uint32_t m_Index = eNoSample;  ///< of the newest sample
+    std::uint32_t m_Index = NO_SAMPLE;  ///< of the newest sample
     int m_Complete = 0;
 };

@@ -3,10 +3,10 @@
 #include <algorithm>
 
 void Gui::FillGradient(CDC& rDC, const CRect& rRect, COLORREF Color) {
-    constexpr int c_nStep = 3;  // by which each row is darker than the one above
+    constexpr int STEP = 3;  // by which each row is darker than the one above
     const int nTop = rRect.Height() / 3 + 1;
     for (int i = 0; i < rRect.Height(); ++i) {
-        const int nDarker = i < nTop ? 0 : c_nStep * (i - nTop);
+        const int nDarker = i < nTop ? 0 : STEP * (i - nTop);
         const auto Darken = [nDarker](int Component) {
             return static_cast<unsigned>(std::max(Component - nDarker, 0));
         };

@@ -6,7 +6,7 @@
 namespace Gui {
 
 /// More rows than any list has.
-constexpr int c_nAllRows = 1 << 28;
+constexpr int ALL_ROWS = 1 << 28;
 
 /// By how many rows a key moves downwards in a list: the arrows, Page Up and Down (nPage rows), Home and End
 /// (all); nothing for other keys.
@@ -21,9 +21,9 @@ constexpr std::optional<int> GetRowsToMove(UINT Key, int nPage) {
         case VK_NEXT:
             return nPage;
         case VK_HOME:
-            return -c_nAllRows;
+            return -ALL_ROWS;
         case VK_END:
-            return c_nAllRows;
+            return ALL_ROWS;
         default:
             return std::nullopt;
     }

@@ -2,6 +2,6 @@
 
 namespace Gui {
 
-CLogComponent* g_pLog = CLogComponent::Register("GUI_toolkit", {{"Envelope", eEnvelopeTopic}});
+CLogComponent* g_pLog = CLogComponent::Register("GUI_toolkit", {{"Envelope", ENVELOPE_TOPIC}});
 
 }  // namespace Gui

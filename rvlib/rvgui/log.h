@@ -4,7 +4,7 @@
 
 namespace Gui {
 
-constexpr std::uint32_t eEnvelopeTopic = 0x20000000;
+constexpr std::uint32_t ENVELOPE_TOPIC = 0x20000000;
 
 extern CLogComponent* g_pLog;
 

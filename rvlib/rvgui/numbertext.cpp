@@ -11,7 +11,7 @@ namespace Gui {
 
 namespace {
 
-constexpr std::size_t eMaxLength = 400;  // of the largest double with its digits
+constexpr std::size_t MAX_LENGTH = 400;  // of the largest double with its digits
 
 bool IsDigit(char Character) {
     return Character >= '0' && Character <= '9';
@@ -19,7 +19,7 @@ bool IsDigit(char Character) {
 
 /// Blanks and a plus sign, which from_chars doesn't know, go.
 std::string_view FindNumber(std::string_view Text) {
-    Text.remove_prefix(std::min(Text.find_first_not_of(Text::c_WhiteSpace), Text.size()));
+    Text.remove_prefix(std::min(Text.find_first_not_of(Text::WHITE_SPACE), Text.size()));
     if (Text.size() > 1 && Text.front() == '+' && Text[1] != '-') {
         Text.remove_prefix(1);
     }
@@ -50,7 +50,7 @@ std::string WriteHex(std::int64_t Value, int nDigits) {
 }
 
 std::string WriteFraction(double Value, int nDigits) {
-    std::array<char, eMaxLength> Buffer{};
+    std::array<char, MAX_LENGTH> Buffer{};
     const auto [pEnd, Error] =
         std::to_chars(Buffer.data(), Buffer.data() + Buffer.size(), Value, std::chars_format::fixed, nDigits);
     return {Buffer.data(), pEnd};
@@ -99,10 +99,10 @@ std::string MakeUpper(std::string_view Text) {
             rCharacter = static_cast<char>(rCharacter - 'a' + 'A');
         }
     }
-    constexpr std::string_view c_Micro = "\u00B5";
-    constexpr std::string_view c_CapitalMu = "\u039C";
-    for (std::size_t At = Result.find(c_Micro); At != std::string::npos; At = Result.find(c_Micro, At)) {
-        Result.replace(At, c_Micro.size(), c_CapitalMu);
+    constexpr std::string_view MICRO = "\u00B5";
+    constexpr std::string_view CAPITAL_MU = "\u039C";
+    for (std::size_t At = Result.find(MICRO); At != std::string::npos; At = Result.find(MICRO, At)) {
+        Result.replace(At, MICRO.size(), CAPITAL_MU);
     }
     return Result;
 }

@@ -2,10 +2,10 @@
 
 namespace Protocols {
 
-CLogComponent* g_pLog = CLogComponent::Register("Protocols", {{"Envelope", eEnvelopeTopic},
-                                                              {"Timer", eTimerTopic},
-                                                              {"Protocol", eProtocolTopic},
-                                                              {"ProtocolDetail", eProtocolDetailTopic},
-                                                              {"ProtocolData", eProtocolDataTopic}});
+CLogComponent* g_pLog = CLogComponent::Register("Protocols", {{"Envelope", ENVELOPE_TOPIC},
+                                                              {"Timer", TIMER_TOPIC},
+                                                              {"Protocol", PROTOCOL_TOPIC},
+                                                              {"ProtocolDetail", PROTOCOL_DETAIL_TOPIC},
+                                                              {"ProtocolData", PROTOCOL_DATA_TOPIC}});
 
 }  // namespace Protocols

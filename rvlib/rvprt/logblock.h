@@ -14,7 +14,7 @@ public:
     /// clang-tidy need that compiler.
     explicit CLogBlock(const char* pClassName, const char* pFile = __builtin_FILE(),
                        int Line = __builtin_LINE(), const char* pFunction = __builtin_FUNCTION())
-        : CLogBlock(eProtocolDetailTopic, "ProtocolDetail", pClassName, pFile, Line, pFunction) {}
+        : CLogBlock(PROTOCOL_DETAIL_TOPIC, "ProtocolDetail", pClassName, pFile, Line, pFunction) {}
     CLogBlock(std::uint32_t Mask, const char* pTopic, const char* pHeading,
               const char* pFile = __builtin_FILE(), int Line = __builtin_LINE(),
               const char* pFunction = __builtin_FUNCTION())
@@ -45,6 +45,6 @@ void LogFrame(const char* pHeading, std::span<const std::uint8_t> Frame);
 
 /// Lines of the topics "Protocol" (frames sent and taken) and "ProtocolDetail" (what the machines do with
 /// them).
-#define RV_PROTOCOL(...) RV_LOG(Protocols::g_pLog, Protocols::eProtocolTopic, "Protocol", __VA_ARGS__)
+#define RV_PROTOCOL(...) RV_LOG(Protocols::g_pLog, Protocols::PROTOCOL_TOPIC, "Protocol", __VA_ARGS__)
 #define RV_PROTOCOL_DETAIL(...) \
-    RV_LOG(Protocols::g_pLog, Protocols::eProtocolDetailTopic, "ProtocolDetail", __VA_ARGS__)
+    RV_LOG(Protocols::g_pLog, Protocols::PROTOCOL_DETAIL_TOPIC, "ProtocolDetail", __VA_ARGS__)

@@ -10,7 +10,7 @@ namespace Comm {
 
 int CModuleIdentification::Decode(const std::uint8_t* pData, std::uint32_t nSize, std::uint32_t* pUsed) {
     *pUsed = 0;
-    if (pData == nullptr || nSize < eSize || pData[0] != eSubCode) {
+    if (pData == nullptr || nSize < SIZE || pData[0] != SUB_CODE) {
         return 0;
     }
     const std::uint8_t* pBody = pData + 1;
@@ -25,7 +25,7 @@ int CModuleIdentification::Decode(const std::uint8_t* pData, std::uint32_t nSize
     m_ArticleNumber = Article.data();
     m_SerialNumber = ReadU32(pBody + 8);
     m_WorkingHours = ReadU32(pBody + 12);
-    *pUsed = eSize;
+    *pUsed = SIZE;
     return 1;
 }
 

@@ -10,9 +10,9 @@ namespace Comm {
 class CModuleIdentification : public CMessage {
 public:
     /// Sub-code of the frame.
-    static constexpr std::uint8_t eSubCode = 8;
+    static constexpr std::uint8_t SUB_CODE = 8;
     /// Bytes needed from the sub-code on.
-    static constexpr std::uint32_t eSize = 46;
+    static constexpr std::uint32_t SIZE = 46;
 
     /// pData begins with the sub-code.
     int Decode(const std::uint8_t* pData, std::uint32_t nSize, std::uint32_t* pUsed);

@@ -4,7 +4,7 @@ namespace Comm {
 
 std::optional<std::string> AdaptionName(std::span<const char* const> Names, const char* pPrefix,
                                         std::uint32_t Adaption) {
-    if (Adaption > eLastAdaption) {
+    if (Adaption > LAST_ADAPTION) {
         return std::nullopt;
     }
     const char* const pName = NameOf(Names, Adaption, nullptr);

@@ -18,6 +18,6 @@ std::optional<std::string> AdaptionName(std::span<const char* const> Names, cons
                                         std::uint32_t Adaption);
 
 /// Highest sensor adaption that has a name.
-constexpr std::uint32_t eLastAdaption = 31;
+constexpr std::uint32_t LAST_ADAPTION = 31;
 
 }  // namespace Comm

@@ -10,11 +10,11 @@ using Protocols::g_pLog;
 namespace {
 
 /// Smallest frame of each request type: header and the bytes by which it is told.
-constexpr std::array<std::uint32_t, 3> SmallestFrame{3, 4, 5};
+constexpr std::array<std::uint32_t, 3> SMALLEST_FRAME{3, 4, 5};
 
-constexpr std::uint32_t eHeaderSize = 3;
+constexpr std::uint32_t HEADER_SIZE = 3;
 /// Set in the sub-code of some answers; no part of the sub-code's identity.
-constexpr std::uint8_t eAnswerBit = 0x80;
+constexpr std::uint8_t ANSWER_BIT = 0x80;
 
 }  // namespace
 
@@ -30,7 +30,7 @@ CProtocol::~CProtocol() {
 
 std::uint32_t CProtocol::SendRequest(std::uint32_t Type, std::uint8_t* pFrame, std::uint32_t nSize,
                                      std::uint32_t msTimeout, std::int32_t nRetries, CWnd* hWnd) {
-    if (Type >= SmallestFrame.size() || nSize < SmallestFrame[Type]) {
+    if (Type >= SMALLEST_FRAME.size() || nSize < SMALLEST_FRAME[Type]) {
         RV_ASSERT_AS(g_pLog, false, "FALSE", "invalid size", true);
         return 0;
     }
@@ -49,7 +49,7 @@ std::uint32_t CProtocol::SendRequest(std::uint32_t Type, std::uint8_t* pFrame, s
     rRequest.m_Retries = nRetries;
     rRequest.m_hWnd = hWnd;
     pFrame[1] = rvCOM::GetTransmitAddress();
-    if (nSize < eMaxFrame) {
+    if (nSize < MAX_FRAME) {
         // A larger frame is sent all the same, but can't be matched or repeated. No module has such frames.
         std::copy_n(pFrame, nSize, rRequest.m_Data.begin());
         rRequest.m_Size = nSize;
@@ -61,7 +61,7 @@ std::uint32_t CProtocol::SendRequest(std::uint32_t Type, std::uint8_t* pFrame, s
 
 int CProtocol::PutReceivedModuleData(const std::uint8_t* pData, std::uint32_t nSize) {
     Protocols::LogFrame("Module --> PC: Data received", {pData, nSize});
-    if (nSize < eHeaderSize) {
+    if (nSize < HEADER_SIZE) {
         return 0;
     }
     CRequest* pRequest = FindRequest(pData[0], pData[2], pData[1], nSize > 3 ? &pData[3] : nullptr,
@@ -120,16 +120,16 @@ CProtocol::CRequest* CProtocol::FindRequest(std::uint8_t Command, std::uint8_t A
                                             std::uint8_t AddressB, const std::uint8_t* pSubCode,
                                             const std::uint8_t* pSecondSubCode) {
     const auto Matches = [=](const CRequest& rRequest) {
-        if (rRequest.GetByte(0, eHeaderSize) != Command ||
-            (AddressA != 0 && rRequest.GetByte(1, eHeaderSize) != AddressA) ||
-            rRequest.GetByte(2, eHeaderSize) != AddressB) {
+        if (rRequest.GetByte(0, HEADER_SIZE) != Command ||
+            (AddressA != 0 && rRequest.GetByte(1, HEADER_SIZE) != AddressA) ||
+            rRequest.GetByte(2, HEADER_SIZE) != AddressB) {
             return false;
         }
         switch (rRequest.m_Type) {
             case eNoSubCode:
                 return true;
             case eSubCode:
-                return pSubCode != nullptr && ((*pSubCode ^ rRequest.GetByte(3, 4)) & ~eAnswerBit) == 0;
+                return pSubCode != nullptr && ((*pSubCode ^ rRequest.GetByte(3, 4)) & ~ANSWER_BIT) == 0;
             case eTwoSubCodes:
                 return pSubCode != nullptr && pSecondSubCode != nullptr &&
                        *pSubCode == rRequest.GetByte(3, 4) && *pSecondSubCode == rRequest.GetByte(4, 5);

@@ -48,7 +48,7 @@ protected:
     virtual void OnRequestTimeout(std::uint32_t TransactionID) = 0;
 
 private:
-    static constexpr std::uint32_t eMaxFrame = 2048;
+    static constexpr std::uint32_t MAX_FRAME = 2048;
 
     /// Busy exactly while m_TimerID isn't 0. Records are reused and go with the protocol.
     struct CRequest {
@@ -60,7 +60,7 @@ private:
         void Retire();
 
         std::uint32_t m_Type = eNoSubCode;
-        std::array<std::uint8_t, eMaxFrame> m_Data{};
+        std::array<std::uint8_t, MAX_FRAME> m_Data{};
         std::uint32_t m_Size = 0;
         std::uint32_t m_TransactionID = GetNextTransactionID();
         std::int32_t m_TimerID = 0;

@@ -11,15 +11,15 @@
 
 namespace {
 
-constexpr std::size_t c_nEnvironmentBuffer = 4096;
+constexpr std::size_t ENVIRONMENT_BUFFER = 4096;
 /// Class id of the installation's control, under which its in-process server is registered.
-constexpr const char* c_pControlClassId = "{6E2B7C54-93D1-4A0F-8B6E-1F5D0C27A9E3}";
-constexpr const char* c_pControlFile = "Kestrel.ocx";
-constexpr const char* c_pProgramFile = "mcon.exe";
-constexpr const char* c_pControlDirectory = "ctrl";
+constexpr const char* CONTROL_CLASS_ID = "{6E2B7C54-93D1-4A0F-8B6E-1F5D0C27A9E3}";
+constexpr const char* CONTROL_FILE = "Kestrel.ocx";
+constexpr const char* PROGRAM_FILE = "mcon.exe";
+constexpr const char* CONTROL_DIRECTORY = "ctrl";
 
 std::string ReadEnvironment(const char* pName) {
-    return GetEnvironment(pName, c_nEnvironmentBuffer);
+    return GetEnvironment(pName, ENVIRONMENT_BUFFER);
 }
 
 /// Directory of the installed control, empty if it isn't installed.
@@ -27,13 +27,12 @@ CPath FindControlDirectory() {
     CWKRegistry Key;
     std::string Server;
     if (!Key.Open(Registry::Root::eClassesRoot,
-                  "CLSID\\" + std::string(c_pControlClassId) + "\\InprocServer32",
-                  Registry::Access::eQuery) ||
+                  "CLSID\\" + std::string(CONTROL_CLASS_ID) + "\\InprocServer32", Registry::Access::eQuery) ||
         !Key.GetString(nullptr, Server)) {
         return {};
     }
     const CPath File(Server);
-    return Text::EqualNoCase(File.GetFileName(), c_pControlFile) ? File.GetDirectory() : CPath();
+    return Text::EqualNoCase(File.GetFileName(), CONTROL_FILE) ? File.GetDirectory() : CPath();
 }
 
 /// The root, found at first use.
@@ -69,11 +68,10 @@ CPath ValidateRootDirectory(const std::string& rCandidate) {
     if (Candidate.IsEmpty()) {
         return {};
     }
-    if (CPath(Candidate).Append(c_pControlDirectory).Append(c_pProgramFile).IsFile()) {
+    if (CPath(Candidate).Append(CONTROL_DIRECTORY).Append(PROGRAM_FILE).IsFile()) {
         return Candidate.GetFullPath();
     }
-    if ((Candidate.GetFileName() == c_pControlDirectory) &&
-        CPath(Candidate).Append(c_pProgramFile).IsFile()) {
+    if ((Candidate.GetFileName() == CONTROL_DIRECTORY) && CPath(Candidate).Append(PROGRAM_FILE).IsFile()) {
         return CPath(Candidate).Append("..").GetFullPath();
     }
     return {};
@@ -87,8 +85,8 @@ CPath ChooseRootDirectory(const CRootCandidates& rCandidates) {
         Root = rCandidates.m_Control;
     }
     // Exactly these, letter by letter: anything else keeps the search automatic.
-    constexpr std::array<std::string_view, 4> c_Off = {"", "0", "false", "FALSE"};
-    const bool bAutoDetect = std::find(c_Off.begin(), c_Off.end(), rCandidates.m_AutoDetect) == c_Off.end();
+    constexpr std::array<std::string_view, 4> OFF = {"", "0", "false", "FALSE"};
+    const bool bAutoDetect = std::find(OFF.begin(), OFF.end(), rCandidates.m_AutoDetect) == OFF.end();
     if (!rCandidates.m_Environment.IsEmpty() && !bAutoDetect) {
         Root = rCandidates.m_Environment;
     }
@@ -108,7 +106,7 @@ CPath GetConfigFile() {
 }
 
 CPath GetControlDirectory() {
-    return GetRootDirectory().Append(c_pControlDirectory);
+    return GetRootDirectory().Append(CONTROL_DIRECTORY);
 }
 
 CPath GetHelpDirectory() {

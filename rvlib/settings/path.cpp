@@ -6,34 +6,33 @@
 
 namespace {
 
-constexpr char c_Separator = '\\';
+constexpr char SEPARATOR = '\\';
 /// Full access, inherited by what is below, for the system, guests, users and administrators.
-constexpr const char* c_pDirectoryAccess =
-    "D:(A;OICI;GA;;;SY)(A;OICI;GA;;;BG)(A;OICI;GA;;;BU)(A;OICI;GA;;;BA)";
+constexpr const char* DIRECTORY_ACCESS = "D:(A;OICI;GA;;;SY)(A;OICI;GA;;;BG)(A;OICI;GA;;;BU)(A;OICI;GA;;;BA)";
 
 }  // namespace
 
 CPath::CPath(const std::string& rPath) : m_Text(rPath) {
-    std::replace(m_Text.begin(), m_Text.end(), '/', c_Separator);
-    m_Text.erase(m_Text.find_last_not_of(c_Separator) + 1);
+    std::replace(m_Text.begin(), m_Text.end(), '/', SEPARATOR);
+    m_Text.erase(m_Text.find_last_not_of(SEPARATOR) + 1);
 }
 
 CPath& CPath::Append(const std::string& rPart) {
     std::string Part = CPath(rPart).m_Text;
-    Part.erase(0, Part.find_first_not_of(c_Separator));
+    Part.erase(0, Part.find_first_not_of(SEPARATOR));
     if (!Part.empty()) {
-        m_Text = m_Text.empty() ? Part : m_Text + c_Separator + Part;
+        m_Text = m_Text.empty() ? Part : m_Text + SEPARATOR + Part;
     }
     return *this;
 }
 
 CPath CPath::GetDirectory() const {
-    const std::size_t Separator = m_Text.find_last_of(c_Separator);
+    const std::size_t Separator = m_Text.find_last_of(SEPARATOR);
     return (Separator == std::string::npos) ? CPath() : CPath(m_Text.substr(0, Separator));
 }
 
 std::string CPath::GetFileName() const {
-    return m_Text.substr(m_Text.find_last_of(c_Separator) + 1);
+    return m_Text.substr(m_Text.find_last_of(SEPARATOR) + 1);
 }
 
 CPath CPath::GetFullPath() const {
@@ -49,7 +48,7 @@ bool CPath::IsFile() const {
 }
 
 bool CPath::CreateDirectories() const {
-    if (IsDirectory() || Files::CreateDirectory(m_Text, c_pDirectoryAccess)) {
+    if (IsDirectory() || Files::CreateDirectory(m_Text, DIRECTORY_ACCESS)) {
         return true;
     }
     const CPath Parent = GetDirectory();
@@ -57,5 +56,5 @@ bool CPath::CreateDirectories() const {
         return false;
     }
     Parent.CreateDirectories();
-    return Files::CreateDirectory(m_Text, c_pDirectoryAccess);
+    return Files::CreateDirectory(m_Text, DIRECTORY_ACCESS);
 }

@@ -5,8 +5,8 @@
 
 namespace {
 
-constexpr const char* c_pSection = "Configuration";
-constexpr std::size_t c_nLimit = 1300;
+constexpr const char* SECTION = "Configuration";
+constexpr std::size_t LIMIT = 1300;
 
 }  // namespace
 
@@ -22,7 +22,7 @@ CWKProfile::~CWKProfile() {
 }
 
 std::string CWKProfile::GetString(const std::string& rKey, const std::string& rDefault) const {
-    return GetPrivateProfileString(c_pSection, rKey, rDefault, c_nLimit, m_Path);
+    return GetPrivateProfileString(SECTION, rKey, rDefault, LIMIT, m_Path);
 }
 
 int CWKProfile::GetInt(const std::string& rKey, int nDefault) const {

@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr char16_t c_Replacement = 0xFFFD;
+constexpr char16_t REPLACEMENT = 0xFFFD;
 
 /// The forms of UTF-8 by their lead byte, longest first.
 struct CForm {
@@ -17,11 +17,11 @@ struct CForm {
     std::size_t m_nLength;
     bool m_bDecoded;  ///< the longer ones don't fit 16 bits and are replaced
 };
-constexpr std::array<CForm, 5> c_Forms = {{{0xFE, 0xFC, 6, false},
-                                           {0xFC, 0xF8, 5, false},
-                                           {0xF8, 0xF0, 4, false},
-                                           {0xF0, 0xE0, 3, true},
-                                           {0xE0, 0xC0, 2, true}}};
+constexpr std::array<CForm, 5> FORMS = {{{0xFE, 0xFC, 6, false},
+                                         {0xFC, 0xF8, 5, false},
+                                         {0xF8, 0xF0, 4, false},
+                                         {0xF0, 0xE0, 3, true},
+                                         {0xE0, 0xC0, 2, true}}};
 
 bool IsContinuation(std::uint8_t Byte) {
     return (Byte & 0xC0) == 0x80;
@@ -29,7 +29,7 @@ bool IsContinuation(std::uint8_t Byte) {
 
 /// The form that the input begins with, or null.
 const CForm* FindForm(std::span<const std::uint8_t> Bytes) {
-    for (const CForm& rForm : c_Forms) {
+    for (const CForm& rForm : FORMS) {
         if ((Bytes[0] & rForm.m_LeadMask) != rForm.m_Lead) {
             continue;
         }
@@ -100,7 +100,7 @@ std::u16string DecodeUtf8(std::span<const std::uint8_t> Bytes) {
         for (std::size_t i = 1; i < pForm->m_nLength; ++i) {
             Character = (Character << 6) | (Bytes[i] & 0x3F);
         }
-        Text += pForm->m_bDecoded ? static_cast<char16_t>(Character) : c_Replacement;
+        Text += pForm->m_bDecoded ? static_cast<char16_t>(Character) : REPLACEMENT;
         Bytes = Bytes.subspan(pForm->m_nLength);
     }
     return Text;
@@ -115,7 +115,7 @@ std::string ToUtf8(const std::u16string& rText) {
             ++i;
             AppendUtf8(Text, 0x10000 + ((Unit - 0xD800U) << 10) + (rText[i] - 0xDC00U));
         } else if (IsHighSurrogate(Unit) || IsLowSurrogate(Unit)) {
-            AppendUtf8(Text, c_Replacement);
+            AppendUtf8(Text, REPLACEMENT);
         } else {
             AppendUtf8(Text, Unit);
         }

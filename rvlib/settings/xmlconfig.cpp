@@ -8,16 +8,16 @@
 
 namespace {
 
-constexpr int c_nReadAttempts = 5;
-constexpr std::uint32_t c_RetryPause = 100;  // ms
-constexpr const char* c_pRootName = "Corvane";
-constexpr const char* c_pSeparator = "\\";
+constexpr int READ_ATTEMPTS = 5;
+constexpr std::uint32_t RETRY_PAUSE = 100;  // ms
+constexpr const char* ROOT_NAME = "Corvane";
+constexpr const char* SEPARATOR = "\\";
 
 struct CUserLevel {
     std::string_view m_Name;
     std::uint32_t m_Code;
 };
-constexpr std::array<CUserLevel, 4> c_UserLevels = {
+constexpr std::array<CUserLevel, 4> USER_LEVELS = {
     {{"observer", 0}, {"operator", 0x1000000}, {"expert", 0x2000000}, {"administrator", 0x3000000}}};
 
 }  // namespace
@@ -30,29 +30,33 @@ bool CRVXMLConfig::Open() {
     if (!File.IsFile()) {
         m_bNew = true;
         m_FileName = File;
-        return m_Data.CreateRoot(c_pRootName);
+        return m_Data.CreateRoot(ROOT_NAME);
     }
     m_bNew = false;
     // Another program may be writing the file just now.
-    for (int i = 0; i < c_nReadAttempts; ++i) {
+    for (int i = 0; i < READ_ATTEMPTS; ++i) {
         std::string Text;
         if (ReadTextFile(File, Text) != eNoText) {
             return m_Data.ParseString(Text);
         }
-        IFEventLoop::Current().Sleep(c_RetryPause);
+        IFEventLoop::Current().Sleep(RETRY_PAUSE);
     }
     return false;
 }
 
 int CRVXMLConfig::GetInt(const std::string& rSection, const std::string& rName, int nDefault) const {
     // Without a document no node is found, and a null node gives the default.
-    return CWKXMLData::GetEntryInt(m_Data.FindNodeByPath(rSection, c_pSeparator), rName, nDefault);
+    return CWKXMLData::GetEntryInt(m_Data.FindNodeByPath(rSection, SEPARATOR), rName, nDefault);
+}
+
+std::string CRVXMLConfig::GetText(const std::string& rSection, const std::string& rName) const {
+    return CWKXMLData::GetEntry(m_Data.FindNodeByPath(rSection, SEPARATOR), rName, {});
 }
 
 bool CRVXMLConfig::GetBool(const std::string& rSection, const std::string& rName, bool* pValue) const {
-    constexpr int c_nAbsent = -1;
-    const int nValue = GetInt(rSection, rName, c_nAbsent);
-    if (nValue == c_nAbsent) {
+    constexpr int ABSENT = -1;
+    const int nValue = GetInt(rSection, rName, ABSENT);
+    if (nValue == ABSENT) {
         return false;
     }
     *pValue = nValue != 0;
@@ -60,7 +64,7 @@ bool CRVXMLConfig::GetBool(const std::string& rSection, const std::string& rName
 }
 
 std::optional<std::uint32_t> CRVXMLConfig::GetUserLevel(const std::string& rName) {
-    for (const CUserLevel& rLevel : c_UserLevels) {
+    for (const CUserLevel& rLevel : USER_LEVELS) {
         if (rLevel.m_Name == rName) {
             return rLevel.m_Code;
         }

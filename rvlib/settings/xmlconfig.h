@@ -18,6 +18,8 @@ public:
     /// An attribute of the node at the path rSection (parts separated by "\"). nDefault without a document,
     /// node or attribute; text that is no number reads as 0.
     int GetInt(const std::string& rSection, const std::string& rName, int nDefault) const;
+    /// The same as it stands; empty if it is absent.
+    std::string GetText(const std::string& rSection, const std::string& rName) const;
     /// The same as a truth value. False, with *pValue unchanged, if it is absent or -1.
     bool GetBool(const std::string& rSection, const std::string& rName, bool* pValue) const;
 

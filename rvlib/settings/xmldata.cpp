@@ -10,8 +10,8 @@ namespace {
 
 using Tokens = std::deque<std::string>;
 
-constexpr std::string_view c_HeaderCharacters = "\"<>?";
-constexpr std::string_view c_AttributeStart = "=\"";
+constexpr std::string_view HEADER_CHARACTERS = "\"<>?";
+constexpr std::string_view ATTRIBUTE_START = "=\"";
 
 bool Contains(std::string_view Text, std::string_view Part) {
     return Text.find(Part) != std::string_view::npos;
@@ -73,8 +73,8 @@ bool IsBareDocument(const std::string& rFirst, const std::string& rLast) {
     if (!Contains(rFirst, "<") || !Contains(rFirst, ">") || !Contains(rLast, "<") || !Contains(rLast, ">")) {
         return false;
     }
-    const std::string First = Text::Trim(rFirst, c_HeaderCharacters);
-    const std::string Last = Text::Trim(rLast, std::string(c_HeaderCharacters) + "/");
+    const std::string First = Text::Trim(rFirst, HEADER_CHARACTERS);
+    const std::string Last = Text::Trim(rLast, std::string(HEADER_CHARACTERS) + "/");
     return !First.empty() && !Last.empty() && Last.starts_with(First);
 }
 
@@ -148,7 +148,7 @@ public:
         // "/>" also counts inside a value. What is cut off is the same for both forms.
         const bool bSection = Contains(rToken, "/>");
         const std::string Body = WithoutPrefixAndSuffix(rToken, "<", bSection ? "/>" : ">");
-        if (Contains(rToken, c_AttributeStart)) {
+        if (Contains(rToken, ATTRIBUTE_START)) {
             return AddElement(Text::Trim(Body), bSection);
         }
         return bSection ? AddSection(Body) != nullptr : AddNode(Body) != nullptr;
@@ -254,9 +254,9 @@ bool CWKXMLData::TakeHeader(std::deque<std::string>& rTokens) {
     if (Contains(rTokens.front(), "<?xml")) {
         for (const std::string& rPiece : Text::Split(rTokens.front(), " ")) {
             const std::size_t Equals = std::min(rPiece.find('='), rPiece.size());
-            const std::string Name = Text::Trim(rPiece.substr(0, Equals), c_HeaderCharacters);
+            const std::string Name = Text::Trim(rPiece.substr(0, Equals), HEADER_CHARACTERS);
             const std::string Value =
-                Text::Trim(rPiece.substr(std::min(Equals + 1, rPiece.size())), c_HeaderCharacters);
+                Text::Trim(rPiece.substr(std::min(Equals + 1, rPiece.size())), HEADER_CHARACTERS);
             if (Contains(Name, "version")) {
                 m_Version = Value;
             }

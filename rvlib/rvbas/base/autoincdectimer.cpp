@@ -8,13 +8,13 @@ namespace Base {
 
 namespace {
 
-constexpr std::uint32_t eSmallestPeriod = 150;  // ms
-constexpr std::uint32_t ePeriodStep = 50;       // ms
-constexpr const char* eHostTitle = "Corvane Machine Console";
+constexpr std::uint32_t SMALLEST_PERIOD = 150;  // ms
+constexpr std::uint32_t PERIOD_STEP = 50;       // ms
+constexpr const char* HOST_TITLE = "Corvane Machine Console";
 
 /// False when the host has a window and another one is in front of it.
 bool IsHostInFront() {
-    const CWnd* pHost = CWnd::FindWindow(eHostTitle);
+    const CWnd* pHost = CWnd::FindWindow(HOST_TITLE);
     return pHost == nullptr || pHost == CWnd::GetForegroundWindow();
 }
 
@@ -78,8 +78,8 @@ void CAutoIncDecTimer::Step(Direction Way) {
 void CAutoIncDecTimer::CAutoTimer::StartSeries(std::uint32_t msInitial) {
     m_bWatchButton = IsPrimaryButtonDown();
     m_Period = msInitial;
-    m_SmallestPeriod = eSmallestPeriod;
-    m_PeriodStep = ePeriodStep;
+    m_SmallestPeriod = SMALLEST_PERIOD;
+    m_PeriodStep = PERIOD_STEP;
     m_bAccelerate = true;
     SetTimer(msInitial, 1, nullptr);
     Start();

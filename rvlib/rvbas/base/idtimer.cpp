@@ -8,11 +8,11 @@ namespace Base {
 
 namespace {
 
-constexpr std::int32_t eFirstTimerID = 10;
+constexpr std::int32_t FIRST_TIMER_ID = 10;
 
 }  // namespace
 
-std::int32_t CIDTimer::ms_NextTimerID = eFirstTimerID;
+std::int32_t CIDTimer::ms_NextTimerID = FIRST_TIMER_ID;
 
 CIDTimer::~CIDTimer() {
     const std::lock_guard Guard(m_Lock);
@@ -24,18 +24,18 @@ CIDTimer::~CIDTimer() {
 
 std::int32_t CIDTimer::Start(std::uint32_t msTimeout, std::uint32_t nCount, CWnd* hWnd) {
     const std::lock_guard Guard(m_Lock);
-    RV_LOG(g_pLog, eTimerTopic, "Timer", "CIDTimer::Start(msTimeout=%d, nCount=%d) called",
+    RV_LOG(g_pLog, TIMER_TOPIC, "Timer", "CIDTimer::Start(msTimeout=%d, nCount=%d) called",
            static_cast<int>(msTimeout), static_cast<int>(nCount));
     CSingleTimer& rTimer = CreateSingleTimer();
     const std::int32_t TimerID =
         rTimer.SetTimer(msTimeout, nCount, hWnd) && rTimer.Start() ? rTimer.GetTimerID() : 0;
-    RV_LOG(g_pLog, eTimerTopic, "Timer", "CIDTimer::Start() returns: %d", TimerID);
+    RV_LOG(g_pLog, TIMER_TOPIC, "Timer", "CIDTimer::Start() returns: %d", TimerID);
     return TimerID;
 }
 
 void CIDTimer::Stop(std::int32_t TimerID) {
     const std::lock_guard Guard(m_Lock);
-    RV_LOG(g_pLog, eTimerTopic, "Timer", "CIDTimer::Stop(TimerID=%d) called", TimerID);
+    RV_LOG(g_pLog, TIMER_TOPIC, "Timer", "CIDTimer::Stop(TimerID=%d) called", TimerID);
     if (CSingleTimer* pTimer = FindSingleTimer(TimerID)) {
         pTimer->Stop();
     }
@@ -45,7 +45,7 @@ bool CIDTimer::IsActive(std::int32_t TimerID) const {
     const std::lock_guard Guard(m_Lock);
     const CSingleTimer* pTimer = FindSingleTimer(TimerID);
     const bool bActive = pTimer != nullptr && pTimer->IsActive();
-    RV_LOG(g_pLog, eTimerTopic, "Timer", "CIDTimer::IsActive(TimerID=%d) returns: %d", TimerID,
+    RV_LOG(g_pLog, TIMER_TOPIC, "Timer", "CIDTimer::IsActive(TimerID=%d) returns: %d", TimerID,
            static_cast<int>(bActive));
     return bActive;
 }
@@ -66,13 +66,13 @@ CIDTimer::CSingleTimer& CIDTimer::CreateSingleTimer() {
         ms_NextTimerID = static_cast<std::int32_t>(static_cast<std::uint32_t>(ms_NextTimerID) + 1U);
         if (TimerID == 0) {
             RV_ASSERT_FAIL(g_pLog, "impossible");
-            TimerID = eFirstTimerID;
+            TimerID = FIRST_TIMER_ID;
             // Not advanced: the next new timer gets the same id. Deliberate.
-            ms_NextTimerID = eFirstTimerID;
+            ms_NextTimerID = FIRST_TIMER_ID;
         }
         iTimer = m_Timers.insert(m_Timers.end(), std::make_unique<CSingleTimer>(*this, TimerID));
     }
-    RV_LOG(g_pLog, eTimerTopic, "Timer", "CIDTimer: %d Timers in List", static_cast<int>(m_Timers.size()));
+    RV_LOG(g_pLog, TIMER_TOPIC, "Timer", "CIDTimer: %d Timers in List", static_cast<int>(m_Timers.size()));
     RV_ASSERT_AS(g_pLog, *iTimer, "pTimer", "pTimer must be valid after CreateSingleTimer", false);
     return **iTimer;
 }
@@ -84,7 +84,7 @@ CIDTimer::CSingleTimer* CIDTimer::FindSingleTimer(std::int32_t TimerID) const {
 }
 
 void CIDTimer::CSingleTimer::OnTimer() {
-    RV_LOG(g_pLog, eTimerTopic, "Timer", "CIDTimer: %d signalled", m_TimerID);
+    RV_LOG(g_pLog, TIMER_TOPIC, "Timer", "CIDTimer: %d signalled", m_TimerID);
     m_rOwner.OnIDTimeout(m_TimerID);
 }
 

@@ -13,14 +13,14 @@ namespace Base {
 /// has signalled, and compare the id in OnIDTimeout with those still held. 0 is no timer.
 class CIDTimer {
 public:
-    static constexpr std::uint32_t eEndless = CTimer::eEndless;
+    static constexpr std::uint32_t ENDLESS = CTimer::ENDLESS;
 
     CIDTimer() = default;
     virtual ~CIDTimer();
     CIDTimer(const CIDTimer&) = delete;
     CIDTimer& operator=(const CIDTimer&) = delete;
 
-    /// Starts a timer of msTimeout ms with nCount ticks (1: one-shot, eEndless: until stopped). Returns its
+    /// Starts a timer of msTimeout ms with nCount ticks (1: one-shot, ENDLESS: until stopped). Returns its
     /// id, or 0 when it could not be started.
     std::int32_t Start(std::uint32_t msTimeout, std::uint32_t nCount, CWnd* hWnd = nullptr);
     /// An unknown id stops nothing.

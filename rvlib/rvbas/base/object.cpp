@@ -10,7 +10,7 @@ void CObject::AddRef(const char* pWho) {
     const std::lock_guard Guard(m_Lock);
     RV_ASSERT(g_pLog, !m_IsDeleting, "Invalid state");
     ++m_RefCount;
-    RV_LOG(g_pLog, eRefCountTopic, "RefCount", "%s->AddRef(%s) called [%d]", m_pName, pWho,
+    RV_LOG(g_pLog, REF_COUNT_TOPIC, "RefCount", "%s->AddRef(%s) called [%d]", m_pName, pWho,
            static_cast<int>(m_RefCount));
 }
 
@@ -25,7 +25,7 @@ void CObject::Release(const char* pWho) {
             return;
         }
         --m_RefCount;
-        RV_LOG(g_pLog, eRefCountTopic, "RefCount", "%s->Release(%s) called [%d]", m_pName, pWho,
+        RV_LOG(g_pLog, REF_COUNT_TOPIC, "RefCount", "%s->Release(%s) called [%d]", m_pName, pWho,
                static_cast<int>(m_RefCount));
         if (m_RefCount != 0) {
             return;

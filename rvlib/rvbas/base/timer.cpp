@@ -13,7 +13,7 @@ namespace Base {
 namespace {
 
 /// More unused records than this hint at a leak. A warning threshold, no limit.
-constexpr std::size_t eManyUnused = 255;
+constexpr std::size_t MANY_UNUSED = 255;
 
 }  // namespace
 
@@ -77,20 +77,20 @@ bool CTimer::Start() {
         bStarted = TimerID.m_ID != 0;
     }
     if (!bStarted) {
-        RV_LOG(g_pLog, eTimerTopic, "Timer", "CTimer::Start() returns: %d", 0);
+        RV_LOG(g_pLog, TIMER_TOPIC, "Timer", "CTimer::Start() returns: %d", 0);
         return false;
     }
     const auto iMapper = CreateTimerMapper();
     *iMapper = {this, TimerID, m_Count};
     ms_pActiveTimerObjects->splice(ms_pActiveTimerObjects->end(), *ms_pUnusedTimerObjects, iMapper);
     m_IsActive = true;
-    RV_LOG(g_pLog, eTimerTopic, "Timer", "CTimer::Start() returns: %d", 1);
+    RV_LOG(g_pLog, TIMER_TOPIC, "Timer", "CTimer::Start() returns: %d", 1);
     return true;
 }
 
 void CTimer::Stop() {
     const std::lock_guard Guard(ms_Lock);
-    RV_LOG(g_pLog, eTimerTopic, "Timer", "CTimer::Stop() called");
+    RV_LOG(g_pLog, TIMER_TOPIC, "Timer", "CTimer::Stop() called");
     if (!m_IsActive) {
         return;
     }
@@ -140,7 +140,7 @@ void CTimer::TimerProc(std::uint32_t Id) {
         }
         RV_ASSERT(g_pLog, pTimerMapper->GetCount() != 0, "must be != 0");
         pTimer = pTimerMapper->m_pTimer;
-        if (pTimerMapper->m_Count != eEndless) {
+        if (pTimerMapper->m_Count != ENDLESS) {
             if (static_cast<std::int32_t>(pTimerMapper->m_Count) < 1) {
                 return;
             }
@@ -149,7 +149,7 @@ void CTimer::TimerProc(std::uint32_t Id) {
                 pTimer->Stop();
             }
         }
-        RV_LOG(g_pLog, eTimerTopic, "Timer", "CTimer::OnTimer() called");
+        RV_LOG(g_pLog, TIMER_TOPIC, "Timer", "CTimer::OnTimer() called");
     }
     pTimer->OnTimer();  // the timer may be gone afterwards
 }
@@ -171,7 +171,7 @@ CTimer::CTimerMapperList::iterator CTimer::CreateTimerMapper() {
     const auto pRet = ms_pUnusedTimerObjects->begin();
     RV_ASSERT_AS(g_pLog, pRet != ms_pUnusedTimerObjects->end(), "pRet", "must be available", false);
     const std::size_t nUnused = ms_pUnusedTimerObjects->size() - 1;
-    if (nUnused >= eManyUnused) {
+    if (nUnused >= MANY_UNUSED) {
         const std::string Text = "there are " + std::to_string(nUnused) + " unused TimerMapper objects!";
         RV_ASSERT_AS(g_pLog, false, "ms_pUnusedTimerObjects->GetCount() < 255", Text.c_str(), false);
     }

@@ -33,7 +33,7 @@ struct CTimerMapper {
 
     CTimer* m_pTimer = nullptr;
     CTimerID m_TimerID;
-    std::uint32_t m_Count = 0;  ///< ticks still to come; CTimer::eEndless without end
+    std::uint32_t m_Count = 0;  ///< ticks still to come; CTimer::ENDLESS without end
 };
 
 /// A timer with one callback, which comes on the thread that runs the event loop. A tick that was under way
@@ -42,7 +42,7 @@ struct CTimerMapper {
 class CTimer {
 public:
     /// Count of a timer that repeats until it is stopped.
-    static constexpr std::uint32_t eEndless = 0xFFFFFFFF;
+    static constexpr std::uint32_t ENDLESS = 0xFFFFFFFF;
 
     CTimer();
     virtual ~CTimer();
@@ -52,7 +52,7 @@ public:
     /// Sets period (ms) and number of ticks, without starting. With msTimeout 0 only the window is taken over
     /// and the result is false. A window gets the platform's timer message in OnTimer's place; null calls
     /// OnTimer.
-    bool SetTimer(std::uint32_t msTimeout, std::uint32_t nCount = eEndless, CWnd* hWnd = nullptr);
+    bool SetTimer(std::uint32_t msTimeout, std::uint32_t nCount = ENDLESS, CWnd* hWnd = nullptr);
     /// Starts, or restarts a running timer. False when the platform refuses.
     bool Start();
     /// No effect on a stopped timer.
@@ -77,7 +77,7 @@ private:
     static CTimerMapperList::iterator CreateTimerMapper();
 
     std::uint32_t m_Timeout = 0;
-    std::uint32_t m_Count = eEndless;
+    std::uint32_t m_Count = ENDLESS;
     bool m_IsActive = false;
     CWnd* m_hWnd = nullptr;
 

@@ -22,9 +22,16 @@ void CFlexTable::SetColumns(std::vector<CColumn> Columns) {
     m_Columns = std::move(Columns);
 }
 
+void CFlexTable::SetColumnTitle(unsigned Column, const std::string& rTitle) {
+    if (Column < m_Columns.size()) {
+        m_Columns[Column].m_Title = rTitle;
+        Invalidate();
+    }
+}
+
 unsigned CFlexTable::AddRow() {
     if (m_Columns.empty()) {
-        return eNone;
+        return NONE;
     }
     const unsigned Row = GetRowCount();
     std::vector<std::unique_ptr<CFlexTableItem>>& rCells = m_Rows.emplace_back();
@@ -49,7 +56,7 @@ unsigned CFlexTable::AddRow() {
 void CFlexTable::RemoveAllRows() {
     m_pActive = nullptr;
     m_Rows.clear();
-    if (m_Row != eNone) {
+    if (m_Row != NONE) {
         m_Row = 0;
     }
     UpdateScrollRange();
@@ -134,7 +141,7 @@ bool CFlexTable::MoveTo(unsigned Row, unsigned Column) {
     }
     Activate();  // also the cell that the cursor has gone back to
     if (bMoved) {
-        NotifyParent(eCursorMoved);
+        NotifyParent(CURSOR_MOVED);
     }
     return bExists;
 }
@@ -142,11 +149,11 @@ bool CFlexTable::MoveTo(unsigned Row, unsigned Column) {
 void CFlexTable::MoveOff() {
     Commit(CFlexTableItem::eFinished);
     const bool bMoved = m_pActive != nullptr;
-    m_Row = eNone;
-    m_Column = eNone;
+    m_Row = NONE;
+    m_Column = NONE;
     Activate();
     if (bMoved) {
-        NotifyParent(eCursorMoved);
+        NotifyParent(CURSOR_MOVED);
     }
 }
 
@@ -163,7 +170,7 @@ void CFlexTable::Activate() {
         return;
     }
     if (!m_Box.IsWindow()) {
-        m_Box.Create(this, CRect(), eBoxId, false);
+        m_Box.Create(this, CRect(), BOX_ID, false);
     }
     m_Box.SetFont(GetFont());
     m_Box.SetAccessibleName(m_Columns[m_Column].m_Title + " " + std::to_string(m_Row + 1));

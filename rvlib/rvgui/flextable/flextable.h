@@ -21,18 +21,18 @@
 class CFlexTable : public CWnd, public CFlexTableTypes {
 public:
     /// Row and column of a cursor that is off.
-    static constexpr unsigned eNone = 0xFFFFFFFF;
+    static constexpr unsigned NONE = 0xFFFFFFFF;
     /// To the parent: the cursor has moved, was put on a cell or taken off. The answer isn't looked at.
-    static constexpr int eCursorMoved = -1101;
+    static constexpr int CURSOR_MOVED = -1101;
     /// A window timer that the owner starts together with automatic growth (SetTimer). Growth is looked after
     /// by it: at each tick what has been typed so far counts as finished, without an end to the edit. So the
     /// row behind a value is there while that is still being typed, and whoever reads the table past the last
     /// row misses no value that the operator sees. It also finds what the program wrote into the last row.
-    static constexpr UINT eGrowthTimer = 1;
-    static constexpr UINT eGrowthPeriod = 250;  ///< ms
+    static constexpr UINT GROWTH_TIMER = 1;
+    static constexpr UINT GROWTH_PERIOD = 250;  ///< ms
     // Its children.
-    static constexpr UINT eScrollBarId = 1;
-    static constexpr UINT eBoxId = 2;  ///< made when the cursor is put on a cell for the first time
+    static constexpr UINT SCROLL_BAR_ID = 1;
+    static constexpr UINT BOX_ID = 2;  ///< made when the cursor is put on a cell for the first time
 
     struct CColumn {
         Type m_Type = eString;
@@ -47,6 +47,8 @@ public:
     int GetRowHeight() const { return m_nRowHeight; }
     /// All rows have these cells. Empties the table.
     void SetColumns(std::vector<CColumn> Columns);
+    /// Nothing happens to the rows. Ignored for a column that isn't there.
+    void SetColumnTitle(unsigned Column, const std::string& rTitle);
     const std::vector<CColumn>& GetColumns() const { return m_Columns; }
     /// What the cells of a new row begin with, numbers as text; empty and 0 for those that have no entry.
     void SetDefaultValues(const Base::CStringArray& rValues) { m_DefaultValues = rValues; }
@@ -56,7 +58,7 @@ public:
     void SetAutoGrowth(bool bOn) { m_bAutoGrowth = bOn; }
     bool IsAutoGrowth() const { return m_bAutoGrowth; }
 
-    /// Adds a row at the end and returns its number; eNone, and no row, without columns.
+    /// Adds a row at the end and returns its number; NONE, and no row, without columns.
     unsigned AddRow();
     /// Empties the table. A cursor that is on waits, and stands in the first row as soon as there is one.
     void RemoveAllRows();
@@ -69,9 +71,9 @@ public:
     bool SetItemData(unsigned Row, unsigned Column, const std::string& rText);
     bool SetItemData(unsigned Row, unsigned Column, double Number);
 
-    /// The cursor's cell; eNone for both if it is off or its cell doesn't exist.
-    unsigned GetCursorRow() const { return GetItem(m_Row, m_Column) == nullptr ? eNone : m_Row; }
-    unsigned GetCursorColumn() const { return GetItem(m_Row, m_Column) == nullptr ? eNone : m_Column; }
+    /// The cursor's cell; NONE for both if it is off or its cell doesn't exist.
+    unsigned GetCursorRow() const { return GetItem(m_Row, m_Column) == nullptr ? NONE : m_Row; }
+    unsigned GetCursorColumn() const { return GetItem(m_Row, m_Column) == nullptr ? NONE : m_Column; }
     /// Finishes an edit and moves the cursor, which comes into sight. False, and the cursor stays where it
     /// was, if there is no such cell or the table has no window yet. The focus stays where it is.
     bool MoveTo(unsigned Row, unsigned Column);
@@ -141,8 +143,8 @@ private:
     int m_nRowHeight = 20;
     std::vector<CColumn> m_Columns;
     std::vector<std::vector<std::unique_ptr<CFlexTableItem>>> m_Rows;
-    unsigned m_Row = eNone;
-    unsigned m_Column = eNone;
+    unsigned m_Row = NONE;
+    unsigned m_Column = NONE;
     Base::CStringArray m_DefaultValues;
     bool m_bAutoGrowth = false;
     CFlexTableItem* m_pActive = nullptr;  ///< the cell beneath the box

@@ -10,7 +10,7 @@
 LRESULT CFlexTable::WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) {
     switch (Message) {
         case WM_CREATE:
-            m_ScrollBar.Create(this, CRect(), eScrollBarId);
+            m_ScrollBar.Create(this, CRect(), SCROLL_BAR_ID);
             return 0;
         case WM_SIZE:
             OnSize();
@@ -37,7 +37,7 @@ LRESULT CFlexTable::WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) {
             OnScroll(GetScrollCode(wParam), GetScrollPosition(wParam));
             return 0;
         case WM_TIMER:
-            if (wParam == eGrowthTimer && m_bAutoGrowth) {
+            if (wParam == GROWTH_TIMER && m_bAutoGrowth) {
                 Commit(CFlexTableItem::eFinished);
             }
             return 0;
@@ -76,8 +76,8 @@ void CFlexTable::OnDestroy() {
         m_pActive->Deactivate();
         m_pActive = nullptr;
     }
-    m_Row = eNone;
-    m_Column = eNone;
+    m_Row = NONE;
+    m_Column = NONE;
     ModifyStyle(0, WS_TABSTOP);
 }
 

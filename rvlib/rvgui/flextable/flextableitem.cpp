@@ -7,19 +7,19 @@
 
 namespace {
 
-constexpr int c_nDecimals = 2;
+constexpr int DECIMALS = 2;
 
 }  // namespace
 
 void CFlexTableItem::Draw(CDC& rDC, const CRect& rRect) const {
-    constexpr int c_nInset = 3;
+    constexpr int INSET = 3;
     const int Saved = rDC.SaveDC();
     rDC.IntersectClipRect(rRect);
     rDC.SelectFont(m_rWnd.GetFont());
     rDC.SetBkMode(CDC::eTransparent);
     rDC.SetTextColor(GetSysColor(m_rWnd.IsWindowEnabled() ? SysColor::eWindowText : SysColor::eGrayText));
     CRect Text = rRect;
-    Text.left += c_nInset;
+    Text.left += INSET;
     rDC.DrawText(GetDrawnText(), Text, DT_SINGLELINE | DT_VCENTER | DT_LEFT | DT_END_ELLIPSIS);
     rDC.RestoreDC(Saved);
 }
@@ -48,11 +48,11 @@ void CFlexTableItemString::OnEditChange() {
 }
 
 std::string CFlexTableItemDouble::GetDrawnText() const {
-    return Gui::WriteFraction(GetValue(), c_nDecimals) + " " + m_Unit;
+    return Gui::WriteFraction(GetValue(), DECIMALS) + " " + m_Unit;
 }
 
 std::string CFlexTableItemDouble::GetEditText() const {
-    return Gui::WriteFraction(GetValue(), c_nDecimals);
+    return Gui::WriteFraction(GetValue(), DECIMALS);
 }
 
 void CFlexTableItemDouble::Activate(CEdit& rEdit) {
@@ -67,7 +67,7 @@ void CFlexTableItemDouble::OnEditChange() {
     const bool bOnTheWay = Text.find_first_of("0123456789") == std::string::npos;
     if (!Gui::IsFractionText(Text) || (!bOnTheWay && !Gui::ReadFraction(Text))) {
         // All of it selected, as with the numbers of a property tree: what is typed next begins anew.
-        rEdit.SetWindowText(Gui::WriteFraction(GetTyped(), c_nDecimals));
+        rEdit.SetWindowText(Gui::WriteFraction(GetTyped(), DECIMALS));
         rEdit.SelectAll();
         return;
     }

@@ -33,8 +33,8 @@ template <>
 struct CNumberTraits<double> {
     static double GetFraction(double Step) { return Step - std::trunc(Step); }
     static std::int64_t ToInteger(double Value) {
-        constexpr double c_Limit = 9.0e18;  // within what 64 bits hold
-        return static_cast<std::int64_t>(std::clamp(Value, -c_Limit, c_Limit));
+        constexpr double LIMIT = 9.0e18;  // within what 64 bits hold
+        return static_cast<std::int64_t>(std::clamp(Value, -LIMIT, LIMIT));
     }
     static bool FromInteger(std::int64_t Integer, double& rValue) {
         rValue = static_cast<double>(Integer);

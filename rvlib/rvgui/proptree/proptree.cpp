@@ -10,10 +10,10 @@ namespace PropTree {
 
 namespace {
 
-constexpr UINT eListId = 1;
-constexpr UINT eInfoId = 2;
-constexpr int eFontHeight = 15;
-constexpr std::uint32_t eHeldKey = 450;  // ms to the second step
+constexpr UINT LIST_ID = 1;
+constexpr UINT INFO_ID = 2;
+constexpr int FONT_HEIGHT = 15;
+constexpr std::uint32_t HELD_KEY = 450;  // ms to the second step
 
 /// Shared by all trees; the window thread alone comes here. Without a destructor: when a library is unloaded
 /// its last trees may end behind its statics.
@@ -33,8 +33,8 @@ CFonts& GetFonts() {
 CPropTree::CPropTree() : m_pRoot(std::make_unique<CPropTreeItem>()) {
     CFonts& rFonts = GetFonts();
     if (rFonts.m_nTrees++ == 0) {
-        rFonts.m_pNormal = std::make_unique<CFont>("Arial", eFontHeight).release();
-        rFonts.m_pBold = std::make_unique<CFont>("Arial", eFontHeight, CFont::eBold).release();
+        rFonts.m_pNormal = std::make_unique<CFont>("Arial", FONT_HEIGHT).release();
+        rFonts.m_pBold = std::make_unique<CFont>("Arial", FONT_HEIGHT, CFont::BOLD).release();
     }
     m_pRoot->m_pTree = this;
     m_pRoot->m_State = CPropTreeItem::eExpanded;
@@ -70,7 +70,7 @@ bool CPropTree::Create(CWnd* pParent, const CRect& rRect, UINT Id, bool bVisible
 LRESULT CPropTree::WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) {
     switch (Message) {
         case WM_CREATE:
-            return m_List.Create(this, CRect(), eListId) && m_Info.Create(this, CRect(), eInfoId, m_bShowInfo)
+            return m_List.Create(this, CRect(), LIST_ID) && m_Info.Create(this, CRect(), INFO_ID, m_bShowInfo)
                        ? 0
                        : -1;
         case WM_DESTROY:
@@ -246,7 +246,7 @@ void CPropTree::EndEditing() {
 }
 
 CPropTree::Hit CPropTree::HitTest(CPoint Point, CPropTreeItem** ppItem) const {
-    constexpr int eReach = 5;  // of the splitter, to either side
+    constexpr int REACH = 5;  // of the splitter, to either side
     const CPoint InContent(Point.x, Point.y - m_List.GetContentRect().top + m_ScrollPos);
     CPropTreeItem* pItem = m_pFirstVisible;
     while (pItem != nullptr && (InContent.y < pItem->m_Y || InContent.y >= pItem->m_Y + pItem->m_Height)) {
@@ -258,10 +258,10 @@ CPropTree::Hit CPropTree::HitTest(CPoint Point, CPropTreeItem** ppItem) const {
     if (pItem == nullptr) {
         return eNothing;
     }
-    if (!pItem->IsTopLevel() && std::abs(InContent.x - m_Origin) <= eReach) {
+    if (!pItem->IsTopLevel() && std::abs(InContent.x - m_Origin) <= REACH) {
         return eSplitter;
     }
-    if (InContent.x > m_Origin + eReach) {
+    if (InContent.x > m_Origin + REACH) {
         return eValue;
     }
     if (pItem->m_ExpandRect.PtInRect(InContent)) {
@@ -291,7 +291,7 @@ void CPropTree::StartStepping(bool bUp) {
     if (m_pFocus == nullptr || !IsWindowEnabled()) {
         return;
     }
-    m_pFocus->StartRepeat(bUp, eHeldKey);
+    m_pFocus->StartRepeat(bUp, HELD_KEY);
 }
 
 void CPropTree::StopStepping() {
@@ -370,12 +370,12 @@ void CPropTree::CloseBoxes(CPropTreeItem& rParent) {
 }
 
 LRESULT CPropTree::SendNotify(int NotifyCode, CPropTreeItem* pItem) {
-    constexpr int eFirstCode = -1112;
-    constexpr int eLastCode = -1101;
-    constexpr int eNeverSent = -1111;
-    constexpr int eNeverSentEither = -1104;
-    if ((GetStyle() & eNotifyParent) == 0 || NotifyCode < eFirstCode || NotifyCode > eLastCode ||
-        NotifyCode == eNeverSent || NotifyCode == eNeverSentEither) {
+    constexpr int FIRST_CODE = -1112;
+    constexpr int LAST_CODE = -1101;
+    constexpr int NEVER_SENT = -1111;
+    constexpr int NEVER_SENT_EITHER = -1104;
+    if ((GetStyle() & NOTIFY_PARENT) == 0 || NotifyCode < FIRST_CODE || NotifyCode > LAST_CODE ||
+        NotifyCode == NEVER_SENT || NotifyCode == NEVER_SENT_EITHER) {
         return 0;
     }
     CTreeNotification Notification;

@@ -33,7 +33,7 @@ constexpr UINT WM_RV_DELETEITEM = 1150;
 class CPropTree : public CWnd {
 public:
     /// Style bit 0: the parent is told. Nothing is sent without it.
-    static constexpr UINT eNotifyParent = 1;
+    static constexpr UINT NOTIFY_PARENT = 1;
 
     /// Codes of notifications.
     enum Code : int {
@@ -50,8 +50,8 @@ public:
         /// Softkeys alone: the list ignores the mouse, and no window ever lies over a value.
         eKeyboardOnly = 1
     };
-    static constexpr int eRowHeight = 28;  ///< for a finger
-    static constexpr int eInfoHeight = 78;
+    static constexpr int ROW_HEIGHT = 28;  ///< for a finger
+    static constexpr int INFO_HEIGHT = 78;
 
     CPropTree();
     ~CPropTree() override;
@@ -107,7 +107,7 @@ public:
     void SetMode(Mode NewMode);
     bool IsKeyboardOnly() const { return m_Mode == eKeyboardOnly; }
     /// Shows or hides the info pane.
-    void ShowInfo(bool bShow, int nHeight = eInfoHeight);
+    void ShowInfo(bool bShow, int nHeight = INFO_HEIGHT);
     bool IsInfoShown() const { return m_bShowInfo; }
     /// The splitter between the columns, in pixels of the list.
     int GetOrigin() const { return m_Origin; }
@@ -185,7 +185,7 @@ private:
     CDynamicHelpIF* m_pDynamicHelp = nullptr;
     std::string m_HelpKey;
     bool m_bShowInfo = true;
-    int m_nInfoHeight = eInfoHeight;
+    int m_nInfoHeight = INFO_HEIGHT;
     Mode m_Mode = eNormalMode;
 };
 

@@ -16,14 +16,14 @@ LRESULT CPropTreeInfo::WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) {
 }
 
 void CPropTreeInfo::Paint() {
-    constexpr int eEdge = 2;
-    constexpr int eMargin = 4;
+    constexpr int EDGE = 2;
+    constexpr int MARGIN = 4;
     CDC DC(GetSurface());
     CRect Rect = GetClientRect();
     DC.FillSolidRect(Rect, GetSysColor(SysColor::eFace));
     DC.DrawEdge(Rect, CDC::eSunken);
     const CPropTreeItem* const pItem = m_rTree.GetFocusedItem();
-    Rect.DeflateRect(eEdge + eMargin, eEdge + eMargin);
+    Rect.DeflateRect(EDGE + MARGIN, EDGE + MARGIN);
     if (pItem == nullptr || Rect.IsRectEmpty()) {
         return;
     }

@@ -12,10 +12,10 @@ namespace PropTree {
 
 namespace {
 
-constexpr int eBoxWidth = 22;  // of the places where expand box and check box answer
-constexpr int eBoxSize = 13;   // of the boxes as drawn
-constexpr int eTextInset = 4;  // of label and value
-constexpr COLORREF c_Heading = RGB(0xDE, 0xD9, 0xC4);
+constexpr int BOX_WIDTH = 22;  // of the places where expand box and check box answer
+constexpr int BOX_SIZE = 13;   // of the boxes as drawn
+constexpr int TEXT_INSET = 4;  // of label and value
+constexpr COLORREF HEADING = RGB(0xDE, 0xD9, 0xC4);
 
 }  // namespace
 
@@ -241,11 +241,11 @@ COLORREF CPropTreeItem::GetTextColor() const {
 
 int CPropTreeItem::Place(int x, int y) {
     m_Y = y;
-    m_Height = CPropTree::eRowHeight;
+    m_Height = CPropTree::ROW_HEIGHT;
     // As high as the row and wider than drawn: a finger has to find them.
-    m_ExpandRect = HasChildren() ? CRect(x, y, x + eBoxWidth, y + m_Height) : CRect();
-    m_LabelX = x + eBoxWidth;
-    m_CheckRect = HasCheckBox() ? CRect(m_LabelX, y, m_LabelX + eBoxWidth, y + m_Height) : CRect();
+    m_ExpandRect = HasChildren() ? CRect(x, y, x + BOX_WIDTH, y + m_Height) : CRect();
+    m_LabelX = x + BOX_WIDTH;
+    m_CheckRect = HasCheckBox() ? CRect(m_LabelX, y, m_LabelX + BOX_WIDTH, y + m_Height) : CRect();
     m_LabelX += m_CheckRect.Width();
     return m_Height;
 }
@@ -255,9 +255,9 @@ int CPropTreeItem::Draw(CDC& rDC, const CRect& rClient, int y) const {
     DrawGround(rDC, Row);
     const auto DrawBox = [&](const CRect& rBox, CDC::Part Kind, bool bOn) {
         if (!rBox.IsRectEmpty()) {
-            const CPoint TopLeft(rBox.left + (rBox.Width() - eBoxSize) / 2,
-                                 Row.top + (Row.Height() - eBoxSize) / 2);
-            rDC.DrawPart(CRect(TopLeft, CSize(eBoxSize, eBoxSize)), Kind,
+            const CPoint TopLeft(rBox.left + (rBox.Width() - BOX_SIZE) / 2,
+                                 Row.top + (Row.Height() - BOX_SIZE) / 2);
+            rDC.DrawPart(CRect(TopLeft, CSize(BOX_SIZE, BOX_SIZE)), Kind,
                          {m_pTree->IsWindowEnabled(), false, bOn});
         }
     };
@@ -275,7 +275,7 @@ int CPropTreeItem::Draw(CDC& rDC, const CRect& rClient, int y) const {
 void CPropTreeItem::DrawGround(CDC& rDC, const CRect& rRow) const {
     const COLORREF Line = GetSysColor(SysColor::eShadow);
     if (IsTopLevel()) {
-        Gui::FillGradient(rDC, rRow, c_Heading);
+        Gui::FillGradient(rDC, rRow, HEADING);
         return;
     }
     rDC.FillSolidRect(CRect(rRow.left, rRow.bottom - 1, rRow.right, rRow.bottom), Line);
@@ -293,7 +293,7 @@ void CPropTreeItem::DrawLabel(CDC& rDC, const CRect& rRow) const {
         CRect Bar = Text;
         if (IsTopLevel()) {
             Bar.DeflateRect(0, 3);  // the gradient stays to be seen
-            Bar.right = std::min(Bar.right, Bar.left + rDC.GetTextExtent(m_Label).cx + 2 * eTextInset);
+            Bar.right = std::min(Bar.right, Bar.left + rDC.GetTextExtent(m_Label).cx + 2 * TEXT_INSET);
         }
         const bool bHere = m_bActive || m_pTree->HasListFocus();
         if (m_pTree->IsWindowEnabled()) {
@@ -303,7 +303,7 @@ void CPropTreeItem::DrawLabel(CDC& rDC, const CRect& rRow) const {
         }
         Color = bHere ? GetSysColor(SysColor::eSelectionText) : Color;
     }
-    Text.DeflateRect(eTextInset, 0);
+    Text.DeflateRect(TEXT_INSET, 0);
     if (!Text.IsRectEmpty()) {
         rDC.SetTextColor(Color);
         rDC.DrawText(m_Label, Text, DT_SINGLELINE | DT_VCENTER | DT_LEFT | DT_END_ELLIPSIS);
@@ -321,7 +321,7 @@ void CPropTreeItem::DrawAttribute(CDC& rDC, const CRect& rRect) const {
         rDC.FillSolidRect(Rect, GetSysColor(SysColor::eWindow));
         rDC.FrameRect(Rect, GetSysColor(SysColor::eSelection));
     }
-    Rect.DeflateRect(eTextInset, 0);
+    Rect.DeflateRect(TEXT_INSET, 0);
     if (Text.empty() || Rect.IsRectEmpty()) {
         return;
     }

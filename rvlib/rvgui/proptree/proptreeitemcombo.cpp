@@ -39,8 +39,8 @@ void CPropTreeItemCombo::SetItemValue(int Value) {
     m_Value = Value;
     // The values follow one another from the minimum on, as whatever is refused is refused behind them all.
     const std::int64_t Index = std::int64_t{Value} - m_Min;
-    const bool bShowable = Index >= 0 && Index < eMaxItems;
-    RV_ASSERT_AS(Gui::g_pLog, Index < eMaxItems, "Index >= 0", "CPropTreeItemCombo::AddString failed!",
+    const bool bShowable = Index >= 0 && Index < MAX_ITEMS;
+    RV_ASSERT_AS(Gui::g_pLog, Index < MAX_ITEMS, "Index >= 0", "CPropTreeItemCombo::AddString failed!",
                  false);
     if (bShowable && Index >= GetCount()) {
         m_NextData = m_Min + GetCount();
@@ -61,9 +61,9 @@ std::string CPropTreeItemCombo::GetValueText() const {
 }
 
 bool CPropTreeItemCombo::OnCharacter(char32_t Character) {
-    constexpr char32_t eFirstPrintable = 0x20;
-    constexpr char32_t eBehindAscii = 0x80;
-    if (Character <= eFirstPrintable || Character >= eBehindAscii) {
+    constexpr char32_t FIRST_PRINTABLE = 0x20;
+    constexpr char32_t BEHIND_ASCII = 0x80;
+    if (Character <= FIRST_PRINTABLE || Character >= BEHIND_ASCII) {
         return false;
     }
     const std::string First(1, static_cast<char>(Character));

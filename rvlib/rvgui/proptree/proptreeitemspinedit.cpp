@@ -18,14 +18,14 @@ namespace PropTree {
 
 namespace {
 
-constexpr int eButtonWidth = 26;
+constexpr int BUTTON_WIDTH = 26;
 
 /// Digits behind the point that a fraction has: 2 for 0.01, 1 for 0.25.
 int CountDigits(double Fraction) {
-    constexpr double c_Rounding = 1e-9;  // 0.01 of 2.01 isn't quite that
-    constexpr int eMost = 15;
+    constexpr double ROUNDING = 1e-9;  // 0.01 of 2.01 isn't quite that
+    constexpr int MOST = 15;
     int nDigits = 0;
-    while (Fraction < 1.0 - c_Rounding && nDigits < eMost) {
+    while (Fraction < 1.0 - ROUNDING && nDigits < MOST) {
         Fraction *= 10.0;
         ++nDigits;
     }
@@ -82,8 +82,8 @@ void CPropTreeItemSpinEdit<T>::ChooseFormat() {
     if (!m_Hex) {
         return;
     }
-    constexpr std::array<std::pair<std::int64_t, int>, 3> c_Widths{{{0xFF, 2}, {0xFFFF, 4}, {0xFFFFFFFF, 8}}};
-    for (const auto& [Most, nDigits] : c_Widths) {
+    constexpr std::array<std::pair<std::int64_t, int>, 3> WIDTHS{{{0xFF, 2}, {0xFFFF, 4}, {0xFFFFFFFF, 8}}};
+    for (const auto& [Most, nDigits] : WIDTHS) {
         if (CNumberTraits<T>::ToInteger(m_Max) <= Most) {
             m_ValueFormat = {CNumberFormat::eHex, nDigits};
             return;
@@ -210,7 +210,7 @@ LRESULT CPropTreeItemSpinEdit<T>::OnCreate() {
     m_Button.SetAccel(Accel);
     m_Button.SetWrap(true);
     m_Button.SetRange(ToSteps(m_Min), ToSteps(m_Max));
-    if (!m_Button.Create(this, CRect(), eButtonId, bShow) || !m_Edit.Create(this, CRect(), eEditId, bShow)) {
+    if (!m_Button.Create(this, CRect(), BUTTON_ID, bShow) || !m_Edit.Create(this, CRect(), EDIT_ID, bShow)) {
         return -1;
     }
     ShowValue();
@@ -220,7 +220,7 @@ LRESULT CPropTreeItemSpinEdit<T>::OnCreate() {
 template <typename T>
 void CPropTreeItemSpinEdit<T>::OnSize() {
     const CRect Client = GetClientRect();
-    const int nMiddle = std::max(Client.right - eButtonWidth, 0);
+    const int nMiddle = std::max(Client.right - BUTTON_WIDTH, 0);
     m_Edit.MoveWindow(CRect(0, 0, nMiddle, Client.bottom));
     m_Button.MoveWindow(CRect(nMiddle, 0, Client.right, Client.bottom));
 }
@@ -330,8 +330,8 @@ void CPropTreeItemSpinEdit<T>::OnStep(bool bUp) {
 
 template <typename T>
 bool CPropTreeItemSpinEdit<T>::OnCharacter(char32_t Character) {
-    constexpr std::u32string_view c_Starts = U"+-.,0123456789abcdefABCDEF";
-    if (IsKeyboardOnly() || !m_Editable || c_Starts.find(Character) == std::u32string_view::npos) {
+    constexpr std::u32string_view STARTS = U"+-.,0123456789abcdefABCDEF";
+    if (IsKeyboardOnly() || !m_Editable || STARTS.find(Character) == std::u32string_view::npos) {
         return false;
     }
     const std::weak_ptr<const bool> pLife = GetLife();

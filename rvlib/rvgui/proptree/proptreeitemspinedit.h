@@ -26,8 +26,8 @@ struct CSpinEditLook {
 template <typename T>
 class CPropTreeItemSpinEdit : public CWnd, public CPropTreeItem, public CEditHelperEvents {
 public:
-    static constexpr UINT eButtonId = 0x1531;
-    static constexpr UINT eEditId = 0x1532;
+    static constexpr UINT BUTTON_ID = 0x1531;
+    static constexpr UINT EDIT_ID = 0x1532;
 
     /// Limits that are the wrong way round are swapped, and a value beyond them goes to the nearest; the
     /// number of digits behind the point follows from the step.

@@ -7,7 +7,7 @@ namespace PropTree {
 
 namespace {
 
-constexpr int eNarrowest = 40;  // of a column
+constexpr int NARROWEST = 40;  // of a column
 
 }  // namespace
 
@@ -71,17 +71,17 @@ void CPropTree::UpdateLayout() {
     if (!m_bOriginSet) {
         m_Origin = Content.left + Content.Width() / 2;
     }
-    m_Origin = std::max(std::min(m_Origin, Content.right - eNarrowest), Content.left + eNarrowest);
+    m_Origin = std::max(std::min(m_Origin, Content.right - NARROWEST), Content.left + NARROWEST);
     SetScrollPos(m_ScrollPos);
 }
 
 void CPropTree::AppendRows(CPropTreeItem& rParent, int nLevel, CPropTreeItem*& rpLast) {
-    constexpr int eIndent = 14;
+    constexpr int INDENT = 14;
     for (CPropTreeItem* pItem = rParent.GetChild(); pItem != nullptr; pItem = pItem->GetSibling()) {
         (rpLast == nullptr ? m_pFirstVisible : rpLast->m_pNextVisible) = pItem;
         rpLast = pItem;
         pItem->m_bInChain = true;
-        m_nContentHeight += pItem->Place(m_List.GetContentRect().left + nLevel * eIndent, m_nContentHeight);
+        m_nContentHeight += pItem->Place(m_List.GetContentRect().left + nLevel * INDENT, m_nContentHeight);
         if (pItem->IsExpanded()) {
             AppendRows(*pItem, nLevel + 1, rpLast);
         }

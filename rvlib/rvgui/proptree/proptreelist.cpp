@@ -13,9 +13,9 @@ namespace PropTree {
 
 namespace {
 
-constexpr UINT eScrollBarId = 1;
-constexpr int eGutter = 16;
-constexpr int eFrame = 4;  // keyboard-only mode: two lines, and a gap behind each
+constexpr UINT SCROLL_BAR_ID = 1;
+constexpr int GUTTER = 16;
+constexpr int FRAME = 4;  // keyboard-only mode: two lines, and a gap behind each
 
 }  // namespace
 
@@ -30,9 +30,9 @@ bool CPropTreeList::Create(CWnd* pParent, const CRect& rRect, UINT Id, bool bVis
 CRect CPropTreeList::GetContentRect() const {
     CRect Content = GetClientRect();
     if (m_rTree.IsKeyboardOnly()) {
-        Content.DeflateRect(eFrame, eFrame);
+        Content.DeflateRect(FRAME, FRAME);
     } else {
-        Content.left += eGutter;
+        Content.left += GUTTER;
     }
     if (m_rTree.GetContentHeight() > Content.Height()) {
         Content.right -= CScrollBar::GetPreferredWidth();
@@ -66,7 +66,7 @@ void CPropTreeList::ForgetItem(const CPropTreeItem& rItem) {
 LRESULT CPropTreeList::WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) {
     switch (Message) {
         case WM_CREATE:
-            return m_ScrollBar.Create(this, CRect(), eScrollBarId, false) ? 0 : -1;
+            return m_ScrollBar.Create(this, CRect(), SCROLL_BAR_ID, false) ? 0 : -1;
         case WM_PAINT:
             Paint();
             return 0;
@@ -162,16 +162,16 @@ void CPropTreeList::PaintRows() {
     CDC DC(m_Memory);
     DC.FillSolidRect(Client, GetSysColor(SysColor::eFace));
     if (m_rTree.IsKeyboardOnly()) {
-        constexpr COLORREF c_Grey = RGB(134, 134, 134);
+        constexpr COLORREF GREY = RGB(134, 134, 134);
         CRect Frame = Client;
-        DC.FrameRect(Frame, c_Grey);
+        DC.FrameRect(Frame, GREY);
         Frame.DeflateRect(2, 2);
-        DC.FrameRect(Frame, c_Grey);
+        DC.FrameRect(Frame, GREY);
     } else {
-        constexpr int eFewColours = 8;
+        constexpr int FEW_COLOURS = 8;
         const COLORREF Gutter =
-            GetDisplayBitsPerPixel() > eFewColours ? RGB(244, 242, 232) : GetSysColor(SysColor::eFace);
-        DC.FillSolidRect(CRect(0, 0, eGutter, Client.bottom), Gutter);
+            GetDisplayBitsPerPixel() > FEW_COLOURS ? RGB(244, 242, 232) : GetSysColor(SysColor::eFace);
+        DC.FillSolidRect(CRect(0, 0, GUTTER, Client.bottom), Gutter);
     }
     const CRect Content = GetContentRect();
     DC.IntersectClipRect(Content);

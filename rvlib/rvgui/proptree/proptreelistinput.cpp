@@ -89,17 +89,17 @@ void CPropTreeList::StopDragging() {
 }
 
 bool CPropTreeList::OnWheel(int nDelta) {
-    constexpr int eRowsPerNotch = 3;
+    constexpr int ROWS_PER_NOTCH = 3;
     if (m_rTree.IsKeyboardOnly() || !m_ScrollBar.IsWindowVisible()) {
         return false;
     }
     m_rTree.SetScrollPos(m_rTree.GetScrollPos() -
-                         nDelta * eRowsPerNotch * CPropTree::eRowHeight / WHEEL_DELTA);
+                         nDelta * ROWS_PER_NOTCH * CPropTree::ROW_HEIGHT / WHEEL_DELTA);
     return true;
 }
 
 void CPropTreeList::OnScroll(int Code, int nPos) {
-    m_rTree.SetScrollPos(m_ScrollBar.GetTarget(Code, nPos, CPropTree::eRowHeight));
+    m_rTree.SetScrollPos(m_ScrollBar.GetTarget(Code, nPos, CPropTree::ROW_HEIGHT));
 }
 
 bool CPropTreeList::MoveBy(int nRows) {
@@ -116,7 +116,7 @@ bool CPropTreeList::MoveBy(int nRows) {
         return true;
     }
     // Without a focus the first step goes to the end that it comes from, but Home and End mean what they say.
-    const bool bAll = std::abs(nRows) == Gui::c_nAllRows;
+    const bool bAll = std::abs(nRows) == Gui::ALL_ROWS;
     const int nEnd = (nRows < 0) == bAll ? 0 : i - 1;
     const int nWanted = nFocus < 0 ? nEnd : std::clamp(nFocus + nRows, 0, i - 1);
     pTarget = m_rTree.GetFirstVisible();
@@ -141,7 +141,7 @@ bool CPropTreeList::OnKeyDown(UINT Key) {
     if (pItem != nullptr && pItem->IsActive() && OnEditingKey(Key, *pItem)) {
         return true;
     }
-    const int nPage = std::max(GetContentRect().Height() / CPropTree::eRowHeight - 1, 1);
+    const int nPage = std::max(GetContentRect().Height() / CPropTree::ROW_HEIGHT - 1, 1);
     if (const std::optional<int> nRows = Gui::GetRowsToMove(Key, nPage)) {
         return MoveBy(*nRows);
     }

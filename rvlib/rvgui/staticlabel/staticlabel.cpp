@@ -30,7 +30,7 @@ void CStaticLabel::SetTextEnd(int X) {
 }
 
 void CStaticLabel::Paint(CDC& rDC, const CRect& rRect) const {
-    constexpr int c_nInset = 10;
+    constexpr int INSET = 10;
     const CLook& rLook = IsWindowEnabled() ? m_Enabled : m_Disabled;
     if (rLook.m_bGradient) {
         Gui::FillGradient(rDC, rRect, rLook.m_Background);
@@ -45,7 +45,7 @@ void CStaticLabel::Paint(CDC& rDC, const CRect& rRect) const {
     rDC.SetBkMode(CDC::eTransparent);
     rDC.SetTextColor(m_TextColor);
     CRect Rect = rRect;
-    Rect.left += c_nInset;
+    Rect.left += INSET;
     unsigned Format = DT_SINGLELINE | DT_VCENTER | DT_LEFT;
     if (m_TextEnd) {
         Rect.right = rRect.left + *m_TextEnd;

@@ -20,8 +20,8 @@ bool WasMade(const CDC& rDC) {
 }  // namespace
 
 CFont CFittedText::FitFont(CDC* pDC, const CRect& rRect, unsigned Format, const char* pProbe) const {
-    constexpr int c_nSmall = 8;
-    constexpr int c_nLarge = c_nSmall + 20;
+    constexpr int SMALL = 8;
+    constexpr int LARGE = SMALL + 20;
     const std::string& rSample = GetLength(m_SizingText) > GetLength(m_Text) ? m_SizingText : m_Text;
 
     const int Saved = pDC->SaveDC();
@@ -32,8 +32,8 @@ CFont CFittedText::FitFont(CDC* pDC, const CRect& rRect, unsigned Format, const 
         pDC->DrawText(rSample, Extent, Format | DT_CALCRECT);
         return CSize(Extent.Width(), pDC->GetFontHeight());
     };
-    const CSize Small = Measure(c_nSmall);
-    const CSize Large = Measure(c_nLarge);
+    const CSize Small = Measure(SMALL);
+    const CSize Large = Measure(LARGE);
 
     const double H = rRect.Height();
     const double W = rRect.Width();

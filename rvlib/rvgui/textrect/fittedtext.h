@@ -38,5 +38,5 @@ protected:
 private:
     std::string m_SizingText;
     std::string m_FaceName;
-    int m_Weight = CFont::eBold;
+    int m_Weight = CFont::BOLD;
 };

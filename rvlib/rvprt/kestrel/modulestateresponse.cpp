@@ -7,7 +7,7 @@ namespace Kestrel {
 
 int CModuleStateResponse::Decode(const std::uint8_t* pData, std::uint32_t nSize, std::uint32_t* pUsed) {
     *pUsed = 0;
-    if (pData == nullptr || nSize < eSize) {
+    if (pData == nullptr || nSize < SIZE) {
         return 0;
     }
     m_ModuleState = pData[0];
@@ -21,7 +21,7 @@ int CModuleStateResponse::Decode(const std::uint8_t* pData, std::uint32_t nSize,
     m_UILocked = Comm::ReadBit(pData[2], 7);
     m_OutOfLock = Comm::ReadBit(pData[4], 5);
     m_InvalidRPM = Comm::ReadBit(pData[4], 3);
-    *pUsed = eSize;
+    *pUsed = SIZE;
     return 1;
 }
 

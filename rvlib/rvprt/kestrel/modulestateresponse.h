@@ -9,7 +9,7 @@ namespace Kestrel {
 /// What the module does, and whether its readings can be trusted.
 class CModuleStateResponse : public Comm::CMessage {
 public:
-    static constexpr std::uint32_t eSize = 5;
+    static constexpr std::uint32_t SIZE = 5;
 
     explicit CModuleStateResponse(const char* pLogID) : CMessage(pLogID) {}
 

@@ -9,19 +9,19 @@ namespace Kestrel {
 
 namespace {
 
-constexpr std::array AdaptionNames{"Div6", "Div3", "Div2", "Div1", "5Div6", "5Div3", "5Div2", "5Div1"};
+constexpr std::array ADAPTION_NAMES{"Div6", "Div3", "Div2", "Div1", "5Div6", "5Div3", "5Div2", "5Div1"};
 
 }  // namespace
 
 int CSet::Decode(const std::uint8_t* pData, std::uint32_t nSize, std::uint32_t* pUsed) {
     *pUsed = 0;
-    if (pData == nullptr || nSize < eSize) {
+    if (pData == nullptr || nSize < SIZE) {
         return 0;
     }
     m_Set = pData[0];
     m_RPMFactor = pData[1];
     m_SensorAdaption = pData[4];
-    *pUsed = eSize;
+    *pUsed = SIZE;
     return 1;
 }
 
@@ -33,10 +33,10 @@ void CSet::Log() const {
 }
 
 std::string CSet::SensorAdaptionToString(std::uint32_t Adaption) {
-    if (const auto Name = Comm::AdaptionName(AdaptionNames, "Value", Adaption)) {
+    if (const auto Name = Comm::AdaptionName(ADAPTION_NAMES, "Value", Adaption)) {
         return *Name;
     }
-    if (Adaption == eUnknownAdaption) {
+    if (Adaption == UNKNOWN_ADAPTION) {
         return "UnknownAdaption";
     }
     RV_ASSERT_FAIL(Protocols::g_pLog, "impossible");

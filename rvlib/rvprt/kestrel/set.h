@@ -9,8 +9,8 @@ namespace Kestrel {
 /// The module's active set.
 class CSet : public Comm::CMessage {
 public:
-    static constexpr std::uint32_t eSize = 5;
-    static constexpr std::uint32_t eUnknownAdaption = 255;
+    static constexpr std::uint32_t SIZE = 5;
+    static constexpr std::uint32_t UNKNOWN_ADAPTION = 255;
 
     explicit CSet(const char* pLogID) : CMessage(pLogID) {}
 
@@ -23,7 +23,7 @@ public:
 
     std::uint8_t m_Set = 255;
     std::uint8_t m_RPMFactor = 255;
-    std::uint32_t m_SensorAdaption = eUnknownAdaption;  ///< as sent: values without a name stay
+    std::uint32_t m_SensorAdaption = UNKNOWN_ADAPTION;  ///< as sent: values without a name stay
 };
 
 }  // namespace Kestrel

@@ -19,7 +19,7 @@ struct CRateRow {
     const char* m_pLabel;
 };
 
-constexpr CRateRow RateRows[] = {
+constexpr CRateRow RATE_ROWS[] = {
     {&Configuration::Plane1MaxRPMDataRate, 4, 8, " Plane1MaxRPMDataRate: 0x%02X"},
     {&Configuration::Plane1MaxUnbalanceAmplitudeDatarate, 5, 9,
      " Plane1MaxUnbalanceAmplitudeDatarate: 0x%02X"},
@@ -32,14 +32,14 @@ constexpr CRateRow RateRows[] = {
     {&Configuration::Plane2ConfigurationXY, 11, 7, " Plane2ConfigurationXY: 0x%02X"},
 };
 
-constexpr std::array InputNames{"PNP", "NPN"};
+constexpr std::array INPUT_NAMES{"PNP", "NPN"};
 
 }  // namespace
 
 int CBalConfiguration::Decode(const std::uint8_t* pData, std::uint32_t nSize, std::uint32_t* pUsed,
                               std::uint32_t Swap) {
     *pUsed = 0;
-    if (pData == nullptr || nSize < eSize) {
+    if (pData == nullptr || nSize < SIZE) {
         RV_WARNING(Protocols::g_pLog, "not enough data to decode");
         return 0;
     }
@@ -47,12 +47,12 @@ int CBalConfiguration::Decode(const std::uint8_t* pData, std::uint32_t nSize, st
     Plane2Input = Comm::ReadBit(pData[0], 1);
     RPMLimitLocked = Comm::ReadBit(pData[0], 2);
     RPMLimit = Comm::ReadU16(pData + 2);
-    for (const CRateRow& rRow : RateRows) {
+    for (const CRateRow& rRow : RATE_ROWS) {
         this->*rRow.m_pRate = pData[Swap != 0 ? rRow.m_Swapped : rRow.m_Byte];
     }
     MaxDiagnosisDatrate = pData[12] >> 4U;
     ConfigurationDiagnosis = pData[13];
-    *pUsed = eSize;
+    *pUsed = SIZE;
     return 1;
 }
 
@@ -62,7 +62,7 @@ void CBalConfiguration::Log() const {
     RV_PROTOCOL_DETAIL(" Plane2Input: %s", InputToString(Plane2Input));
     // The limit itself has no line; only whether it is locked.
     RV_PROTOCOL_DETAIL(" RPMLimitLocked: %d", static_cast<int>(RPMLimitLocked));
-    for (const CRateRow& rRow : RateRows) {
+    for (const CRateRow& rRow : RATE_ROWS) {
         RV_PROTOCOL_DETAIL(rRow.m_pLabel, unsigned{this->*rRow.m_pRate});
     }
     RV_PROTOCOL_DETAIL(" MaxDiagnosisDatrate: 0x%02X", unsigned{MaxDiagnosisDatrate});
@@ -70,7 +70,7 @@ void CBalConfiguration::Log() const {
 }
 
 const char* CBalConfiguration::InputToString(std::uint32_t Input) {
-    return Comm::NameOf(InputNames, Input, "Invalid Input");
+    return Comm::NameOf(INPUT_NAMES, Input, "Invalid Input");
 }
 
 }  // namespace Lanner

@@ -8,7 +8,7 @@ namespace Lanner {
 /// Inputs and data rates of the module's two planes: those in force, or limits or defaults.
 class CBalConfiguration : public Comm::CMessage {
 public:
-    static constexpr std::uint32_t eSize = 14;
+    static constexpr std::uint32_t SIZE = 14;
 
     explicit CBalConfiguration(const char* pLogID) : CMessage(pLogID) {}
 

@@ -17,7 +17,7 @@ struct CBaudrateRow {
 };
 
 /// The rates depend on the module's clock. The capital letter of one name is meant to stay.
-constexpr CBaudrateRow BaudrateRows[] = {
+constexpr CBaudrateRow BAUDRATE_ROWS[] = {
     {0, "e1200baud20Mhz"},    {1, "e2400baud20Mhz"},
     {2, "e4800baud20Mhz"},    {3, "e9600baud20Mhz"},
     {4, "e19200baud20Mhz"},   {5, "e38400baud20Mhz"},
@@ -28,26 +28,26 @@ constexpr CBaudrateRow BaudrateRows[] = {
     {19, "e9600baud30Mhz"},   {20, "e19200baud30Mhz"},
     {21, "e38400baud30Mhz"},  {22, "e57600baud30Mhz"},
     {23, "e115200baud30Mhz"}, {24, "e230400baud30Mhz"},
-    {25, "e460800baud30Mhz"}, {CModuleConfiguration::eInvalidBaudRate, "eInvalidBaudRate"},
+    {25, "e460800baud30Mhz"}, {CModuleConfiguration::INVALID_BAUD_RATE, "eInvalidBaudRate"},
 };
 
-constexpr std::array StopBitNames{"e1StopBit", "e2StopBits"};
+constexpr std::array STOP_BIT_NAMES{"e1StopBit", "e2StopBits"};
 
 }  // namespace
 
 int CModuleConfiguration::Decode(const std::uint8_t* pData, std::uint32_t nSize, std::uint32_t* pUsed) {
     *pUsed = 0;
-    if (pData == nullptr || nSize < eSize) {
+    if (pData == nullptr || nSize < SIZE) {
         RV_WARNING(Protocols::g_pLog, "not enough data to decode");
         return 0;
     }
-    constexpr std::uint8_t eBaudrateBits = 0x3F;  // bit 6 is ignored
-    Baudrate = pData[0] & eBaudrateBits;
+    constexpr std::uint8_t BAUDRATE_BITS = 0x3F;  // bit 6 is ignored
+    Baudrate = pData[0] & BAUDRATE_BITS;
     StopBit = static_cast<std::uint8_t>(Comm::ReadBit(pData[0], 7));
     FanPowerOnTemperature = pData[1];
     TestFlags = pData[2];
     AttachedSlaveModuleID = pData[3];
-    *pUsed = eSize;
+    *pUsed = SIZE;
     return 1;
 }
 
@@ -61,8 +61,8 @@ void CModuleConfiguration::Log() const {
 }
 
 const char* CModuleConfiguration::BaudrateToString(std::uint8_t Baudrate) {
-    const auto* const pRow = std::ranges::find(BaudrateRows, Baudrate, &CBaudrateRow::m_Value);
-    if (pRow != std::end(BaudrateRows)) {
+    const auto* const pRow = std::ranges::find(BAUDRATE_ROWS, Baudrate, &CBaudrateRow::m_Value);
+    if (pRow != std::end(BAUDRATE_ROWS)) {
         return pRow->m_pName;
     }
     RV_ASSERT_FAIL(Protocols::g_pLog, "Invalid Baud Rate");
@@ -70,7 +70,7 @@ const char* CModuleConfiguration::BaudrateToString(std::uint8_t Baudrate) {
 }
 
 const char* CModuleConfiguration::StopBitToString(std::uint8_t StopBit) {
-    const char* const pName = Comm::NameOf(StopBitNames, StopBit, nullptr);
+    const char* const pName = Comm::NameOf(STOP_BIT_NAMES, StopBit, nullptr);
     RV_ASSERT_AS(Protocols::g_pLog, pName != nullptr, "FALSE", "invalid StopBits", false);
     return pName != nullptr ? pName : "invalid";
 }

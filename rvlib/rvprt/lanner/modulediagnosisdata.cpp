@@ -10,7 +10,7 @@ namespace Lanner {
 
 int CModuleDiagnosisData::Decode(const std::uint8_t* pData, std::uint32_t nSize, std::uint32_t* pUsed) {
     *pUsed = 0;
-    if (pData == nullptr || nSize < eSize) {
+    if (pData == nullptr || nSize < SIZE) {
         RV_WARNING(Protocols::g_pLog, "invalid message length");
         return 0;
     }
@@ -28,11 +28,11 @@ int CModuleDiagnosisData::Decode(const std::uint8_t* pData, std::uint32_t nSize,
     DiagWord4 = Comm::ReadU16(pData + 10);
     DiagWord5 = Comm::ReadU16(pData + 12);
     DiagWord6 = Comm::ReadU16(pData + 14);
-    const auto Characters = Comm::Behind(pData, nSize, eSize);
+    const auto Characters = Comm::Behind(pData, nSize, SIZE);
     const auto End = std::ranges::find(Characters, std::uint8_t{0});
     DiagText.assign(Characters.begin(), End);
     const std::uint32_t nTerminator = End != Characters.end() ? 1 : 0;
-    *pUsed = eSize + static_cast<std::uint32_t>(DiagText.size()) + nTerminator;
+    *pUsed = SIZE + static_cast<std::uint32_t>(DiagText.size()) + nTerminator;
     return 1;
 }
 

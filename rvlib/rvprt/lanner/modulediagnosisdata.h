@@ -10,7 +10,7 @@ namespace Lanner {
 class CModuleDiagnosisData : public Comm::CMessage {
 public:
     /// Bytes before the text.
-    static constexpr std::uint32_t eSize = 16;
+    static constexpr std::uint32_t SIZE = 16;
 
     explicit CModuleDiagnosisData(const char* pLogID) : CMessage(pLogID) {}
 

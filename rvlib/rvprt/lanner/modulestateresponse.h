@@ -8,7 +8,7 @@ namespace Lanner {
 /// What the module says about itself and its two planes. All flags are 0 or 1.
 class CModuleStateResponse : public Comm::CMessage {
 public:
-    static constexpr std::uint32_t eSize = 7;
+    static constexpr std::uint32_t SIZE = 7;
 
     enum ModuleState : std::uint32_t { eSupervisionMode = 1, eInvalidState = 255 };
 

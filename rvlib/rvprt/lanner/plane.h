@@ -10,9 +10,9 @@ namespace Lanner {
 class CPlane : public Comm::CMessage {
 public:
     /// Type of the block.
-    static constexpr std::uint8_t eType = 2;
-    static constexpr std::uint32_t eSize = 12;
-    static constexpr std::uint8_t eUnknown = 255;
+    static constexpr std::uint8_t TYPE = 2;
+    static constexpr std::uint32_t SIZE = 12;
+    static constexpr std::uint8_t UNKNOWN = 255;
 
     explicit CPlane(const char* pLogID) : CMessage(pLogID) {}
 
@@ -23,9 +23,9 @@ public:
     static const char* RPMInputToString(std::uint8_t Input);
     static std::string SensorAdaptionToString(std::uint8_t Adaption);
 
-    std::uint8_t ID = eUnknown;  ///< 0 or 1, before planes are swapped
+    std::uint8_t ID = UNKNOWN;  ///< 0 or 1, before planes are swapped
     std::uint8_t RPMInput = 0;
-    std::uint8_t SensorAdaption = eUnknown;
+    std::uint8_t SensorAdaption = UNKNOWN;
     std::uint16_t UnbalanceLimit1 = 0;
     std::uint16_t UnbalanceLimit2 = 0;
     std::uint16_t RPMLimit1 = 0;

@@ -34,14 +34,14 @@ int CSet::Decode(const std::uint8_t* pData, std::uint32_t nSize, std::uint32_t* 
 std::uint32_t CSet::DecodeBlock(const std::uint8_t* pData, std::uint32_t nSize) {
     std::uint32_t nUsed = 0;
     switch (pData[0]) {
-        case CSetParams::eType: {
+        case CSetParams::TYPE: {
             CSetParams Params(m_LogID.c_str());
             if (Params.Decode(pData, nSize, &nUsed) != 0) {
                 m_SetParams = Params;
             }
             return nUsed;
         }
-        case CPlane::eType: {
+        case CPlane::TYPE: {
             CPlane Plane(m_LogID.c_str());
             if (Plane.Decode(pData, nSize, &nUsed) == 0) {
                 return 0;

@@ -10,9 +10,9 @@ namespace Lanner {
 class CSetParams : public Comm::CMessage {
 public:
     /// Type of the block.
-    static constexpr std::uint8_t eType = 1;
+    static constexpr std::uint8_t TYPE = 1;
     /// Mode or scaling that the module shouldn't send.
-    static constexpr std::uint8_t eUndefined = 255;
+    static constexpr std::uint8_t UNDEFINED = 255;
 
     enum SetMode : std::uint8_t {
         eNothing = 0,
@@ -20,7 +20,7 @@ public:
         ePlane2 = 2,
         eBothIndependent = 3,
         eTwoPlane = 4,
-        eUndefinedMode = eUndefined
+        eUndefinedMode = UNDEFINED
     };
 
     explicit CSetParams(const char* pLogID) : CMessage(pLogID) {}
@@ -36,7 +36,7 @@ public:
 
     std::uint8_t AnalogOutput = 0;
     std::uint8_t Mode = eUndefinedMode;
-    std::uint8_t AnalogScaling = eUndefined;
+    std::uint8_t AnalogScaling = UNDEFINED;
     std::string SetName;     ///< characters as sent
     std::uint32_t Swap = 0;  ///< whether the module's planes are exchanged
 };

@@ -38,14 +38,14 @@ struct CSubCodeRow {
 
 /// Identification, for both families. The length is one short of what the message then asks for: meant so, a
 /// frame of this length fails only there.
-constexpr CSubCodeRow IdentificationRow{8, 45, 0, "--> ModuleIdentificationResponse(0x11-8)"};
+constexpr CSubCodeRow IDENTIFICATION_ROW{8, 45, 0, "--> ModuleIdentificationResponse(0x11-8)"};
 
 /// What the log says of values that came as answers.
-constexpr const char* pRPMDataResponse = "--> RPMDataResponse received(0x1C)...";
-constexpr const char* pUnbalanceXYResponse = "--> UnbalanceCoordonatesResponse received(0x1E)...";
+constexpr const char* RPM_DATA_RESPONSE = "--> RPMDataResponse received(0x1C)...";
+constexpr const char* UNBALANCE_XY_RESPONSE = "--> UnbalanceCoordonatesResponse received(0x1E)...";
 
 /// The machine of everything else, for both families. FamilyBase: the family's CStateBase. Machine, the
-/// derived class, supplies GetRows(), by state from the first behind idle on, and SmallestResponse. It may
+/// derived class, supplies GetRows(), by state from the first behind idle on, and SMALLEST_RESPONSE. It may
 /// hide PostSubCodeIndication.
 template <class Machine, class FamilyBase>
 class CCommonStatesT : public FamilyBase {
@@ -60,8 +60,8 @@ public:
         }
         m_BaseclassCalled = true;
         m_OldState = this->m_State;
-        this->ChangeState(this->eIdleState);
-        if (nSize >= Machine::SmallestResponse) {
+        this->ChangeState(this->IDLE_STATE);
+        if (nSize >= Machine::SMALLEST_RESPONSE) {
             const Row* pRow = FindRow(m_OldState);
             if (pRow == nullptr) {
                 RV_ASSERT_FAIL(Protocols::g_pLog, "impossible");
@@ -69,7 +69,7 @@ public:
                 RV_ASSERT_AS(Protocols::g_pLog, pData[0] == pRow->m_Command, "pData[0] == Command",
                              "invalid response", false);
                 const int nHandled =
-                    (GetMachine().*pRow->m_pHandler)(Behind(pData, nSize, this->eHeaderSize), false);
+                    (GetMachine().*pRow->m_pHandler)(Behind(pData, nSize, this->HEADER_SIZE), false);
                 if (nHandled != 0) {
                     RV_ASSERT(Protocols::g_pLog, m_BaseclassCalled, "Baseclass not called");
                     m_OldState = this->m_State;
@@ -89,7 +89,7 @@ public:
             return 0;
         }
         const std::uint32_t OldState = this->m_State;
-        this->ChangeState(this->eIdleState);
+        this->ChangeState(this->IDLE_STATE);
         FailureHandler(Comm::eTimeout, OldState);
         return 1;
     }
@@ -103,12 +103,12 @@ public:
         for (const Row& rRow : Machine::GetRows()) {
             if (rRow.m_bIndication && rRow.m_Command == pData[0]) {
                 const int nHandled =
-                    (GetMachine().*rRow.m_pHandler)(Behind(pData, nSize, this->eHeaderSize), true);
+                    (GetMachine().*rRow.m_pHandler)(Behind(pData, nSize, this->HEADER_SIZE), true);
                 RV_ASSERT(Protocols::g_pLog, m_BaseclassCalled, "Baseclass not called");
                 return nHandled;
             }
         }
-        return GetMachine().PostSubCodeIndication(pData[0], Behind(pData, nSize, this->eHeaderSize));
+        return GetMachine().PostSubCodeIndication(pData[0], Behind(pData, nSize, this->HEADER_SIZE));
     }
 
 protected:

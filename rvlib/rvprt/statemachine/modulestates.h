@@ -12,7 +12,7 @@ class CModuleStatesT : public FamilyBase {
 public:
     using Message = Response;
 
-    static constexpr std::uint8_t eCommand = 0x08;
+    static constexpr std::uint8_t COMMAND = 0x08;
 
     enum States : std::uint32_t { eModuleStateIdle = 0, eQueryModuleState = 1 };
 
@@ -29,7 +29,7 @@ public:
             return 1;
         }
         Response Decoded(this->GetLogID());
-        const int nDecoded = DecodeMessage(*this, Decoded, Behind(pData, nSize, this->eHeaderSize));
+        const int nDecoded = DecodeMessage(*this, Decoded, Behind(pData, nSize, this->HEADER_SIZE));
         if (nDecoded != 0) {
             RV_PROTOCOL("--> ModuleStateResponse (0x08)");
             Decoded.Log();
@@ -63,11 +63,11 @@ public:
 
     /// Takes a frame that answers no request. A query under way stays open.
     void PostIndication(const std::uint8_t* pData, std::uint32_t nSize) {
-        if (!this->IsOwnFrame(pData, nSize, 4, eCommand)) {
+        if (!this->IsOwnFrame(pData, nSize, 4, COMMAND)) {
             return;
         }
         Response Decoded(this->GetLogID());
-        if (DecodeMessage(*this, Decoded, Behind(pData, nSize, this->eHeaderSize)) == 0) {
+        if (DecodeMessage(*this, Decoded, Behind(pData, nSize, this->HEADER_SIZE)) == 0) {
             return;
         }
         if (this->m_State != eModuleStateIdle) {

@@ -32,7 +32,7 @@ class CSetStatesT : public FamilyBase {
 public:
     using Message = Set;
 
-    static constexpr std::uint8_t eCommand = 0x10;
+    static constexpr std::uint8_t COMMAND = 0x10;
 
     enum States : std::uint32_t { eSetIdle = 0, eSet = 1 };
 
@@ -57,7 +57,7 @@ public:
             }
         }
         const CSetRules& rRules = Machine::GetRules();
-        if (nSize == rRules.m_FailureSize && pData[0] == eCommand) {
+        if (nSize == rRules.m_FailureSize && pData[0] == COMMAND) {
             RV_WARNING(Protocols::g_pLog, "Set Failure Code: 0x%02X",
                        unsigned{pData[rRules.m_FailureOffset]});
         } else {
@@ -81,7 +81,7 @@ public:
     /// Takes a frame that answers no request. Nonzero if it was a set.
     int PostIndication(const std::uint8_t* pData, std::uint32_t nSize) {
         const CSetRules& rRules = Machine::GetRules();
-        if (!this->IsOwnFrame(pData, nSize, rRules.m_SmallestIndication, eCommand) ||
+        if (!this->IsOwnFrame(pData, nSize, rRules.m_SmallestIndication, COMMAND) ||
             pData[3] != rRules.m_IndicationSubCode) {
             return 0;
         }

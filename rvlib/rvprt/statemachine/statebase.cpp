@@ -9,7 +9,7 @@ namespace Comm {
 namespace {
 
 /// In the place of the transmit address until the protocol fills it in.
-constexpr std::uint8_t ePlaceholder = 0xCD;
+constexpr std::uint8_t PLACEHOLDER = 0xCD;
 
 }  // namespace
 
@@ -18,7 +18,7 @@ int CStateBase::Query(const CRequestRow& rRow) {
     if (!IsCommandPossible()) {
         return 0;
     }
-    std::array<std::uint8_t, 4> Frame{rRow.m_Command, ePlaceholder, GetModuleAddress(),
+    std::array<std::uint8_t, 4> Frame{rRow.m_Command, PLACEHOLDER, GetModuleAddress(),
                                       rRow.m_SubCode.value_or(0)};
     m_TransactionID = SendRequestToProtocol(rRow.m_Type, Frame.data(), rRow.m_SubCode ? 4 : 3, m_Timeout,
                                             m_Retries, nullptr);
@@ -32,7 +32,7 @@ int CStateBase::Query(const CRequestRow& rRow) {
 }
 
 bool CStateBase::IsCommandPossible() const {
-    if (m_State == eIdleState) {
+    if (m_State == IDLE_STATE) {
         return true;
     }
     RV_WARNING(Protocols::g_pLog, "Command only possible, if no other is in progress: %s",

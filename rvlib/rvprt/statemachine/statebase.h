@@ -83,8 +83,8 @@ public:
     std::uint32_t GetState() const { return m_State; }
 
 protected:
-    static constexpr std::uint32_t eIdleState = 0;
-    static constexpr std::uint32_t eHeaderSize = 3;
+    static constexpr std::uint32_t IDLE_STATE = 0;
+    static constexpr std::uint32_t HEADER_SIZE = 3;
 
     explicit CStateBase(const CStateTexts& rTexts) : m_rTexts(rTexts) {}
 
@@ -99,7 +99,7 @@ protected:
                     std::uint8_t Command) const;
 
     const CStateTexts& m_rTexts;
-    std::uint32_t m_State = eIdleState;
+    std::uint32_t m_State = IDLE_STATE;
     std::uint32_t m_TransactionID = 0;
     std::uint32_t m_Timeout = 500;  ///< ms
     std::int32_t m_Retries = 3;     ///< after the first sending

@@ -4,16 +4,16 @@ namespace Kestrel {
 
 namespace {
 
-constexpr const char* StateNames[] = {"eIdle", "eQueryModuleIdentification", "eQueryRPMData",
-                                      "eQueryUnbalanceCoordinates"};
-constexpr Comm::CStateTexts Texts{StateNames, "invalid state", "New CommonState: %s (OldState: %s)"};
+constexpr const char* STATE_NAMES[] = {"eIdle", "eQueryModuleIdentification", "eQueryRPMData",
+                                       "eQueryUnbalanceCoordinates"};
+constexpr Comm::CStateTexts TEXTS{STATE_NAMES, "invalid state", "New CommonState: %s (OldState: %s)"};
 
 }  // namespace
 
-CCommonStates::CCommonStates() : CCommonStatesT(Texts) {}
+CCommonStates::CCommonStates() : CCommonStatesT(TEXTS) {}
 
 std::span<const CCommonStates::Row> CCommonStates::GetRows() {
-    static constexpr Row Rows[] = {
+    static constexpr Row ROWS[] = {
         {0x11, false, &CCommonStates::ModuleIdentificationResponse,
          "calling OnQueryModuleIdentification(%s, NULL)",
          &Comm::Fail<CCommonStates, &CCommonStates::OnQueryModuleIdentification>},
@@ -23,11 +23,11 @@ std::span<const CCommonStates::Row> CCommonStates::GetRows() {
          "calling OnUnbalanceXYValues(%s, NULL, NULL, NULL)",
          &Comm::Fail<CCommonStates, &CCommonStates::OnUnbalanceXYValues>},
     };
-    return Rows;
+    return ROWS;
 }
 
 int CCommonStates::ModuleIdentificationResponse(std::span<const std::uint8_t> Payload, bool /*bIndication*/) {
-    return SubCodeResponse(Comm::IdentificationRow, Payload, &CCommonStates::OnQueryModuleIdentification);
+    return SubCodeResponse(Comm::IDENTIFICATION_ROW, Payload, &CCommonStates::OnQueryModuleIdentification);
 }
 
 int CCommonStates::RPMDataReceiveHandler(std::span<const std::uint8_t> Payload, bool bIndication) {
@@ -36,7 +36,7 @@ int CCommonStates::RPMDataReceiveHandler(std::span<const std::uint8_t> Payload, 
     }
     const std::uint32_t RPM = Comm::ReadU16(Payload.data());
     if (!bIndication) {
-        RV_PROTOCOL("%s", Comm::pRPMDataResponse);
+        RV_PROTOCOL("%s", Comm::RPM_DATA_RESPONSE);
     }
     OnRPMData(bIndication ? eIndication : eSuccess, &RPM);
     return 1;
@@ -50,7 +50,7 @@ int CCommonStates::UnbalanceCoordinatesReceiveHandler(std::span<const std::uint8
     const std::uint32_t X = Comm::ReadU16(Payload.data());
     const std::uint32_t Y = Comm::ReadU16(Payload.data() + 2);
     if (!bIndication) {
-        RV_PROTOCOL("%s", Comm::pUnbalanceXYResponse);
+        RV_PROTOCOL("%s", Comm::UNBALANCE_XY_RESPONSE);
     }
     OnUnbalanceXYValues(bIndication ? eIndication : eSuccess, &X, &Y);
     return 1;

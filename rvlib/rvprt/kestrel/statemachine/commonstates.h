@@ -40,7 +40,7 @@ private:
     friend Comm::CCommonStatesT<CCommonStates, CStateBase>;
 
     /// Smallest answer frame that is looked into.
-    static constexpr std::uint32_t SmallestResponse = 5;
+    static constexpr std::uint32_t SMALLEST_RESPONSE = 5;
 
     static std::span<const Row> GetRows();
 

@@ -4,11 +4,11 @@ namespace Kestrel {
 
 namespace {
 
-constexpr const char* StateNames[] = {"eModuleStateIdle", "eQueryModuleState"};
-constexpr Comm::CStateTexts Texts{StateNames, "invalid module state!!", "NewState: %s (OldState: %s)"};
+constexpr const char* STATE_NAMES[] = {"eModuleStateIdle", "eQueryModuleState"};
+constexpr Comm::CStateTexts TEXTS{STATE_NAMES, "invalid module state!!", "NewState: %s (OldState: %s)"};
 
 }  // namespace
 
-CModuleStates::CModuleStates() : CModuleStatesT(Texts) {}
+CModuleStates::CModuleStates() : CModuleStatesT(TEXTS) {}
 
 }  // namespace Kestrel

@@ -4,15 +4,15 @@ namespace Kestrel {
 
 namespace {
 
-constexpr const char* StateNames[] = {"eSetIdle", "eSet"};
-constexpr Comm::CStateTexts Texts{StateNames, "invalid state!", "NewState: %s (OldState: %s)"};
+constexpr const char* STATE_NAMES[] = {"eSetIdle", "eSet"};
+constexpr Comm::CStateTexts TEXTS{STATE_NAMES, "invalid state!", "NewState: %s (OldState: %s)"};
 
 }  // namespace
 
-CSetStates::CSetStates() : CSetStatesT(Texts) {}
+CSetStates::CSetStates() : CSetStatesT(TEXTS) {}
 
 const Comm::CSetRules& CSetStates::GetRules() {
-    static constexpr Comm::CSetRules Rules{
+    static constexpr Comm::CSetRules RULES{
         .m_Query = {0x10, std::uint8_t{0}, CProtocol::eSubCode, eSet, "QueryActiveSet() called",
                     "<-- Sending QuerySet (0x10)"},
         .m_SmallestIndication = 5,
@@ -20,15 +20,15 @@ const Comm::CSetRules& CSetStates::GetRules() {
         .m_FailureSize = 4,
         .m_FailureOffset = 3,
     };
-    return Rules;
+    return RULES;
 }
 
 std::span<const CSetStates::Row> CSetStates::GetRows() {
-    static constexpr Row Rows[] = {
+    static constexpr Row ROWS[] = {
         {"--> SetFailure (Set: %d, Reason: %d (0x10))", "--> SetResponse (0x10)",
          "calling OnSetRequest(Reason=%s, pSet=NULL)", &CSetStates::OnSetRequest, true},
     };
-    return Rows;
+    return ROWS;
 }
 
 }  // namespace Kestrel

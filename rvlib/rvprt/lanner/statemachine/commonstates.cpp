@@ -4,50 +4,51 @@ namespace Lanner {
 
 namespace {
 
-constexpr const char* StateNames[] = {"eIdle",
-                                      "eQueryBalConfiguration",
-                                      "eSetBalConfiguration",
-                                      "eQueryMinBalConfiguration",
-                                      "eQueryDefaultBalConfiguration",
-                                      "eQueryMaxBalConfiguration",
-                                      "eQueryModuleConfiguration",
-                                      "eSetModuleConfiguration",
-                                      "eQueryMinModuleConfiguration",
-                                      "eQueryDefaultModuleConfiguration",
-                                      "eQueryMaxModuleConfiguration",
-                                      "eQueryModuleIdentification",
-                                      "eQueryModuleDiagnosisData",
-                                      "eSetModuleDiagnosisData",
-                                      "eQueryRPMData",
-                                      "eQueryUnbalanceAmplitude",
-                                      "eQueryUnbalanceCoordinates",
-                                      "eQueryDiagnosis"};
-constexpr Comm::CStateTexts Texts{StateNames, "invalid state", "New CommonState: %s (OldState: %s)"};
+constexpr const char* STATE_NAMES[] = {"eIdle",
+                                       "eQueryBalConfiguration",
+                                       "eSetBalConfiguration",
+                                       "eQueryMinBalConfiguration",
+                                       "eQueryDefaultBalConfiguration",
+                                       "eQueryMaxBalConfiguration",
+                                       "eQueryModuleConfiguration",
+                                       "eSetModuleConfiguration",
+                                       "eQueryMinModuleConfiguration",
+                                       "eQueryDefaultModuleConfiguration",
+                                       "eQueryMaxModuleConfiguration",
+                                       "eQueryModuleIdentification",
+                                       "eQueryModuleDiagnosisData",
+                                       "eSetModuleDiagnosisData",
+                                       "eQueryRPMData",
+                                       "eQueryUnbalanceAmplitude",
+                                       "eQueryUnbalanceCoordinates",
+                                       "eQueryDiagnosis"};
+constexpr Comm::CStateTexts TEXTS{STATE_NAMES, "invalid state", "New CommonState: %s (OldState: %s)"};
 
-constexpr std::uint8_t eConfigurationCommand = 0x11;
-constexpr std::uint8_t eBalConfiguration = 0;
-constexpr std::uint8_t eModuleConfiguration = 4;
-constexpr std::uint8_t eModuleDiagnosisData = 9;
+constexpr std::uint8_t CONFIGURATION_COMMAND = 0x11;
+constexpr std::uint8_t BAL_CONFIGURATION = 0;
+constexpr std::uint8_t MODULE_CONFIGURATION = 4;
+constexpr std::uint8_t MODULE_DIAGNOSIS_DATA = 9;
 
 /// A body and its sub-code.
-constexpr std::uint32_t eBalSize = CBalConfiguration::eSize + 1;
-constexpr std::uint32_t eModuleSize = CModuleConfiguration::eSize + 1;
-constexpr std::uint32_t eDiagnosisSize = CModuleDiagnosisData::eSize + 1;
+constexpr std::uint32_t BAL_SIZE = CBalConfiguration::SIZE + 1;
+constexpr std::uint32_t MODULE_SIZE = CModuleConfiguration::SIZE + 1;
+constexpr std::uint32_t DIAGNOSIS_SIZE = CModuleDiagnosisData::SIZE + 1;
 
-constexpr Comm::CSubCodeRow BalRow{eBalConfiguration, eBalSize, 1, "--> BalConfigurationResponse(0x11-0)"};
-constexpr Comm::CSubCodeRow MinBalRow{1, eBalSize, 1, "--> QueryMinBalConfigurationResponse(0x11-1)"};
-constexpr Comm::CSubCodeRow DefaultBalRow{2, eBalSize, 1, "--> QueryDefaultBalConfigurationResponse(0x11-2)"};
-constexpr Comm::CSubCodeRow MaxBalRow{3, eBalSize, 1, "--> QueryMaxBalConfigurationResponse(0x11-3)"};
-constexpr Comm::CSubCodeRow ModuleRow{eModuleConfiguration, eModuleSize, 1,
-                                      "--> QueryModuleConfigurationResponse(0x11-4)"};
-constexpr Comm::CSubCodeRow MinModuleRow{5, eModuleSize, 1,
-                                         "--> QueryMinModuleConfigurationResponse(0x11-5)"};
-constexpr Comm::CSubCodeRow DefaultModuleRow{6, eModuleSize, 1,
-                                             "--> QueryDefaultModuleConfigurationResponse(0x11-6)"};
-constexpr Comm::CSubCodeRow MaxModuleRow{7, eModuleSize, 1,
-                                         "--> QueryMaxModuleConfigurationResponse(0x11-7)"};
-constexpr Comm::CSubCodeRow DiagnosisRow{eModuleDiagnosisData, eDiagnosisSize, 1,
-                                         "--> ModuleDiagnosisDataResponse(0x11-9)"};
+constexpr Comm::CSubCodeRow BAL_ROW{BAL_CONFIGURATION, BAL_SIZE, 1, "--> BalConfigurationResponse(0x11-0)"};
+constexpr Comm::CSubCodeRow MIN_BAL_ROW{1, BAL_SIZE, 1, "--> QueryMinBalConfigurationResponse(0x11-1)"};
+constexpr Comm::CSubCodeRow DEFAULT_BAL_ROW{2, BAL_SIZE, 1,
+                                            "--> QueryDefaultBalConfigurationResponse(0x11-2)"};
+constexpr Comm::CSubCodeRow MAX_BAL_ROW{3, BAL_SIZE, 1, "--> QueryMaxBalConfigurationResponse(0x11-3)"};
+constexpr Comm::CSubCodeRow MODULE_ROW{MODULE_CONFIGURATION, MODULE_SIZE, 1,
+                                       "--> QueryModuleConfigurationResponse(0x11-4)"};
+constexpr Comm::CSubCodeRow MIN_MODULE_ROW{5, MODULE_SIZE, 1,
+                                           "--> QueryMinModuleConfigurationResponse(0x11-5)"};
+constexpr Comm::CSubCodeRow DEFAULT_MODULE_ROW{6, MODULE_SIZE, 1,
+                                               "--> QueryDefaultModuleConfigurationResponse(0x11-6)"};
+constexpr Comm::CSubCodeRow MAX_MODULE_ROW{7, MODULE_SIZE, 1,
+                                           "--> QueryMaxModuleConfigurationResponse(0x11-7)"};
+constexpr Comm::CSubCodeRow DIAGNOSIS_ROW{MODULE_DIAGNOSIS_DATA, DIAGNOSIS_SIZE, 1,
+                                          "--> ModuleDiagnosisDataResponse(0x11-9)"};
 
 /// The plane that a value's first byte names; nothing if it names none or fewer than nSmallest bytes are
 /// there.
@@ -64,11 +65,11 @@ std::optional<std::uint32_t> ReadPlane(std::span<const std::uint8_t> Data, std::
 
 }  // namespace
 
-CCommonStates::CCommonStates() : CCommonStatesT(Texts) {}
+CCommonStates::CCommonStates() : CCommonStatesT(TEXTS) {}
 
 std::span<const CCommonStates::Row> CCommonStates::GetRows() {
     using M = CCommonStates;
-    static constexpr Row Rows[] = {
+    static constexpr Row ROWS[] = {
         {0x11, false, &M::BalConfigurationResponse, "calling OnBalConfiguration(%s, NULL)",
          &Comm::Fail<M, &M::OnBalConfiguration>},
         {0x11, false, &M::BalConfigurationResponse, "calling OnBalConfiguration(%s, NULL)",
@@ -108,7 +109,7 @@ std::span<const CCommonStates::Row> CCommonStates::GetRows() {
         {0x1F, true, &M::DiagnosisReceiveHandler, "calling OnDiagnosis(%s, NULL)",
          &Comm::Fail<M, &M::OnDiagnosis>},
     };
-    return Rows;
+    return ROWS;
 }
 
 // The callbacks do nothing but note that they came; whoever wants a value overrides them.
@@ -170,38 +171,38 @@ void CCommonStates::FricklSwapDataSource(std::uint32_t* pPlane) const {
 }
 
 int CCommonStates::BalConfigurationResponse(Payload Data, bool /*bIndication*/) {
-    return SubCodeResponse(BalRow, Data, &CCommonStates::OnBalConfiguration);
+    return SubCodeResponse(BAL_ROW, Data, &CCommonStates::OnBalConfiguration);
 }
 int CCommonStates::QueryMinBalConfigurationResponse(Payload Data, bool /*bIndication*/) {
-    return SubCodeResponse(MinBalRow, Data, &CCommonStates::OnQueryMinBalConfiguration);
+    return SubCodeResponse(MIN_BAL_ROW, Data, &CCommonStates::OnQueryMinBalConfiguration);
 }
 int CCommonStates::QueryDefaultBalConfigurationResponse(Payload Data, bool /*bIndication*/) {
-    return SubCodeResponse(DefaultBalRow, Data, &CCommonStates::OnQueryDefaultBalConfiguration);
+    return SubCodeResponse(DEFAULT_BAL_ROW, Data, &CCommonStates::OnQueryDefaultBalConfiguration);
 }
 int CCommonStates::QueryMaxBalConfigurationResponse(Payload Data, bool /*bIndication*/) {
-    return SubCodeResponse(MaxBalRow, Data, &CCommonStates::OnMaxQueryBalConfiguration);
+    return SubCodeResponse(MAX_BAL_ROW, Data, &CCommonStates::OnMaxQueryBalConfiguration);
 }
 int CCommonStates::ModuleConfigurationResponse(Payload Data, bool /*bIndication*/) {
-    return SubCodeResponse(ModuleRow, Data, &CCommonStates::OnModuleConfiguration);
+    return SubCodeResponse(MODULE_ROW, Data, &CCommonStates::OnModuleConfiguration);
 }
 int CCommonStates::QueryMinModuleConfigurationResponse(Payload Data, bool /*bIndication*/) {
-    return SubCodeResponse(MinModuleRow, Data, &CCommonStates::OnQueryMinModuleConfiguration);
+    return SubCodeResponse(MIN_MODULE_ROW, Data, &CCommonStates::OnQueryMinModuleConfiguration);
 }
 int CCommonStates::QueryDefaultModuleConfigurationResponse(Payload Data, bool /*bIndication*/) {
-    return SubCodeResponse(DefaultModuleRow, Data, &CCommonStates::OnQueryDefaultModuleConfiguration);
+    return SubCodeResponse(DEFAULT_MODULE_ROW, Data, &CCommonStates::OnQueryDefaultModuleConfiguration);
 }
 int CCommonStates::QueryMaxModuleConfigurationResponse(Payload Data, bool /*bIndication*/) {
-    return SubCodeResponse(MaxModuleRow, Data, &CCommonStates::OnQueryMaxModuleConfiguration);
+    return SubCodeResponse(MAX_MODULE_ROW, Data, &CCommonStates::OnQueryMaxModuleConfiguration);
 }
 int CCommonStates::ModuleIdentificationResponse(Payload Data, bool /*bIndication*/) {
-    return SubCodeResponse(Comm::IdentificationRow, Data, &CCommonStates::OnQueryModuleIdentification);
+    return SubCodeResponse(Comm::IDENTIFICATION_ROW, Data, &CCommonStates::OnQueryModuleIdentification);
 }
 int CCommonStates::ModuleDiagnosisDataResponse(Payload Data, bool /*bIndication*/) {
-    return SubCodeResponse(DiagnosisRow, Data, &CCommonStates::OnModuleDiagnosisData);
+    return SubCodeResponse(DIAGNOSIS_ROW, Data, &CCommonStates::OnModuleDiagnosisData);
 }
 
 int CCommonStates::RPMDataReceiveHandler(Payload Data, bool bIndication) {
-    return PlaneValueReceiveHandler(Data, bIndication, Comm::pRPMDataResponse, &CCommonStates::OnRPMData);
+    return PlaneValueReceiveHandler(Data, bIndication, Comm::RPM_DATA_RESPONSE, &CCommonStates::OnRPMData);
 }
 
 int CCommonStates::UnbalanceAmplitudeReceiveHandler(Payload Data, bool bIndication) {
@@ -232,7 +233,7 @@ int CCommonStates::UnbalanceCoordinatesReceiveHandler(Payload Data, bool bIndica
     const std::uint32_t X = Comm::ReadU16(&Data[1]);
     const std::uint32_t Y = Comm::ReadU16(&Data[3]);
     if (!bIndication) {
-        RV_PROTOCOL("%s", Comm::pUnbalanceXYResponse);
+        RV_PROTOCOL("%s", Comm::UNBALANCE_XY_RESPONSE);
     }
     FricklSwapDataSource(&*Plane);
     OnUnbalanceXYValues(bIndication ? eIndication : eSuccess, &*Plane, &X, &Y);
@@ -251,21 +252,21 @@ int CCommonStates::DiagnosisReceiveHandler(Payload Data, bool bIndication) {
 }
 
 int CCommonStates::PostSubCodeIndication(std::uint8_t Command, Payload Data) {
-    if (Command != eConfigurationCommand) {
+    if (Command != CONFIGURATION_COMMAND) {
         return 0;
     }
     const Payload Body = Data.subspan(1);
     switch (Data[0]) {
-        case eBalConfiguration:
+        case BAL_CONFIGURATION:
             return PostMessageIndication(
                 Body, "--> BalConfiguration indication received",
                 "calling OnBalConfiguration(CStateBase::eIndication, &BalConfiguration)",
                 &CCommonStates::OnBalConfiguration);
-        case eModuleConfiguration:
+        case MODULE_CONFIGURATION:
             return PostMessageIndication(Body, "--> ModuleConfiguration indication received",
                                          "calling OnModuleConfiguration(eIndication, pModuleConfiguration)",
                                          &CCommonStates::OnModuleConfiguration);
-        case eModuleDiagnosisData:
+        case MODULE_DIAGNOSIS_DATA:
             return PostMessageIndication(Body, "--> ModuleDiagnosisData indication received",
                                          "calling OnModuleDiagnosisData(eIndication, pModuleDiagnosisData)",
                                          &CCommonStates::OnModuleDiagnosisData);

@@ -82,7 +82,7 @@ private:
 
     /// Smallest answer frame that is looked into: one byte more than in the other family, since values name
     /// their plane.
-    static constexpr std::uint32_t SmallestResponse = 6;
+    static constexpr std::uint32_t SMALLEST_RESPONSE = 6;
 
     static std::span<const Row> GetRows();
 
