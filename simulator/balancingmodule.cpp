@@ -11,11 +11,11 @@
 
 namespace {
 
-constexpr std::size_t eHeaderSize = 3;
-constexpr std::size_t eSource = 1;
-constexpr std::size_t eDestination = 2;
-constexpr std::size_t eSubCode = 3;
-constexpr std::size_t eIdentificationSize = 49;
+constexpr std::size_t HEADER_SIZE = 3;
+constexpr std::size_t SOURCE = 1;
+constexpr std::size_t DESTINATION = 2;
+constexpr std::size_t SUB_CODE = 3;
+constexpr std::size_t IDENTIFICATION_SIZE = 49;
 
 }  // namespace
 
@@ -30,11 +30,11 @@ CBalancingModule::CBalancingModule(const CWiring& rWiring, std::uint8_t Address,
 }
 
 void CBalancingModule::ReportStanding() {
-    m_Timer.StartPeriodic(std::max(eStandingPeriodMs, m_Wiring.m_ReportPeriodMs), [this] { IndicateRpm(); });
+    m_Timer.StartPeriodic(std::max(STANDING_PERIOD_MS, m_Wiring.m_ReportPeriodMs), [this] { IndicateRpm(); });
 }
 
 bool CBalancingModule::IsFor(std::span<const std::uint8_t> Frame) const {
-    return Frame.size() >= eHeaderSize && Frame[eDestination] == m_Address;
+    return Frame.size() >= HEADER_SIZE && Frame[DESTINATION] == m_Address;
 }
 
 void CBalancingModule::PutFrame(std::span<const std::uint8_t> Frame) {
@@ -45,17 +45,17 @@ void CBalancingModule::PutFrame(std::span<const std::uint8_t> Frame) {
 
 void CBalancingModule::AnswerRequest(std::span<const std::uint8_t> Request) {
     // A query is its header, and for two of them a sub-code; what is longer is no query.
-    const bool bPlain = Request.size() == eHeaderSize;
-    const bool bWithSubCode = Request.size() == eHeaderSize + 1;
-    const std::uint8_t Requester = Request[eSource];
+    const bool bPlain = Request.size() == HEADER_SIZE;
+    const bool bWithSubCode = Request.size() == HEADER_SIZE + 1;
+    const std::uint8_t Requester = Request[SOURCE];
     switch (Request[0]) {
         case eModuleState:
             return bPlain ? Answer({MakeState(Requester)}) : void();
         case eActiveSet:
-            return bWithSubCode && Request[eSubCode] == GetSetSubCode() ? Answer({MakeSet(Requester)})
+            return bWithSubCode && Request[SUB_CODE] == GetSetSubCode() ? Answer({MakeSet(Requester)})
                                                                         : void();
         case eModuleData:
-            return bWithSubCode && Request[eSubCode] == eSubCodeIdentification
+            return bWithSubCode && Request[SUB_CODE] == SUB_CODE_IDENTIFICATION
                        ? Answer({MakeIdentification(Requester)})
                        : void();
         case eRpmData:
@@ -74,14 +74,14 @@ CBalancingModule::Bytes CBalancingModule::MakeHeader(std::uint8_t Kind, std::uin
 CBalancingModule::Bytes CBalancingModule::MakeIdentification(std::uint8_t Destination) const {
     const CNameplate& rPlate = GetNameplate();
     Bytes Frame = MakeHeader(eModuleData, Destination);
-    Frame.push_back(eSubCodeIdentification);
+    Frame.push_back(SUB_CODE_IDENTIFICATION);
     FrameBytes::PutBytes(Frame, {rPlate.m_Type, rPlate.m_YearOfProduction, rPlate.m_CalendarWeek,
                                  rPlate.m_SoftwareVersion, rPlate.m_TNumber});
     Frame.insert(Frame.end(), rPlate.m_ArticleNumber.begin(), rPlate.m_ArticleNumber.end());
     // The serial number follows the address, so that the modules of a pair differ.
     FrameBytes::PutLong(Frame, rPlate.m_SerialNumber + GetAddress());
     FrameBytes::PutLong(Frame, rPlate.m_WorkingHours);
-    Frame.resize(eIdentificationSize, 0);
+    Frame.resize(IDENTIFICATION_SIZE, 0);
     return Frame;
 }
 
@@ -90,7 +90,7 @@ void CBalancingModule::SpindleChanged() {
     if (rSpindle.IsInLock() != m_bReportedInLock || rSpindle.IsInvalid() != m_bReportedInvalid) {
         m_bReportedInLock = rSpindle.IsInLock();
         m_bReportedInvalid = rSpindle.IsInvalid();
-        Indicate(MakeState(eAnyAddress));
+        Indicate(MakeState(ANY_ADDRESS));
     }
     if (rSpindle.IsTurning() == m_bTurning) {
         return;
@@ -106,25 +106,25 @@ void CBalancingModule::SpindleChanged() {
 }
 
 void CBalancingModule::TurningTick() {
-    const std::uint32_t nEvery = std::max(1U, eRpmPeriodMs / m_Wiring.m_ReportPeriodMs);
+    const std::uint32_t nEvery = std::max(1U, RPM_PERIOD_MS / m_Wiring.m_ReportPeriodMs);
     if (++m_nTick % nEvery == 0) {
         IndicateRpm();
     }
-    Indicate(MakeXY(eAnyAddress));
+    Indicate(MakeXY(ANY_ADDRESS));
     OnTurningTick(m_nTick);
 }
 
 void CBalancingModule::ChangeSet(const CModuleSet& rSet) {
     if (rSet != m_Set) {
         m_Set = rSet;
-        Indicate(MakeSet(eAnyAddress));
+        Indicate(MakeSet(ANY_ADDRESS));
     }
 }
 
 void CBalancingModule::ChangeState(const CState& rState) {
     if (rState != m_State) {
         m_State = rState;
-        Indicate(MakeState(eAnyAddress));
+        Indicate(MakeState(ANY_ADDRESS));
     }
 }
 

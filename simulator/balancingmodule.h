@@ -23,9 +23,9 @@ class CTransmitter;
 /// spindle still turns. State and set are reported whenever they change.
 class CBalancingModule {
 public:
-    static constexpr std::uint32_t eRpmPeriodMs = 100;  ///< or that of X/Y, if it is longer
-    static constexpr std::uint32_t eStandingPeriodMs = 1000;
-    static constexpr std::size_t eMaxPlanes = 2;
+    static constexpr std::uint32_t RPM_PERIOD_MS = 100;  ///< or that of X/Y, if it is longer
+    static constexpr std::uint32_t STANDING_PERIOD_MS = 1000;
+    static constexpr std::size_t MAX_PLANES = 2;
 
     /// What a module is wired to. All must outlive it.
     struct CWiring {
@@ -41,7 +41,7 @@ public:
     struct CModuleSet {
         std::uint8_t m_Number = 1;
         std::uint8_t m_RPMFactor = 1;
-        std::array<std::uint8_t, eMaxPlanes> m_SensorAdaption{1, 1};  ///< per sensor of the module
+        std::array<std::uint8_t, MAX_PLANES> m_SensorAdaption{1, 1};  ///< per sensor of the module
         std::string m_Name;
         Mode m_Mode = eBothIndependent;
         /// The module's first sensor sits at the machine's plane 2, and its second at plane 1. Such a module
@@ -54,8 +54,8 @@ public:
         std::uint8_t m_Parameter = 0;
         bool m_bUILocked = false;
         /// Of a Lanner module, bits per plane of the machine, beyond what follows from the spindle.
-        std::array<std::uint8_t, eMaxPlanes> m_Flags{};
-        std::array<std::uint8_t, eMaxPlanes> m_Failures{};
+        std::array<std::uint8_t, MAX_PLANES> m_Flags{};
+        std::array<std::uint8_t, MAX_PLANES> m_Failures{};
         bool operator==(const CState&) const = default;
     };
 
@@ -79,6 +79,9 @@ public:
     std::uint8_t GetAddress() const { return m_Address; }
     CTransmitter& GetTransmitter() { return m_Wiring.m_rTransmitter; }
 
+    /// Another standard deviation of the readings, in counts; 0 brings back the sensors' own.
+    virtual void DisturbReadings(double Deviation) = 0;
+
     /// Reports that nobody asks for and nothing needs, by their names on the control link.
     virtual std::span<const std::string_view> GetReports() const { return {}; }
     /// Sends one of them, by its index.
@@ -97,9 +100,9 @@ protected:
         eRpmData = 0x1C,
         eXYData = 0x1E,
     };
-    static constexpr std::uint8_t eSubCodeIdentification = 8;
+    static constexpr std::uint8_t SUB_CODE_IDENTIFICATION = 8;
     /// Indications are for whoever listens.
-    static constexpr std::uint8_t eAnyAddress = 0;
+    static constexpr std::uint8_t ANY_ADDRESS = 0;
 
     /// What the nameplate tells. Article numbers read as six hexadecimal digits.
     struct CNameplate {
@@ -135,7 +138,7 @@ private:
     Bytes MakeIdentification(std::uint8_t Destination) const;
     void Answer(const Frames& rFrames);
     void Indicate(const Frames& rFrames);
-    void IndicateRpm() { Indicate(MakeRpm(eAnyAddress)); }
+    void IndicateRpm() { Indicate(MakeRpm(ANY_ADDRESS)); }
     void TurningTick();
     void ReportStanding();
 

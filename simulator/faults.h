@@ -4,6 +4,8 @@
 #include <functional>
 #include <nlohmann/json_fwd.hpp>
 
+class CJsonFields;
+
 /// Faults of the line on demand. They strike the frames that the modules send, in the order of sending; they
 /// are counted, not drawn by lot, so that a failure repeats exactly.
 ///
@@ -15,7 +17,11 @@
 ///   {"kind": "delay_ms", "value": 600}    frames leave 600 ms late from now on, 0 ends it; with "next" or
 ///   "at": only so many
 ///   {"kind": "silence_ms", "value": 2500} nothing is sent for so long from now, frames of that time are lost
+///   {"kind": "cut_ms", "value": 5000}     the line itself is cut for so long from now, 0 mends it: a TCP
+///   connection closes and is refused, a pseudo terminal hangs up and its link goes
 ///   {"kind": "unlock_ms", "value": 300}   no fault of the line: the modules lose their lock for so long
+///   {"kind": "noise_counts", "value": 20} nor this: standard deviation of each of X and Y from now on, in
+///   place of the rotor file's, 0 ends it; with "module" of that module alone
 ///
 /// "next" is 1 where it is missing, but endless for delay_ms. "at": 17 lets the fault begin with the frame of
 /// that number, in place of the next one; frames count from 1 since the simulator began, those lost included.
@@ -42,6 +48,10 @@ public:
 
     /// Loses the lock for so many ms.
     std::function<void(std::uint32_t)> OnUnlock;
+    /// Cuts the line for so many ms.
+    std::function<void(std::uint32_t)> OnCut;
+    /// Disturbs the readings of the modules, from 0, that are so marked.
+    std::function<void(double Counts, const std::array<bool, 2>& rModules)> OnNoise;
 
     /// Frames that modules have sent or would have without a fault, and those that came for them.
     std::uint64_t GetSent() const { return m_nSent; }
@@ -56,7 +66,10 @@ private:
         eCut = 4,
         eDouble = 5,
         eNumberOfKinds = 6,
-        eUnlock = 6  ///< strikes no frame
+        // These strike no frame.
+        eUnlock = 6,
+        eCutLine = 7,
+        eNoise = 8
     };
     struct CFault {
         std::uint64_t m_First = 0;                          ///< number of the first frame that it may strike
@@ -66,6 +79,8 @@ private:
         std::array<bool, 3> m_bStrikes{true, true, false};  ///< by Frame
         std::array<bool, 2> m_bModules{true, true};
     };
+    /// Those that strike no frame.
+    void SetWithoutFrames(Kinds Kind, const CJsonFields& rFields, const std::array<bool, 2>& rModules) const;
     /// Whether the fault strikes this frame; counts it if so.
     static bool Strike(CFault& rFault, Frame Kind, std::size_t nModule, std::uint64_t nNumber);
 

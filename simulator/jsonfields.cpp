@@ -21,23 +21,23 @@ std::string Shorten(std::string Text, std::size_t nMax) {
 /// A value as it is quoted in a message: short, and valid text whatever it holds. Lists and objects aren't
 /// written out: writing recurses, and they may be nested as deeply as a peer likes.
 std::string Quote(const json& rValue) {
-    constexpr std::size_t eMaxQuoted = 60;
+    constexpr std::size_t MAX_QUOTED = 60;
     if (rValue.is_array()) {
         return "an array of " + std::to_string(rValue.size());
     }
     if (rValue.is_object()) {
         return "an object";
     }
-    return Shorten(rValue.dump(-1, ' ', true, json::error_handler_t::replace), eMaxQuoted);
+    return Shorten(rValue.dump(-1, ' ', true, json::error_handler_t::replace), MAX_QUOTED);
 }
 
 /// Why a text is no JSON, without the library's own numbering, and without all that it quotes.
 std::string GetReason(const json::exception& rException) {
-    constexpr std::size_t eMaxReason = 200;
+    constexpr std::size_t MAX_REASON = 200;
     const std::string_view What = rException.what();
     const std::size_t nBegin = What.find("] ");
     return Shorten(std::string(nBegin == std::string_view::npos ? What : What.substr(nBegin + 2)),
-                   eMaxReason);
+                   MAX_REASON);
 }
 
 std::string ToText(double Value) {
@@ -78,9 +78,9 @@ json ParseJson(std::string_view Text, bool bComments) {
         }
         return true;
     };
-    constexpr bool bAllowExceptions = true;
+    constexpr bool ALLOW_EXCEPTIONS = true;
     try {
-        return json::parse(Text, Check, bAllowExceptions, bComments);
+        return json::parse(Text, Check, ALLOW_EXCEPTIONS, bComments);
     } catch (const json::exception& rException) {
         throw CJsonError("not valid JSON: " + GetReason(rException));
     }
@@ -184,9 +184,9 @@ double CJsonFields::ToNumber(const json& rValue, const std::string& rPath, doubl
 
 std::int64_t CJsonFields::ToInteger(const json& rValue, const std::string& rPath, std::int64_t Min,
                                     std::int64_t Max) {
-    constexpr auto eLargest = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
+    constexpr auto LARGEST = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
     const bool bWhole = rValue.is_number_integer() &&
-                        (!rValue.is_number_unsigned() || rValue.get<std::uint64_t>() <= eLargest);
+                        (!rValue.is_number_unsigned() || rValue.get<std::uint64_t>() <= LARGEST);
     if (!bWhole || rValue.get<std::int64_t>() < Min || rValue.get<std::int64_t>() > Max) {
         Refuse(rPath, "a whole number from " + std::to_string(Min) + " to " + std::to_string(Max), rValue);
     }

@@ -9,21 +9,21 @@ using FrameBytes::PutWord;
 namespace {
 
 // Flags of the module state frame.
-constexpr std::uint8_t eUILocked = 1U << 7;
-constexpr std::uint8_t eOutOfLock = 1U << 5;
-constexpr std::uint8_t eInvalidRpm = 1U << 3;
+constexpr std::uint8_t UI_LOCKED = 1U << 7;
+constexpr std::uint8_t OUT_OF_LOCK = 1U << 5;
+constexpr std::uint8_t INVALID_RPM = 1U << 3;
 
 }  // namespace
 
 CKestrelModule::CKestrelModule(const CWiring& rWiring, std::uint8_t Address, std::size_t nSensor,
                                const CNoise& rNoise)
-    : CBalancingModule(rWiring, Address, CState{.m_State = ePrebalancingStart}, CModuleSet{}),
+    : CBalancingModule(rWiring, Address, CState{.m_State = PREBALANCING_START}, CModuleSet{}),
       m_nSensor(nSensor),
       m_Noise(rNoise) {}
 
 const CBalancingModule::CNameplate& CKestrelModule::GetNameplate() const {
     // Serial numbers stay below 65536: of a pair's serials each takes 16 bits of the machine's.
-    static constexpr CNameplate Plate{.m_Type = 1,
+    static constexpr CNameplate PLATE{.m_Type = 1,
                                       .m_YearOfProduction = 24,
                                       .m_CalendarWeek = 17,
                                       .m_SoftwareVersion = 33,
@@ -31,7 +31,7 @@ const CBalancingModule::CNameplate& CKestrelModule::GetNameplate() const {
                                       .m_ArticleNumber = {0x48, 0x61, 0x07},
                                       .m_SerialNumber = 14200,
                                       .m_WorkingHours = 1260};
-    return Plate;
+    return PLATE;
 }
 
 CBalancingModule::Bytes CKestrelModule::MakeState(std::uint8_t Destination) const {
@@ -39,10 +39,10 @@ CBalancingModule::Bytes CKestrelModule::MakeState(std::uint8_t Destination) cons
     Bytes Frame = MakeHeader(eModuleState, Destination);
     Frame.push_back(GetState().m_State);
     Frame.push_back(GetState().m_Parameter);
-    Frame.push_back(GetState().m_bUILocked ? eUILocked : 0);
+    Frame.push_back(GetState().m_bUILocked ? UI_LOCKED : 0);
     Frame.push_back(0);
-    Frame.push_back(static_cast<std::uint8_t>((rSpindle.IsInLock() ? 0 : eOutOfLock) |
-                                              (rSpindle.IsInvalid() ? eInvalidRpm : 0)));
+    Frame.push_back(static_cast<std::uint8_t>((rSpindle.IsInLock() ? 0 : OUT_OF_LOCK) |
+                                              (rSpindle.IsInvalid() ? INVALID_RPM : 0)));
     return Frame;
 }
 

@@ -9,10 +9,12 @@
 class CKestrelModule : public CBalancingModule {
 public:
     /// The state in which a module works for pre-balancing.
-    static constexpr std::uint8_t ePrebalancingStart = 7;
+    static constexpr std::uint8_t PREBALANCING_START = 7;
 
     /// Sensors count from 0.
     CKestrelModule(const CWiring& rWiring, std::uint8_t Address, std::size_t nSensor, const CNoise& rNoise);
+
+    void DisturbReadings(double Deviation) override { m_Noise.SetDisturbance(Deviation); }
 
 protected:
     const CNameplate& GetNameplate() const override;

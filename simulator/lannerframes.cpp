@@ -29,15 +29,15 @@ enum SubCode : std::uint8_t {
 };
 
 // Blocks of a set: type, whole length, then the block's own.
-constexpr std::uint8_t eParamsBlock = 1;
-constexpr std::uint8_t ePlaneBlock = 2;
-constexpr std::uint8_t ePlaneBlockLength = 12;
-constexpr std::size_t eParamsBlockLength = 7;  // without the name
-constexpr std::size_t eMaxName = 255 - eParamsBlockLength;
+constexpr std::uint8_t PARAMS_BLOCK = 1;
+constexpr std::uint8_t PLANE_BLOCK = 2;
+constexpr std::uint8_t PLANE_BLOCK_LENGTH = 12;
+constexpr std::size_t PARAMS_BLOCK_LENGTH = 7;  // without the name
+constexpr std::size_t MAX_NAME = 255 - PARAMS_BLOCK_LENGTH;
 
-constexpr std::uint8_t eUILocked = 1U << 7;
-constexpr std::uint8_t eTwoStopBits = 1U << 7;
-constexpr unsigned eDiagnosisRateShift = 4;
+constexpr std::uint8_t UI_LOCKED = 1U << 7;
+constexpr std::uint8_t TWO_STOP_BITS = 1U << 7;
+constexpr unsigned DIAGNOSIS_RATE_SHIFT = 4;
 
 Bytes MakeHeader(CRoute Route, Command Kind) {
     return {Kind, Route.m_Source, Route.m_Destination};
@@ -54,8 +54,8 @@ void PutText(Bytes& rFrame, std::string_view Text) {
 }
 
 void PutParams(Bytes& rFrame, const CSetParams& rParams) {
-    const std::string_view Name = std::string_view(rParams.m_Name).substr(0, eMaxName);
-    PutBytes(rFrame, {eParamsBlock, static_cast<std::uint8_t>(eParamsBlockLength + Name.size()), 0,
+    const std::string_view Name = std::string_view(rParams.m_Name).substr(0, MAX_NAME);
+    PutBytes(rFrame, {PARAMS_BLOCK, static_cast<std::uint8_t>(PARAMS_BLOCK_LENGTH + Name.size()), 0,
                       rParams.m_AnalogOutput, rParams.m_Mode, rParams.m_AnalogScaling,
                       static_cast<std::uint8_t>(Name.size())});
     PutText(rFrame, Name);
@@ -63,7 +63,7 @@ void PutParams(Bytes& rFrame, const CSetParams& rParams) {
 
 void PutPlane(Bytes& rFrame, const CPlaneParams& rPlane) {
     PutBytes(rFrame,
-             {ePlaneBlock, ePlaneBlockLength, rPlane.m_Id, rPlane.m_RpmInput, rPlane.m_SensorAdaption});
+             {PLANE_BLOCK, PLANE_BLOCK_LENGTH, rPlane.m_Id, rPlane.m_RpmInput, rPlane.m_SensorAdaption});
     PutWord(rFrame, rPlane.m_UnbalanceLimit1);
     PutWord(rFrame, rPlane.m_UnbalanceLimit2);
     PutWord(rFrame, rPlane.m_RpmLimit1);
@@ -74,7 +74,7 @@ void PutPlane(Bytes& rFrame, const CPlaneParams& rPlane) {
 
 Bytes MakeState(CRoute Route, const CState& rState) {
     Bytes Frame = MakeHeader(Route, eModuleState);
-    PutBytes(Frame, {rState.m_State, rState.m_Parameter, rState.m_bUILocked ? eUILocked : std::uint8_t{0},
+    PutBytes(Frame, {rState.m_State, rState.m_Parameter, rState.m_bUILocked ? UI_LOCKED : std::uint8_t{0},
                      rState.m_Flags[0], rState.m_Flags[1], rState.m_Failures[0], rState.m_Failures[1]});
     return Frame;
 }
@@ -98,7 +98,7 @@ Bytes MakeBalConfiguration(CRoute Route, const CBalConfiguration& rConfiguration
     for (const CBalConfiguration::CRates& rRates : rConfiguration.m_Rates) {
         PutBytes(Frame, {rRates.m_MaxRpm, rRates.m_MaxAmplitude, rRates.m_MaxXY, rRates.m_ConfigurationXY});
     }
-    Frame.push_back(static_cast<std::uint8_t>(rConfiguration.m_MaxDiagnosisRate << eDiagnosisRateShift));
+    Frame.push_back(static_cast<std::uint8_t>(rConfiguration.m_MaxDiagnosisRate << DIAGNOSIS_RATE_SHIFT));
     Frame.push_back(rConfiguration.m_ConfigurationDiagnosis);
     return Frame;
 }
@@ -106,7 +106,7 @@ Bytes MakeBalConfiguration(CRoute Route, const CBalConfiguration& rConfiguration
 Bytes MakeModuleConfiguration(CRoute Route, const CModuleConfiguration& rConfiguration) {
     Bytes Frame = MakeHeader(Route, eModuleData, eModuleConfigurationData);
     Frame.push_back(static_cast<std::uint8_t>(rConfiguration.m_Baudrate |
-                                              (rConfiguration.m_bTwoStopBits ? eTwoStopBits : 0U)));
+                                              (rConfiguration.m_bTwoStopBits ? TWO_STOP_BITS : 0U)));
     PutBytes(Frame, {rConfiguration.m_FanPowerOnTemperature, rConfiguration.m_TestFlags,
                      rConfiguration.m_AttachedSlave, 0, 0});
     return Frame;

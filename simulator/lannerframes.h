@@ -32,9 +32,9 @@ struct CState {
         eOveramplify = 1U << 2,
         eOutOfLock = 1U << 3,
     };
-    static constexpr std::uint8_t eSupervisionMode = 1;
+    static constexpr std::uint8_t SUPERVISION_MODE = 1;
 
-    std::uint8_t m_State = eSupervisionMode;
+    std::uint8_t m_State = SUPERVISION_MODE;
     std::uint8_t m_Parameter = 0;
     bool m_bUILocked = false;
     std::array<std::uint8_t, 2> m_Flags{};     ///< per input

@@ -9,7 +9,7 @@
 namespace {
 
 enum Report : std::size_t { eBalConfiguration = 0, eModuleConfiguration = 1, eDiagnosisData = 2 };
-constexpr std::string_view ms_Reports[] = {"bal_configuration", "module_configuration", "diagnosis_data"};
+constexpr std::string_view REPORTS[] = {"bal_configuration", "module_configuration", "diagnosis_data"};
 
 using Params = LannerFrames::CSetParams;
 
@@ -26,13 +26,13 @@ std::uint8_t ToModeByte(const CBalancingModule::CModuleSet& rSet) {
 
 CLannerModule::CLannerModule(const CWiring& rWiring, std::uint8_t Address, const std::vector<CNoise>& rNoises,
                              bool bSwap)
-    : CBalancingModule(rWiring, Address, CState{.m_State = LannerFrames::CState::eSupervisionMode},
+    : CBalancingModule(rWiring, Address, CState{.m_State = LannerFrames::CState::SUPERVISION_MODE},
                        // The inputs' adaptions differ, so that who mixes them up is found out.
                        CModuleSet{.m_SensorAdaption = {1, 2}, .m_Name = "Spindle", .m_bSwap = bSwap}),
       m_Noises(rNoises) {}
 
 const CBalancingModule::CNameplate& CLannerModule::GetNameplate() const {
-    static constexpr CNameplate Plate{.m_Type = 9,
+    static constexpr CNameplate PLATE{.m_Type = 9,
                                       .m_YearOfProduction = 25,
                                       .m_CalendarWeek = 6,
                                       .m_SoftwareVersion = 12,
@@ -40,7 +40,7 @@ const CBalancingModule::CNameplate& CLannerModule::GetNameplate() const {
                                       .m_ArticleNumber = {0x51, 0x20, 0x4A},
                                       .m_SerialNumber = 2100300,
                                       .m_WorkingHours = 340};
-    return Plate;
+    return PLATE;
 }
 
 CBalancingModule::Bytes CLannerModule::MakeState(std::uint8_t Destination) const {
@@ -52,7 +52,7 @@ CBalancingModule::Bytes CLannerModule::MakeState(std::uint8_t Destination) const
     Frame.m_bUILocked = GetState().m_bUILocked;
     const unsigned BySpindle = (rSpindle.IsInLock() ? 0U : unsigned{State::eOutOfLock}) |
                                (rSpindle.IsInvalid() ? unsigned{State::eRotationTooSlow} : 0U);
-    for (std::size_t nInput = 0; nInput < eMaxPlanes; ++nInput) {
+    for (std::size_t nInput = 0; nInput < MAX_PLANES; ++nInput) {
         const std::size_t nPlane = Exchange(nInput);
         Frame.m_Flags[nInput] = GetState().m_Flags[nPlane];
         Frame.m_Failures[nInput] = static_cast<std::uint8_t>(GetState().m_Failures[nPlane] | BySpindle);
@@ -117,26 +117,26 @@ CBalancingModule::Frames CLannerModule::MakeXY(std::uint8_t Destination) {
 }
 
 void CLannerModule::OnTurningTick(std::uint32_t nTick) {
-    const LannerFrames::CRoute Route = RouteTo(eAnyAddress);
-    if (nTick % eAmplitudeEveryNthXY == 0) {
+    const LannerFrames::CRoute Route = RouteTo(ANY_ADDRESS);
+    if (nTick % AMPLITUDE_EVERY_NTH_XY == 0) {
         for (const std::uint8_t Input : GetInputs()) {
             const auto Amplitude =
                 static_cast<std::uint16_t>(std::min(std::lround(std::abs(ReadInput(Input))), 65535L));
             Indicate(LannerFrames::MakeAmplitude(Route, Input, Amplitude));
         }
     }
-    if (nTick % eDiagnosisEveryNthXY == 0) {
+    if (nTick % DIAGNOSIS_EVERY_NTH_XY == 0) {
         // What such a block means is known to the maker of the module only.
         Indicate(LannerFrames::MakeDiagnosis(Route, {static_cast<std::uint8_t>(nTick & 0xFFU), 0x00, 0x2A}));
     }
 }
 
 std::span<const std::string_view> CLannerModule::GetReports() const {
-    return ms_Reports;
+    return REPORTS;
 }
 
 void CLannerModule::SendReport(std::size_t nReport) {
-    const LannerFrames::CRoute Route = RouteTo(eAnyAddress);
+    const LannerFrames::CRoute Route = RouteTo(ANY_ADDRESS);
     switch (nReport) {
         case eBalConfiguration:
             return Indicate(LannerFrames::MakeBalConfiguration(Route, {}));

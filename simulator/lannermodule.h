@@ -17,8 +17,8 @@
 /// round.
 class CLannerModule : public CBalancingModule {
 public:
-    static constexpr std::uint32_t eAmplitudeEveryNthXY = 4;
-    static constexpr std::uint32_t eDiagnosisEveryNthXY = 20;
+    static constexpr std::uint32_t AMPLITUDE_EVERY_NTH_XY = 4;
+    static constexpr std::uint32_t DIAGNOSIS_EVERY_NTH_XY = 20;
 
     /// One noise per plane of the machine. bSwap: of the first set.
     CLannerModule(const CWiring& rWiring, std::uint8_t Address, const std::vector<CNoise>& rNoises,
@@ -27,6 +27,11 @@ public:
     /// "bal_configuration", "module_configuration", "diagnosis_data".
     std::span<const std::string_view> GetReports() const override;
     void SendReport(std::size_t nReport) override;
+    void DisturbReadings(double Deviation) override {
+        for (CNoise& rNoise : m_Noises) {
+            rNoise.SetDisturbance(Deviation);
+        }
+    }
 
 protected:
     const CNameplate& GetNameplate() const override;

@@ -47,7 +47,7 @@ void CMachineClient::Request(const json& rRequest, Done OnAnswer) {
     }
     CPending Pending;
     Pending.m_Line = rRequest.dump(-1, ' ', false, json::error_handler_t::replace) + "\n";
-    Pending.m_Deadline = IFEventLoop::Current().Now() + eAnswerTimeoutMs;
+    Pending.m_Deadline = IFEventLoop::Current().Now() + ANSWER_TIMEOUT_MS;
     Pending.m_OnAnswer = std::move(OnAnswer);
     m_Pending.push_back(std::move(Pending));
     const std::string& rLine = m_Pending.back().m_Line;
@@ -77,8 +77,8 @@ void CMachineClient::OnLine(const std::string& rLine) {
     if (m_Pending.empty()) {
         return;  // nobody asked; nothing depends on it
     }
-    constexpr bool bAllowExceptions = false;
-    json Answer = json::parse(rLine, nullptr, bAllowExceptions);
+    constexpr bool ALLOW_EXCEPTIONS = false;
+    json Answer = json::parse(rLine, nullptr, ALLOW_EXCEPTIONS);
     if (!Answer.is_object()) {
         Lose("an answer came that is no JSON object");
         return;

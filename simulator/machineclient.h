@@ -18,7 +18,7 @@ class IFByteLink;
 /// set up anew, so that a late answer can't be taken for the next one's.
 class CMachineClient : public IFMachine {
 public:
-    static constexpr std::uint32_t eAnswerTimeoutMs = 5000;
+    static constexpr std::uint32_t ANSWER_TIMEOUT_MS = 5000;
 
     /// For "tcp:HOST:PORT". Null with rError telling what would be right.
     static std::unique_ptr<CMachineClient> Create(const std::string& rDescription, std::string& rError);

@@ -18,9 +18,9 @@ using nlohmann::json;
 
 namespace {
 
-constexpr std::string_view TcpPrefix = "tcp:";
+constexpr std::string_view TCP_PREFIX = "tcp:";
 /// A client that asks and asks and never reads is hung up on.
-constexpr qint64 eMaxUnread = qint64{4} * 1024 * 1024;
+constexpr qint64 MAX_UNREAD = qint64{4} * 1024 * 1024;
 
 }  // namespace
 
@@ -33,7 +33,7 @@ public:
           m_Lines([this](const std::string& rLine) { OnLine(rLine); },
                   [this] {
                       Settle(TakeSlot(),
-                             {{"error", "the line is longer than " + std::to_string(CLineSplitter::eMaxLine) +
+                             {{"error", "the line is longer than " + std::to_string(CLineSplitter::MAX_LINE) +
                                             " bytes; send one short request a line"}});
                   }) {}
     CSession(const CSession&) = delete;
@@ -68,8 +68,8 @@ private:
         const Slot nSlot = TakeSlot();
         json Request;
         try {
-            constexpr bool bComments = false;
-            Request = ParseJson(rLine, bComments);
+            constexpr bool COMMENTS = false;
+            Request = ParseJson(rLine, COMMENTS);
         } catch (const CJsonError& rError) {
             Settle(nSlot, {{"error", std::string(rError.what()) + "; send for example {\"speed\": 3000}"}});
             return;
@@ -95,7 +95,7 @@ private:
             m_Answers.pop_front();
             ++m_nFirstSlot;
         }
-        if (m_pSocket->bytesToWrite() > eMaxUnread) {
+        if (m_pSocket->bytesToWrite() > MAX_UNREAD) {
             m_pSocket->abort();
         }
     }
@@ -117,9 +117,9 @@ CMachineServer::~CMachineServer() {
 }
 
 bool CMachineServer::Listen(const std::string& rDescription, std::string& rError) {
-    const bool bTcp = rDescription.starts_with(TcpPrefix);
+    const bool bTcp = rDescription.starts_with(TCP_PREFIX);
     const auto Endpoint =
-        bTcp ? ToEndpoint(std::string_view(rDescription).substr(TcpPrefix.size()), 0) : std::nullopt;
+        bTcp ? ToEndpoint(std::string_view(rDescription).substr(TCP_PREFIX.size()), 0) : std::nullopt;
     if (!Endpoint) {
         rError = "\"" + rDescription +
                  "\" is no link for a machine; give tcp:HOST:PORT, for example tcp:127.0.0.1:4002";

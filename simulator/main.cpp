@@ -20,7 +20,7 @@
 
 namespace {
 
-constexpr int eBadArguments = 3;
+constexpr int BAD_ARGUMENTS = 3;
 
 struct COptions {
     std::string m_Frames;
@@ -28,6 +28,7 @@ struct COptions {
     std::string m_Rotor;
     std::string m_Modules;
     std::vector<std::uint8_t> m_Addresses;
+    std::uint32_t m_Baud = 0;
 };
 
 /// One line, as scripts and service staff expect it.
@@ -36,7 +37,7 @@ int Fail(std::string Text) {
         rCharacter = (rCharacter == '\n') ? ' ' : rCharacter;
     }
     std::fprintf(stderr, "simulator: %s\n", Text.c_str());
-    return eBadArguments;
+    return BAD_ARGUMENTS;
 }
 
 void Announce(const char* pWhat, const std::string& rLink) {
@@ -78,6 +79,10 @@ int RunSimulator(const COptions& rOptions, CEndSignals& rSignals) {
     const auto pSimulator = CSimulator::Create(*Rotor, std::move(pLink), rOptions.m_Addresses, Error);
     if (!pSimulator) {
         return Fail(Error);
+    }
+    if (const auto Answer = pSimulator->Carry({{"line", {{"baud", rOptions.m_Baud}}}});
+        Answer.contains("error")) {
+        return Fail("--baud: " + Answer["error"].get<std::string>());
     }
     CMachineServer Server(*pSimulator);
     if (!rOptions.m_Machine.empty() && !Server.Listen(rOptions.m_Machine, Error)) {
@@ -124,6 +129,10 @@ int Main(int argc, char** argv) {
     App.add_option("--addresses", Options.m_Addresses,
                    "A[,B], the modules' addresses; 5 and 6 without it, 9 for lanner")
         ->delimiter(',');
+    App.add_option(
+        "--baud", Options.m_Baud,
+        "the modules' own rate: on a pseudo terminal set to another one each end takes garbage from "
+        "the line; without it they have whatever the other end has");
     App.set_version_flag("--version", std::string("simulator ") + GetProjectVersion(), "The version");
     try {
         App.parse(argc, argv);

@@ -14,7 +14,8 @@ double CNoise::NextUniform() {
 }
 
 std::complex<double> CNoise::Next() {
-    const double Radius = m_Deviation * std::sqrt(-2.0 * std::log(NextUniform()));
+    const double Deviation = m_Disturbance > 0.0 ? m_Disturbance : m_Deviation;
+    const double Radius = Deviation * std::sqrt(-2.0 * std::log(NextUniform()));
     const double Angle = 2.0 * std::numbers::pi * NextUniform();
     return {Radius * std::cos(Angle), Radius * std::sin(Angle)};
 }

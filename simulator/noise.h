@@ -13,6 +13,8 @@ public:
 
     /// The next pair; each part with mean 0 and the standard deviation given, independent of the other.
     std::complex<double> Next();
+    /// Another deviation from now on; 0 brings back that of the beginning. The stream goes on.
+    void SetDisturbance(double Deviation) { m_Disturbance = Deviation; }
 
 private:
     /// Uniform above 0 and up to 1, in steps of 2^-53.
@@ -20,4 +22,5 @@ private:
 
     std::mt19937_64 m_Generator;
     double m_Deviation;
+    double m_Disturbance = 0.0;
 };

@@ -31,7 +31,7 @@ void CRotor::FitWeights(std::size_t nPlane, std::vector<int> AnglesDeg) {
     m_Fitted[nPlane].m_WeightsDeg = std::move(AnglesDeg);
 }
 
-void CRotor::FitScrews(std::size_t nPlane, std::vector<CFittedScrew> Screws) {
+void CRotor::FitScrews(std::size_t nPlane, std::vector<CSimulatedScrew> Screws) {
     m_Fitted[nPlane].m_Screws = std::move(Screws);
 }
 
@@ -41,7 +41,7 @@ CRotor::Vector CRotor::GetResidual(std::size_t nPlane) const {
     for (int AngleDeg : m_Fitted[nPlane].m_WeightsDeg) {
         Sum += DirectionOnScale(nPlane, rPlane.m_Scale, AngleDeg);
     }
-    for (const CFittedScrew& rScrew : m_Fitted[nPlane].m_Screws) {
+    for (const CSimulatedScrew& rScrew : m_Fitted[nPlane].m_Screws) {
         const double ScaleDeg = (rScrew.m_Hole - 1) * 360.0 / rPlane.m_Holes;
         Sum += rScrew.m_Grams * DirectionOnScale(nPlane, rPlane.m_Scale, ScaleDeg);
     }

@@ -7,7 +7,7 @@
 
 /// A screw in a hole of the ring. Holes count from 1 as they are numbered on the rotor, in the sense of its
 /// scale.
-struct CFittedScrew {
+struct CSimulatedScrew {
     int m_Hole = 1;
     double m_Grams = 0.0;
 };
@@ -24,6 +24,8 @@ public:
 
     std::size_t GetNumberOfPlanes() const { return m_Planes.size(); }
     int GetNumberOfHoles(std::size_t nPlane) const { return m_Planes[nPlane].m_Holes; }
+    CRotorFile::Sense GetScale(std::size_t nPlane) const { return m_Planes[nPlane].m_Scale; }
+    CRotorFile::Sense GetRotation() const { return m_Rotation; }
 
     /// The rotor's own unbalance changes, as with a wheel that wears.
     void SetUnbalance(std::size_t nPlane, double Amount, double AngleDeg);
@@ -33,9 +35,11 @@ public:
     /// Each takes the place of what was fitted of its kind in the plane; an empty list removes all. Weights
     /// are given by their angles on the plane's scale, in degrees; each has the amount 1.
     void FitWeights(std::size_t nPlane, std::vector<int> AnglesDeg);
-    void FitScrews(std::size_t nPlane, std::vector<CFittedScrew> Screws);
+    void FitScrews(std::size_t nPlane, std::vector<CSimulatedScrew> Screws);
     const std::vector<int>& GetWeights(std::size_t nPlane) const { return m_Fitted[nPlane].m_WeightsDeg; }
-    const std::vector<CFittedScrew>& GetScrews(std::size_t nPlane) const { return m_Fitted[nPlane].m_Screws; }
+    const std::vector<CSimulatedScrew>& GetScrews(std::size_t nPlane) const {
+        return m_Fitted[nPlane].m_Screws;
+    }
 
     /// Vector sum of own unbalance and everything fitted: what balancing leaves.
     Vector GetResidual(std::size_t nPlane) const;
@@ -53,7 +57,7 @@ public:
 private:
     struct CFitted {
         std::vector<int> m_WeightsDeg;
-        std::vector<CFittedScrew> m_Screws;
+        std::vector<CSimulatedScrew> m_Screws;
     };
     CRotorFile::Sense m_Rotation;
     std::vector<CRotorFile::CRotorPlane> m_Planes;

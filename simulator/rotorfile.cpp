@@ -12,12 +12,12 @@ using nlohmann::json;
 
 namespace {
 
-constexpr std::size_t eMaxPlanes = 2;
-constexpr double eMaxAngleDeg = 3600.0;
-constexpr double eMaxAmount = 1.0e6;
-constexpr int eMaxHoles = 360;
-constexpr std::string_view ms_Families[] = {"kestrel", "kestrel-pair", "lanner"};
-constexpr std::string_view ms_Senses[] = {"cw", "ccw"};
+constexpr std::size_t MAX_PLANES = 2;
+constexpr double MAX_ANGLE_DEG = 3600.0;
+constexpr double MAX_AMOUNT = 1.0e6;
+constexpr int MAX_HOLES = 360;
+constexpr std::string_view FAMILIES[] = {"kestrel", "kestrel-pair", "lanner"};
+constexpr std::string_view SENSES[] = {"cw", "ccw"};
 
 /// Planes that the modules measure: the number of planes of a rotor that doesn't say.
 std::size_t GetMeasuredPlanes(CRotorFile::Modules Family) {
@@ -30,8 +30,9 @@ CRotorFile::Sense ToSense(std::size_t nChoice) {
 
 void ReadUnbalance(const json& rValue, const std::string& rPath, CRotorFile::CUnbalance& rUnbalance) {
     const CJsonFields Fields(rValue, rPath, {"amount", "angle_deg"});
-    rUnbalance.m_Amount = Fields.GetNumber("amount", rUnbalance.m_Amount, 0.0, eMaxAmount);
-    rUnbalance.m_AngleDeg = Fields.GetNumber("angle_deg", rUnbalance.m_AngleDeg, -eMaxAngleDeg, eMaxAngleDeg);
+    rUnbalance.m_Amount = Fields.GetNumber("amount", rUnbalance.m_Amount, 0.0, MAX_AMOUNT);
+    rUnbalance.m_AngleDeg =
+        Fields.GetNumber("angle_deg", rUnbalance.m_AngleDeg, -MAX_ANGLE_DEG, MAX_ANGLE_DEG);
 }
 
 /// Makes the defaults for a number of planes.
@@ -45,7 +46,7 @@ void Resize(CRotorFile& rFile, std::size_t nPlanes) {
 
 std::size_t FindNumberOfPlanes(const CJsonFields& rFields, CRotorFile::Modules Family) {
     for (std::string_view Name : {"planes", "influence", "scale", "holes"}) {
-        if (const json* pList = rFields.GetArray(Name, 1, eMaxPlanes)) {
+        if (const json* pList = rFields.GetArray(Name, 1, MAX_PLANES)) {
             return pList->size();
         }
     }
@@ -62,9 +63,9 @@ void ReadInfluence(const json& rRows, std::vector<std::vector<CRotorFile::CInflu
                                      {"amplitude", "phase_deg"});
             // An entry that is there starts from the built-in one, on the diagonal or off it.
             CRotorFile::CInfluence Influence;
-            Influence.m_Amplitude = Fields.GetNumber("amplitude", Influence.m_Amplitude, 0.0, eMaxAmount);
+            Influence.m_Amplitude = Fields.GetNumber("amplitude", Influence.m_Amplitude, 0.0, MAX_AMOUNT);
             Influence.m_PhaseDeg =
-                Fields.GetNumber("phase_deg", Influence.m_PhaseDeg, -eMaxAngleDeg, eMaxAngleDeg);
+                Fields.GetNumber("phase_deg", Influence.m_PhaseDeg, -MAX_ANGLE_DEG, MAX_ANGLE_DEG);
             rInfluence[nSensor][nPlane] = Influence;
         }
     }
@@ -76,9 +77,9 @@ CRotorFile FromJson(const json& rValue, std::optional<CRotorFile::Modules> Famil
                               "noise_counts", "scale", "holes", "seed", "swap", "report_period_ms"});
     CRotorFile File;
     // The file's own family is checked even when another one is asked for.
-    const auto OwnFamily = static_cast<CRotorFile::Modules>(Fields.GetChoice("modules", 0, ms_Families));
+    const auto OwnFamily = static_cast<CRotorFile::Modules>(Fields.GetChoice("modules", 0, FAMILIES));
     File.m_Modules = Family.value_or(OwnFamily);
-    File.m_Rotation = ToSense(Fields.GetChoice("rotation", 0, ms_Senses));
+    File.m_Rotation = ToSense(Fields.GetChoice("rotation", 0, SENSES));
     // Below 60 rpm the electronics call the speed invalid, above 65535 it doesn't fit their frames.
     File.m_SpeedRpm = Fields.GetNumber("speed_rpm", File.m_SpeedRpm, 60.0, 65535.0);
     File.m_RampRpmPerS = Fields.GetNumber("ramp_rpm_per_s", File.m_RampRpmPerS, 1.0, 1.0e6);
@@ -92,7 +93,7 @@ CRotorFile FromJson(const json& rValue, std::optional<CRotorFile::Modules> Famil
     }
 
     const std::size_t nPlanes = FindNumberOfPlanes(Fields, File.m_Modules);
-    if (File.m_Modules == CRotorFile::eKestrelPair && nPlanes != eMaxPlanes) {
+    if (File.m_Modules == CRotorFile::eKestrelPair && nPlanes != MAX_PLANES) {
         throw CJsonError("planes must be an array of 2: the modules kestrel-pair measure two planes");
     }
     Resize(File, nPlanes);
@@ -110,14 +111,14 @@ CRotorFile FromJson(const json& rValue, std::optional<CRotorFile::Modules> Famil
     }
     if (const json* pScale = Fields.GetArray("scale", nPlanes, nPlanes)) {
         for (std::size_t nPlane = 0; nPlane < nPlanes; ++nPlane) {
-            File.m_Planes[nPlane].m_Scale = ToSense(CJsonFields::ToChoice(
-                (*pScale)[nPlane], CJsonFields::ElementPath("scale", nPlane), ms_Senses));
+            File.m_Planes[nPlane].m_Scale = ToSense(
+                CJsonFields::ToChoice((*pScale)[nPlane], CJsonFields::ElementPath("scale", nPlane), SENSES));
         }
     }
     if (const json* pHoles = Fields.GetArray("holes", nPlanes, nPlanes)) {
         for (std::size_t nPlane = 0; nPlane < nPlanes; ++nPlane) {
             File.m_Planes[nPlane].m_Holes = static_cast<int>(CJsonFields::ToInteger(
-                (*pHoles)[nPlane], CJsonFields::ElementPath("holes", nPlane), 1, eMaxHoles));
+                (*pHoles)[nPlane], CJsonFields::ElementPath("holes", nPlane), 1, MAX_HOLES));
         }
     }
     return File;
@@ -145,9 +146,9 @@ std::optional<CRotorFile> CRotorFile::Read(const std::string& rPath, std::string
 
 std::optional<CRotorFile> CRotorFile::Parse(const std::string& rText, std::string& rError,
                                             std::optional<Modules> Family) {
-    constexpr bool bComments = true;
+    constexpr bool COMMENTS = true;
     try {
-        return FromJson(ParseJson(rText, bComments), Family);
+        return FromJson(ParseJson(rText, COMMENTS), Family);
     } catch (const CJsonError& rException) {
         rError = rException.what();
     }
@@ -155,9 +156,9 @@ std::optional<CRotorFile> CRotorFile::Parse(const std::string& rText, std::strin
 }
 
 std::optional<CRotorFile::Modules> CRotorFile::ModulesFromString(const std::string& rText) {
-    const auto Found = std::find(std::begin(ms_Families), std::end(ms_Families), rText);
-    if (Found == std::end(ms_Families)) {
+    const auto Found = std::find(std::begin(FAMILIES), std::end(FAMILIES), rText);
+    if (Found == std::end(FAMILIES)) {
         return std::nullopt;
     }
-    return static_cast<Modules>(Found - std::begin(ms_Families));
+    return static_cast<Modules>(Found - std::begin(FAMILIES));
 }

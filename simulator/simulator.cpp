@@ -13,20 +13,26 @@ using nlohmann::json;
 
 namespace {
 
-constexpr double eMaxRpm = 65535.0;  // what a frame can hold
-constexpr std::size_t eMaxFitted = 1000;
-constexpr double eMaxAmount = 1.0e6;
-constexpr double eMaxAngleDeg = 3600.0;
-constexpr std::int64_t eMaxDelayMs = 60000;
-constexpr std::size_t eMaxSetName = 248;  // what a block of a set can hold
+constexpr double MAX_RPM = 65535.0;  // what a frame can hold
+constexpr std::size_t MAX_FITTED = 1000;
+constexpr double MAX_AMOUNT = 1.0e6;
+constexpr double MAX_ANGLE_DEG = 3600.0;
+constexpr std::int64_t MAX_BAUD = 4000000;
+constexpr std::int64_t MAX_DELAY_MS = 60000;
+constexpr std::size_t MAX_SET_NAME = 248;  // what a block of a set can hold
 
 /// The modules of a family and where they are unless somebody says otherwise.
 struct CFamily {
     std::size_t m_nModules;
     std::array<std::uint8_t, 2> m_Addresses;
 };
-constexpr CFamily ms_Families[] = {{1, {5}}, {2, {5, 6}}, {1, {9}}};  // as CRotorFile::Modules
-constexpr std::string_view ms_Modes[] = {"nothing", "plane1", "plane2", "both", "two-plane"};  // as Mode
+constexpr CFamily FAMILIES[] = {{1, {5}}, {2, {5, 6}}, {1, {9}}};  // as CRotorFile::Modules
+constexpr std::string_view MODES[] = {"nothing", "plane1", "plane2", "both", "two-plane"};  // as Mode
+
+/// As in a rotor file.
+const char* ToText(CRotorFile::Sense Value) {
+    return Value == CRotorFile::eClockwise ? "cw" : "ccw";
+}
 
 std::uint8_t GetByte(const CJsonFields& rFields, std::string_view Name, std::uint8_t Default) {
     return static_cast<std::uint8_t>(rFields.GetInteger(Name, Default, 0, 255));
@@ -40,11 +46,12 @@ const CSimulator::CRequestKind CSimulator::ms_Requests[] = {
     {"fault", &CSimulator::OnFault},         {"state", &CSimulator::OnState},
     {"unbalance", &CSimulator::OnUnbalance}, {"module_state", &CSimulator::OnModuleState},
     {"report", &CSimulator::OnReport},       {"answer_delay", &CSimulator::OnAnswerDelay},
+    {"line", &CSimulator::OnLine},
 };
 
 std::unique_ptr<CSimulator> CSimulator::Create(const CRotorFile& rFile, std::unique_ptr<IFByteLink> pLink,
                                                std::vector<std::uint8_t> Addresses, std::string& rError) {
-    const CFamily& rFamily = ms_Families[rFile.m_Modules];
+    const CFamily& rFamily = FAMILIES[rFile.m_Modules];
     const std::size_t nModules = rFamily.m_nModules;
     if (Addresses.empty()) {
         Addresses.assign(rFamily.m_Addresses.begin(),
@@ -66,7 +73,7 @@ CSimulator::CSimulator(const CRotorFile& rFile, std::unique_ptr<IFByteLink> pLin
                        const std::vector<std::uint8_t>& rAddresses)
     : m_Family(rFile.m_Modules),
       m_NominalRpm(rFile.m_SpeedRpm),
-      m_pLink(std::move(pLink)),
+      m_pLink(std::make_unique<CWiredLink>(std::move(pLink))),
       m_Rotor(rFile),
       m_Spindle(rFile.m_RampRpmPerS),
       m_Decoder([this](std::span<const std::uint8_t> Frame) {
@@ -83,6 +90,14 @@ CSimulator::CSimulator(const CRotorFile& rFile, std::unique_ptr<IFByteLink> pLin
         }
     };
     m_Faults.OnUnlock = [this](std::uint32_t Milliseconds) { m_Spindle.LoseLock(Milliseconds); };
+    m_Faults.OnCut = [this](std::uint32_t Milliseconds) { CutLine(Milliseconds); };
+    m_Faults.OnNoise = [this](double Counts, const std::array<bool, 2>& rModules) {
+        for (std::size_t nModule = 0; nModule < m_Stations.size(); ++nModule) {
+            if (rModules.at(nModule)) {
+                m_Stations[nModule].m_pModule->DisturbReadings(Counts);
+            }
+        }
+    };
     m_pLink->OnBytes = [this](std::span<const std::uint8_t> Bytes) { m_Decoder.Put(Bytes); };
     m_pLink->OnClosed = [this, Former = m_pLink->OnClosed](const std::string& rWhy) {
         m_Decoder.Reset();
@@ -145,6 +160,17 @@ void CSimulator::PutRequest(std::size_t nModule, std::span<const std::uint8_t> F
         });
 }
 
+void CSimulator::CutLine(std::uint32_t Milliseconds) {
+    m_MendTimer.Stop();
+    m_pLink->Sever();
+    m_Decoder.Reset();
+    if (Milliseconds == 0) {
+        m_pLink->Open();
+        return;
+    }
+    m_MendTimer.StartOnce(Milliseconds, [this] { m_pLink->Open(); });
+}
+
 void CSimulator::Open() {
     m_pLink->Open();
 }
@@ -175,7 +201,7 @@ json CSimulator::Carry(const json& rRequest) {
 }
 
 void CSimulator::OnSpeed(const json& rValue, json&) {
-    m_Spindle.SetCommanded(CJsonFields::ToNumber(rValue, "speed", 0.0, eMaxRpm));
+    m_Spindle.SetCommanded(CJsonFields::ToNumber(rValue, "speed", 0.0, MAX_RPM));
 }
 
 void CSimulator::OnWeights(const json& rValue, json&) {
@@ -183,7 +209,7 @@ void CSimulator::OnWeights(const json& rValue, json&) {
     const std::size_t nPlane = ReadPlane(Fields);
     Fields.Require("angles");
     std::vector<int> Angles;
-    for (const json& rAngle : *Fields.GetArray("angles", 0, eMaxFitted)) {
+    for (const json& rAngle : *Fields.GetArray("angles", 0, MAX_FITTED)) {
         const std::string Path = CJsonFields::ElementPath("weights.angles", Angles.size());
         Angles.push_back(static_cast<int>(CJsonFields::ToInteger(rAngle, Path, 0, 359)));
     }
@@ -194,21 +220,21 @@ void CSimulator::OnScrews(const json& rValue, json&) {
     const CJsonFields Fields(rValue, "screws", {"plane", "fitted"});
     const std::size_t nPlane = ReadPlane(Fields);
     Fields.Require("fitted");
-    std::vector<CFittedScrew> Screws;
-    for (const json& rScrew : *Fields.GetArray("fitted", 0, eMaxFitted)) {
+    std::vector<CSimulatedScrew> Screws;
+    for (const json& rScrew : *Fields.GetArray("fitted", 0, MAX_FITTED)) {
         const CJsonFields Screw(rScrew, CJsonFields::ElementPath("screws.fitted", Screws.size()),
                                 {"hole", "grams"});
         Screw.Require("hole");
         Screw.Require("grams");
         const auto nHole = static_cast<int>(Screw.GetInteger("hole", 1, 1, m_Rotor.GetNumberOfHoles(nPlane)));
-        const bool bTaken = std::any_of(Screws.begin(), Screws.end(), [nHole](const CFittedScrew& rOther) {
+        const bool bTaken = std::any_of(Screws.begin(), Screws.end(), [nHole](const CSimulatedScrew& rOther) {
             return rOther.m_Hole == nHole;
         });
         if (bTaken) {
             throw CJsonError(Screw.GetPath("hole") + ": hole " + std::to_string(nHole) +
                              " has a screw already");
         }
-        Screws.push_back({nHole, Screw.GetNumber("grams", 0.0, 0.0, eMaxAmount)});
+        Screws.push_back({nHole, Screw.GetNumber("grams", 0.0, 0.0, MAX_AMOUNT)});
     }
     m_Rotor.FitScrews(nPlane, std::move(Screws));
 }
@@ -218,8 +244,8 @@ void CSimulator::OnUnbalance(const json& rValue, json&) {
     const std::size_t nPlane = ReadPlane(Fields);
     Fields.Require("amount");
     Fields.Require("angle_deg");
-    m_Rotor.SetUnbalance(nPlane, Fields.GetNumber("amount", 0.0, 0.0, eMaxAmount),
-                         Fields.GetNumber("angle_deg", 0.0, -eMaxAngleDeg, eMaxAngleDeg));
+    m_Rotor.SetUnbalance(nPlane, Fields.GetNumber("amount", 0.0, 0.0, MAX_AMOUNT),
+                         Fields.GetNumber("angle_deg", 0.0, -MAX_ANGLE_DEG, MAX_ANGLE_DEG));
 }
 
 CBalancingModule::CModuleSet CSimulator::ReadSet(const CJsonFields& rFields,
@@ -232,8 +258,8 @@ CBalancingModule::CModuleSet CSimulator::ReadSet(const CJsonFields& rFields,
         return Set;
     }
     Set.m_SensorAdaption[1] = GetByte(rFields, "sensor_adaption_2", Set.m_SensorAdaption[1]);
-    Set.m_Name = rFields.GetText("name", Set.m_Name, eMaxSetName);
-    Set.m_Mode = static_cast<CBalancingModule::Mode>(rFields.GetChoice("mode", Set.m_Mode, ms_Modes));
+    Set.m_Name = rFields.GetText("name", Set.m_Name, MAX_SET_NAME);
+    Set.m_Mode = static_cast<CBalancingModule::Mode>(rFields.GetChoice("mode", Set.m_Mode, MODES));
     Set.m_bSwap = rFields.GetBool("swap", Set.m_bSwap);
     if (Set.m_bSwap && Set.m_Mode != CBalancingModule::eBothIndependent &&
         Set.m_Mode != CBalancingModule::eTwoPlane) {
@@ -243,12 +269,13 @@ CBalancingModule::CModuleSet CSimulator::ReadSet(const CJsonFields& rFields,
 }
 
 void CSimulator::OnSet(const json& rValue, json&) {
-    static constexpr std::string_view KestrelFields[] = {"number", "rpm_factor", "sensor_adaption", "module"};
-    static constexpr std::string_view LannerFields[] = {
+    static constexpr std::string_view KESTREL_FIELDS[] = {"number", "rpm_factor", "sensor_adaption",
+                                                          "module"};
+    static constexpr std::string_view LANNER_FIELDS[] = {
         "number", "name", "mode", "swap", "sensor_adaption", "sensor_adaption_2", "module"};
     const CJsonFields Fields(rValue, "set",
-                             m_Family == CRotorFile::eLanner ? CJsonFields::Names(LannerFields)
-                                                             : CJsonFields::Names(KestrelFields));
+                             m_Family == CRotorFile::eLanner ? CJsonFields::Names(LANNER_FIELDS)
+                                                             : CJsonFields::Names(KESTREL_FIELDS));
     for (CBalancingModule* pModule : ReadModules(Fields)) {
         pModule->ChangeSet(ReadSet(Fields, pModule->GetSet()));
     }
@@ -274,12 +301,12 @@ CBalancingModule::CState CSimulator::ReadState(const CJsonFields& rFields,
 }
 
 void CSimulator::OnModuleState(const json& rValue, json&) {
-    static constexpr std::string_view KestrelFields[] = {"state", "parameter", "ui_locked", "module"};
-    static constexpr std::string_view LannerFields[] = {"state", "parameter", "ui_locked",
-                                                        "flags", "failures",  "module"};
+    static constexpr std::string_view KESTREL_FIELDS[] = {"state", "parameter", "ui_locked", "module"};
+    static constexpr std::string_view LANNER_FIELDS[] = {"state", "parameter", "ui_locked",
+                                                         "flags", "failures",  "module"};
     const CJsonFields Fields(rValue, "module_state",
-                             m_Family == CRotorFile::eLanner ? CJsonFields::Names(LannerFields)
-                                                             : CJsonFields::Names(KestrelFields));
+                             m_Family == CRotorFile::eLanner ? CJsonFields::Names(LANNER_FIELDS)
+                                                             : CJsonFields::Names(KESTREL_FIELDS));
     for (CBalancingModule* pModule : ReadModules(Fields)) {
         pModule->ChangeState(ReadState(Fields, pModule->GetState()));
     }
@@ -299,11 +326,20 @@ void CSimulator::OnReport(const json& rValue, json&) {
 void CSimulator::OnAnswerDelay(const json& rValue, json&) {
     const CJsonFields Fields(rValue, "answer_delay", {"value", "overtaken", "module"});
     Fields.Require("value");
-    const std::int64_t nDelay = Fields.GetInteger("value", 0, 0, eMaxDelayMs);
+    const std::int64_t nDelay = Fields.GetInteger("value", 0, 0, MAX_DELAY_MS);
     const bool bOvertaken = Fields.GetBool("overtaken", false);
     for (CBalancingModule* pModule : ReadModules(Fields)) {
         pModule->GetTransmitter().SetAnswerDelay(static_cast<std::uint32_t>(nDelay), bOvertaken);
     }
+}
+
+void CSimulator::OnLine(const json& rValue, json&) {
+    const CJsonFields Fields(rValue, "line", {"baud", "inverted", "echo"});
+    CWiredLink::CWiring Wiring = m_pLink->GetWiring();
+    Wiring.m_Baud = static_cast<std::uint32_t>(Fields.GetInteger("baud", Wiring.m_Baud, 0, MAX_BAUD));
+    Wiring.m_bInverted = Fields.GetBool("inverted", Wiring.m_bInverted);
+    Wiring.m_bEcho = Fields.GetBool("echo", Wiring.m_bEcho);
+    m_pLink->SetWiring(Wiring);
 }
 
 void CSimulator::OnFault(const json& rValue, json&) {
@@ -317,10 +353,15 @@ void CSimulator::OnState(const json& rValue, json& rAnswer) {
     rAnswer["nominal_rpm"] = m_NominalRpm;
     rAnswer["lock"] = m_Spindle.IsInLock();
     rAnswer["invalid"] = m_Spindle.IsInvalid();
+    rAnswer["rotation"] = ToText(m_Rotor.GetRotation());
+    rAnswer["scale"] = json::array();
+    rAnswer["holes"] = json::array();
     rAnswer["unbalance"] = json::array();
     rAnswer["residual"] = json::array();
     rAnswer["fitted"] = json::array();
     for (std::size_t nPlane = 0; nPlane < m_Rotor.GetNumberOfPlanes(); ++nPlane) {
+        rAnswer["scale"].push_back(ToText(m_Rotor.GetScale(nPlane)));
+        rAnswer["holes"].push_back(m_Rotor.GetNumberOfHoles(nPlane));
         const CRotorFile::CUnbalance& rUnbalance = m_Rotor.GetUnbalance(nPlane);
         rAnswer["unbalance"].push_back(
             {{"amount", rUnbalance.m_Amount}, {"angle_deg", rUnbalance.m_AngleDeg}});
@@ -328,7 +369,7 @@ void CSimulator::OnState(const json& rValue, json& rAnswer) {
         rAnswer["residual"].push_back(
             {{"amount", std::abs(Residual)}, {"angle_deg", CRotor::AngleDeg(Residual)}});
         json Screws = json::array();
-        for (const CFittedScrew& rScrew : m_Rotor.GetScrews(nPlane)) {
+        for (const CSimulatedScrew& rScrew : m_Rotor.GetScrews(nPlane)) {
             Screws.push_back({{"hole", rScrew.m_Hole}, {"grams", rScrew.m_Grams}});
         }
         rAnswer["fitted"].push_back({{"weights", m_Rotor.GetWeights(nPlane)}, {"screws", Screws}});
@@ -340,7 +381,7 @@ void CSimulator::OnState(const json& rValue, json& rAnswer) {
                        {"set", rSet.m_Number},
                        {"state", rStation.m_pModule->GetState().m_State}};
         if (m_Family == CRotorFile::eLanner) {
-            Module["mode"] = ms_Modes[rSet.m_Mode];
+            Module["mode"] = MODES[rSet.m_Mode];
             Module["swap"] = rSet.m_bSwap;
         } else {
             Module["rpm_factor"] = rSet.m_RPMFactor;

@@ -8,12 +8,14 @@
 #include "platform/rvcom/bytelink.h"
 #include "platform/rvcom/linediscipline.h"
 #include "platform/system/lifetime.h"
+#include "platform/system/timer.h"
 #include "simulator/balancingmodule.h"
 #include "simulator/machine.h"
 #include "simulator/rotor.h"
 #include "simulator/rotorfile.h"
 #include "simulator/spindle.h"
 #include "simulator/transmitter.h"
+#include "simulator/wiredlink.h"
 
 class CJsonFields;
 
@@ -35,16 +37,22 @@ class CJsonFields;
 ///   {"answer_delay": {"value": 20, "overtaken": false}}   what a module needs to answer, ms; its reports
 ///   wait
 ///            for that, unless the answer is overtaken
-/// What set and module_state leave out stays as it is; these four strike all modules, or one with "module": 1
-/// or 2. {"fault": ...} takes what faults.h tells. A request that can't be carried out changes nothing.
+///   {"line": {"baud": 9600, "inverted": false, "echo": false}}   how the modules are wired: their own rate,
+///            0 for whatever the other end has, which counts on a pseudo terminal; whether the two wires are
+///            exchanged; whether the other end hears what it sends
+/// What set, module_state and line leave out stays as it is; those before line strike all modules, or one
+/// with "module": 1 or 2. {"fault": ...} takes what faults.h tells. A request that can't be carried out
+/// changes nothing.
 ///
 /// {"state": {}} answers
 ///   {"ok": true, "speed": 2990.0, "commanded": 3000, "lock": false, "invalid": true, "nominal_rpm": 3000,
+///    "rotation": "cw", "scale": ["cw"], "holes": [12],
 ///    "unbalance": [{"amount": 0.8, "angle_deg": 123.0}], "residual": [{"amount": 0.8, "angle_deg": 123.0}],
 ///    "fitted": [{"weights": [30, 180], "screws": [{"hole": 1, "grams": 2.5}]}],
 ///    "modules": [{"address": 5, "set": 1, "rpm_factor": 1, "state": 7}], "sent": 417, "received": 9}
 /// (a Lanner module has "mode" and "swap" in place of the factor; sent and received count frames)
-/// with the rotor's own unbalance, residual and fitted per plane. Their angles count counter-clockwise, seen
+/// with rotation and scales as in the rotor file, and the rotor's own unbalance, residual and fitted per
+/// plane. The angles of unbalance and residual count counter-clockwise, seen
 /// from plane 1's end.
 class CSimulator : public IFMachine {
 public:
@@ -84,6 +92,7 @@ private:
     void OnModuleState(const nlohmann::json& rValue, nlohmann::json& rAnswer);
     void OnReport(const nlohmann::json& rValue, nlohmann::json& rAnswer);
     void OnAnswerDelay(const nlohmann::json& rValue, nlohmann::json& rAnswer);
+    void OnLine(const nlohmann::json& rValue, nlohmann::json& rAnswer);
     void OnFault(const nlohmann::json& rValue, nlohmann::json& rAnswer);
     void OnState(const nlohmann::json& rValue, nlohmann::json& rAnswer);
 
@@ -93,6 +102,7 @@ private:
         std::unique_ptr<CBalancingModule> m_pModule;
     };
     void AddModule(const CRotorFile& rFile, std::uint8_t Address);
+    void CutLine(std::uint32_t Milliseconds);
     /// A frame for a module, through the faults of requests.
     void PutRequest(std::size_t nModule, std::span<const std::uint8_t> Frame);
 
@@ -107,12 +117,13 @@ private:
 
     CRotorFile::Modules m_Family;
     double m_NominalRpm;
-    std::unique_ptr<IFByteLink> m_pLink;
+    std::unique_ptr<CWiredLink> m_pLink;
     CRotor m_Rotor;
     CSpindle m_Spindle;
     CFaults m_Faults;
     LineDiscipline::CDecoder m_Decoder;
     std::vector<CStation> m_Stations;
+    CTimer m_MendTimer;
     /// Outlived by requests that a fault has made late.
     CLifetime m_Lifetime;
 };

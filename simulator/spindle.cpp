@@ -39,7 +39,7 @@ double CSpindle::GetSpeed() const {
 
 void CSpindle::RampEnded() {
     // A late timer doesn't delay the lock further.
-    const std::uint64_t LockAt = m_RampEnd + eLockDelayMs;
+    const std::uint64_t LockAt = m_RampEnd + LOCK_DELAY_MS;
     const std::uint64_t Now = IFEventLoop::Current().Now();
     m_Timer.StartOnce((LockAt > Now) ? static_cast<std::uint32_t>(LockAt - Now) : 0U,
                       [this] { EnterState(eSteady); });

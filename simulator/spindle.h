@@ -9,8 +9,8 @@
 /// counts as in lock and invalid. The lock may also be lost at a steady speed.
 class CSpindle {
 public:
-    static constexpr double eSlowestValidRpm = 60.0;
-    static constexpr std::uint32_t eLockDelayMs = 500;
+    static constexpr double SLOWEST_VALID_RPM = 60.0;
+    static constexpr std::uint32_t LOCK_DELAY_MS = 500;
 
     explicit CSpindle(double RampRpmPerS) : m_RampRpmPerS(RampRpmPerS) {}
 
@@ -27,7 +27,7 @@ public:
     bool IsTurning() const { return m_State == eRamping || m_CommandedRpm > 0.0; }
     bool IsInLock() const { return m_State == eSteady && !m_bLockLost; }
     /// The speed is below 60 rpm, or still changing.
-    bool IsInvalid() const { return m_State == eRamping || m_CommandedRpm < eSlowestValidRpm; }
+    bool IsInvalid() const { return m_State == eRamping || m_CommandedRpm < SLOWEST_VALID_RPM; }
 
     /// Called when a ramp begins, when it has ended, and when the lock is lost or back.
     std::function<void()> OnChanged;

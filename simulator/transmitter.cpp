@@ -7,11 +7,11 @@
 
 namespace {
 
-constexpr std::uint8_t eSlipEnd = 0xC0;
-constexpr std::uint8_t eSlipEsc = 0xDB;
+constexpr std::uint8_t SLIP_END = 0xC0;
+constexpr std::uint8_t SLIP_ESC = 0xDB;
 
 bool IsFraming(std::uint8_t Byte) {
-    return Byte == eSlipEnd || Byte == eSlipEsc;
+    return Byte == SLIP_END || Byte == SLIP_ESC;
 }
 
 }  // namespace
@@ -62,14 +62,14 @@ void CTransmitter::Corrupt(std::vector<std::uint8_t>& rLineBytes) {
     for (std::size_t nIndex = rLineBytes.size() / 2; nIndex < rLineBytes.size(); ++nIndex) {
         std::uint8_t& rByte = rLineBytes[nIndex];
         const auto Flipped = static_cast<std::uint8_t>(rByte ^ 0x04U);
-        const bool bEscaped = nIndex > 0 && rLineBytes[nIndex - 1] == eSlipEsc;
+        const bool bEscaped = nIndex > 0 && rLineBytes[nIndex - 1] == SLIP_ESC;
         if (!bEscaped && !IsFraming(rByte) && !IsFraming(Flipped)) {
             rByte = Flipped;
             return;
         }
     }
     // All framing from the middle on: losing the end mark damages the frame as well.
-    rLineBytes.back() = static_cast<std::uint8_t>(eSlipEnd ^ 0x04U);
+    rLineBytes.back() = static_cast<std::uint8_t>(SLIP_END ^ 0x04U);
 }
 
 void CTransmitter::Cut(std::vector<std::uint8_t>& rLineBytes) {

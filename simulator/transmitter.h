@@ -14,7 +14,7 @@ class IFByteLink;
 /// share link and faults.
 class CTransmitter {
 public:
-    static constexpr std::uint32_t eAnswerDelayMs = 3;
+    static constexpr std::uint32_t ANSWER_DELAY_MS = 3;
 
     /// Modules count from 0.
     CTransmitter(IFByteLink& rLink, CFaults& rFaults, std::size_t nModule)
@@ -43,7 +43,7 @@ private:
     IFByteLink& m_rLink;
     CFaults& m_rFaults;
     std::size_t m_nModule;
-    std::uint32_t m_AnswerDelayMs = eAnswerDelayMs;
+    std::uint32_t m_AnswerDelayMs = ANSWER_DELAY_MS;
     bool m_bOvertaken = false;
     std::deque<CPending> m_Pending;  ///< none due before the one in front of it
     CTimer m_Timer;

@@ -75,8 +75,8 @@ void CPreBalConfigTabs::SaveCurrentConfiguration() {
     EndEditing();
     SaveCurrentScrewTable();
     if (PropTree::CPropTreeItem* const pInvalid = SaveUnlessInvalid()) {
-        if (GetCurSel() != eSettingsTab) {
-            SetCurSel(eSettingsTab);
+        if (GetCurSel() != SETTINGS_TAB) {
+            SetCurSel(SETTINGS_TAB);
             UpdateTabSelection();  // which tries once more, and shows the item
         } else {
             m_ConfigDlg.ShowInvalidItem(pInvalid);

@@ -3,6 +3,6 @@
 namespace RtrTrim {
 
 CLogComponent* g_pLog =
-    CLogComponent::Register("rtr_Trim", {{"PbFlow", ePbFlow}, {"PbMath", ePbMath}, {"PbData", ePbData}});
+    CLogComponent::Register("rtr_Trim", {{"PbFlow", PB_FLOW}, {"PbMath", PB_MATH}, {"PbData", PB_DATA}});
 
 }  // namespace RtrTrim

@@ -10,7 +10,7 @@ using RtrTrim::g_pLog;
 
 namespace {
 
-constexpr int eNoFlag = -1;
+constexpr int NO_FLAG = -1;
 
 /// What an action means to a running procedure. With m_Flag in the message it is m_WithFlag, else
 /// m_Otherwise.
@@ -22,11 +22,11 @@ struct CKeyEntry {
 };
 
 constexpr CKeyEntry Plain(int Action, CKeyActions::KeyAction Key) {
-    return {Action, eNoFlag, Key, Key};
+    return {Action, NO_FLAG, Key, Key};
 }
 
 /// 4503 to 4506 are softkeys that do nothing.
-constexpr std::array keyActions{
+constexpr std::array KEY_ACTIONS{
     Plain(Actions::eNext, CKeyActions::eNext),
     Plain(Actions::eExtras, CKeyActions::eExtras),
     Plain(Actions::eIncrement, CKeyActions::eIncrement),
@@ -106,8 +106,8 @@ void CPreBalancingMainWnd::OnRebalanceAction() {
 }
 
 void CPreBalancingMainWnd::OnKeyAction(int Action, int Flag) {
-    const auto Entry = std::ranges::find(keyActions, Action, &CKeyEntry::m_Action);
-    if (m_pPrebalancingSequence != nullptr && Entry != keyActions.end()) {
+    const auto Entry = std::ranges::find(KEY_ACTIONS, Action, &CKeyEntry::m_Action);
+    if (m_pPrebalancingSequence != nullptr && Entry != KEY_ACTIONS.end()) {
         m_pPrebalancingSequence->KeyPressed(Flag == Entry->m_Flag ? Entry->m_WithFlag : Entry->m_Otherwise);
     }
 }

@@ -16,7 +16,7 @@ void CPreBalancingMainWnd::HideConfiguration() {
     m_Conversation.BeginWatch();
     m_tabCtrl.EndEditing();
     m_tabCtrl.ShowWindow(false);
-    KillTimer(eHelpTimer);
+    KillTimer(HELP_TIMER);
     m_Browser.ShowWindow(false);
     m_Browser.DestroyWindow();
 }
@@ -24,7 +24,7 @@ void CPreBalancingMainWnd::HideConfiguration() {
 void CPreBalancingMainWnd::ShowConfiguration() {
     m_Conversation.EndWatch();
     m_tabCtrl.ShowWindow(true);
-    m_Browser.Create(this, GetBrowserRect(), eBrowserId);
+    m_Browser.Create(this, GetBrowserRect(), BROWSER_ID);
 }
 
 CPreBalancing* CPreBalancingMainWnd::StartPrebalancingSequence() {

@@ -11,9 +11,9 @@ using RtrTrim::g_pLog;
 
 namespace {
 
-constexpr std::uint8_t eUnknown = 255;
+constexpr std::uint8_t UNKNOWN = 255;
 /// First byte of frames that the module has no use for.
-constexpr std::uint8_t eReservedCommand = 4;
+constexpr std::uint8_t RESERVED_COMMAND = 4;
 
 bool IsAnswerOrReport(Reason Why) {
     return Why == Comm::eSuccess || Why == Comm::eIndication;
@@ -51,8 +51,8 @@ CSources ChooseSources(CPreBalDatabase::BalancingMode Mode, const CSet& rSet) {
             Sources = {rSet.RPMInputPlane1, rSet.SensorAdaptionPlane1, rSet.SensorAdaptionPlane2};
             break;
     }
-    Sources.m_bComplete = Sources.m_Input != eUnknown && Sources.m_Sensor1 != eUnknown &&
-                          (Mode != CPreBalDatabase::eModeTwoPlane || Sources.m_Sensor2 != eUnknown);
+    Sources.m_bComplete = Sources.m_Input != UNKNOWN && Sources.m_Sensor1 != UNKNOWN &&
+                          (Mode != CPreBalDatabase::eModeTwoPlane || Sources.m_Sensor2 != UNKNOWN);
     return Sources;
 }
 
@@ -82,7 +82,7 @@ void CModuleConversation::Ask(Query pQuery, const std::string& rName) {
 }
 
 void CModuleConversation::OnFrame(std::span<const std::uint8_t> Frame) {
-    if (m_pCommunicationIF == nullptr || Frame.empty() || Frame[0] == eReservedCommand) {
+    if (m_pCommunicationIF == nullptr || Frame.empty() || Frame[0] == RESERVED_COMMAND) {
         return;
     }
     if (m_ModuleWatch.OnFrame(Frame)) {
@@ -109,7 +109,7 @@ void CModuleConversation::OnQueryModuleIdentification(Reason Why, const std::str
         // Printed as a signed number: keys of stores in the field are written so.
         m_MachineName = *pArticle + "-" + std::to_string(static_cast<std::int32_t>(*pSerial));
     }
-    if (Why == Comm::eSuccess && m_Set.Number == eUnknown) {
+    if (Why == Comm::eSuccess && m_Set.Number == UNKNOWN) {
         Ask(&IFToCommunication::QueryActiveSet, "QueryActiveSet()");
     }
 }
@@ -124,7 +124,7 @@ void CModuleConversation::OnSetRequest(Reason Why, const CSet* pSet) {
             pProcedure->AbortBalancing(Warnings::eSetChanged);
         }
     }
-    if (m_Set.Number == eUnknown && !m_MachineName.empty()) {
+    if (m_Set.Number == UNKNOWN && !m_MachineName.empty()) {
         OnFirstSet(*pSet);
     }
     if (pSet->RPMFactorPlane1 != 1 || pSet->RPMFactorPlane2 != 1) {
@@ -221,7 +221,7 @@ void CModuleConversation::OnUnbalanceXYValues(Reason Why, const std::uint32_t* p
 void CModuleConversation::BeginWatch() {
     m_ModuleWatch.Begin({IsPlane1Used(m_Mode), IsPlane2Used(m_Mode)});
     UpdateWatchConditions();
-    m_WatchTimer.StartPeriodic(CModuleWatch::ePeriod,
+    m_WatchTimer.StartPeriodic(CModuleWatch::PERIOD,
                                [this] { m_Callbacks.m_Guard("OnTimer", [this] { WatchModules(); }); });
 }
 

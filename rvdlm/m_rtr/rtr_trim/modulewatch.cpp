@@ -103,7 +103,7 @@ CModuleWatch::Finding CModuleWatch::Tick(bool bAsk) {
     } else if (m_bSilent) {
         // Reports of that time may be lost, so the state behind it is to be heard of first.
         m_SpeaksSince = m_SpeaksSince.value_or(Present);
-        if (IsStateKnown() || Present - *m_SpeaksSince >= eMuteLimit) {
+        if (IsStateKnown() || Present - *m_SpeaksSince >= MUTE_LIMIT) {
             m_bSilent = false;
             m_SpeaksSince.reset();
             Found = Finding::eSpeaksAgain;

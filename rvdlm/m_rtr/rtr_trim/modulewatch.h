@@ -19,9 +19,9 @@ public:
     using Planes = std::array<bool, 2>;
 
     /// Period of Tick, ms.
-    static constexpr std::uint32_t ePeriod = 250;
+    static constexpr std::uint32_t PERIOD = 250;
     /// A module that speaks again, but doesn't answer, is believed what it said last after so long, ms.
-    static constexpr std::uint64_t eMuteLimit = 2000;
+    static constexpr std::uint64_t MUTE_LIMIT = 2000;
 
     enum class Finding { eNothing, eFellSilent, eSpeaksAgain };
 

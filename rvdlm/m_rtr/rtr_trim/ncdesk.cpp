@@ -17,7 +17,7 @@ namespace {
 
 /// Items by which the module may be linked to an NC. The last one is deliberately not the direction's own
 /// key.
-constexpr std::array<const char*, 5> linkKeys{
+constexpr std::array<const char*, 5> LINK_KEYS{
     NcItems::REQUEST,
     NcItems::NOTIFICATION,
     NcItems::TARGET_UNBALANCE,
@@ -25,7 +25,7 @@ constexpr std::array<const char*, 5> linkKeys{
     NcItems::ROTATION_DIRECTION_CONNECTS,
 };
 /// With a connection on hand these first ones aren't looked at.
-constexpr std::size_t eLookedAtWithoutConnection = 2;
+constexpr std::size_t LOOKED_AT_WITHOUT_CONNECTION = 2;
 
 /// A write may fail at once, or later when the server is elsewhere: the same assertion either way.
 void CheckSent(int Sent, const char* pText) {
@@ -56,8 +56,8 @@ void CNCDesk::Connect(CPreBalFromNCInterface& rTarget) {
     const COpcDatabaseRef pDatabase("CPreBalancingMainWnd");
     COPCConnection* const pConnection = COPCConnection::CreateInstance();
     const auto* const pFirst =
-        linkKeys.begin() + (pConnection->IsConnected() ? eLookedAtWithoutConnection : 0);
-    const bool bLinked = std::any_of(pFirst, linkKeys.end(), [&pDatabase](const char* pKey) {
+        LINK_KEYS.begin() + (pConnection->IsConnected() ? LOOKED_AT_WITHOUT_CONNECTION : 0);
+    const bool bLinked = std::any_of(pFirst, LINK_KEYS.end(), [&pDatabase](const char* pKey) {
         return !pDatabase->GetOpcLinkItem(pKey).empty();
     });
     if (bLinked && !pConnection->Connect(pDatabase->GetSelectedOpcServer(), 0)) {
@@ -92,7 +92,7 @@ void CNCDesk::SendStep(CPreBalNotification::Step Step) {
     if (m_pInterfaceToNC == nullptr) {
         return;
     }
-    std::vector<std::int32_t> Data(CNcNotification::eSize, 0);
+    std::vector<std::int32_t> Data(CNcNotification::SIZE, 0);
     Data.front() = Step;
     CheckSent(m_pInterfaceToNC->SetNCData(Data), NOTIFICATION_FAILED);
 }

@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr int c_nFewBits = 9;  // displays below it have a palette
+constexpr int FEW_BITS = 9;  // displays below it have a palette
 
 }  // namespace
 
@@ -23,12 +23,12 @@ CPageName::CPageName(const CStyle& rStyle, CHandlers Handlers)
 
 void CPageName::CreateOn(CWnd& rPage, const std::string& rTitle) {
     CFont Font = GetDefaultGuiFont();
-    Font.m_Weight = CFont::eBold;
+    Font.m_Weight = CFont::BOLD;
     SetFont(Font);
     SetHighlighted(true);
-    Create(&rPage, CRect(), eLabelId);
-    m_Field.Create(this, CRect(), eFieldId);
-    m_Spin.Create(this, CRect(), eSpinId);
+    Create(&rPage, CRect(), LABEL_ID);
+    m_Field.Create(this, CRect(), FIELD_ID);
+    m_Spin.Create(this, CRect(), SPIN_ID);
     SetTitle(rTitle);
     Place();
 }
@@ -37,12 +37,12 @@ void CPageName::Place() {
     if (GetParent() == nullptr) {
         return;
     }
-    constexpr CSize c_Spin(15, 20);
+    constexpr CSize SPIN_SIZE(15, 20);
     const int nWidth = GetParent()->GetClientRect().Width();
     const int nField = nWidth / 2 - 6;
     MoveWindow(CRect(CPoint(10, 8), CSize(std::max(nWidth - 14, 0), 24)));
-    m_Field.MoveWindow(CRect(CPoint(nField, 2), CSize(std::max(nWidth - nWidth / 2 - 26, 0), c_Spin.cy)));
-    m_Spin.MoveWindow(CRect(CPoint(nWidth - 31, 2), c_Spin));
+    m_Field.MoveWindow(CRect(CPoint(nField, 2), CSize(std::max(nWidth - nWidth / 2 - 26, 0), SPIN_SIZE.cy)));
+    m_Spin.MoveWindow(CRect(CPoint(nWidth - 31, 2), SPIN_SIZE));
     SetTextEnd(nField);
 }
 
@@ -52,7 +52,7 @@ void CPageName::SetTitle(const std::string& rTitle) {
 }
 
 void CPageName::SetHighlighted(bool bHighlighted) {
-    const bool bGradient = GetDisplayBitsPerPixel() >= c_nFewBits;
+    const bool bGradient = GetDisplayBitsPerPixel() >= FEW_BITS;
     const COLORREF Face = GetSysColor(SysColor::eFace);
     const COLORREF Color = bGradient ? m_Style.m_Color : m_Style.m_PlainColor;
     SetBackground(bHighlighted ? Color : Face, Face);

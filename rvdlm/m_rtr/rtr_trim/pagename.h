@@ -18,9 +18,9 @@
 class CPageName : public CStaticLabel {
 public:
     // Ids: this window's, and those of its children.
-    static constexpr UINT eLabelId = 8001;
-    static constexpr UINT eFieldId = 8002;
-    static constexpr UINT eSpinId = 8003;
+    static constexpr UINT LABEL_ID = 8001;
+    static constexpr UINT FIELD_ID = 8002;
+    static constexpr UINT SPIN_ID = 8003;
 
     /// In what the pages differ.
     struct CStyle {
@@ -29,8 +29,8 @@ public:
         bool m_bWrap;           ///< a step over one end of the names goes to the other, else it stays
     };
     /// The two colours differ a little, as they always have.
-    static constexpr CStyle c_SettingsStyle{RGB(255, 204, 133), RGB(255, 128, 0), false};
-    static constexpr CStyle c_ScrewTableStyle{RGB(0xFF, 0xCD, 0x85), RGB(0xFF, 0x80, 0x00), true};
+    static constexpr CStyle SETTINGS_STYLE{RGB(255, 204, 133), RGB(255, 128, 0), false};
+    static constexpr CStyle SCREW_TABLE_STYLE{RGB(0xFF, 0xCD, 0x85), RGB(0xFF, 0x80, 0x00), true};
 
     /// What the page is told of.
     struct CHandlers {

@@ -5,5 +5,5 @@ class CWnd;
 
 /// Repaints the page of a window: the panel, and over it the running procedure, if there is one. Mask is
 /// CPreBalancing::PaintMask; but for ePaintAll what is on the screen stays where the procedure draws nothing,
-/// and without a procedure nothing happens. Nor does it while nobody can see the window.
+/// and without a procedure nothing happens. Nor does it while the window is hidden.
 void RepaintPage(CWnd& rWnd, CPreBalancing* pProcedure, unsigned Mask);

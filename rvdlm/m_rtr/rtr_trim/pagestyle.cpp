@@ -4,7 +4,7 @@
 #include <array>
 
 COLORREF PageStyle::GetPanelColor(const CDC& rDC) {
-    return rDC.GetBitsPerPixel() <= 8 ? c_ButtonFace : c_Panel;
+    return rDC.GetBitsPerPixel() <= 8 ? BUTTON_FACE : PANEL;
 }
 
 void PageStyle::PaintArea(CDC& rDC, const CRect& rRect, COLORREF Color) {
@@ -12,7 +12,7 @@ void PageStyle::PaintArea(CDC& rDC, const CRect& rRect, COLORREF Color) {
         return;
     }
     rDC.FillSolidRect(rRect, Color);
-    rDC.SelectPen(CPen(CPen::eSolid, 1, c_FrameLine));
+    rDC.SelectPen(CPen(CPen::eSolid, 1, FRAME_LINE));
     const int nRight = rRect.right - 1;
     const int nBottom = rRect.bottom - 1;
     rDC.Polyline(std::array{CPoint(rRect.left, nBottom), CPoint(nRight, nBottom), CPoint(nRight, rRect.top)});

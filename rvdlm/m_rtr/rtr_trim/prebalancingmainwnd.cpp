@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "contract/actions.h"
+#include "contract/arrivedreadings.h"
 #include "contract/hostmessages.h"
 #include "contract/ncrequests.h"
 #include "contract/prebalprogress.h"
@@ -22,7 +23,7 @@ using RtrTrim::g_pLog;
 
 namespace {
 
-constexpr CRect eFirstRect{0, 0, 200, 200};
+constexpr CRect FIRST_RECT{0, 0, 200, 200};
 
 /// Puts a text in the place of the last "%s". From the back, so that a "%" in the help directory does no
 /// harm.
@@ -61,9 +62,12 @@ const CPreBalancingMainWnd::CMessageMapEntry CPreBalancingMainWnd::ms_MessageMap
     {WM_RV_DESTROYPENDING, WM_RV_DESTROYPENDING, "OnDestroyPending", &CPreBalancingMainWnd::OnDestroyPending},
     {WM_RV_DBINITDONE, WM_RV_DBINITDONE, "OnDBInitDone", &CPreBalancingMainWnd::OnDBInitDone},
     {WM_RV_QUERYPROGRESS, WM_RV_QUERYPROGRESS, "OnQueryProgress", &CPreBalancingMainWnd::OnQueryProgress},
+    {WM_RV_QUERYREADINGS, WM_RV_QUERYREADINGS, "OnQueryReadings", &CPreBalancingMainWnd::OnQueryReadings},
     {WM_RV_STORECHANGED, WM_RV_STORECHANGED, "OnStoreChanged", &CPreBalancingMainWnd::OnStoreChanged},
     {WM_RV_QUERYCONFIGURATION, WM_RV_QUERYCONFIGURATION, "OnQueryConfiguration",
      &CPreBalancingMainWnd::OnQueryConfiguration},
+    {WM_RV_LANGUAGECHANGED, WM_RV_LANGUAGECHANGED, "OnLanguageChanged",
+     &CPreBalancingMainWnd::OnLanguageChanged},
 };
 
 CPreBalancingMainWnd::CPreBalancingMainWnd(CMainWndMakers Makers)
@@ -71,7 +75,8 @@ CPreBalancingMainWnd::CPreBalancingMainWnd(CMainWndMakers Makers)
       m_Conversation(MakeConversationCallbacks()),
       m_tabCtrl(*this),
       m_HelpFormat("mk:@MSITStore:" + GetHelpDirectory().GetText() + "\\%s_Falconet.chm::/%s.htm"),
-      m_NCDesk(MakeNCDeskCallbacks()) {}
+      m_NCDesk(MakeNCDeskCallbacks()),
+      m_StatusRate(m_Makers.m_Now) {}
 
 CPreBalancingMainWnd::~CPreBalancingMainWnd() {
     rvCOM::Forget(this);
@@ -93,7 +98,7 @@ CConversationCallbacks CPreBalancingMainWnd::MakeConversationCallbacks() {
     Callbacks.m_OnMachineKnown = [this](const CSources& rSources) { OpenDatabase(rSources); };
     // Starting a procedure aborts it at once, so that the operator sees why such a set can't be used.
     Callbacks.m_OnUnusableSet = [this] { PostMessage(WM_RV_MODULEACTION, Actions::eStart); };
-    Callbacks.m_OnSpeed = [this] { Repaint(CPreBalancing::ePaintStatus); };
+    Callbacks.m_OnSpeed = [this] { RepaintStatus(); };
     Callbacks.m_Guard = std::bind_front(&CSpeedControl::Guarded, &m_SpeedControl);
     return Callbacks;
 }
@@ -128,8 +133,8 @@ LRESULT CPreBalancingMainWnd::OnCreate(WPARAM wParam, LPARAM lParam) {
         return Result;
     }
     m_NCDesk.Connect(*this);
-    m_tabCtrl.Create(this, eFirstRect, eTabCtrlId, true);
-    m_Browser.Create(this, eFirstRect, eBrowserId);
+    m_tabCtrl.Create(this, FIRST_RECT, TAB_CTRL_ID, true);
+    m_Browser.Create(this, FIRST_RECT, BROWSER_ID);
     return Result;
 }
 
@@ -148,10 +153,15 @@ CRect CPreBalancingMainWnd::GetBrowserRect() const {
 }
 
 LRESULT CPreBalancingMainWnd::OnTimer(WPARAM wParam, LPARAM) {
-    if (wParam != eHelpTimer) {
+    if (wParam == STATUS_TIMER) {
+        KillTimer(STATUS_TIMER);
+        m_bStatusDelayed = false;
+        Repaint(CPreBalancing::ePaintStatus);
+    }
+    if (wParam != HELP_TIMER) {
         return 0;
     }
-    KillTimer(eHelpTimer);
+    KillTimer(HELP_TIMER);
     if (m_Browser.IsWindow()) {
         std::string Url = m_HelpFormat;
         FillLast(Url, m_HelpTopic);
@@ -163,7 +173,7 @@ LRESULT CPreBalancingMainWnd::OnTimer(WPARAM wParam, LPARAM) {
 
 void CPreBalancingMainWnd::SetHelpTopic(const std::string& rTopic) {
     m_HelpTopic = rTopic;
-    SetTimer(eHelpTimer, eHelpDelay);
+    SetTimer(HELP_TIMER, HELP_DELAY);
 }
 
 LRESULT CPreBalancingMainWnd::OnInitWindow(WPARAM wParam, LPARAM lParam) {
@@ -182,7 +192,7 @@ LRESULT CPreBalancingMainWnd::OnInitWindow(WPARAM wParam, LPARAM lParam) {
     m_tabCtrl.SetCurSel(0);
     m_tabCtrl.UpdateTabSelection();
     if (!m_Browser.IsWindow()) {
-        m_Browser.Create(this, GetBrowserRect(), eBrowserId);  // a run that the host ended took it along
+        m_Browser.Create(this, GetBrowserRect(), BROWSER_ID);  // a run that the host ended took it along
     }
 
     std::vector<std::uint8_t> Modules = {static_cast<std::uint8_t>(m_ModuleAddress)};
@@ -206,9 +216,13 @@ void CPreBalancingMainWnd::CreateMapper(std::uint32_t Address, const CInitFlags&
     }
 }
 
-void CPreBalancingMainWnd::OpenDatabase(const CSources& rSources) {
+void CPreBalancingMainWnd::ShowTitle() {
     m_tabCtrl.SetTitle(GetText("PREBAL_CONFIG") + " (" + GetText("SET") + " " +
                        std::to_string(GetSet().Number) + ")");
+}
+
+void CPreBalancingMainWnd::OpenDatabase(const CSources& rSources) {
+    ShowTitle();
     m_tabCtrl.InitDatabase(GetMachineName(), rSources.m_Sensor1, rSources.m_Sensor2,
                            static_cast<PreBalDB::CTypeBase::AffectedPlane>(rSources.m_Input));
     PostMessage(WM_RV_DBINITDONE);
@@ -229,17 +243,29 @@ LRESULT CPreBalancingMainWnd::OnStoreChanged(WPARAM, LPARAM) {
     return 1;
 }
 
+LRESULT CPreBalancingMainWnd::OnLanguageChanged(WPARAM, LPARAM) {
+    if (m_tabCtrl.HasDatabase()) {
+        ShowTitle();
+    }
+    m_tabCtrl.ShowTexts();
+    if (!m_HelpTopic.empty()) {
+        SetHelpTopic(m_HelpTopic);
+    }
+    RepaintAll();
+    return 1;
+}
+
 LRESULT CPreBalancingMainWnd::OnRawData(WPARAM wParam, LPARAM lParam) {
     // The buffer's handle (low byte first), one unused byte, then the frame.
-    constexpr std::size_t eHeader = 3;
+    constexpr std::size_t HEADER = 3;
     // NOLINTNEXTLINE(performance-no-int-to-ptr): a message's parameters are whole numbers
     const auto* const pBuffer = reinterpret_cast<const std::uint8_t*>(wParam);
-    if (pBuffer == nullptr || lParam < static_cast<LPARAM>(eHeader)) {
+    if (pBuffer == nullptr || lParam < static_cast<LPARAM>(HEADER)) {
         return 0;
     }
     const std::span<const std::uint8_t> Buffer(pBuffer, static_cast<std::size_t>(lParam));
     const CBufferGuard Guard(static_cast<std::uint16_t>(Buffer[0] | (Buffer[1] << 8U)));
-    m_Conversation.OnFrame(Buffer.subspan(eHeader));
+    m_Conversation.OnFrame(Buffer.subspan(HEADER));
     return 0;
 }
 
@@ -255,6 +281,16 @@ LRESULT CPreBalancingMainWnd::OnQueryProgress(WPARAM, LPARAM lParam) {
     }
     m_pPrebalancingSequence->GetProgress(*pProgress);
     pProgress->m_Menu = m_Menu;
+    return 1;
+}
+
+LRESULT CPreBalancingMainWnd::OnQueryReadings(WPARAM, LPARAM lParam) {
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): a message's parameters are whole numbers
+    auto* const pReadings = reinterpret_cast<CArrivedReadings*>(lParam);
+    if (m_pPrebalancingSequence == nullptr || pReadings == nullptr) {
+        return 0;
+    }
+    m_pPrebalancingSequence->GetReadings(*pReadings);
     return 1;
 }
 
@@ -294,17 +330,29 @@ void CPreBalancingMainWnd::LeaveNC() {
 
 int CPreBalancingMainWnd::GetSpeedIncrement() {
     return m_pPrebalancingSequence == nullptr
-               ? CSpeedControl::eIncrementWithoutSpeed
+               ? CSpeedControl::INCREMENT_WITHOUT_SPEED
                : m_SpeedControl.GetIncrement(m_ModuleAddress, m_pPrebalancingSequence->GetSetText());
 }
 
 LRESULT CPreBalancingMainWnd::OnPaint(WPARAM, LPARAM) {
-    RepaintAll();
+    RepaintPage(*this, m_pPrebalancingSequence.get(), CPreBalancing::ePaintAll);
     return 0;
 }
 
 void CPreBalancingMainWnd::Repaint(unsigned Mask) {
-    RepaintPage(*this, m_pPrebalancingSequence.get(), Mask);
+    if (IsLookedAt()) {
+        RepaintPage(*this, m_pPrebalancingSequence.get(), Mask);
+    } else {
+        Invalidate();
+    }
+}
+
+void CPreBalancingMainWnd::RepaintStatus() {
+    if (!IsLookedAt() || m_StatusRate.Take()) {
+        Repaint(CPreBalancing::ePaintStatus);
+    } else if (!m_bStatusDelayed) {
+        m_bStatusDelayed = SetTimer(STATUS_TIMER, static_cast<UINT>(CDisplayRate::PERIOD.count()));
+    }
 }
 
 void CPreBalancingMainWnd::SetMenu(std::int32_t Menu) {

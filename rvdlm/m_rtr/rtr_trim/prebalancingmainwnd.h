@@ -5,6 +5,7 @@
 #include <string>
 
 #include "contract/menus.h"
+#include "platform/window/displayrate.h"
 #include "platform/window/webbrowser2.h"
 #include "platform/window/wnd.h"
 #include "rvdlm/m_rtr/rtr_trim/communication/iffromcommunication.h"
@@ -34,11 +35,13 @@ class CPreBalancingMainWnd : public CWnd,
                              public CPreBalMainWndInterface,
                              public CPreBalFromNCInterface {
 public:
-    static constexpr UINT eTabCtrlId = 101;
-    static constexpr UINT eBrowserId = 103;
+    static constexpr UINT TAB_CTRL_ID = 101;
+    static constexpr UINT BROWSER_ID = 103;
     /// Timer that holds the help back, and its period in ms.
-    static constexpr UINT eHelpTimer = 1;
-    static constexpr UINT eHelpDelay = 350;
+    static constexpr UINT HELP_TIMER = 1;
+    static constexpr UINT HELP_DELAY = 350;
+    /// Timer for a speed that came too soon after the last picture of the status line.
+    static constexpr UINT STATUS_TIMER = 2;
 
     /// Makers: what mapper and procedure are made with.
     explicit CPreBalancingMainWnd(CMainWndMakers Makers = {});
@@ -139,15 +142,21 @@ private:
     LRESULT OnDBInitDone(WPARAM wParam, LPARAM lParam);
     LRESULT OnStoreChanged(WPARAM wParam, LPARAM lParam);
     LRESULT OnQueryProgress(WPARAM wParam, LPARAM lParam);
+    LRESULT OnQueryReadings(WPARAM wParam, LPARAM lParam);
     LRESULT OnQueryConfiguration(WPARAM wParam, LPARAM lParam);
+    LRESULT OnLanguageChanged(WPARAM wParam, LPARAM lParam);
     CConversationCallbacks MakeConversationCallbacks();
     CNCDeskCallbacks MakeNCDeskCallbacks();
     void CreateMapper(std::uint32_t Address, const CInitFlags& rFlags);
     /// The module has told who it is and which set it works with: the configuration is read.
     void OpenDatabase(const CSources& rSources);
+    void ShowTitle();
     CRect GetBrowserRect() const;
     void PostToParent(UINT Message, WPARAM wParam, LPARAM lParam = 0);
+    /// What is to be seen of the page now; all of it later, while nobody looks.
     void Repaint(unsigned Mask);
+    /// Speeds come with the frames, quicker than a display shows them.
+    void RepaintStatus();
     /// Tells the NC that this window works no more, unless that was told.
     void LeaveNC();
 
@@ -192,4 +201,6 @@ private:
     CSpeedControl m_SpeedControl;        ///< with the weight positions
     bool m_bSaveFailed = false;          ///< in the present run
     std::int32_t m_Menu = Menus::eNone;  ///< last given to SetMenu
+    CDisplayRate m_StatusRate;
+    bool m_bStatusDelayed = false;  ///< STATUS_TIMER runs
 };

@@ -21,9 +21,9 @@ using RtrTrim::g_pLog;
 
 namespace {
 
-constexpr int eStateHeight = 26;
-constexpr int eInset = 10;
-constexpr int eInfoHeight = 98;  // for the texts in the narrowest page
+constexpr int STATE_HEIGHT = 26;
+constexpr int INSET = 10;
+constexpr int INFO_HEIGHT = 98;  // for the texts in the narrowest page
 constexpr const char* PAGE_HELP = "_PB001";
 
 bool IsKeyboardOnlyConfigured() {
@@ -35,10 +35,10 @@ bool IsKeyboardOnlyConfigured() {
 
 CPreBalConfigDlg::CPreBalConfigDlg(CPreBalConfigTabs& rTabs)
     : m_rTabs(rTabs),
-      m_Name(CPageName::c_SettingsStyle,
+      m_Name(CPageName::SETTINGS_STYLE,
              {[this] { OnNameTaken(); }, [this](int nDelta) { OnDeltaposConfigSpin(nDelta); },
               [this] { GetTree().SetFocusedItem(nullptr); }}) {
-    GetTree().ModifyStyle(0, CPropTree::eNotifyParent);
+    GetTree().ModifyStyle(0, CPropTree::NOTIFY_PARENT);
     GetTree().SetHelpKey(PAGE_HELP);
 }
 
@@ -63,12 +63,12 @@ void CPreBalConfigDlg::CreateControls() {
     m_Name.CreateOn(*this, std::string(GetTitle()));
     m_State.SetFormat(DT_SINGLELINE | DT_VCENTER | DT_LEFT | DT_END_ELLIPSIS);
     CFont Font = GetDefaultGuiFont();
-    Font.m_Weight = CFont::eBold;
+    Font.m_Weight = CFont::BOLD;
     m_State.SetFont(Font);
-    m_State.Create(this, CRect(), eStateId);
-    GetTree().ShowInfo(true, eInfoHeight);
+    m_State.Create(this, CRect(), STATE_ID);
+    GetTree().ShowInfo(true, INFO_HEIGHT);
     GetTree().SetMode(IsKeyboardOnlyConfigured() ? CPropTree::eKeyboardOnly : CPropTree::eNormalMode);
-    GetTree().Create(this, CRect(), eTreeId);
+    GetTree().Create(this, CRect(), TREE_ID);
     ShowState();
 }
 
@@ -76,12 +76,12 @@ void CPreBalConfigDlg::OnSize() {
     m_Name.Place();
     const CRect Client = GetClientRect();
     const int nState = CPageName::GetHeight();
-    const int nTree = std::min(nState + eStateHeight, Client.bottom);
-    m_State.MoveWindow(CRect(eInset, nState, std::max(Client.right - eInset, eInset), nTree));
+    const int nTree = std::min(nState + STATE_HEIGHT, Client.bottom);
+    m_State.MoveWindow(CRect(INSET, nState, std::max(Client.right - INSET, INSET), nTree));
     GetTree().MoveWindow(CRect(0, nTree, Client.right, Client.bottom));
     // Labels need more room than values: in the narrowest page they'd be cut so short that they look alike.
-    constexpr int ePercent = 54;
-    GetTree().SetOrigin(Client.Width() * ePercent / 100);
+    constexpr int PERCENT = 54;
+    GetTree().SetOrigin(Client.Width() * PERCENT / 100);
 }
 
 void CPreBalConfigDlg::OnNotify(const CWndNotification& rNotification) {
@@ -93,7 +93,7 @@ void CPreBalConfigDlg::OnNotify(const CWndNotification& rNotification) {
 void CPreBalConfigDlg::SetBalancingConfigurations(const Base::CStringArray& rNames, bool bKeep) {
     m_Names = rNames;
     if (!bKeep && m_Names.IsEmpty()) {
-        m_Names.Add(ms_pDefaultName);
+        m_Names.Add(DEFAULT_NAME);
     }
     m_Name.GetSpin().SetRange(0, std::max(static_cast<int>(m_Names.GetSize()) - 1, 0));
     if (!bKeep) {
@@ -138,6 +138,9 @@ void CPreBalConfigDlg::SetConfiguration(PreBalDB::CPreBalBaseTableEntry& rEntry,
                                         PreBalDB::CPreBalDatabase::BalancingMode Mode,
                                         const Base::CStringArray& rScrewTableNames) {
     const bool bFirst = m_pEntry == nullptr;
+    if (std::exchange(m_Language, GetLanguage()) != GetLanguage()) {
+        DeleteItems();  // they have the texts of another one
+    }
     m_pEntry = &rEntry;
     m_bEdited = false;
     SetConfig(rEntry, Mode, rScrewTableNames);
@@ -147,7 +150,7 @@ void CPreBalConfigDlg::SetConfiguration(PreBalDB::CPreBalBaseTableEntry& rEntry,
     CompareCalibration();
     m_bCalibrated = IsCalibrated();
     m_bScrews = HasScrewCompensation();
-    if (bFirst && rEntry.GetProcessName() == ms_pDefaultName) {
+    if (bFirst && rEntry.GetProcessName() == DEFAULT_NAME) {
         m_rTabs.PostMessage(WM_RV_SAVECONFIGURATION);
     }
     TellHost();

@@ -15,9 +15,9 @@ class CPreBalConfigTabs;
 /// a tree. Asks the tabs by message to load and save. Window thread only.
 class CPreBalConfigDlg : public CDialog, public CBaseParamsTree {
 public:
-    static constexpr const char* ms_pDefaultName = "Default";
-    static constexpr UINT eStateId = 8004;
-    static constexpr UINT eTreeId = 8005;
+    static constexpr const char* DEFAULT_NAME = "Default";
+    static constexpr UINT STATE_ID = 8004;
+    static constexpr UINT TREE_ID = 8005;
 
     explicit CPreBalConfigDlg(CPreBalConfigTabs& rTabs);
 
@@ -91,6 +91,7 @@ private:
     Base::CStringArray m_Names;
     int m_Plane = 0;
     PreBalDB::CPreBalBaseTableEntry* m_pEntry = nullptr;
+    std::string m_Language;            ///< of the items
     bool m_bEdited = false;            ///< by the operator, since the entry was shown
     bool m_bCalibrationReset = false;  ///< what is shown doesn't go with the entry's calibration
     // What was told last.

@@ -16,8 +16,8 @@ using RtrTrim::g_pLog;
 
 namespace {
 
-constexpr const char* eSettingsTopic = "_PB001";
-constexpr const char* eScrewTopic = "_PB002";
+constexpr const char* SETTINGS_TOPIC = "_PB001";
+constexpr const char* SCREW_TOPIC = "_PB002";
 
 }  // namespace
 
@@ -61,10 +61,10 @@ void CPreBalConfigTabs::OnCreate(WPARAM) {
     SetFont(CFont("Arial", 14));
     SetImageList(TabImages::Make());
     const CRect Area = GetDisplayArea();
-    m_ConfigDlg.Create(this, Area, eSettingsPageId, true);
-    m_ScrewTableDlg.Create(this, Area, eScrewPageId, false);
-    InsertItem(eSettingsTab, GetText("SETTINGS"), TabImages::eSettings);
-    InsertItem(eScrewTab, GetText("MASS_TABLE"), TabImages::eScrewTable);
+    m_ConfigDlg.Create(this, Area, SETTINGS_PAGE_ID, true);
+    m_ScrewTableDlg.Create(this, Area, SCREW_PAGE_ID, false);
+    InsertItem(SETTINGS_TAB, GetText("SETTINGS"), TabImages::eSettings);
+    InsertItem(SCREW_TAB, GetText("MASS_TABLE"), TabImages::eScrewTable);
     UpdateTabSelection();
 }
 
@@ -86,15 +86,25 @@ void CPreBalConfigTabs::SendSoftkeys(WPARAM Mask, LPARAM Values) const {
 void CPreBalConfigTabs::UpdateTabSelection() {
     EndEditing();  // which may take the screw page away
     switch (GetCurSel()) {
-        case eSettingsTab:
+        case SETTINGS_TAB:
             ShowSettingsPage();
             break;
-        case eScrewTab:
+        case SCREW_TAB:
             ShowScrewPage();
             break;
         default:
             RV_ASSERT_FAIL(g_pLog, "impossible");
             break;
+    }
+}
+
+void CPreBalConfigTabs::ShowTexts() {
+    EndEditing();
+    SetItemText(SETTINGS_TAB, GetText("SETTINGS"));
+    SetItemText(SCREW_TAB, GetText("MASS_TABLE"));  // which may not be there
+    m_ScrewTableDlg.ShowTexts();
+    if (HasDatabase() && IsWindowVisible()) {
+        UpdateTabSelection();
     }
 }
 
@@ -110,7 +120,7 @@ void CPreBalConfigTabs::ShowSettingsPage() {
     if (m_pCurrentBaseEntry != nullptr && pInvalid == nullptr) {
         ShowConfiguration();  // the screw tables may have changed
     }
-    m_rMainWnd.SetHelpTopic(eSettingsTopic);
+    m_rMainWnd.SetHelpTopic(SETTINGS_TOPIC);
     m_ConfigDlg.ShowWindow(true);
     m_ConfigDlg.ShowInvalidItem(pInvalid);
 }
@@ -118,14 +128,14 @@ void CPreBalConfigTabs::ShowSettingsPage() {
 void CPreBalConfigTabs::ShowScrewPage() {
     m_ConfigDlg.ShowWindow(false);
     SaveCurrentConfiguration();
-    if (GetCurSel() != eScrewTab) {
+    if (GetCurSel() != SCREW_TAB) {
         return;  // a value isn't valid: the settings are shown again
     }
     SendSoftkeys(SoftkeyMask::ePages, m_ScrewTableDlg.IsListMode() ? SoftkeyMask::ePages : 0);
     if (CWnd* const pHost = GetHost()) {
         pHost->SendMessage(WM_RV_HELPORMENU, Pages::eScrewTable, 1);
     }
-    m_rMainWnd.SetHelpTopic(eScrewTopic);
+    m_rMainWnd.SetHelpTopic(SCREW_TOPIC);
     m_ScrewTableDlg.ShowWindow(true);
 }
 
@@ -142,7 +152,7 @@ void CPreBalConfigTabs::Navigate(int Action, int Flag) {
     if (!IsWindowVisible()) {
         return;
     }
-    if (GetCurSel() == eScrewTab) {
+    if (GetCurSel() == SCREW_TAB) {
         if (Action >= Actions::eValue && Action <= Actions::eItem) {
             m_ScrewTableDlg.Navigate(Action, Flag);
             SendSoftkeys(SoftkeyMask::ePages, m_ScrewTableDlg.IsListMode() ? SoftkeyMask::ePages : 0);
@@ -160,12 +170,12 @@ void CPreBalConfigTabs::EndEditing() {
 
 void CPreBalConfigTabs::OnUpdateTabs(WPARAM bScrews) {
     if (bScrews != 0 && GetItemCount() == 1) {
-        const int Inserted = InsertItem(eScrewTab, GetText("MASS_TABLE"), TabImages::eScrewTable);
-        RV_ASSERT_AS(g_pLog, Inserted == eScrewTab, "InsertItem(1, GetText(\"MASS_TABLE\"), 1) == 1",
+        const int Inserted = InsertItem(SCREW_TAB, GetText("MASS_TABLE"), TabImages::eScrewTable);
+        RV_ASSERT_AS(g_pLog, Inserted == SCREW_TAB, "InsertItem(1, GetText(\"MASS_TABLE\"), 1) == 1",
                      "must not fail!", false);
     } else if (bScrews == 0 && GetItemCount() == 2) {
-        const bool bShown = GetCurSel() == eScrewTab;
-        const bool bDeleted = DeleteItem(eScrewTab);
+        const bool bShown = GetCurSel() == SCREW_TAB;
+        const bool bDeleted = DeleteItem(SCREW_TAB);
         RV_ASSERT_AS(g_pLog, bDeleted, "DeleteItem(1)", "must not fail!", false);
         if (bShown) {
             UpdateTabSelection();

@@ -17,10 +17,10 @@ class CPreBalancingMainWnd;
 /// for the operator. Window thread only.
 class CPreBalConfigTabs : public CTabCtrl {
 public:
-    static constexpr int eSettingsTab = 0;
-    static constexpr int eScrewTab = 1;
-    static constexpr UINT eSettingsPageId = 122;
-    static constexpr UINT eScrewPageId = 123;
+    static constexpr int SETTINGS_TAB = 0;
+    static constexpr int SCREW_TAB = 1;
+    static constexpr UINT SETTINGS_PAGE_ID = 122;
+    static constexpr UINT SCREW_PAGE_ID = 123;
 
     explicit CPreBalConfigTabs(CPreBalancingMainWnd& rMainWnd);
     ~CPreBalConfigTabs() override;
@@ -50,6 +50,9 @@ public:
     /// saved first, unless it is gone from the store; then the first configuration or the default table
     /// takes its place.
     void ReadStoreAnew();
+    /// Shows the texts of both pages in the language in use. Saves what the page shown holds; while a
+    /// procedure runs its configuration is left alone, and shown anew at its end anyway.
+    void ShowTexts();
     /// Hands an action of the host to the page shown; while the pane is hidden there is none.
     void Navigate(int Action, int Flag);
     /// Selects the other tab, if there are two, and shows its page, which saves.

@@ -7,7 +7,7 @@
 namespace {
 
 // The two verdicts over the target have no text: a log of such a run keeps the mark of the assertion.
-constexpr std::array<const char*, 9> g_StepTexts = {
+constexpr std::array<const char*, 9> STEP_TEXTS = {
     "Inactive",            // 0
     "Parameter",           // 1
     "ParameterWithReBal",  // 2
@@ -19,7 +19,7 @@ constexpr std::array<const char*, 9> g_StepTexts = {
     "RebalSuccess",        // 8
 };
 
-constexpr std::array<const char*, 7> g_ActionTexts = {
+constexpr std::array<const char*, 7> ACTION_TEXTS = {
     "None",                 // 0
     "SetSpindleSpeed",      // 1
     "SpindleStart",         // 2
@@ -55,10 +55,10 @@ int CPreBalNotification::Encode(std::vector<std::int32_t>& rData) const {
 }
 
 void CPreBalNotification::Log() const {
-    if (RtrTrim::g_pLog == nullptr || (RtrTrim::g_pLog->GetLevel() & RtrTrim::ePbFlow) == 0) {
+    if (RtrTrim::g_pLog == nullptr || (RtrTrim::g_pLog->GetLevel() & RtrTrim::PB_FLOW) == 0) {
         return;
     }
-    RtrTrim::g_pLog->LogStartBlock(__FILE__, __LINE__, __func__, RtrTrim::ePbFlow, "PbFlow",
+    RtrTrim::g_pLog->LogStartBlock(__FILE__, __LINE__, __func__, RtrTrim::PB_FLOW, "PbFlow",
                                    "PreBalNotification");
     PB_FLOW("Step: %s", PreBalStepToString(m_Step));
     PB_FLOW("Action: %s", ActionToString(m_Action));
@@ -71,11 +71,11 @@ void CPreBalNotification::Log() const {
     };
     LogPlane(1, m_AnglesPlane1, m_WeightsPlane1);
     LogPlane(2, m_AnglesPlane2, m_WeightsPlane2);
-    RtrTrim::g_pLog->LogEndBlock(RtrTrim::ePbFlow);
+    RtrTrim::g_pLog->LogEndBlock(RtrTrim::PB_FLOW);
 }
 
 const char* CPreBalNotification::PreBalStepToString(std::int32_t Value) {
-    if (const char* pText = FindText(g_StepTexts, Value)) {
+    if (const char* pText = FindText(STEP_TEXTS, Value)) {
         return pText;
     }
     RV_ASSERT_FAIL(RtrTrim::g_pLog, "impossible");
@@ -83,6 +83,6 @@ const char* CPreBalNotification::PreBalStepToString(std::int32_t Value) {
 }
 
 const char* CPreBalNotification::ActionToString(std::int32_t Value) {
-    const char* pText = FindText(g_ActionTexts, Value);
+    const char* pText = FindText(ACTION_TEXTS, Value);
     return pText != nullptr ? pText : "UNDEFINED Action";
 }

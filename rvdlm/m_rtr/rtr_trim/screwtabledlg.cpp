@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <map>
+#include <utility>
 
 #include "contract/actions.h"
 #include "contract/softkeymask.h"
@@ -15,23 +16,23 @@ using RtrTrim::g_pLog;
 
 namespace {
 
-constexpr int eRowHeight = 20;
-constexpr unsigned eNameColumn = 0;
-constexpr unsigned eWeightColumn = 1;
+constexpr int ROW_HEIGHT = 20;
+constexpr unsigned NAME_COLUMN = 0;
+constexpr unsigned WEIGHT_COLUMN = 1;
 /// A new row's, as the table's defaults are written.
-constexpr const char* eNoWeight = "0.000000";
-constexpr const char* eUnit = "g";
+constexpr const char* NO_WEIGHT = "0.000000";
+constexpr const char* UNIT = "g";
 /// A correction is made of at most three screws, and a weight that is on hand twice can take part twice.
-constexpr int eMostOfOneWeight = 2;
+constexpr int MOST_OF_ONE_WEIGHT = 2;
 
 }  // namespace
 
 CScrewTableDlg::CScrewTableDlg(CPreBalConfigTabs& rTabs)
     : m_rTabs(rTabs),
-      m_Name(CPageName::c_ScrewTableStyle, {[this] { OnNameTaken(); }, [this](int nDelta) { OnStep(nDelta); },
+      m_Name(CPageName::SCREW_TABLE_STYLE, {[this] { OnNameTaken(); }, [this](int nDelta) { OnStep(nDelta); },
                                             [this] { SetListMode(true); }}) {
     m_Name.GetSpin().SetRange(1, 1);
-    m_Table.SetRowHeight(eRowHeight);
+    m_Table.SetRowHeight(ROW_HEIGHT);
 }
 
 LRESULT CScrewTableDlg::WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) {
@@ -58,9 +59,27 @@ LRESULT CScrewTableDlg::WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) {
 
 void CScrewTableDlg::CreateControls() {
     m_Name.CreateOn(*this, GetText("MASS_TABLE"));
-    m_Table.SetColumns({{CFlexTable::eString, GetText("NAME"), ""},
-                        {CFlexTable::eDouble, GetText("REFERENCE_WEIGHT"), eUnit}});
-    m_Table.Create(this, GetClientRect(), eTableId);
+    m_Unnamed = GetText("NAME");
+    m_Table.SetColumns(
+        {{CFlexTable::eString, m_Unnamed, ""}, {CFlexTable::eDouble, GetText("REFERENCE_WEIGHT"), UNIT}});
+    m_Table.Create(this, GetClientRect(), TABLE_ID);
+}
+
+void CScrewTableDlg::ShowTexts() {
+    if (!IsWindow()) {
+        return;
+    }
+    m_Name.SetTitle(GetText("MASS_TABLE"));
+    const std::string Former = std::exchange(m_Unnamed, GetText("NAME"));
+    m_Table.SetColumnTitle(NAME_COLUMN, m_Unnamed);
+    m_Table.SetColumnTitle(WEIGHT_COLUMN, GetText("REFERENCE_WEIGHT"));
+    m_Table.SetDefaultValues({m_Unnamed, NO_WEIGHT});
+    for (unsigned i = 0; i < m_Table.GetRowCount(); ++i) {
+        std::string Name;
+        if (m_Table.GetItemData(i, NAME_COLUMN, Name) && Name == Former) {
+            m_Table.SetItemData(i, NAME_COLUMN, m_Unnamed);
+        }
+    }
 }
 
 void CScrewTableDlg::OnSize() {
@@ -77,8 +96,8 @@ void CScrewTableDlg::OnShown() {
 }
 
 void CScrewTableDlg::OnNotify(const CWndNotification& rNotification) {
-    if (rNotification.m_pFrom == &m_Table && rNotification.m_Code == CFlexTable::eCursorMoved) {
-        SetListMode(m_Table.GetCursorRow() == CFlexTable::eNone);
+    if (rNotification.m_pFrom == &m_Table && rNotification.m_Code == CFlexTable::CURSOR_MOVED) {
+        SetListMode(m_Table.GetCursorRow() == CFlexTable::NONE);
     }
 }
 
@@ -117,13 +136,13 @@ void CScrewTableDlg::ShowScrewTableName(const std::string& rName) {
 void CScrewTableDlg::EmptyTable() {
     m_Table.SetAutoGrowth(false);
     m_Table.RemoveAllRows();
-    m_Table.SetDefaultValues({GetText("NAME"), eNoWeight});
+    m_Table.SetDefaultValues({m_Unnamed, NO_WEIGHT});
 }
 
 void CScrewTableDlg::BeginGrowth() {
     m_Table.SetAutoGrowth(true);
     m_Table.AddRow();
-    m_Table.SetTimer(CFlexTable::eGrowthTimer, CFlexTable::eGrowthPeriod);
+    m_Table.SetTimer(CFlexTable::GROWTH_TIMER, CFlexTable::GROWTH_PERIOD);
 }
 
 void CScrewTableDlg::SetScrewTable(const Base::CWDArray<CScrew>& rScrews) {
@@ -131,9 +150,9 @@ void CScrewTableDlg::SetScrewTable(const Base::CWDArray<CScrew>& rScrews) {
     for (const CScrew& rScrew : rScrews) {
         const unsigned Row = m_Table.AddRow();
         if (!rScrew.GetScrewName().empty()) {
-            m_Table.SetItemData(Row, eNameColumn, rScrew.GetScrewName());
+            m_Table.SetItemData(Row, NAME_COLUMN, rScrew.GetScrewName());
         }
-        m_Table.SetItemData(Row, eWeightColumn, rScrew.GetWeight());
+        m_Table.SetItemData(Row, WEIGHT_COLUMN, rScrew.GetWeight());
     }
     m_Table.Invalidate();
     BeginGrowth();
@@ -141,21 +160,20 @@ void CScrewTableDlg::SetScrewTable(const Base::CWDArray<CScrew>& rScrews) {
 
 void CScrewTableDlg::GetConfig(Base::CWDArray<CScrew>& rScrews) const {
     rScrews.RemoveAll();
-    const std::string Unnamed = GetText("NAME");
     std::map<double, int> Before;  // how many rows before have that weight
     std::string ScrewName;
     double Weight = 0.0;
     for (unsigned i = 0; i + 1 < m_Table.GetRowCount(); ++i) {
-        const bool bName = m_Table.GetItemData(i, eNameColumn, ScrewName);
+        const bool bName = m_Table.GetItemData(i, NAME_COLUMN, ScrewName);
         RV_ASSERT_AS(g_pLog, bName, "m_FlexTable.GetItemData(i, 0, ScrewName)",
                      "CFlexTable::GetItemData failed (ScrewName)!", false);
-        const bool bWeight = m_Table.GetItemData(i, eWeightColumn, Weight);
+        const bool bWeight = m_Table.GetItemData(i, WEIGHT_COLUMN, Weight);
         RV_ASSERT_AS(g_pLog, bWeight, "m_FlexTable.GetItemData(i, 1, Weight)",
                      "CFlexTable::GetItemData failed (Weight)!", false);
-        if (Weight == 0.0 || ++Before[Weight] > eMostOfOneWeight) {
+        if (Weight == 0.0 || ++Before[Weight] > MOST_OF_ONE_WEIGHT) {
             continue;
         }
-        rScrews.Add(CScrew(ScrewName == Unnamed ? std::string() : ScrewName, Weight));
+        rScrews.Add(CScrew(ScrewName == m_Unnamed ? std::string() : ScrewName, Weight));
     }
 }
 
@@ -218,11 +236,11 @@ void CScrewTableDlg::ShowListMode() {
 }
 
 void CScrewTableDlg::ShowEditMode() {
-    if (GetFocus() == nullptr || GetFocus() != m_Table.GetDlgItem(CFlexTable::eBoxId)) {
+    if (GetFocus() == nullptr || GetFocus() != m_Table.GetDlgItem(CFlexTable::BOX_ID)) {
         m_Table.SetFocus();
     }
-    if (m_Table.GetCursorRow() == CFlexTable::eNone) {
-        m_Table.MoveTo(0, eNameColumn);
+    if (m_Table.GetCursorRow() == CFlexTable::NONE) {
+        m_Table.MoveTo(0, NAME_COLUMN);
     }
     if (GetScrewTableName() != m_EditedName) {
         m_EditedName = GetScrewTableName();
@@ -248,9 +266,9 @@ void CScrewTableDlg::NavigateList(int Action, int Flag) {
     if (Action == Actions::eItem) {
         SetListMode(false);
         if (bFirst) {
-            m_Table.MoveTo(0, eNameColumn);
+            m_Table.MoveTo(0, NAME_COLUMN);
         } else {
-            m_Table.MoveTo(m_Table.GetRowCount() - 1, eWeightColumn);
+            m_Table.MoveTo(m_Table.GetRowCount() - 1, WEIGHT_COLUMN);
         }
     } else if (Action == Actions::eValue && (bFirst || Flag == Actions::eDecrementDown)) {
         m_rTabs.SendMessage(WM_RV_SAVESCREWTABLE);
@@ -260,17 +278,17 @@ void CScrewTableDlg::NavigateList(int Action, int Flag) {
 
 // Flag 1 goes on and flag 2 goes back, the other way round than on the settings page, and meant so.
 void CScrewTableDlg::NavigateTable(int Flag) {
-    const bool bCursor = m_Table.GetCursorRow() != CFlexTable::eNone;
+    const bool bCursor = m_Table.GetCursorRow() != CFlexTable::NONE;
     const unsigned Row = bCursor ? m_Table.GetCursorRow() : 0;
-    const unsigned Column = bCursor ? m_Table.GetCursorColumn() : eNameColumn;
+    const unsigned Column = bCursor ? m_Table.GetCursorColumn() : NAME_COLUMN;
     bool bMoved = false;
     if (Flag == Actions::eIncrementDown) {
         bMoved =
-            Column == eNameColumn ? m_Table.MoveTo(Row, eWeightColumn) : m_Table.MoveTo(Row + 1, eNameColumn);
-    } else if (Column != eNameColumn) {
-        bMoved = m_Table.MoveTo(Row, eNameColumn);
+            Column == NAME_COLUMN ? m_Table.MoveTo(Row, WEIGHT_COLUMN) : m_Table.MoveTo(Row + 1, NAME_COLUMN);
+    } else if (Column != NAME_COLUMN) {
+        bMoved = m_Table.MoveTo(Row, NAME_COLUMN);
     } else {
-        bMoved = Row > 0 && m_Table.MoveTo(Row - 1, eWeightColumn);
+        bMoved = Row > 0 && m_Table.MoveTo(Row - 1, WEIGHT_COLUMN);
     }
     if (!bMoved) {
         SetListMode(true);
@@ -282,5 +300,5 @@ void CScrewTableDlg::Clear() {
     ShowScrewTableName({});
     m_Name.GetSpin().SetRange(1, 1);
     EmptyTable();
-    m_Table.KillTimer(CFlexTable::eGrowthTimer);
+    m_Table.KillTimer(CFlexTable::GROWTH_TIMER);
 }

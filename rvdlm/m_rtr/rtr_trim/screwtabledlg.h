@@ -17,7 +17,7 @@ class CPreBalConfigTabs;
 /// then left for the table begins a new, empty one.
 class CScrewTableDlg : public CDialog {
 public:
-    static constexpr UINT eTableId = 101;
+    static constexpr UINT TABLE_ID = 101;
 
     explicit CScrewTableDlg(CPreBalConfigTabs& rTabs);
 
@@ -43,6 +43,8 @@ public:
     void EndEditing();
     /// Forgets names and rows; the database is about to go.
     void Clear();
+    /// Shows the texts in the language in use.
+    void ShowTexts();
 
     CPageName& GetPageName() { return m_Name; }
     CFlexTable& GetTable() { return m_Table; }
@@ -72,5 +74,6 @@ private:
     bool m_ListMode = true;
     bool m_bSwitching = false;  ///< focus and cursor move because of the mode, not the mode because of them
     Base::CStringArray m_ScrewTableNames;
+    std::string m_Unnamed;     ///< what stands on show in place of a screw's empty name
     std::string m_EditedName;  ///< shown when the list mode was entered, or since by the program
 };

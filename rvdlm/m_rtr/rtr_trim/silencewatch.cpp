@@ -18,14 +18,14 @@ void CSilenceWatch::OnConditions(std::uint64_t Now, bool bTurning, bool bInLock)
 
 void CSilenceWatch::OnReading(std::uint64_t Now, bool bReport) {
     // A question that was repeated has further answers, and these count as reports.
-    constexpr std::uint64_t eRequestLife = 2000;
+    constexpr std::uint64_t REQUEST_LIFE = 2000;
     if (!bReport) {
         m_AnsweredAt = Now;
     }
-    bReport = bReport && !(m_AnsweredAt && Now - *m_AnsweredAt < eRequestLife);
-    if (bReport && m_LastReport && Now - *m_LastReport <= WithTolerance(eLongestPeriod)) {
+    bReport = bReport && !(m_AnsweredAt && Now - *m_AnsweredAt < REQUEST_LIFE);
+    if (bReport && m_LastReport && Now - *m_LastReport <= WithTolerance(LONGEST_PERIOD)) {
         m_Periods.push_back(Now - *m_LastReport);
-        if (m_Periods.size() > ePeriods) {
+        if (m_Periods.size() > PERIODS) {
             m_Periods.erase(m_Periods.begin());
         }
     }
@@ -44,9 +44,9 @@ bool CSilenceWatch::Tick(std::uint64_t Now) {
 }
 
 std::uint64_t CSilenceWatch::GetLimit() const {
-    constexpr std::uint64_t eSlack = 500;
+    constexpr std::uint64_t SLACK = 500;
     const std::uint64_t Period =
-        m_Periods.empty() ? eLongestPeriod : *std::max_element(m_Periods.begin(), m_Periods.end());
-    const std::uint64_t Limit = std::max(eShortestLimit, WithTolerance(Period) + eSlack);
-    return m_bFirst ? std::min(Limit, eFirstReading) : Limit;
+        m_Periods.empty() ? LONGEST_PERIOD : *std::max_element(m_Periods.begin(), m_Periods.end());
+    const std::uint64_t Limit = std::max(SHORTEST_LIMIT, WithTolerance(Period) + SLACK);
+    return m_bFirst ? std::min(Limit, FIRST_READING) : Limit;
 }

@@ -17,12 +17,12 @@ class CSilenceWatch {
 public:
     /// No silence shorter than this counts: less than the shortest useful window of samples lasts, so that it
     /// can't be filled with one stale reading of a module that reports many times a second.
-    static constexpr std::uint64_t eShortestLimit = 1000;
+    static constexpr std::uint64_t SHORTEST_LIMIT = 1000;
     /// The slowest module reports once in so long. What is a quarter longer is no period but an outage.
-    static constexpr std::uint64_t eLongestPeriod = 5000;
+    static constexpr std::uint64_t LONGEST_PERIOD = 5000;
     /// For the first reading in lock: settling takes 3000, then a reading is asked for, and may be answered
     /// late.
-    static constexpr std::uint64_t eFirstReading = 3900;
+    static constexpr std::uint64_t FIRST_READING = 3900;
 
     /// A run begins, or the readings aren't of interest any more: nothing is known.
     void Begin() { *this = CSilenceWatch(); }
@@ -39,7 +39,7 @@ public:
 private:
     /// So many of the last periods tell the rate: a single slip doesn't, and a module that changes its rate
     /// is soon known again.
-    static constexpr std::size_t ePeriods = 4;
+    static constexpr std::size_t PERIODS = 4;
 
     static constexpr std::uint64_t WithTolerance(std::uint64_t Period) { return Period + Period / 4; }
 

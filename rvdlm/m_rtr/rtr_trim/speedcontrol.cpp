@@ -7,9 +7,9 @@
 
 namespace {
 
-constexpr int eDefaultIncrementRPM = -1;
-constexpr int eDefaultIncrement = 10;
-constexpr int eDefaultIncrementBelow = 30;
+constexpr int DEFAULT_INCREMENT_RPM = -1;
+constexpr int DEFAULT_INCREMENT = 10;
+constexpr int DEFAULT_INCREMENT_BELOW = 30;
 
 }  // namespace
 
@@ -24,15 +24,15 @@ void CSpeedControl::Read() {
 }
 
 void CSpeedControl::ReadSettings() {
-    m_WeightPositions.m_IncrementRPM = eDefaultIncrementRPM;
-    m_WeightPositions.m_Increment = eDefaultIncrement;
-    m_WeightPositions.m_IncrementBelow = eDefaultIncrementBelow;
+    m_WeightPositions.m_IncrementRPM = DEFAULT_INCREMENT_RPM;
+    m_WeightPositions.m_Increment = DEFAULT_INCREMENT;
+    m_WeightPositions.m_IncrementBelow = DEFAULT_INCREMENT_BELOW;
     const CPath Path = GetConfigDirectory().Append("speedctrl.ini");
     if (Path.IsFile()) {
         const CWKProfile Profile(Path);
-        m_WeightPositions.m_IncrementRPM = Profile.GetInt("RPM", eDefaultIncrementRPM);
-        m_WeightPositions.m_Increment = Profile.GetInt("INCREMENT", eDefaultIncrement);
-        m_WeightPositions.m_IncrementBelow = Profile.GetInt("INCREMENT_BELOW", eDefaultIncrementBelow);
+        m_WeightPositions.m_IncrementRPM = Profile.GetInt("RPM", DEFAULT_INCREMENT_RPM);
+        m_WeightPositions.m_Increment = Profile.GetInt("INCREMENT", DEFAULT_INCREMENT);
+        m_WeightPositions.m_IncrementBelow = Profile.GetInt("INCREMENT_BELOW", DEFAULT_INCREMENT_BELOW);
     }
 }
 
@@ -52,11 +52,11 @@ bool CSpeedControl::OnDamaged(const std::string& rReason) {
 
 int CSpeedControl::GetIncrement(std::uint32_t ModuleAddress, const std::string& rSetText) const {
     if (m_WeightPositions.m_IncrementRPM < 0) {
-        return eIncrementWithoutSpeed;
+        return INCREMENT_WITHOUT_SPEED;
     }
     const std::string Key = CWeightPositionStore::MakeKey(ModuleAddress, rSetText);
     if (!m_WeightPositions.Contains(Key)) {
-        return eIncrementWithoutSpeed;
+        return INCREMENT_WITHOUT_SPEED;
     }
     return m_WeightPositions.Get(Key).m_RPM > m_WeightPositions.m_IncrementRPM
                ? m_WeightPositions.m_Increment

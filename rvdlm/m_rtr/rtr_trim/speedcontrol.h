@@ -11,7 +11,7 @@
 class CSpeedControl {
 public:
     /// Degrees, where no speed is known.
-    static constexpr int eIncrementWithoutSpeed = 30;
+    static constexpr int INCREMENT_WITHOUT_SPEED = 30;
 
     const CWeightPositionStore& GetStore() const { return m_WeightPositions; }
     CWeightPositionStore& GetStore() { return m_WeightPositions; }

@@ -7,25 +7,25 @@
 
 namespace {
 
-constexpr int eHeight = 16;
-constexpr COLORREF eMask = RGB(255, 0, 255);
+constexpr int HEIGHT = 16;
+constexpr COLORREF MASK = RGB(255, 0, 255);
 
-using CPicture = std::array<std::string_view, eHeight>;
+using CPicture = std::array<std::string_view, HEIGHT>;
 
 /// Three sliders, each at another value.
-constexpr CPicture Settings = {
+constexpr CPicture SETTINGS = {
     "................", "................", "....oo..........", "kkkkookkkkkkkkkk",
     "kkkkookkkkkkkkkk", "....oo..........", "................", "..........oo....",
     "kkkkkkkkkkookkkk", "kkkkkkkkkkookkkk", "..........oo....", "......oo........",
     "kkkkkkookkkkkkkk", "kkkkkkookkkkkkkk", "......oo........", "................"};
 /// A screw with a hexagonal head.
-constexpr CPicture ScrewTable = {
+constexpr CPicture SCREW_TABLE = {
     "................", "...kkkkkkkkkk...", "...kooookoook...", "...kooookoook...",
     "...kooookoook...", "...kkkkkkkkkk...", ".....kggggk.....", ".....kkkkkk.....",
     ".....kggggk.....", ".....kkkkkk.....", ".....kggggk.....", ".....kkkkkk.....",
     ".....kggggk.....", ".....kkkkkk.....", "......kkkk......", "................"};
 /// A question mark.
-constexpr CPicture Help = {"................", ".....kkkkkk.....", "....kkkkkkkk....", "...kkk....kkk...",
+constexpr CPicture HELP = {"................", ".....kkkkkk.....", "....kkkkkkkk....", "...kkk....kkk...",
                            "...kk......kk...", "...........kk...", "..........kkk...", "........kkkk....",
                            ".......kkk......", ".......kk.......", ".......kk.......", "................",
                            ".......oo.......", ".......oo.......", "................", "................"};
@@ -39,29 +39,29 @@ COLORREF GetColor(char Pixel) {
         case 'g':
             return RGB(200, 200, 200);
         default:
-            return eMask;
+            return MASK;
     }
 }
 
 }  // namespace
 
 CImageList TabImages::Make() {
-    constexpr std::array Pictures = {&Settings, &ScrewTable, &Help};
-    CBitmap Strip(CSize(eWidth * static_cast<int>(Pictures.size()), eHeight));
+    constexpr std::array PICTURES = {&SETTINGS, &SCREW_TABLE, &HELP};
+    CBitmap Strip(CSize(WIDTH * static_cast<int>(PICTURES.size()), HEIGHT));
     {
         CDC DC(Strip);
         int nLeft = 0;
-        for (const CPicture* const pPicture : Pictures) {
-            for (int Y = 0; Y < eHeight; ++Y) {
-                for (int X = 0; X < eWidth; ++X) {
+        for (const CPicture* const pPicture : PICTURES) {
+            for (int Y = 0; Y < HEIGHT; ++Y) {
+                for (int X = 0; X < WIDTH; ++X) {
                     const char Pixel = (*pPicture)[static_cast<std::size_t>(Y)][static_cast<std::size_t>(X)];
                     DC.FillSolidRect(CRect(CPoint(nLeft + X, Y), CSize(1, 1)), GetColor(Pixel));
                 }
             }
-            nLeft += eWidth;
+            nLeft += WIDTH;
         }
     }
     CImageList Images;
-    Images.Create(Strip, eWidth, eMask);
+    Images.Create(Strip, WIDTH, MASK);
     return Images;
 }

@@ -5,7 +5,7 @@
 namespace TabImages {
 
 enum Image { eSettings = 0, eScrewTable = 1, eHelp = 2 };
-constexpr int eWidth = 16;
+constexpr int WIDTH = 16;
 
 CImageList Make();
 

@@ -13,7 +13,7 @@ using RtrTrim::g_pLog;
 std::unique_ptr<IFToCommunication> MakeKestrelMapper(IFFromCommunication& rWindow, std::uint8_t Master,
                                                      const CInitFlags& rFlags) {
     if (!rFlags.HasSlave()) {
-        return std::make_unique<CPlaneHandler>(&rWindow, Master, CPlaneHandler::eNoSlave);
+        return std::make_unique<CPlaneHandler>(&rWindow, Master, CPlaneHandler::NO_SLAVE);
     }
     RV_ASSERT(g_pLog, rFlags.GetBalancingMode() == CPreBalDatabase::eModeTwoPlane,
               "Slave address with incorrect balancing mode!");

@@ -9,8 +9,8 @@ using RtrTrim::g_pLog;
 
 namespace {
 
-constexpr std::size_t eArticleLength = 6;
-constexpr std::uint8_t eNotKnown = 0xFF;
+constexpr std::size_t ARTICLE_LENGTH = 6;
+constexpr std::uint8_t NOT_KNOWN = 0xFF;
 
 bool IsFailure(Reason Why) {
     return Why == Comm::eTimeout || Why == Comm::eError;
@@ -26,7 +26,7 @@ CPlaneHandler::CPlaneHandler(IFFromCommunication* pIFFromCommunication, std::uin
     } else {
         RV_ASSERT_AS(g_pLog, false, "Master != 0", "Incorrect master module address!", true);
     }
-    if (Slave != eNoSlave) {
+    if (Slave != NO_SLAVE) {
         m_pIFToKestrelSaker[1] = std::make_unique<CKestrelMapper>(*this, Slave);
     }
 }
@@ -110,7 +110,7 @@ void CPlaneHandler::OnQueryModuleIdentification(std::uint8_t Address, Reason Why
         m_SerialNumber |= *pSerial;
     }
     if (HasSlave()) {
-        const bool bBothArticles = m_ArticleNumber.size() > eArticleLength;
+        const bool bBothArticles = m_ArticleNumber.size() > ARTICLE_LENGTH;
         const bool bBothSerials = m_SerialNumber >= 0x10000 && (m_SerialNumber & 0xFFFFU) != 0;
         if (!bBothArticles || !bBothSerials) {
             return;
@@ -118,7 +118,7 @@ void CPlaneHandler::OnQueryModuleIdentification(std::uint8_t Address, Reason Why
     } else {
         // Plausibility only: the report goes out whatever they find.
         RV_ASSERT(g_pLog, m_pIFToKestrelSaker[0], "must be valid!");
-        RV_ASSERT_AS(g_pLog, m_ArticleNumber.size() == eArticleLength, "m_ArticleNumber.GetLength() == 6",
+        RV_ASSERT_AS(g_pLog, m_ArticleNumber.size() == ARTICLE_LENGTH, "m_ArticleNumber.GetLength() == 6",
                      "Incorrect F-Number!", false);
         RV_ASSERT_AS(g_pLog, (m_SerialNumber & 0xFFFF0000U) != 0, "m_SerialNumber&0xFFFF0000",
                      "Invalid serial number!", false);
@@ -149,13 +149,13 @@ void CPlaneHandler::OnSetRequest(std::uint8_t Address, Reason Why, const CSet* p
     if (HasSlave()) {
         const auto Fields = {m_Set.RPMFactorPlane1, m_Set.RPMInputPlane1, m_Set.SensorAdaptionPlane1,
                              m_Set.RPMFactorPlane2, m_Set.RPMInputPlane2, m_Set.SensorAdaptionPlane2};
-        if (std::ranges::find(Fields, eNotKnown) != Fields.end()) {
+        if (std::ranges::find(Fields, NOT_KNOWN) != Fields.end()) {
             return;
         }
     } else {
         RV_ASSERT_AS(g_pLog,
-                     (m_Set.GetRPMFactorPlane1() != eNotKnown) && (m_Set.GetRPMInputPlane1() != eNotKnown) &&
-                         (m_Set.GetSensorAdaptionPlane1() != eNotKnown),
+                     (m_Set.GetRPMFactorPlane1() != NOT_KNOWN) && (m_Set.GetRPMInputPlane1() != NOT_KNOWN) &&
+                         (m_Set.GetSensorAdaptionPlane1() != NOT_KNOWN),
                      "(m_Set.GetRPMFactorPlane1() != 0xFF) && (m_Set.GetRPMInputPlane1() != 0xFF) && "
                      "(m_Set.GetSensorAdaptionPlane1() != 0xFF)",
                      "invalid parameters!", false);

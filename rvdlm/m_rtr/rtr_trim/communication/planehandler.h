@@ -13,7 +13,7 @@
 class CPlaneHandler : public IFToCommunication {
 public:
     /// Slave address that means no slave.
-    static constexpr std::uint8_t eNoSlave = 255;
+    static constexpr std::uint8_t NO_SLAVE = 255;
 
     /// pIFFromCommunication must outlive the handler. A master address of 0 is refused with a message box;
     /// every operation then finds no master.

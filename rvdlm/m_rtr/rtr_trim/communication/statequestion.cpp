@@ -4,11 +4,11 @@
 
 namespace {
 
-constexpr std::uint8_t eModuleState = 0x08;
-constexpr std::size_t eHeaderSize = 3;
-constexpr std::size_t eSource = 1;
-constexpr std::size_t eDestination = 2;
-constexpr std::uint8_t eAnyAddress = 0;
+constexpr std::uint8_t MODULE_STATE = 0x08;
+constexpr std::size_t HEADER_SIZE = 3;
+constexpr std::size_t SOURCE = 1;
+constexpr std::size_t DESTINATION = 2;
+constexpr std::uint8_t ANY_ADDRESS = 0;
 
 }  // namespace
 
@@ -17,8 +17,8 @@ void CStateQuestion::Begin() {
 }
 
 bool CStateQuestion::IsDue(std::uint64_t Now, std::uint64_t Since) const {
-    const bool bKnown = m_KnownAt && *m_KnownAt >= Since && Now - *m_KnownAt < eStateLife;
-    return !bKnown && (!m_WaitingSince || Now - m_AskedAt >= eRepeat);
+    const bool bKnown = m_KnownAt && *m_KnownAt >= Since && Now - *m_KnownAt < STATE_LIFE;
+    return !bKnown && (!m_WaitingSince || Now - m_AskedAt >= REPEAT);
 }
 
 CStateQuestion::Question CStateQuestion::Ask(std::uint64_t Now, std::uint8_t TransmitAddress) {
@@ -28,30 +28,30 @@ CStateQuestion::Question CStateQuestion::Ask(std::uint64_t Now, std::uint8_t Tra
     if (!m_WaitingSince) {
         m_WaitingSince = Now;
     }
-    return {eModuleState, TransmitAddress, m_Address};
+    return {MODULE_STATE, TransmitAddress, m_Address};
 }
 
 void CStateQuestion::ForgetOld(std::uint64_t Now) {
-    while (!m_Asked.empty() && Now - m_Asked.front().m_At > eAnswerLife) {
+    while (!m_Asked.empty() && Now - m_Asked.front().m_At > ANSWER_LIFE) {
         m_Asked.pop_front();
     }
 }
 
 bool CStateQuestion::OnFrame(std::uint64_t Now, Frame Received) {
-    if (Received.size() < eHeaderSize || Received[eSource] != m_Address) {
+    if (Received.size() < HEADER_SIZE || Received[SOURCE] != m_Address) {
         return true;
     }
     m_HeardAt = Now;
     ForgetOld(Now);
-    const bool bState = Received[0] == eModuleState && Received.size() > eHeaderSize;
-    if (bState && Received[eDestination] != eAnyAddress && !m_Asked.empty()) {
-        return OnAnswer(Now, Received.subspan(eHeaderSize));
+    const bool bState = Received[0] == MODULE_STATE && Received.size() > HEADER_SIZE;
+    if (bState && Received[DESTINATION] != ANY_ADDRESS && !m_Asked.empty()) {
+        return OnAnswer(Now, Received.subspan(HEADER_SIZE));
     }
-    if (m_WaitingSince && Now - *m_WaitingSince >= eAnswerLimit) {
+    if (m_WaitingSince && Now - *m_WaitingSince >= ANSWER_LIMIT) {
         m_bAnswers = false;
     }
     if (bState) {
-        const Frame State = Received.subspan(eHeaderSize);
+        const Frame State = Received.subspan(HEADER_SIZE);
         m_State.assign(State.begin(), State.end());
         m_KnownAt = Now;
         Overtake();
@@ -82,5 +82,5 @@ void CStateQuestion::Overtake() {
 }
 
 bool CStateQuestion::IsDead(std::uint64_t Now) const {
-    return m_bAnswers && m_WaitingSince && Now - std::max(*m_WaitingSince, m_HeardAt) >= eAnswerLimit;
+    return m_bAnswers && m_WaitingSince && Now - std::max(*m_WaitingSince, m_HeardAt) >= ANSWER_LIMIT;
 }

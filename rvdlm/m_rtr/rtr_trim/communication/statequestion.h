@@ -25,13 +25,13 @@ public:
     using Question = std::array<std::uint8_t, 3>;
 
     /// A state older than this is asked for: well before a measurement can be through on a wrong one.
-    static constexpr std::uint64_t eStateLife = 1000;
+    static constexpr std::uint64_t STATE_LIFE = 1000;
     /// Between two questions that aren't answered.
-    static constexpr std::uint64_t eRepeat = 500;
+    static constexpr std::uint64_t REPEAT = 500;
     /// A module that answers has done so by then, even if a question gets lost.
-    static constexpr std::uint64_t eAnswerLimit = 1500;
+    static constexpr std::uint64_t ANSWER_LIMIT = 1500;
     /// No answer comes later than this.
-    static constexpr std::uint64_t eAnswerLife = 3000;
+    static constexpr std::uint64_t ANSWER_LIFE = 3000;
 
     explicit CStateQuestion(std::uint8_t Address) : m_Address(Address) {}
 

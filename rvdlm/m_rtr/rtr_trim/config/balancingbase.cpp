@@ -14,7 +14,7 @@ using RtrTrim::g_pLog;
 
 namespace {
 
-constexpr int eFigureDigits = 6;
+constexpr int FIGURE_DIGITS = 6;
 
 }  // namespace
 
@@ -105,7 +105,7 @@ void CBalancingBase::ShowMatrix(const CProperty& rProperty, const math::matrix<d
             CPropTreeItemStatic& rItem = NextText(rProperty.m_Item, 0, pParent);
             rItem.SetLabelText(std::string(rProperty.m_Item.m_pTextKey) + "(" + std::to_string(i) + ", " +
                                std::to_string(j) + ")");
-            rItem.SetItemValue(Gui::WriteFraction(rMatrix(i, j), eFigureDigits));
+            rItem.SetItemValue(Gui::WriteFraction(rMatrix(i, j), FIGURE_DIGITS));
         }
     }
 }
@@ -116,7 +116,7 @@ void CBalancingBase::ShowVector(const CProperty& rProperty, const math::matrix<d
         CPropTreeItemStatic& rItem = NextText(rProperty.m_Item, 0, pParent);
         rItem.SetLabelText(std::string(rProperty.m_Item.m_pTextKey) + "(" +
                            std::to_string(nFirst + static_cast<int>(i)) + ")");
-        rItem.SetItemValue(Gui::WriteFraction(rVector(i, 0), eFigureDigits));
+        rItem.SetItemValue(Gui::WriteFraction(rVector(i, 0), FIGURE_DIGITS));
     }
 }
 

@@ -9,7 +9,7 @@ namespace ConfigurationModel {
 
 namespace {
 
-constexpr std::uint8_t eUnknownSensor = 255;
+constexpr std::uint8_t UNKNOWN_SENSOR = 255;
 
 /// Brings the entry of the method in use into being and sets its plane. True for screws. A method that isn't
 /// chosen yet counts as weights.
@@ -54,7 +54,7 @@ bool PrepareSinglePlane(CPreBalBaseTableEntry& rEntry, const CModuleSet& rSet) {
 }
 
 bool PrepareTwoPlane(CPreBalBaseTableEntry& rEntry, const CModuleSet& rSet) {
-    RV_ASSERT(g_pLog, rSet.m_SensorAdaption2 != eUnknownSensor, "Sensor Adaption 2 invalid!");
+    RV_ASSERT(g_pLog, rSet.m_SensorAdaption2 != UNKNOWN_SENSOR, "Sensor Adaption 2 invalid!");
     CTwoPlaneBalancingTableEntry& rPlanes = rEntry.CreateTwoPlane();
     rPlanes.SetProximitySwitchInput(rSet.m_ProximitySwitchInput);
     rPlanes.SetPlane1SensorAdaption(rSet.m_SensorAdaption1);
@@ -79,7 +79,7 @@ bool IsCalibrated(const CPreBalBaseTableEntry* pEntry) {
 bool Prepare(CPreBalBaseTableEntry& rEntry, const CModuleSet& rSet) {
     RV_ASSERT(g_pLog, rSet.m_ProximitySwitchInput != CTypeBase::eUnknownPlane,
               "Proximity Switch Input is invalid!");
-    RV_ASSERT(g_pLog, rSet.m_SensorAdaption1 != eUnknownSensor, "Sensor Adaption 1 invalid!");
+    RV_ASSERT(g_pLog, rSet.m_SensorAdaption1 != UNKNOWN_SENSOR, "Sensor Adaption 1 invalid!");
     return rSet.m_BalancingMode == CPreBalDatabase::eModeTwoPlane ? PrepareTwoPlane(rEntry, rSet)
                                                                   : PrepareSinglePlane(rEntry, rSet);
 }

@@ -58,8 +58,8 @@ void NoteCorrection(CPropTreeItem& rItem, const CProperty& rProperty, const std:
 }
 
 std::string WriteNumber(double Value) {
-    constexpr int eDigits = 2;
-    return Value == std::trunc(Value) ? Gui::WriteFraction(Value, 0) : Gui::WriteFraction(Value, eDigits);
+    constexpr int DIGITS = 2;
+    return Value == std::trunc(Value) ? Gui::WriteFraction(Value, 0) : Gui::WriteFraction(Value, DIGITS);
 }
 
 void DeleteLater(CPropTree& rTree, CPropTreeItem* pItem) {

@@ -22,7 +22,7 @@ const PreBalDB::CProperty& Property(const char* pName) {
 
 void CScrewCompensationTree::CreateItems(CPropTreeItem* pParent) {
     // Not limited: its strings are the tables, and they come and go.
-    auto pTable = std::make_unique<CPropTreeItemCombo>(0, PropTree::CPropTreeItemCombo::eMaxItems - 1);
+    auto pTable = std::make_unique<CPropTreeItemCombo>(0, PropTree::CPropTreeItemCombo::MAX_ITEMS - 1);
     PropertyItems::Describe(*pTable, Property("table").m_Item, 0);
     m_pTable = m_rTree.Insert(std::move(pTable), pParent);
     m_pHoles = m_rTree.Insert(PropertyItems::MakeNumber<unsigned long>(Property("holes")), pParent);
@@ -50,9 +50,9 @@ void CScrewCompensationTree::SetConfig(const CScrewCompensationTableEntry* pEntr
         PropertyItems::ShowNumber(*m_pScrews, Property("screws"), pEntry->GetNumberOfScrews());
         DirectionItem::Show(*m_pScale, pEntry->GetScalingDirection());
     }
-    constexpr int eDigits = 6;
+    constexpr int DIGITS = 6;
     m_pReferenceWeight->SetItemValue(
-        pEntry != nullptr ? Gui::WriteFraction(pEntry->GetReferenceWeight(), eDigits) + " g" : "0 g");
+        pEntry != nullptr ? Gui::WriteFraction(pEntry->GetReferenceWeight(), DIGITS) + " g" : "0 g");
 }
 
 void CScrewCompensationTree::ShowTables(const CScrewCompensationTableEntry* pEntry) {

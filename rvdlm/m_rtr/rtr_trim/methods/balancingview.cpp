@@ -4,6 +4,7 @@
 #include <cmath>
 #include <numbers>
 
+#include "contract/units.h"
 #include "platform/rvldb/gettext.h"
 #include "rvdlm/m_rtr/rtr_trim/log.h"
 #include "rvdlm/m_rtr/rtr_trim/methods/planebalancingmethod.h"
@@ -12,12 +13,12 @@
 
 namespace {
 
-constexpr const char* c_pFace = "Arial";
-constexpr COLORREF c_FinalGood = RGB(0x00, 0x68, 0x38);
-constexpr COLORREF c_FinalBad = RGB(0xCE, 0x00, 0x00);
-constexpr COLORREF c_Stale = RGB(0xA0, 0xA0, 0xA0);
+constexpr const char* FACE = "Arial";
+constexpr COLORREF FINAL_GOOD = RGB(0x00, 0x68, 0x38);
+constexpr COLORREF FINAL_BAD = RGB(0xCE, 0x00, 0x00);
+constexpr COLORREF STALE = RGB(0xA0, 0xA0, 0xA0);
 /// Pixels by which a number reaches beyond the end of the gauge's scale, at most.
-constexpr int c_nLabelReach = 15;
+constexpr int LABEL_REACH = 15;
 
 int Round(double Value) {
     return static_cast<int>(std::trunc(Value + 0.5));
@@ -76,7 +77,7 @@ void PaintPlaneTitleText(CDC& rDC, const CRect& rRect, int Plane) {
     const int Saved = rDC.SaveDC();
     // The title is also painted with each live value: upon itself its smooth edges would get thicker and
     // thicker.
-    rDC.SelectFont(CFont(c_pFace, nHeight));
+    rDC.SelectFont(CFont(FACE, nHeight));
     const CSize Extent = rDC.GetTextExtent(Title);
     rDC.FillSolidRect(CRect(CPoint(Rect.left, Rect.bottom - Extent.cy), Extent),
                       PageStyle::GetPanelColor(rDC));
@@ -87,16 +88,16 @@ void PaintPlaneTitleText(CDC& rDC, const CRect& rRect, int Plane) {
 CBalancingView::CBalancingView()
     : m_ColorizeFinalUnbalance(IsFeatureEnabled("PreBalancingColorizeFinalUnbalance", false)) {
     for (CTextRect* pText : {&m_ValueText, &m_UnitText, &m_AngleText}) {
-        pText->SetFaceName(c_pFace);
-        pText->SetWeight(CFont::eBold);
-        pText->SetBackgroundColor(PageStyle::c_Panel);
+        pText->SetFaceName(FACE);
+        pText->SetWeight(CFont::BOLD);
+        pText->SetBackgroundColor(PageStyle::PANEL);
     }
-    m_ValueText.SetTextColor(c_Ink);
+    m_ValueText.SetTextColor(INK);
     m_ValueText.SetAlignment(CTextRect::eRight);
-    m_UnitText.SetTextColor(c_Ink);
+    m_UnitText.SetTextColor(INK);
     m_UnitText.SetAlignment(CTextRect::eLeft);
-    m_UnitText.SetText("µm/s");
-    m_AngleText.SetTextColor(c_Stale);
+    m_UnitText.SetText(Units::UNBALANCE);
+    m_AngleText.SetTextColor(STALE);
     m_AngleText.SetAlignment(CTextRect::eCenter);
 }
 
@@ -120,8 +121,8 @@ void CBalancingView::DrawBase(CDC* pDC, const CGeometry& rGeometry) {
     const CPoint Center = rGeometry.m_Center;
     pDC->FillSolidRect(rGeometry.m_Square, PageStyle::GetPanelColor(*pDC));
     // The ring first, so that both circles keep their full line.
-    pDC->FillRing(Center, rGeometry.m_Inner, rGeometry.m_Outer - 1, 0.0, 360.0, c_Ring);
-    pDC->SelectPen(CPen(CPen::eSolid, 2, c_Outline));
+    pDC->FillRing(Center, rGeometry.m_Inner, rGeometry.m_Outer - 1, 0.0, 360.0, RING);
+    pDC->SelectPen(CPen(CPen::eSolid, 2, OUTLINE));
     pDC->SelectBrush(CBrush());
     for (const int nRadius : {rGeometry.m_Inner, rGeometry.m_Outer - 1}) {
         pDC->Ellipse(
@@ -131,7 +132,7 @@ void CBalancingView::DrawBase(CDC* pDC, const CGeometry& rGeometry) {
 
 void CBalancingView::DrawCentred(CDC* pDC, const CRect& rRect, const std::string& rText, int nHeight,
                                  int Weight, COLORREF Color) {
-    pDC->SelectFont(CFont(c_pFace, nHeight, Weight));
+    pDC->SelectFont(CFont(FACE, nHeight, Weight));
     pDC->SetBkMode(CDC::eTransparent);
     pDC->SetTextColor(Color);
     CRect Rect = rRect;
@@ -139,8 +140,8 @@ void CBalancingView::DrawCentred(CDC* pDC, const CRect& rRect, const std::string
 }
 
 int CBalancingView::PointsToPixels(const CDC& rDC, int nPoints) {
-    constexpr int c_nPointsPerInch = 72;
-    return (nPoints * rDC.GetDotsPerInch() + c_nPointsPerInch / 2) / c_nPointsPerInch;
+    constexpr int POINTS_PER_INCH = 72;
+    return (nPoints * rDC.GetDotsPerInch() + POINTS_PER_INCH / 2) / POINTS_PER_INCH;
 }
 
 void CBalancingView::DrawMeasurementValue(CDC* pDC, CPoint Center, int Size, int State, double Magnitude,
@@ -154,17 +155,17 @@ void CBalancingView::DrawMeasurementValue(CDC* pDC, CPoint Center, int Size, int
     const COLORREF Panel = PageStyle::GetPanelColor(*pDC);
     CRect Cleared(Center.x - H, Center.y - H, Center.x + H, Center.y + H);
     // In a small drawing the last number of the scale sticks out, and mustn't stay behind.
-    Cleared.right = std::max(Cleared.right, Center.x - H + D - D / 6 + c_nLabelReach);
+    Cleared.right = std::max(Cleared.right, Center.x - H + D - D / 6 + LABEL_REACH);
     pDC->FillSolidRect(Cleared, Panel);
 
     const bool bStale = State == CPlaneBalancingMethod::eNotValid;
-    COLORREF Color = c_Ink;
+    COLORREF Color = INK;
     if (bStale) {
-        Color = c_Stale;
+        Color = STALE;
     } else if (m_ColorizeFinalUnbalance && State == CPlaneBalancingMethod::eOverTarget) {
-        Color = c_FinalBad;
+        Color = FINAL_BAD;
     } else if (m_ColorizeFinalUnbalance && State == CPlaneBalancingMethod::eWithinTarget) {
-        Color = c_FinalGood;
+        Color = FINAL_GOOD;
     }
     for (CTextRect* pText : {&m_ValueText, &m_UnitText}) {
         pText->SetTextColor(Color);
@@ -201,9 +202,9 @@ void CBalancingView::DrawGauge(CDC& rDC, const CRect& rRect, double Value) {
     const int nLength = Round(std::min(nSpan / Full * Value, static_cast<double>(nSpan))) + 1;
     // The coarser scale also shows as a thicker bar.
     const int nBar = h / 4 + (bCoarse ? h / 8 : 0);
-    rDC.FillSolidRect(CRect(X0, nAxis - nBar, X0 + nLength, nAxis), c_Ink);
+    rDC.FillSolidRect(CRect(X0, nAxis - nBar, X0 + nLength, nAxis), INK);
 
-    rDC.SelectPen(CPen(CPen::eSolid, 1, c_Ink));
+    rDC.SelectPen(CPen(CPen::eSolid, 1, INK));
     DrawLine(rDC, {X0, nAxis}, {X1, nAxis});
     for (const int x : {X0, X0 + nSpan / 2, X1}) {
         DrawLine(rDC, {x, nAxis}, {x, nTickEnd});
@@ -212,9 +213,9 @@ void CBalancingView::DrawGauge(CDC& rDC, const CRect& rRect, double Value) {
         DrawLine(rDC, {x, nAxis}, {x, nTickEnd - 3});
     }
 
-    rDC.SelectFont(CFont(c_pFace, 12, CFont::eNormal));
+    rDC.SelectFont(CFont(FACE, 12, CFont::NORMAL));
     rDC.SetBkMode(CDC::eTransparent);
-    rDC.SetTextColor(c_Ink);
+    rDC.SetTextColor(INK);
     const auto Label = [&](int x, const char* pText) {
         CRect Place(CPoint(x, nTickEnd + 1), CSize());
         rDC.DrawText(pText, Place, DT_SINGLELINE | DT_LEFT | DT_TOP);
@@ -228,30 +229,30 @@ void CBalancingView::DrawGauge(CDC& rDC, const CRect& rRect, double Value) {
 }
 
 void CBalancingView::DrawRotationArrow(CDC* pDC, CPoint Center, Direction Sense) {
-    constexpr int c_nRadius = 24;
-    constexpr int c_nStart = 310;
-    constexpr int c_nSweep = 280;  // the gap lies at the bottom right
-    constexpr int c_nHead = 23;    // degrees that the head reaches back
-    constexpr int c_nHalfHead = 3;
+    constexpr int RADIUS = 24;
+    constexpr int START = 310;
+    constexpr int SWEEP = 280;  // the gap lies at the bottom right
+    constexpr int HEAD = 23;    // degrees that the head reaches back
+    constexpr int HALF_HEAD = 3;
 
-    pDC->SelectPen(CPen(CPen::eSolid, 3, c_Ink));
-    pDC->Arc(Center, c_nRadius, c_nStart, c_nSweep);
+    pDC->SelectPen(CPen(CPen::eSolid, 3, INK));
+    pDC->Arc(Center, RADIUS, START, SWEEP);
     int nTip = 0;
     int nBack = 0;
     switch (Sense) {
         case PreBalDB::CTypeBase::eClockwise:
-            nTip = c_nStart;
-            nBack = nTip + c_nHead;
+            nTip = START;
+            nBack = nTip + HEAD;
             break;
         case PreBalDB::CTypeBase::eCounterClockwise:
-            nTip = c_nStart + c_nSweep;
-            nBack = nTip - c_nHead;
+            nTip = START + SWEEP;
+            nBack = nTip - HEAD;
             break;
         default:
             return;
     }
-    for (const int nOffset : {-c_nHalfHead, c_nHalfHead}) {
-        DrawLine(*pDC, PolarPoint(Center, c_nRadius, nTip), PolarPoint(Center, c_nRadius + nOffset, nBack));
+    for (const int nOffset : {-HALF_HEAD, HALF_HEAD}) {
+        DrawLine(*pDC, PolarPoint(Center, RADIUS, nTip), PolarPoint(Center, RADIUS + nOffset, nBack));
     }
 }
 

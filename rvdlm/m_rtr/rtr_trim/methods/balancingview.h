@@ -36,11 +36,11 @@ public:
 protected:
     ~CBalancingView() = default;
 
-    static constexpr COLORREF c_Ring = RGB(0xC0, 0xC0, 0xC0);
-    static constexpr COLORREF c_Ink = RGB(0x00, 0x38, 0x68);   ///< weights, screws, numbers, arrow, gauge
-    static constexpr COLORREF c_Mark = RGB(0x80, 0x80, 0x80);  ///< angle lines, numbers of empty holes
-    static constexpr COLORREF c_Outline = RGB(0x00, 0x00, 0x00);
-    static constexpr COLORREF c_OnInk = RGB(0xFF, 0xFF, 0xFF);  ///< text on weights and screws
+    static constexpr COLORREF RING = RGB(0xC0, 0xC0, 0xC0);
+    static constexpr COLORREF INK = RGB(0x00, 0x38, 0x68);   ///< weights, screws, numbers, arrow, gauge
+    static constexpr COLORREF MARK = RGB(0x80, 0x80, 0x80);  ///< angle lines, numbers of empty holes
+    static constexpr COLORREF OUTLINE = RGB(0x00, 0x00, 0x00);
+    static constexpr COLORREF ON_INK = RGB(0xFF, 0xFF, 0xFF);  ///< text on weights and screws
 
     /// The places of a drawing, in pixels.
     struct CGeometry {
@@ -65,7 +65,7 @@ protected:
     static int PointsToPixels(const CDC& rDC, int nPoints);
 
     /// Where the arrow in the middle ends; what points at the ring from within begins outside.
-    static constexpr int c_nMiddle = 33;
+    static constexpr int MIDDLE = 33;
 
     Direction m_RotationDirection = PreBalDB::CTypeBase::eClockwise;
     /// The sense in which the rotor's scale counts, or its holes.

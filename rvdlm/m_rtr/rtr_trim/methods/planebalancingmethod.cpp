@@ -47,11 +47,11 @@ void CPlaneBalancingMethod::PaintByMode(CDC* pDC, const CRect& rRect, bool bRedr
 }
 
 const char* CPlaneBalancingMethod::DisplayModeToString(DisplayMode Mode) {
-    static constexpr std::array s_Names = {"eEmpty",         "eNeutralPosition", "eInactive",
-                                           "eTestUnbalance", "eUACompensation",  "eMeasurementValues"};
+    static constexpr std::array NAMES = {"eEmpty",         "eNeutralPosition", "eInactive",
+                                         "eTestUnbalance", "eUACompensation",  "eMeasurementValues"};
     const auto Index = static_cast<std::size_t>(Mode);
-    if (Index < s_Names.size()) {
-        return s_Names[Index];
+    if (Index < NAMES.size()) {
+        return NAMES[Index];
     }
     RV_ASSERT_FAIL(RtrTrim::g_pLog, "impossible");
     return "Unknown mode";

@@ -15,7 +15,7 @@ using PreBalDB::CTypeBase;
 
 namespace {
 
-constexpr std::uint16_t eTestHole = 1;
+constexpr std::uint16_t TEST_HOLE = 1;
 
 }  // namespace
 
@@ -49,9 +49,9 @@ void CScrewBalancingMethod::ChooseTestScrew() {
         return;
     }
     // What the NC has computed may be off in the last digits of a weight that is in the table.
-    constexpr double eTolerance = 1e-5;
+    constexpr double TOLERANCE = 1e-5;
     m_TestScrewIndex = 0;
-    while (m_TestScrewIndex < nScrews - 1 && !(GetTestScrew().GetWeight() + eTolerance >= *Wanted)) {
+    while (m_TestScrewIndex < nScrews - 1 && !(GetTestScrew().GetWeight() + TOLERANCE >= *Wanted)) {
         ++m_TestScrewIndex;
     }
     RV_INFORMATION(RtrTrim::g_pLog, "Setting OPC TestWeight: %d/%sg", m_TestScrewIndex,
@@ -64,13 +64,13 @@ std::optional<double> CScrewBalancingMethod::ReadTestWeightFromNC() {
     if (!pConnection->IsConnected()) {
         return std::nullopt;
     }
-    constexpr const char* pKey = CPreBalInterfaceFromNcTestWeight::ms_pKey;
-    const COpcDatabaseRef ItemDatabase(pKey);
-    if (ItemDatabase->GetOpcLinkItem(pKey).empty()) {
+    constexpr const char* KEY = CPreBalInterfaceFromNcTestWeight::KEY;
+    const COpcDatabaseRef ItemDatabase(KEY);
+    if (ItemDatabase->GetOpcLinkItem(KEY).empty()) {
         return std::nullopt;
     }
-    constexpr std::uint32_t eUpdateRate = 100;
-    const CPreBalInterfaceFromNcTestWeight Item(pConnection->CreateGroup(eUpdateRate, 0),
+    constexpr std::uint32_t UPDATE_RATE = 100;
+    const CPreBalInterfaceFromNcTestWeight Item(pConnection->CreateGroup(UPDATE_RATE, 0),
                                                 "CScrewBalancingMethod::PreBalInterfaceFromNcTestWeight");
     double Value = 0.0;
     return Item.GetValueFromNC(Value) != 0 ? std::optional(Value) : std::nullopt;
@@ -98,7 +98,7 @@ void CScrewBalancingMethod::SetDisplayMode(DisplayMode Mode) {
     } else if (Mode == eTestUnbalance) {
         m_Screws.RemoveAll();
         const PreBalDB::CScrew& rScrew = GetTestScrew();
-        m_Screws.Add({eTestHole, rScrew.GetWeight(), rScrew.GetScrewName()});
+        m_Screws.Add({TEST_HOLE, rScrew.GetWeight(), rScrew.GetScrewName()});
         m_pTableEntry->SetReferenceWeight(rScrew.GetWeight());
     }
 }

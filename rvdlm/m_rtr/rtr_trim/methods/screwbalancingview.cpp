@@ -12,11 +12,11 @@
 
 namespace {
 
-constexpr double c_FullTurn = 2 * std::numbers::pi;
+constexpr double FULL_TURN = 2 * std::numbers::pi;
 /// With more holes the empty ones would touch each other.
-constexpr int c_nMaxEmptyHoles = 24;
+constexpr int MAX_EMPTY_HOLES = 24;
 /// No screw's name gets lower than the numbers at the gauge for being long.
-constexpr int c_nLegible = 12;
+constexpr int LEGIBLE = 12;
 
 std::string WeightToText(double Weight) {
     std::array<char, 512> Text{};
@@ -29,8 +29,8 @@ std::string WeightToText(double Weight) {
 CScrewBalancingView::CScrewBalancingView() {
     m_ScrewText.SetText("NULL");
     m_ScrewText.SetFaceName("Arial");
-    m_ScrewText.SetWeight(CFont::eNormal);
-    m_ScrewText.SetTextColor(PageStyle::c_Panel);
+    m_ScrewText.SetWeight(CFont::NORMAL);
+    m_ScrewText.SetTextColor(PageStyle::PANEL);
     m_ScrewText.SetPlacement(CAngleText::eReadable);
 }
 
@@ -51,7 +51,7 @@ void CScrewBalancingView::Paint(CDC* pDC, const CRect& rRect, const double* pMag
     for (int k = 0; k < m_NumberOfHoles; ++k) {
         const CHole Hole = GetHole(Geometry, k);
         const bool bScrew = HasScrew(Hole.m_Angle);
-        if (bRedrawAll && (bScrew || m_NumberOfHoles <= c_nMaxEmptyHoles)) {
+        if (bRedrawAll && (bScrew || m_NumberOfHoles <= MAX_EMPTY_HOLES)) {
             DrawHole(pDC, Geometry, Hole, bScrew);
         }
         if (bScrew && !bMeasurement) {
@@ -64,7 +64,7 @@ CScrewBalancingView::CHole CScrewBalancingView::GetHole(const CGeometry& rGeomet
     const int nRing = ((rGeometry.m_Outer - 1) + rGeometry.m_Inner) / 2;
     CHole Hole{Index + 1, 2 * Index * std::numbers::pi / m_NumberOfHoles, CPoint()};
     if (m_ScalingDirection == PreBalDB::CTypeBase::eCounterClockwise && Index != 0) {
-        Hole.m_Angle = c_FullTurn - Hole.m_Angle;
+        Hole.m_Angle = FULL_TURN - Hole.m_Angle;
     }
     Hole.m_Center = {static_cast<int>(std::sin(Hole.m_Angle) * nRing + rGeometry.m_Center.x),
                      static_cast<int>(rGeometry.m_Center.y - std::cos(Hole.m_Angle) * nRing)};
@@ -72,7 +72,7 @@ CScrewBalancingView::CHole CScrewBalancingView::GetHole(const CGeometry& rGeomet
 }
 
 int CScrewBalancingView::GetHoleNumber(double Angle) const {
-    return static_cast<int>(Angle / (c_FullTurn / m_NumberOfHoles) + 0.5) + 1;
+    return static_cast<int>(Angle / (FULL_TURN / m_NumberOfHoles) + 0.5) + 1;
 }
 
 bool CScrewBalancingView::HasScrew(double Angle) const {
@@ -97,24 +97,24 @@ void CScrewBalancingView::DrawHole(CDC* pDC, const CGeometry& rGeometry, const C
                                    bool bScrew) const {
     const int nDiameter = ((rGeometry.m_Outer - 1 - rGeometry.m_Inner) / 3) * 2;
     const CRect Circle(rHole.m_Center - CPoint(nDiameter / 2, nDiameter / 2), CSize(nDiameter, nDiameter));
-    pDC->SelectPen(CPen(CPen::eSolid, 1, c_Outline));
-    pDC->SelectBrush(CBrush(bScrew ? c_Ink : PageStyle::GetPanelColor(*pDC)));
+    pDC->SelectPen(CPen(CPen::eSolid, 1, OUTLINE));
+    pDC->SelectBrush(CBrush(bScrew ? INK : PageStyle::GetPanelColor(*pDC)));
     pDC->Ellipse(Circle);
-    DrawCentred(pDC, Circle, std::to_string(rHole.m_Number), PointsToPixels(*pDC, nDiameter / 2),
-                CFont::eBold, bScrew ? c_OnInk : c_Mark);
+    DrawCentred(pDC, Circle, std::to_string(rHole.m_Number), PointsToPixels(*pDC, nDiameter / 2), CFont::BOLD,
+                bScrew ? ON_INK : MARK);
 }
 
 void CScrewBalancingView::DrawScrewText(CDC* pDC, const CGeometry& rGeometry, double Angle) {
     const int nOuterEnd = rGeometry.m_Side * 3 / 8 - 10;
-    const int nInnerEnd = std::min(c_nMiddle, nOuterEnd / 2);
+    const int nInnerEnd = std::min(MIDDLE, nOuterEnd / 2);
     // Clockwise from the right, while PolarPoint counts the other way round.
-    const int nAngle = (static_cast<int>(Angle * 360 / c_FullTurn) + 270) % 360;
+    const int nAngle = (static_cast<int>(Angle * 360 / FULL_TURN) + 270) % 360;
     const CPoint From = PolarPoint(rGeometry.m_Center, nInnerEnd, 360 - nAngle);
     const CPoint To = PolarPoint(rGeometry.m_Center, nOuterEnd, 360 - nAngle);
     const int nHeight = (rGeometry.m_Side * 3) / 64;
     m_ScrewText.SetMaxHeight(nHeight);
-    m_ScrewText.SetMinHeight(std::min(nHeight, c_nLegible));
+    m_ScrewText.SetMinHeight(std::min(nHeight, LEGIBLE));
     // It lies on the panel, whose colour it has at the beginning: nobody could read it in that.
-    m_ScrewText.SetTextColor(c_Ink);
+    m_ScrewText.SetTextColor(INK);
     m_ScrewText.Paint(pDC, GetWeightFromAngle(Angle), From.x, From.y, To.x, To.y);
 }

@@ -10,8 +10,8 @@
 
 namespace {
 
-constexpr int eThreeScrews = 3;
-constexpr unsigned eSecondPlane = 1;
+constexpr int THREE_SCREWS = 3;
+constexpr unsigned SECOND_PLANE = 1;
 
 std::vector<double> GetWeights(const Base::CWDArray<PreBalDB::CScrew>& rTable) {
     std::vector<double> Weights;
@@ -30,7 +30,7 @@ CScrewCompensation::CScrewCompensation(const Base::CWDArray<PreBalDB::CScrew>& r
       m_NumberOfScrews(NumberOfScrews),
       m_NumberOfHoles(NumberOfHoles),
       m_Plane(Plane),
-      m_Search(GetWeights(rScrewTable), NumberOfScrews == eThreeScrews, NumberOfHoles) {}
+      m_Search(GetWeights(rScrewTable), NumberOfScrews == THREE_SCREWS, NumberOfHoles) {}
 
 bool CScrewCompensation::UA2Screws(math::matrix<double> UA, Base::CWDArray<CScrew>& rScrews,
                                    double* pPerCentCompensationDifference, math::matrix<double>& rUA,
@@ -38,7 +38,7 @@ bool CScrewCompensation::UA2Screws(math::matrix<double> UA, Base::CWDArray<CScre
     // The parenthesis stays open: readers of the log search for the line as it is.
     PB_FLOW("CScrewCompensation::UA2Screws(rScrews, ReferenceWeight=%.2lf", ReferenceWeight);
     std::complex<double> Vector(std::as_const(UA)(0, 0), std::as_const(UA)(1, 0));
-    if (m_Plane == eSecondPlane) {
+    if (m_Plane == SECOND_PLANE) {
         Vector.imag(-Vector.imag());
     }
     m_ReferenceWeight = ReferenceWeight;
@@ -58,7 +58,7 @@ void CScrewCompensation::Search(std::complex<double> Vector, Base::CWDArray<CScr
     if (const auto Placement = m_Search.Find({m_Target.real(), m_Target.imag()})) {
         m_Residual = {Placement->m_Delta.x, Placement->m_Delta.y};
         m_BestSum = {Placement->m_Sum.x, Placement->m_Sum.y};
-        const std::size_t nScrews = std::min<std::size_t>(rScrews.GetSize(), CScrewSearch::eMaxScrews);
+        const std::size_t nScrews = std::min<std::size_t>(rScrews.GetSize(), CScrewSearch::MAX_SCREWS);
         for (std::size_t i = 0; i < nScrews; ++i) {
             const PreBalDB::CScrew& rKind = m_ScrewTable[Placement->m_Entries[i]];
             rScrews[i] = {static_cast<std::uint16_t>(Placement->m_Holes[i] + 1), rKind.GetWeight(),
@@ -67,7 +67,7 @@ void CScrewCompensation::Search(std::complex<double> Vector, Base::CWDArray<CScr
     }
     rUA(0, 0) = m_BestSum.real() / m_ReferenceWeight;
     rUA(1, 0) = m_BestSum.imag() / m_ReferenceWeight;
-    if (m_Plane == eSecondPlane) {
+    if (m_Plane == SECOND_PLANE) {
         rUA(1, 0) = -rUA(1, 0);
     }
     const double Capacity = GetCapacity();
@@ -89,6 +89,6 @@ double CScrewCompensation::GetCapacity() const {
     // The last one counts as the largest, whatever the order of the table.
     const double W = m_ScrewTable[m_ScrewTable.GetSize() - 1].GetWeight();
     const double n = m_NumberOfHoles;
-    return m_NumberOfScrews == eThreeScrews ? W * (2 * std::cos(6.283185307179586 / n) + 1)
+    return m_NumberOfScrews == THREE_SCREWS ? W * (2 * std::cos(6.283185307179586 / n) + 1)
                                             : W * 2 * std::cos(3.141592653589793 / n);
 }

@@ -1,24 +1,24 @@
 // The argument, for the search to give what the enumeration gives.
 //
-// The enumeration has one state: the squared deviation S of its best placement, at first eStart. It takes a
-// placement of deviation D if S - D > eMargin, as computed. Rounding is monotonic, so:
+// The enumeration has one state: the squared deviation S of its best placement, at first START. It takes a
+// placement of deviation D if S - D > MARGIN, as computed. Rounding is monotonic, so:
 //
-// (1) Once a placement of deviation D has been met, S - D <= eMargin. So a later one of deviation D or more
+// (1) Once a placement of deviation D has been met, S - D <= MARGIN. So a later one of deviation D or more
 //     is never taken. Of equal weights only the table's first entry can matter: exchanging an entry for the
 //     first of its weight gives the same sum earlier.
 // (2) A walk in the order of the enumeration keeps a number Low with S >= Low, first unknown S: all
 //     placements met of deviation less than Low have been considered. A placement with D >= Low leaves that
-//     true whether it is taken or not, so it needs no look at all. One with Low - D > eMargin is surely
+//     true whether it is taken or not, so it needs no look at all. One with Low - D > MARGIN is surely
 //     taken, since S >= Low; from there on S = D is known, and the rest is the enumeration's own rule. One in
 //     between may be taken or not; either way S >= D, so Low becomes D.
 // (3) So a walk may begin with any Low = Bound in place of the unknown past, if it looks at every placement
 //     of deviation less than Low, in order. If it ends without a sure acceptance (a chain of near-ties), it
-//     is repeated with a larger Bound; with Bound >= eStart the state is known from the start.
-// (4) With S known and S <= eMargin nothing is better by the margin, and the walk ends.
+//     is repeated with a larger Bound; with Bound >= START the state is known from the start.
+// (4) With S known and S <= MARGIN nothing is better by the margin, and the walk ends.
 // (5) Low may be lowered at any time: S >= Low stays true. What is lost is the knowledge of S, until the next
 //     sure acceptance. So as soon as a placement of deviation D is met, wherever in its set, Low becomes D +
 //     m_Window if it was more: the crowd of placements between is never looked at. m_Window is several times
-//     eMargin, so that placement is surely taken when its turn comes, unless a chain of near-ties precedes
+//     MARGIN, so that placement is surely taken when its turn comes, unless a chain of near-ties precedes
 //     it; then (3) repeats the walk with a larger m_Window, which in the end lowers nothing any more.
 // (6) Within a set of holes placements are found in another order. They are sorted into the enumeration's
 //     before the rule is applied, and by (1) those that an earlier one equals or beats may be dropped.
@@ -54,7 +54,7 @@ namespace {
 
 using CVector = CScrewSearch::CVector;
 
-constexpr double ePi = 3.141592653589793;
+constexpr double PI = 3.141592653589793;
 
 }  // namespace
 
@@ -69,7 +69,7 @@ CScrewSearch::CScrewSearch(std::span<const double> Table, bool bThreeScrews, int
     }
     m_Largest = std::max(std::abs(m_Weights.GetMin()), std::abs(m_Weights.GetMax()));
     for (std::size_t i = 0; i < m_nHoles; ++i) {
-        const double Angle = static_cast<double>(i) * (360.0 / static_cast<double>(m_nHoles)) * ePi / 180;
+        const double Angle = static_cast<double>(i) * (360.0 / static_cast<double>(m_nHoles)) * PI / 180;
         m_Directions.push_back({std::cos(Angle), std::sin(Angle)});
         const double AtMin = m_Directions[i].y * m_Weights.GetMin();
         const double AtMax = m_Directions[i].y * m_Weights.GetMax();
@@ -80,7 +80,7 @@ CScrewSearch::CScrewSearch(std::span<const double> Table, bool bThreeScrews, int
     m_MaxAlong.resize(m_nHoles);
 }
 
-CVector CScrewSearch::GetSum(const CHoles& rHoles, const std::array<double, eMaxScrews>& rWeights) const {
+CVector CScrewSearch::GetSum(const CHoles& rHoles, const std::array<double, MAX_SCREWS>& rWeights) const {
     const CVector u1 = m_Directions[rHoles[0]];
     const CVector u2 = m_Directions[rHoles[1]];
     CVector Sum{rWeights[1] * u2.x + rWeights[0] * u1.x, rWeights[1] * u2.y + rWeights[0] * u1.y};
@@ -106,8 +106,8 @@ void CScrewSearch::SetTarget(CVector Target) {
     const double Scale = 3.0 * m_Largest + m_Length;
     // The bounds work with squares and need finite numbers. Far beyond all tons that a machine can turn, the
     // enumeration itself is good enough.
-    constexpr double eAbsurd = 1e12;
-    m_bPlain = !(Scale < eAbsurd);
+    constexpr double ABSURD = 1e12;
+    m_bPlain = !(Scale < ABSURD);
     m_Rounding = 1e-13 * Scale;
     for (std::size_t i = 0; i < m_nHoles; ++i) {
         m_Cross[i] = Cross(m_Directions[i], Target);
@@ -123,9 +123,9 @@ std::optional<CScrewSearch::CPlacement> CScrewSearch::Find(CVector Target) {
         return std::nullopt;  // no placement, or none with a deviation that is a number
     }
     SetTarget(Target);
-    const double Estimate = m_bPlain ? eStart : EstimateBest();
+    const double Estimate = m_bPlain ? START : EstimateBest();
     // Clear of the margin, and of rounding where the estimate is large.
-    m_Window = 4.0 * eMargin + 1e-14 * Estimate;
+    m_Window = 4.0 * MARGIN + 1e-14 * Estimate;
     while (!Walk(Estimate + m_Window)) {
         m_Window *= 8.0;
     }
@@ -148,10 +148,10 @@ void CScrewSearch::ForEachSet(std::size_t n, F Visit) const {
 
 double CScrewSearch::EstimateBest() {
     // Sets of holes at regular distances through the walk.
-    constexpr std::size_t eSamples = 64;
+    constexpr std::size_t SAMPLES = 64;
     const std::size_t n = m_nHoles;
     const std::size_t nSets = m_bThree ? n * (n - 1) / 2 * (n - 2) / 3 : n * (n - 1) / 2;
-    const std::size_t nStride = nSets / eSamples + 1;
+    const std::size_t nStride = nSets / SAMPLES + 1;
     // Farther away is no placement.
     const double Scale = 3.0 * m_Largest + m_Length;
     m_Low = Scale * Scale;
@@ -173,13 +173,13 @@ double CScrewSearch::EstimateBest() {
         return m_Low;
     }
     // Few sets get near the target. If it is out of reach, those do whose holes are nearest to its direction.
-    constexpr std::size_t eNear = 6;
-    const double Turns = std::atan2(m_Target.y, m_Target.x) / (2.0 * ePi);
+    constexpr std::size_t NEAR = 6;
+    const double Turns = std::atan2(m_Target.y, m_Target.x) / (2.0 * PI);
     const auto Nearest = static_cast<std::size_t>(std::floor((Turns + 1.0) * static_cast<double>(n)));
-    const std::size_t nNear = std::min(eNear, n);
-    std::array<std::size_t, eNear> Near{};
+    const std::size_t nNear = std::min(NEAR, n);
+    std::array<std::size_t, NEAR> Near{};
     for (std::size_t i = 0; i < nNear; ++i) {
-        Near[i] = (Nearest + n * eNear + i - (nNear / 2 - 1)) % n;
+        Near[i] = (Nearest + n * NEAR + i - (nNear / 2 - 1)) % n;
     }
     std::sort(Near.begin(), Near.begin() + nNear);
     ForEachSet(nNear, [&](const CHoles& rPlaces) {
@@ -202,7 +202,7 @@ void CScrewSearch::EstimateInSet(const CHoles& rHoles) {
         Set.ForEachBox(m_Weights, m_Reach, [&](const CScrewBox& rBox) { EstimateInBox(rHoles, Set, rBox); });
         return;
     }
-    std::array<double, eMaxScrews> Weights{};
+    std::array<double, MAX_SCREWS> Weights{};
     for (const auto& rB : m_Weights.GetGroups()) {
         for (const auto& rC : m_Weights.GetGroups()) {
             EstimatePair(rHoles, {0, 0, 1}, {&rB, &rB, &rC}, Weights, m_Target);
@@ -217,10 +217,10 @@ void CScrewSearch::EstimateInBox(const CHoles& rHoles, const CScrewSet& rSet, co
     if (Axis.m_Gap > m_Reach || Range.IsEmpty()) {
         return;
     }
-    constexpr std::size_t eTries = 16;
+    constexpr std::size_t TRIES = 16;
     const auto [From, To] = m_Weights.Find(*rBox.m_pA, Range.m_Low, Range.m_High);
-    const std::size_t nStep = (To - From) / eTries + 1;
-    std::array<double, eMaxScrews> Weights{};
+    const std::size_t nStep = (To - From) / TRIES + 1;
+    std::array<double, MAX_SCREWS> Weights{};
     for (std::size_t i = From; i < To; i += nStep) {
         // From the heaviest downwards: it counts most where the target is hardly in reach.
         Weights[rSet.GetRoles().a] = m_Weights.GetWeight(To - 1 - (i - From));
@@ -230,7 +230,7 @@ void CScrewSearch::EstimateInBox(const CHoles& rHoles, const CScrewSet& rSet, co
 }
 
 void CScrewSearch::EstimatePair(const CHoles& rHoles, CScrewRoles Roles, const CScrewBox& rBox,
-                                std::array<double, eMaxScrews>& rWeights, CVector Rest) {
+                                std::array<double, MAX_SCREWS>& rWeights, CVector Rest) {
     // One of the two from the real-valued solution, the other then as near as it gets; and the other way
     // round, since out of reach only one of the two limits may be the right one.
     for (const bool bTurned : {false, true}) {
@@ -269,8 +269,8 @@ void CScrewSearch::SetFilter() {
 
 bool CScrewSearch::Walk(double Bound) {
     m_Best.reset();
-    m_bKnown = m_bPlain || Bound >= eStart;
-    SetLow(m_bKnown ? eStart : Bound);
+    m_bKnown = m_bPlain || Bound >= START;
+    SetLow(m_bKnown ? START : Bound);
     SetFilter();
     ForEachSet(m_nHoles, [this](const CHoles& rHoles) {
         if (m_bPlain || CanReach(rHoles)) {
@@ -339,7 +339,7 @@ void CScrewSearch::SearchSlice(const CHoles& rHoles, std::uint64_t First, std::u
 }
 
 void CScrewSearch::SearchTwo(const CHoles& rHoles) {
-    std::array<std::size_t, eMaxScrews> Indices{};
+    std::array<std::size_t, MAX_SCREWS> Indices{};
     for (const auto& rB : m_Weights.GetGroups()) {
         for (const auto& rC : m_Weights.GetGroups()) {
             SearchPair(rHoles, {2, 0, 1}, {&rB, &rB, &rC}, {}, Indices, m_Target);
@@ -360,7 +360,7 @@ void CScrewSearch::SearchBox(const CHoles& rHoles, const CScrewSet& rSet, const 
         return;
     }
     const auto [From, To] = m_Weights.Find(*rBox.m_pA, Range.m_Low, Range.m_High);
-    std::array<std::size_t, eMaxScrews> Indices{};
+    std::array<std::size_t, MAX_SCREWS> Indices{};
     const auto SolveFor = [&](std::size_t Index) {
         Indices[rSet.GetRoles().a] = Index;
         SearchPair(rHoles, rSet.GetRoles(), rBox, Axis, Indices,
@@ -376,15 +376,15 @@ void CScrewSearch::SearchBox(const CHoles& rHoles, const CScrewSet& rSet, const 
 }
 
 void CScrewSearch::SearchPair(const CHoles& rHoles, CScrewRoles Roles, const CScrewBox& rBox,
-                              const CScrewAxis& rAxis, std::array<std::size_t, eMaxScrews>& rIndices,
+                              const CScrewAxis& rAxis, std::array<std::size_t, MAX_SCREWS>& rIndices,
                               CVector Rest) {
     const CVector ub = GetDirection(rHoles[Roles.b]);
     const CVector uc = GetDirection(rHoles[Roles.c]);
     const CScrewWeights::CGroup& rGroupC = *rBox.m_pC;
     CScrewRange Range{rBox.m_pB->m_Min, rBox.m_pB->m_Max};
-    constexpr double eOpposite = 1e-6;
+    constexpr double OPPOSITE = 1e-6;
     const double Sine = Cross(ub, uc);
-    if (std::abs(Sine) > eOpposite) {
+    if (std::abs(Sine) > OPPOSITE) {
         const double Inverse = 1.0 / Sine;
         const double Exact = Cross(Rest, uc) * Inverse;
         const double Slack = m_Reach * std::abs(Inverse);
@@ -420,7 +420,7 @@ void CScrewSearch::SearchPair(const CHoles& rHoles, CScrewRoles Roles, const CSc
 
 void CScrewSearch::SearchEverything(const CHoles& rHoles) {
     const std::size_t n = m_Weights.GetSize();
-    std::array<std::size_t, eMaxScrews> i{};
+    std::array<std::size_t, MAX_SCREWS> i{};
     for (i[0] = 0; i[0] < n; ++i[0]) {
         for (i[1] = 0; i[1] < n; ++i[1]) {
             for (i[2] = 0; i[2] < (m_bThree ? n : 1); ++i[2]) {
@@ -430,8 +430,8 @@ void CScrewSearch::SearchEverything(const CHoles& rHoles) {
     }
 }
 
-void CScrewSearch::Consider(const CHoles& rHoles, const std::array<std::size_t, eMaxScrews>& rIndices) {
-    const std::array<double, eMaxScrews> Weights = {
+void CScrewSearch::Consider(const CHoles& rHoles, const std::array<std::size_t, MAX_SCREWS>& rIndices) {
+    const std::array<double, MAX_SCREWS> Weights = {
         m_Weights.GetWeight(rIndices[0]), m_Weights.GetWeight(rIndices[1]), m_Weights.GetWeight(rIndices[2])};
     const double Deviation = GetDeviation(GetSum(rHoles, Weights));
     if (!(Deviation < m_Low) || m_bFull) {
@@ -476,11 +476,11 @@ void CScrewSearch::Decide(const CHoles& rHoles) {
     Compact();
     double Low = m_Low;
     for (const CCandidate& rCandidate : m_Candidates) {
-        if (Low - rCandidate.m_Deviation > eMargin) {
+        if (Low - rCandidate.m_Deviation > MARGIN) {
             m_bKnown = true;
             CPlacement Placement;
-            std::array<double, eMaxScrews> Weights{};
-            for (std::size_t i = 0; i < eMaxScrews; ++i) {
+            std::array<double, MAX_SCREWS> Weights{};
+            for (std::size_t i = 0; i < MAX_SCREWS; ++i) {
                 Placement.m_Holes[i] = static_cast<std::uint16_t>(rHoles[i]);
                 Placement.m_Entries[i] = static_cast<std::uint16_t>(rCandidate.m_Key >> (16 * (2 - i)));
                 Weights[i] = m_Table[Placement.m_Entries[i]];

@@ -15,7 +15,7 @@
 ///
 /// The result is by definition, and in every bit, that of this enumeration of all placements: holes h1 < h2 <
 /// h3 from the outermost loop inwards, then the table's entries s1, s2, s3; a placement replaces the best so
-/// far only if its squared deviation is less by more than eMargin, beginning from eStart. How the search gets
+/// far only if its squared deviation is less by more than MARGIN, beginning from START. How the search gets
 /// there without the enumeration is told, with the proof, in the .cpp.
 ///
 /// Memory: the table and what is prepared of it (some 20 KB and 40 bytes an entry), and room for candidates
@@ -23,30 +23,30 @@
 class CScrewSearch {
 public:
     /// Squared grams by which a placement must be better.
-    static constexpr double eMargin = 2.220446049250313e-13;
+    static constexpr double MARGIN = 2.220446049250313e-13;
     /// A placement with a deviation from (100000, 100000) on is none.
-    static constexpr double eStart = 100000.0 * 100000.0 + 100000.0 * 100000.0;
-    static constexpr std::size_t eMaxScrews = 3;
+    static constexpr double START = 100000.0 * 100000.0 + 100000.0 * 100000.0;
+    static constexpr std::size_t MAX_SCREWS = 3;
     /// Candidates that are kept at a time.
-    static constexpr std::size_t eRoom = 8192;
+    static constexpr std::size_t ROOM = 8192;
 
     using CVector = CScrewVector;
     struct CPlacement {
-        std::array<std::uint16_t, eMaxScrews> m_Holes{};    ///< from 0, hole 0 on the x axis
-        std::array<std::uint16_t, eMaxScrews> m_Entries{};  ///< of the table
+        std::array<std::uint16_t, MAX_SCREWS> m_Holes{};    ///< from 0, hole 0 on the x axis
+        std::array<std::uint16_t, MAX_SCREWS> m_Entries{};  ///< of the table
         CVector m_Sum;                                      ///< grams
         CVector m_Delta;                                    ///< sum less target
     };
 
     /// Weights of the table in grams, in its order. bThreeScrews false: two. Table and holes count in 16
     /// bits. nRoom, 2 or more, limits the memory and not the result.
-    CScrewSearch(std::span<const double> Table, bool bThreeScrews, int nHoles, std::size_t nRoom = eRoom);
+    CScrewSearch(std::span<const double> Table, bool bThreeScrews, int nHoles, std::size_t nRoom = ROOM);
 
     /// The placement for a target in grams; none if there is none, or all are too far away.
     std::optional<CPlacement> Find(CVector Target);
 
 private:
-    using CHoles = std::array<std::size_t, eMaxScrews>;
+    using CHoles = std::array<std::size_t, MAX_SCREWS>;
 
     /// A placement in the present set of holes that may count.
     struct CCandidate {
@@ -56,7 +56,7 @@ private:
 
     CVector GetDirection(std::size_t Hole) const { return m_Directions[Hole]; }
     /// Sum and squared deviation by the expressions of the definition.
-    CVector GetSum(const CHoles& rHoles, const std::array<double, eMaxScrews>& rWeights) const;
+    CVector GetSum(const CHoles& rHoles, const std::array<double, MAX_SCREWS>& rWeights) const;
     double GetDeviation(CVector Sum) const;
 
     void SetTarget(CVector Target);
@@ -69,13 +69,13 @@ private:
     void EstimateInBox(const CHoles& rHoles, const CScrewSet& rSet, const CScrewBox& rBox);
     /// Tries the real-valued solution, rounded to weights of the table.
     void EstimatePair(const CHoles& rHoles, CScrewRoles Roles, const CScrewBox& rBox,
-                      std::array<double, eMaxScrews>& rWeights, CVector Rest);
+                      std::array<double, MAX_SCREWS>& rWeights, CVector Rest);
     /// One walk over all sets of holes. False if the walk can't tell the result.
     bool Walk(double Bound);
     /// Placements are looked for within the square root of Low.
     void SetLow(double Low);
     void SetFilter();
-    bool IsDecided() const { return m_bKnown && m_Low <= eMargin; }
+    bool IsDecided() const { return m_bKnown && m_Low <= MARGIN; }
     bool CanReach(const CHoles& rHoles) const;
     CScrewSet MakeSet(const CHoles& rHoles) const;
     void SearchSet(const CHoles& rHoles);
@@ -84,9 +84,9 @@ private:
     void SearchTwo(const CHoles& rHoles);
     void SearchBox(const CHoles& rHoles, const CScrewSet& rSet, const CScrewBox& rBox);
     void SearchPair(const CHoles& rHoles, CScrewRoles Roles, const CScrewBox& rBox, const CScrewAxis& rAxis,
-                    std::array<std::size_t, eMaxScrews>& rIndices, CVector Rest);
+                    std::array<std::size_t, MAX_SCREWS>& rIndices, CVector Rest);
     void SearchEverything(const CHoles& rHoles);
-    void Consider(const CHoles& rHoles, const std::array<std::size_t, eMaxScrews>& rIndices);
+    void Consider(const CHoles& rHoles, const std::array<std::size_t, MAX_SCREWS>& rIndices);
     void Compact();
     void Decide(const CHoles& rHoles);
 

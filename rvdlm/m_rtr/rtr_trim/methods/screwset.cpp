@@ -1,8 +1,8 @@
 #include "rvdlm/m_rtr/rtr_trim/methods/screwset.h"
 
 void CScrewRange::Clip(double a, double b, double Low, double High, double Slack) {
-    constexpr double eParallel = 1e-9;
-    if (std::abs(b) < eParallel) {
+    constexpr double PARALLEL = 1e-9;
+    if (std::abs(b) < PARALLEL) {
         return;  // x has next to no influence here: what is lost is only some pruning
     }
     const double Inverse = 1.0 / b;
@@ -13,10 +13,10 @@ void CScrewRange::Clip(double a, double b, double Low, double High, double Slack
 }
 
 void CScrewRange::Clip(double Along, double Missing) {
-    constexpr double eAcross = 1e-3;
-    if (Along > eAcross) {
+    constexpr double ACROSS = 1e-3;
+    if (Along > ACROSS) {
         AtLeast(Missing / Along);
-    } else if (Along < -eAcross) {
+    } else if (Along < -ACROSS) {
         AtMost(Missing / Along);
     }
 }
@@ -79,8 +79,8 @@ CScrewAxis CScrewSet::MakeAxis(const CScrewBox& rBox) const {
     }
     // The side's corner that is nearer to the target.
     const auto Farthest = [](double Along, double Tie, const CScrewWeights::CGroup& rGroup) {
-        constexpr double eAcross = 1e-9;
-        return (std::abs(Along) > eAcross ? Along : Tie) > 0.0 ? rGroup.m_Max : rGroup.m_Min;
+        constexpr double ACROSS = 1e-9;
+        return (std::abs(Along) > ACROSS ? Along : Tie) > 0.0 ? rGroup.m_Max : rGroup.m_Min;
     };
     const CScrewVector n = Best.m_Direction;
     CScrewVector Rest = m_Target;

@@ -27,19 +27,19 @@ CScrewWeights::CScrewWeights(std::span<const double> Table) {
 
 void CScrewWeights::Group() {
     // The widest gaps, as long as they are wide in comparison with the mean of those that are left.
-    constexpr double eWide = 8.0;
+    constexpr double WIDE = 8.0;
     const std::size_t n = m_Weights.size();
     std::vector<std::size_t> Ends;  // of the groups; first by the gap that follows
     for (std::size_t i = 1; i < n; ++i) {
         Ends.push_back(i);
     }
-    const auto nCandidates = static_cast<std::ptrdiff_t>(std::min(Ends.size(), eGroups - 1));
+    const auto nCandidates = static_cast<std::ptrdiff_t>(std::min(Ends.size(), GROUPS - 1));
     const auto GetGap = [this](std::size_t i) { return m_Weights[i] - m_Weights[i - 1]; };
     std::partial_sort(Ends.begin(), Ends.begin() + nCandidates, Ends.end(),
                       [&](std::size_t Left, std::size_t Right) { return GetGap(Left) > GetGap(Right); });
     double Left = GetMax() - GetMin();
     auto Last = Ends.begin();
-    while (Last != Ends.begin() + nCandidates && GetGap(*Last) * static_cast<double>(n) > eWide * Left) {
+    while (Last != Ends.begin() + nCandidates && GetGap(*Last) * static_cast<double>(n) > WIDE * Left) {
         Left -= GetGap(*Last);
         ++Last;
     }
@@ -64,11 +64,11 @@ void CScrewWeights::MakeGrids() {
     std::size_t nMarks = 0;
     for (CGroup& rGroup : m_Groups) {
         rGroup.m_FirstBucket = nBuckets;
-        rGroup.m_nBuckets = GetShare(eBuckets, rGroup);
+        rGroup.m_nBuckets = GetShare(BUCKETS, rGroup);
         rGroup.m_FirstMark = nMarks;
-        rGroup.m_nMarks = GetShare(eMarks, rGroup);
+        rGroup.m_nMarks = GetShare(MARKS, rGroup);
         nBuckets += rGroup.m_nBuckets;
-        nMarks += rGroup.m_nMarks + 2 * ePadding;
+        nMarks += rGroup.m_nMarks + 2 * PADDING;
         const double Range = rGroup.m_Max - rGroup.m_Min;
         if (Range > 1e-9 * Largest && Range < 1e100) {
             rGroup.m_BucketsPerGram = static_cast<double>(rGroup.m_nBuckets) / Range;
@@ -83,7 +83,7 @@ void CScrewWeights::MakeGrids() {
             ++m_Starts[GetBucket(rGroup, m_Weights[i]) + 1];
         }
     }
-    m_Offsets.insert(m_Offsets.end(), eLanes, m_Offsets.back());
+    m_Offsets.insert(m_Offsets.end(), LANES, m_Offsets.back());
     for (std::size_t i = 0; i < nBuckets; ++i) {
         m_Starts[i + 1] = static_cast<std::uint16_t>(m_Starts[i + 1] + m_Starts[i]);
     }
@@ -108,18 +108,18 @@ void CScrewWeights::SetTolerance(double Tolerance) {
     for (CGroup& rGroup : m_Groups) {
         // A mark of half the padding keeps the ends of the marks clear; the rest of a mark is well above what
         // single precision loses (0.01 marks).
-        constexpr double eWidest = ePadding / 2.0;
-        constexpr double eRounding = 0.05;
+        constexpr double WIDEST = PADDING / 2.0;
+        constexpr double ROUNDING = 0.05;
         rGroup.m_Tolerance = -1.0;
-        if (!(Tolerance * rGroup.m_MarksPerGram < eWidest) || rGroup.m_MarksPerGram == 0.0) {
+        if (!(Tolerance * rGroup.m_MarksPerGram < WIDEST) || rGroup.m_MarksPerGram == 0.0) {
             continue;
         }
         rGroup.m_Tolerance = Tolerance;
-        const double Width = Tolerance * rGroup.m_MarksPerGram + eRounding;
+        const double Width = Tolerance * rGroup.m_MarksPerGram + ROUNDING;
         const auto Begin = m_Marks.begin() + static_cast<std::ptrdiff_t>(rGroup.m_FirstMark);
         for (std::size_t i = rGroup.m_From; i < rGroup.m_To; ++i) {
             const double Place =
-                (m_Weights[i] - rGroup.m_Min) * rGroup.m_MarksPerGram + static_cast<double>(ePadding);
+                (m_Weights[i] - rGroup.m_Min) * rGroup.m_MarksPerGram + static_cast<double>(PADDING);
             const auto First = static_cast<std::ptrdiff_t>(Place - Width);
             const auto Last = static_cast<std::ptrdiff_t>(Place + Width);
             std::fill(Begin + First, Begin + Last + 1, std::uint8_t{1});

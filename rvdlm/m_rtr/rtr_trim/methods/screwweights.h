@@ -62,14 +62,14 @@ public:
                 std::size_t To, F Hit) const;
 
 private:
-    static constexpr std::size_t eGroups = 16;
-    static constexpr std::size_t eBuckets = 4096;
-    static constexpr std::size_t eMarks = 8192;
+    static constexpr std::size_t GROUPS = 16;
+    static constexpr std::size_t BUCKETS = 4096;
+    static constexpr std::size_t MARKS = 8192;
     /// Marks beyond both ends of a group. Values further out are brought there, where nothing is marked.
-    static constexpr std::size_t ePadding = 64;
+    static constexpr std::size_t PADDING = 64;
     /// Values that Filter computes in a go.
-    static constexpr std::size_t eBlock = 64;
-    static constexpr std::size_t eLanes = 4;
+    static constexpr std::size_t BLOCK = 64;
+    static constexpr std::size_t LANES = 4;
 
     void Group();
     void MakeGrids();
@@ -96,24 +96,24 @@ template <typename F>
 void CScrewWeights::Filter(double A, double B, const CGroup& rFound, const CGroup& rGroup, std::size_t From,
                            std::size_t To, F Hit) const {
     // In single precision, so that four values are computed at once; SetTolerance marks wide enough for it as
-    // long as the numbers are below eFine.
-    constexpr double eFine = 32768.0;
+    // long as the numbers are below FINE.
+    constexpr double FINE = 32768.0;
     const double Begin = (A - B * rGroup.m_Min - rFound.m_Min) * rFound.m_MarksPerGram;
     const double Travel = B * (rGroup.m_Max - rGroup.m_Min) * rFound.m_MarksPerGram;
-    if (!(std::abs(Begin) + std::abs(Travel) < eFine)) {
+    if (!(std::abs(Begin) + std::abs(Travel) < FINE)) {
         for (std::size_t i = From; i < To; ++i) {
             Hit(i);
         }
         return;
     }
-    const auto Start = static_cast<float>(Begin + static_cast<double>(ePadding));
+    const auto Start = static_cast<float>(Begin + static_cast<double>(PADDING));
     const auto Slope = static_cast<float>(B * rFound.m_MarksPerGram);
-    const auto Last = static_cast<float>(rFound.m_nMarks + 2 * ePadding - 1);
+    const auto Last = static_cast<float>(rFound.m_nMarks + 2 * PADDING - 1);
     const std::uint8_t* pMarks = m_Marks.data() + rFound.m_FirstMark;
-    std::int32_t Places[eBlock];
-    for (std::size_t Block = From; Block < To; Block += eBlock) {
+    std::int32_t Places[BLOCK];
+    for (std::size_t Block = From; Block < To; Block += BLOCK) {
         const std::size_t nLeft = To - Block;
-        const std::size_t nValues = nLeft < eBlock ? (nLeft + eLanes - 1) / eLanes * eLanes : eBlock;
+        const std::size_t nValues = nLeft < BLOCK ? (nLeft + LANES - 1) / LANES * LANES : BLOCK;
         const float* pOffsets = m_Offsets.data() + Block;
         for (std::size_t i = 0; i < nValues; ++i) {
             float Place = Start - Slope * pOffsets[i];
@@ -121,14 +121,14 @@ void CScrewWeights::Filter(double A, double B, const CGroup& rFound, const CGrou
             Place = Place < Last ? Place : Last;
             Places[i] = static_cast<std::int32_t>(Place);
         }
-        for (std::size_t i = 0; i < nValues; i += eLanes) {
-            // nValues is a multiple of eLanes, so all four have been set above.
+        for (std::size_t i = 0; i < nValues; i += LANES) {
+            // nValues is a multiple of LANES, so all four have been set above.
             // NOLINTNEXTLINE(clang-analyzer-core.uninitialized.ArraySubscript)
             if ((pMarks[Places[i]] | pMarks[Places[i + 1]] | pMarks[Places[i + 2]] | pMarks[Places[i + 3]]) ==
                 0) {
                 continue;
             }
-            for (std::size_t j = i; j < i + eLanes && Block + j < To; ++j) {
+            for (std::size_t j = i; j < i + LANES && Block + j < To; ++j) {
                 if (pMarks[Places[j]] != 0) {
                     Hit(Block + j);
                 }

@@ -19,25 +19,25 @@ using PreBalDB::CTypeBase;
 namespace {
 
 // Bits of the weight selection.
-constexpr int eSelectWeight2 = 1;
-constexpr int eSelectStep10 = 2;
+constexpr int SELECT_WEIGHT2 = 1;
+constexpr int SELECT_STEP10 = 2;
 
 /// Change menus of procedures with one and with two planes, by the weight selection.
-constexpr std::array<std::array<int, 4>, 2> g_ChangeMenus = {
+constexpr std::array<std::array<int, 4>, 2> CHANGE_MENUS = {
     {{Menus::eChangeWeight1By1, Menus::eChangeWeight2By1, Menus::eChangeWeight1By10,
       Menus::eChangeWeight2By10},
      {Menus::eChangeOfTwoPlanesWeight1By1, Menus::eChangeOfTwoPlanesWeight2By1,
       Menus::eChangeOfTwoPlanesWeight1By10, Menus::eChangeOfTwoPlanesWeight2By10}}};
 /// The same in the old manner, where weights have keys of their own and steps don't change.
-constexpr std::array<int, 2> g_OldChangeMenus = {Menus::eChangeBothWeights,
+constexpr std::array<int, 2> OLD_CHANGE_MENUS = {Menus::eChangeBothWeights,
                                                  Menus::eChangeBothWeightsOfTwoPlanes};
 
 /// Time from the key press to the first repeat, ms.
-constexpr std::uint32_t eRepeatDelay = 450;
+constexpr std::uint32_t REPEAT_DELAY = 450;
 /// The weights' bodies: closer than this they would touch.
-constexpr int eMinDistance = 20;
+constexpr int MIN_DISTANCE = 20;
 /// By how much equal positions are spread, each way.
-constexpr int eSpread = 10;
+constexpr int SPREAD = 10;
 
 /// Back into 0 to 359 by one turn at most.
 int Wrap(int Angle) {
@@ -125,12 +125,12 @@ int CWeightBalancingMethod::GetTestUnbalanceChangeMenu() {
 int CWeightBalancingMethod::GetChangeWeightsMenu(int Kind) {
     const auto KindIndex = static_cast<std::size_t>(Kind);
     const auto SelectionIndex = static_cast<std::size_t>(*m_pWeightSelection);
-    if (KindIndex < g_ChangeMenus.size()) {
+    if (KindIndex < CHANGE_MENUS.size()) {
         if (m_UseOldMenu) {
-            return g_OldChangeMenus[KindIndex];
+            return OLD_CHANGE_MENUS[KindIndex];
         }
-        if (SelectionIndex < g_ChangeMenus[KindIndex].size()) {
-            return g_ChangeMenus[KindIndex][SelectionIndex];
+        if (SelectionIndex < CHANGE_MENUS[KindIndex].size()) {
+            return CHANGE_MENUS[KindIndex][SelectionIndex];
         }
     }
     RV_ASSERT_FAIL(RtrTrim::g_pLog, "impossible");
@@ -139,7 +139,7 @@ int CWeightBalancingMethod::GetChangeWeightsMenu(int Kind) {
 
 void CWeightBalancingMethod::ReplaceMenu() {
     const int Current = m_pMainWnd->GetMenu();
-    const auto& rOfTwoPlanes = g_ChangeMenus[1];
+    const auto& rOfTwoPlanes = CHANGE_MENUS[1];
     const bool bTwoPlanes =
         std::find(rOfTwoPlanes.begin(), rOfTwoPlanes.end(), Current) != rOfTwoPlanes.end();
     m_pMainWnd->SetMenu(GetChangeWeightsMenu(bTwoPlanes ? 1 : 0));
@@ -166,8 +166,8 @@ bool CWeightBalancingMethod::SetUA(const math::matrix<double>& rUA, double* pPer
         CheckOrder(rUA);
     }
     if (!bAllowEqualAngles && m_IgnoreRebalWeights != 0 && m_AngleWeight1 == m_AngleWeight2) {
-        m_AngleWeight1 = Wrap(m_AngleWeight1 + eSpread);
-        m_AngleWeight2 = Wrap(m_AngleWeight2 - eSpread);
+        m_AngleWeight1 = Wrap(m_AngleWeight1 + SPREAD);
+        m_AngleWeight2 = Wrap(m_AngleWeight2 - SPREAD);
     }
     return bResult;
 }
@@ -198,7 +198,7 @@ bool CWeightBalancingMethod::DoPositionsProduce(int Angle1, int Angle2,
                                                 const math::matrix<double>& rUA) const {
     // Rounded to whole degrees each of the two unit vectors is off by half a degree at most, a chord of
     // 2 sin(0.25 degrees); the rest is for the last bits of the arithmetic.
-    static const double s_Rounding = 2.0 * 2.0 * std::sin(0.25 * math::ePi / 180.0) + 1e-6;
+    static const double s_Rounding = 2.0 * 2.0 * std::sin(0.25 * math::PI / 180.0) + 1e-6;
     math::matrix<double> Produced(2, 1);
     Angles2UA(Angle1 % 360, Angle2 % 360, Produced);
     return math::VectorLength(Produced - rUA) <= s_Rounding;
@@ -227,15 +227,15 @@ bool CWeightBalancingMethod::KeyPressed(CKeyActions::KeyAction Action, int Step)
             CKeyActions::KeyActionToString(Action));
     int& rSelection = *m_pWeightSelection;
     if (Action == CKeyActions::eWeightSelection || Action == CKeyActions::eStepSelection) {
-        rSelection ^= Action == CKeyActions::eWeightSelection ? eSelectWeight2 : eSelectStep10;
+        rSelection ^= Action == CKeyActions::eWeightSelection ? SELECT_WEIGHT2 : SELECT_STEP10;
         ReplaceMenu();
         return true;
     }
     const WeightKeys::CKey* const pKey = WeightKeys::Find(Action);
     int Weight = pKey != nullptr ? pKey->m_Weight : 0;
     if (Weight == WeightKeys::eActiveWeight) {
-        Weight = (rSelection & eSelectWeight2) != 0 ? WeightKeys::eWeight2 : WeightKeys::eWeight1;
-        Step = pKey->m_bDown && (rSelection & eSelectStep10) != 0 ? WeightKeys::COARSE_STEP
+        Weight = (rSelection & SELECT_WEIGHT2) != 0 ? WeightKeys::eWeight2 : WeightKeys::eWeight1;
+        Step = pKey->m_bDown && (rSelection & SELECT_STEP10) != 0 ? WeightKeys::COARSE_STEP
                                                                   : WeightKeys::FINE_STEP;
     }
 
@@ -259,9 +259,9 @@ void CWeightBalancingMethod::StartMove(int Weight, int Sign, int Step) {
     m_FirstStep = Sign * Step;
     m_Step = Step;
     if (Sign > 0) {
-        StartAutoIncrement(eRepeatDelay);
+        StartAutoIncrement(REPEAT_DELAY);
     } else {
-        StartAutoDecrement(eRepeatDelay);
+        StartAutoDecrement(REPEAT_DELAY);
     }
     (Weight == 1 ? m_AngleWeight1 : m_AngleWeight2) += Sign * Step;
 }
@@ -301,10 +301,10 @@ void CWeightBalancingMethod::CorrectWeights(int Step, int Old1, int Old2) {
     m_AngleWeight2 = Wrap(m_AngleWeight2);
     const int Difference = std::abs(m_AngleWeight2 - m_AngleWeight1);
     const int Distance = Difference > 180 ? std::abs(Difference - 360) : Difference;
-    if (Distance >= eMinDistance) {
+    if (Distance >= MIN_DISTANCE) {
         return;
     }
-    if (Distance < eMinDistance - Step) {
+    if (Distance < MIN_DISTANCE - Step) {
         RV_ASSERT_FAIL(RtrTrim::g_pLog, "impossible");  // further in than this step can have come
     }
     // Not undone but exchanged: the weight that is pushed jumps past the other by changing roles with it.

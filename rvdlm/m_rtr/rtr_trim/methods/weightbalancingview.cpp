@@ -8,7 +8,7 @@
 namespace {
 
 /// A weight covers this many degrees to each side of its angle.
-constexpr int c_nHalfWeight = 10;
+constexpr int HALF_WEIGHT = 10;
 
 /// The line from PolarPoint to PolarPoint across the ring, as the edge of an area: lines end at whole pixels,
 /// so it lies up to a pixel beside the radius.
@@ -49,15 +49,14 @@ void CWeightBalancingView::Paint(CDC* pDC, const CRect& rRect, const double* pMa
 }
 
 void CWeightBalancingView::DrawScaleLabels(CDC* pDC, const CGeometry& rGeometry) const {
-    constexpr int c_nHeight = 14;
+    constexpr int HEIGHT = 14;
     const bool bClockwise = m_ScalingDirection == PreBalDB::CTypeBase::eClockwise;
     const int Cx = rGeometry.m_Center.x;
     const int Cy = rGeometry.m_Center.y;
     const int nInner = rGeometry.m_Inner;
     // Centred from left to right, with its top at the point: so every label stands clear of the circle.
     const auto Label = [&](int x, int y, const char* pText) {
-        DrawCentred(pDC, CRect(CPoint(x, y), CSize(0, c_nHeight)), pText, c_nHeight, CFont::eSemiBold,
-                    c_Outline);
+        DrawCentred(pDC, CRect(CPoint(x, y), CSize(0, HEIGHT)), pText, HEIGHT, CFont::SEMI_BOLD, OUTLINE);
     };
     Label(Cx + 2, Cy + 3 - nInner, "0°");
     Label(Cx + 2, Cy - 15 + nInner, "180°");
@@ -73,7 +72,7 @@ void CWeightBalancingView::DrawWeights(CDC* pDC, const CGeometry& rGeometry, boo
         return;
     }
     // One would cover the other: side by side instead, with the line where both really are.
-    for (const int nAngle : {m_Angle1 + c_nHalfWeight, m_Angle1 - c_nHalfWeight}) {
+    for (const int nAngle : {m_Angle1 + HALF_WEIGHT, m_Angle1 - HALF_WEIGHT}) {
         DrawWeight(pDC, rGeometry.m_Square, nAngle, bMeasurement, false, &m_Angle1);
     }
     if (!bMeasurement) {
@@ -93,10 +92,10 @@ void CWeightBalancingView::DrawWeight(CDC* pDC, const CRect& rSquare, int Angle,
     const int nMiddle = ToDisplay(Angle);
 
     // Up to the lines of circles and edges, but not over them.
-    pDC->FillRing(Center, nInner, nOuter - 2, GetEdge(Center, nInner, nOuter - 1, nMiddle - c_nHalfWeight),
-                  GetEdge(Center, nInner, nOuter - 1, nMiddle + c_nHalfWeight), c_Ink);
-    pDC->SelectPen(CPen(CPen::eSolid, 1, c_Outline));
-    for (const int nEdge : {nMiddle - c_nHalfWeight, nMiddle + c_nHalfWeight}) {
+    pDC->FillRing(Center, nInner, nOuter - 2, GetEdge(Center, nInner, nOuter - 1, nMiddle - HALF_WEIGHT),
+                  GetEdge(Center, nInner, nOuter - 1, nMiddle + HALF_WEIGHT), INK);
+    pDC->SelectPen(CPen(CPen::eSolid, 1, OUTLINE));
+    for (const int nEdge : {nMiddle - HALF_WEIGHT, nMiddle + HALF_WEIGHT}) {
         pDC->MoveTo(PolarPoint(Center, nInner, nEdge));
         pDC->LineTo(PolarPoint(Center, nOuter - 1, nEdge));
     }
@@ -109,15 +108,15 @@ void CWeightBalancingView::DrawWeight(CDC* pDC, const CRect& rSquare, int Angle,
     const CPoint Number = PolarPoint(Center, nInner + (nThick - 1) / 2, nMiddle);
     DrawCentred(pDC, CRect(CPoint(Number.x - 2 * Q, Number.y - Q / 2), CSize(4 * Q, Q)),
                 std::to_string(pShownAngle != nullptr ? *pShownAngle : Angle) + "°", PointsToPixels(*pDC, Q),
-                CFont::eBold, c_OnInk);
+                CFont::BOLD, ON_INK);
 }
 
 void CWeightBalancingView::DrawAngleMark(CDC* pDC, const CGeometry& rGeometry, int nDisplay) {
     const int nEnd = rGeometry.m_Inner - 30;
-    if (nEnd <= c_nMiddle) {
+    if (nEnd <= MIDDLE) {
         return;  // no room beside the arrow
     }
-    pDC->SelectPen(CPen(CPen::eDot, 1, c_Mark));
-    pDC->MoveTo(PolarPoint(rGeometry.m_Center, c_nMiddle, nDisplay));
+    pDC->SelectPen(CPen(CPen::eDot, 1, MARK));
+    pDC->MoveTo(PolarPoint(rGeometry.m_Center, MIDDLE, nDisplay));
     pDC->LineTo(PolarPoint(rGeometry.m_Center, nEnd, nDisplay));
 }

@@ -14,9 +14,9 @@ using PreBalDB::CTypeBase;
 namespace {
 
 /// A pair could reach 2, but with no room left for a later correction.
-constexpr double eCapacity = 1.95;
+constexpr double CAPACITY = 1.95;
 /// A sum of weights below this has no x component.
-constexpr double eNothing = 1e-8;
+constexpr double NOTHING = 1e-8;
 
 /// To the nearest whole number, exactly one half down.
 int RoundHalfDown(double x) {
@@ -29,7 +29,7 @@ int RoundHalfDown(double x) {
 
 /// Radians to whole degrees, 0 to 359 for the angles that occur here.
 int ToDegrees(double Angle) {
-    return RoundHalfDown(Angle * 180.0 / math::ePi + 360.0) % 360;
+    return RoundHalfDown(Angle * 180.0 / math::PI + 360.0) % 360;
 }
 
 /// Which of the two positions goes to weight 1, which to weight 2. The first rule that applies wins. M(0) is
@@ -68,10 +68,10 @@ bool CWeightCompensation::UA2Angles(const math::matrix<double>& rUA, int& rAngle
 
     const double Angle = std::atan2(rUA(1, 0), rUA(0, 0));
     const double Norm = rUA.Norm();
-    const bool bEnough = !(Norm > eCapacity);
+    const bool bEnough = !(Norm > CAPACITY);
     const double Half = bEnough ? std::acos(Norm * 0.5) : 0.0;
     if (pPerCentCompensationDifference != nullptr) {
-        *pPerCentCompensationDifference = bEnough ? 0.0 : (Norm - eCapacity) / eCapacity * 100;
+        *pPerCentCompensationDifference = bEnough ? 0.0 : (Norm - CAPACITY) / CAPACITY * 100;
     }
 
     const bool bCounterClockwise = m_ScalingDirection == CTypeBase::eCounterClockwise;
@@ -95,17 +95,17 @@ bool CWeightCompensation::Angles2UA(const int& rAngleWeight1, const int& rAngleW
     PB_FLOW("CWeightCompensation::Angles2UA(%d, %d, rUA) called", rAngleWeight1, rAngleWeight2);
     RV_ASSERT_AS(RtrTrim::g_pLog, (std::abs(rAngleWeight1) < 360) && (std::abs(rAngleWeight2) < 360),
                  "(abs(rAngleWeight1) < 360) && (abs(rAngleWeight2) < 360)", "invalid angles", false);
-    const double a = rAngleWeight1 * math::ePi / 180;
-    const double b = rAngleWeight2 * math::ePi / 180;
+    const double a = rAngleWeight1 * math::PI / 180;
+    const double b = rAngleWeight2 * math::PI / 180;
     const double X = std::cos(b) + std::cos(a);
     const double Y = std::sin(b) + std::sin(a);
 
     double Phi = 0.0;
-    if (std::abs(X) >= eNothing) {
+    if (std::abs(X) >= NOTHING) {
         Phi = std::atan2(Y, X);
-    } else if (Y > eNothing) {
+    } else if (Y > NOTHING) {
         Phi = 1.5707963267948966;
-    } else if (std::sin(b) + std::sin(b) < -eNothing) {
+    } else if (std::sin(b) + std::sin(b) < -NOTHING) {
         Phi = 4.71238898038469;  // twice sin(b) is meant, not sin(a) + sin(b)
     }
     const double R = std::sqrt(Y * Y + X * X);

@@ -20,7 +20,7 @@ struct CKey {
     bool m_bDown;  ///< begins the move; else the key went up, which ends it
 };
 
-inline constexpr std::array g_Keys = {
+inline constexpr std::array KEYS = {
     CKey{CKeyActions::eIncPosWeight1Down, eWeight1, 1, true},
     CKey{CKeyActions::eIncPosWeight1Up, eWeight1, 1, false},
     CKey{CKeyActions::eDecPosWeight1Down, eWeight1, -1, true},
@@ -37,8 +37,8 @@ inline constexpr std::array g_Keys = {
 
 /// Null for any other key.
 constexpr const CKey* Find(CKeyActions::KeyAction Action) {
-    const auto* const pFound = std::ranges::find(g_Keys, Action, &CKey::m_Action);
-    return pFound == g_Keys.end() ? nullptr : pFound;
+    const auto* const pFound = std::ranges::find(KEYS, Action, &CKey::m_Action);
+    return pFound == KEYS.end() ? nullptr : pFound;
 }
 
 // Degrees of a key press. With keys of its own a weight goes in larger steps while the rotor is set up than

@@ -11,11 +11,11 @@
 
 namespace {
 
-constexpr const char* eVersion = "3.1";
+constexpr const char* VERSION = "3.1";
 /// Had the head of today, and a module number in place of the key.
-constexpr const char* eVersionWithNumbers = "3.0";
+constexpr const char* VERSION_WITH_NUMBERS = "3.0";
 /// What files without an increment below count as.
-constexpr std::int32_t eDefaultIncrementBelow = 30;
+constexpr std::int32_t DEFAULT_INCREMENT_BELOW = 30;
 
 std::string FormatKey(long long Number, const std::string& rSetText) {
     char Number6[32];
@@ -59,8 +59,8 @@ std::string SetAside(const std::string& rPath) {
 }
 
 bool IsUsable(double Angle) {
-    constexpr double eLargest = 359.0;
-    return Angle >= 0.0 && Angle <= eLargest;  // no number is neither
+    constexpr double LARGEST = 359.0;
+    return Angle >= 0.0 && Angle <= LARGEST;  // no number is neither
 }
 
 }  // namespace
@@ -156,7 +156,7 @@ void CWeightPositionStore::Serialize(CArchive& rArchive) {
 }
 
 void CWeightPositionStore::Write(CArchive& rArchive) {
-    rArchive << std::string(eVersion) << m_IncrementRPM << m_Increment << m_IncrementBelow
+    rArchive << std::string(VERSION) << m_IncrementRPM << m_Increment << m_IncrementBelow
              << static_cast<std::uint32_t>(m_WeightPositions.size());
     for (auto& [rKey, rRecord] : m_WeightPositions) {
         rArchive << rKey;
@@ -167,13 +167,13 @@ void CWeightPositionStore::Write(CArchive& rArchive) {
 void CWeightPositionStore::Read(CArchive& rArchive) {
     std::string Version;
     rArchive >> Version;
-    const bool bKeys = Version == eVersion;
+    const bool bKeys = Version == VERSION;
     m_WeightPositions.clear();
     rArchive >> m_IncrementRPM >> m_Increment;
-    if (bKeys || Version == eVersionWithNumbers) {
+    if (bKeys || Version == VERSION_WITH_NUMBERS) {
         rArchive >> m_IncrementBelow;
     } else {
-        m_IncrementBelow = eDefaultIncrementBelow;
+        m_IncrementBelow = DEFAULT_INCREMENT_BELOW;
     }
     std::uint32_t nEntries = 0;
     rArchive >> nEntries;

@@ -8,11 +8,11 @@
 /// The item of class T, null if the NC offers none. There must be a connection.
 template <typename T, typename... Arguments>
 std::unique_ptr<T> MakeLinkedItem(const char* pName, Arguments... MoreArguments) {
-    constexpr std::uint32_t eUpdateRate = 100;  // ms
-    if (COpcDatabaseRef(T::ms_pKey)->GetOpcLinkItem(T::ms_pKey).empty()) {
+    constexpr std::uint32_t UPDATE_RATE = 100;  // ms
+    if (COpcDatabaseRef(T::KEY)->GetOpcLinkItem(T::KEY).empty()) {
         return nullptr;
     }
-    return std::make_unique<T>(COPCConnection::CreateInstance()->CreateGroup(eUpdateRate, 0), pName,
+    return std::make_unique<T>(COPCConnection::CreateInstance()->CreateGroup(UPDATE_RATE, 0), pName,
                                MoreArguments...);
 }
 

@@ -8,10 +8,10 @@
 namespace {
 
 std::int32_t ToRequest(const COpcValue& rValue) {
-    constexpr std::int32_t eUnknownRequest = std::numeric_limits<std::int32_t>::max();
-    const double Number = OpcValueToNumber(rValue).value_or(eUnknownRequest);
-    if (Number != std::trunc(Number) || std::abs(Number) > eUnknownRequest) {
-        return eUnknownRequest;
+    constexpr std::int32_t UNKNOWN_REQUEST = std::numeric_limits<std::int32_t>::max();
+    const double Number = OpcValueToNumber(rValue).value_or(UNKNOWN_REQUEST);
+    if (Number != std::trunc(Number) || std::abs(Number) > UNKNOWN_REQUEST) {
+        return UNKNOWN_REQUEST;
     }
     return static_cast<std::int32_t>(Number);
 }
@@ -20,7 +20,7 @@ std::int32_t ToRequest(const COpcValue& rValue) {
 
 CPreBalInterfaceFromNC::CPreBalInterfaceFromNC(std::shared_ptr<COPCGroup> pGroup, std::string Name,
                                                CPreBalFromNCInterface* pTarget)
-    : COpcItem(std::move(pGroup), std::move(Name), ms_pKey), m_pTarget(pTarget) {
+    : COpcItem(std::move(pGroup), std::move(Name), KEY), m_pTarget(pTarget) {
     Subscribe([this](const COpcValue* pValue) { OnChange(pValue); });
 }
 

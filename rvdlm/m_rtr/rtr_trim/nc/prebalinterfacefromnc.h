@@ -11,7 +11,7 @@
 /// The request item: the NC writes a request, the module answers in the same item.
 class CPreBalInterfaceFromNC : public COpcItem {
 public:
-    static constexpr const char* ms_pKey = NcItems::REQUEST;
+    static constexpr const char* KEY = NcItems::REQUEST;
 
     /// Subscribes; pTarget gets every value that somebody else wrote, and a value that isn't a whole number
     /// as the unknown request 0x7FFFFFFF.

@@ -6,12 +6,12 @@
 /// The target unbalance that the NC sets.
 class CPreBalInterfaceFromNcTargetUnbalance : public COpcNumberItem {
 public:
-    static constexpr const char* ms_pKey = NcItems::TARGET_UNBALANCE;
+    static constexpr const char* KEY = NcItems::TARGET_UNBALANCE;
 
     /// Subscribes; pTarget gets each value.
     CPreBalInterfaceFromNcTargetUnbalance(std::shared_ptr<COPCGroup> pGroup, std::string Name,
                                           CPreBalTargetUnbalanceInterface* pTarget)
-        : COpcNumberItem(std::move(pGroup), std::move(Name), ms_pKey) {
+        : COpcNumberItem(std::move(pGroup), std::move(Name), KEY) {
         SubscribeNumber([pTarget](double Value) { pTarget->OnValueFromNC(Value); },
                         [pTarget] { pTarget->OnValueFromNCTargetUnbalanceFailure(); });
     }

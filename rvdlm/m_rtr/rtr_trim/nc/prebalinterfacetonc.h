@@ -10,7 +10,7 @@
 /// The notification item: 14 numbers to the NC.
 class CPreBalInterfaceToNC : public COpcItem {
 public:
-    static constexpr const char* ms_pKey = NcItems::NOTIFICATION;
+    static constexpr const char* KEY = NcItems::NOTIFICATION;
 
     CPreBalInterfaceToNC(std::shared_ptr<COPCGroup> pGroup, std::string Name);
 

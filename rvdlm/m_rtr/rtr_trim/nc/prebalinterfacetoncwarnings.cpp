@@ -4,7 +4,7 @@
 
 CPreBalInterfaceToNCWarnings::CPreBalInterfaceToNCWarnings(std::shared_ptr<COPCGroup> pGroup,
                                                            std::string Name)
-    : COpcItem(std::move(pGroup), std::move(Name), ms_pKey) {}
+    : COpcItem(std::move(pGroup), std::move(Name), KEY) {}
 
 int CPreBalInterfaceToNCWarnings::SetWarningMode(std::uint32_t Mode) {
     return Write(static_cast<std::int32_t>(Mode));

@@ -9,7 +9,7 @@
 /// The warning item: the number of the warning shown, 0 for none.
 class CPreBalInterfaceToNCWarnings : public COpcItem {
 public:
-    static constexpr const char* ms_pKey = NcItems::WARNING;
+    static constexpr const char* KEY = NcItems::WARNING;
 
     CPreBalInterfaceToNCWarnings(std::shared_ptr<COPCGroup> pGroup, std::string Name);
 

@@ -8,8 +8,8 @@
 
 namespace {
 
-constexpr std::int32_t ePreBalancingActivity = 1;
-constexpr std::int32_t eReBalancingActivity = 2;
+constexpr std::int32_t PRE_BALANCING_ACTIVITY = 1;
+constexpr std::int32_t RE_BALANCING_ACTIVITY = 2;
 
 }  // namespace
 
@@ -146,9 +146,16 @@ void CBalancingSequence::OutOfLock(int bNotLocked) {
     SetEvent(eOutOfLockChanged);
 }
 
+Measurement CBalancingSequence::GetMeasurement() const {
+    const Sequence::CState* const pState = m_rTables.FindState(m_State);
+    return pState == nullptr ? Measurement::eNone : Sequence::GetMeasurement(*pState);
+}
+
 void CBalancingSequence::GetProgress(CPreBalProgress& rProgress) const {
     CPreBalancing::GetProgress(rProgress);
     rProgress.m_State = m_rTables.GetStateText(m_State);
+    rProgress.m_Measuring.m_Which = GetMeasurement();
+    m_Measuring.Describe(rProgress.m_Measuring);
     for (std::size_t i = 0; i < m_Planes.GetCount(); ++i) {
         const CSequencePlane& rPlane = m_Planes.Get(i);
         const CXYMovingAverage& rAverage = rPlane.m_pMethod->m_MovingAverage;
@@ -202,8 +209,8 @@ int CBalancingSequence::SetEvent(CEvent Event) {
         RV_ERROR(RtrTrim::g_pLog, "Calculation failed in state %s: %s", m_rTables.GetStateText(m_State),
                  rError.what());
         StopMeasurement();
-        FailWithReset(m_Activity == eReBalancingActivity ? Warnings::eRebalanceNotPossible
-                                                         : Warnings::eNoInfluence);
+        FailWithReset(m_Activity == RE_BALANCING_ACTIVITY ? Warnings::eRebalanceNotPossible
+                                                          : Warnings::eNoInfluence);
     }
     if (Result == 0 && Event.m_Kind != eCommitChanges) {
         RV_WARNING(RtrTrim::g_pLog, "Invalid Event %s in state %s received", GetEventText(Event),
@@ -372,7 +379,7 @@ int CBalancingSequence::ChangeState(int NewState) {
     };
     int Result = 1;
     std::int32_t Activity =
-        NewState >= m_rTables.m_FirstReBalanceState ? eReBalancingActivity : ePreBalancingActivity;
+        NewState >= m_rTables.m_FirstReBalanceState ? RE_BALANCING_ACTIVITY : PRE_BALANCING_ACTIVITY;
     if (IsFailure(pNew)) {
         Activity = 0;  // and every state may fail
     } else if (IsFailure(pOld)) {
@@ -429,11 +436,11 @@ int CBalancingSequence::FailWithReset(std::uint32_t Warning) {
 
 void CBalancingSequence::OpenLogBlock(int NewState) {
     CloseLogBlock();
-    if (RtrTrim::g_pLog == nullptr || (RtrTrim::g_pLog->GetLevel() & RtrTrim::ePbFlow) == 0) {
+    if (RtrTrim::g_pLog == nullptr || (RtrTrim::g_pLog->GetLevel() & RtrTrim::PB_FLOW) == 0) {
         return;
     }
     const char* pName = m_rTables.GetStateText(NewState);
-    RtrTrim::g_pLog->LogStartBlock(__FILE__, __LINE__, __func__, RtrTrim::ePbFlow, "PbFlow", pName);
+    RtrTrim::g_pLog->LogStartBlock(__FILE__, __LINE__, __func__, RtrTrim::PB_FLOW, "PbFlow", pName);
     m_bBlockOpen = true;
     PB_FLOW("%s Step(%d/%d)", pName, static_cast<int>(GetCurrentStep()),
             static_cast<int>(GetNumberOfSteps()));
@@ -441,7 +448,7 @@ void CBalancingSequence::OpenLogBlock(int NewState) {
 
 void CBalancingSequence::CloseLogBlock() {
     if (m_bBlockOpen) {
-        RtrTrim::g_pLog->LogEndBlock(RtrTrim::ePbFlow);
+        RtrTrim::g_pLog->LogEndBlock(RtrTrim::PB_FLOW);
         m_bBlockOpen = false;
     }
 }

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/prebalancing.h"
+#include "rvdlm/m_rtr/rtr_trim/prebalancing/readinglog.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/sequenceentry.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/sequencemeasuring.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/sequenceplanes.h"
@@ -69,6 +70,7 @@ public:
     void InvalidRPM(int bInvalid) override;
     void OutOfLock(int bNotLocked) override;
     void GetProgress(CPreBalProgress& rProgress) const override;
+    void GetReadings(CArrivedReadings& rReadings) const override { m_Arrived.Get(rReadings); }
     bool DependsOnModuleState() const override;
     /// Raises eXYValueChanged for every plane, so that all of them take a sample in the same tick.
     void OnMeasurementTick() override;
@@ -84,8 +86,8 @@ protected:
     using Matrix = math::matrix<double>;
 
     /// Whether a test run can be worked with, as the mathematics tells.
-    static constexpr std::uint32_t eUsable = 0;
-    static constexpr std::uint32_t eNoInfluence = 1;
+    static constexpr std::uint32_t USABLE = 0;
+    static constexpr std::uint32_t NO_INFLUENCE = 1;
     /// What a test run yields.
     struct CCalibration {
         Matrix m_InvA;
@@ -137,7 +139,7 @@ protected:
     virtual void ApplyNeutralPositionXYValues() = 0;
     /// The means as they stand are the test of that leg.
     virtual void SetTestPositions(std::size_t Leg) = 0;
-    /// The test run of that leg is measured: eUsable or eNoInfluence, anything else is impossible.
+    /// The test run of that leg is measured: USABLE or NO_INFLUENCE, anything else is impossible.
     /// rCalibration is what the last leg yields. May throw math::matrix_error.
     virtual std::uint32_t FinishTestRun(std::size_t Leg, CCalibration& rCalibration) = 0;
     /// The compensation (per plane) that the reading asks for, with the stored calibration.
@@ -154,6 +156,8 @@ private:
     // The engine (balancingsequence.cpp).
     int Start(EVENTS Event, std::uint16_t wRPM, int NotLocked, int InvalidRPM);
     int DispatchEvent(const CEvent& rEvent);
+    /// The measurement that the present state makes.
+    Measurement GetMeasurement() const;
     /// The present state's row.
     const Sequence::CState& GetStateRow() const {
         return m_rTables.m_States[static_cast<std::size_t>(m_State)];
@@ -250,6 +254,7 @@ private:
     const Sequence::CTables& m_rTables;
     CSequencePlanes m_Planes;
     CSequenceMeasuring m_Measuring;
+    CReadingLog m_Arrived;
     CSequencePositions m_Positions;
     CSequenceEntry m_Entry;
     bool m_bBlockOpen = false;  ///< a log block of this object is open

@@ -13,7 +13,7 @@
 namespace {
 
 /// Text keys by instruction mode.
-constexpr std::array c_InstructionKeys{
+constexpr std::array INSTRUCTION_KEYS{
     "PB_TERMINATE_TEXT4",                  // 0
     "PB_STOP_SPINDLE_OR_CONFIRM_TEXT",     // 1
     "PB_STOP_SPINDLE_TEXT",                // 2
@@ -35,7 +35,7 @@ struct CWarningText {
 };
 
 /// By warning mode.
-constexpr std::array<CWarningText, Warnings::eCount> c_Warnings{{
+constexpr std::array<CWarningText, Warnings::eCount> WARNINGS{{
     {CWarningText::eLiteral, "eNone"},                     // 0, never painted
     {CWarningText::eKey, "SET_SWITCH"},                    // 1
     {CWarningText::eKey, "PB_RUN_AT_SELECTED_RPM_TEXT"},   // 2
@@ -51,7 +51,7 @@ constexpr std::array<CWarningText, Warnings::eCount> c_Warnings{{
 }};
 
 /// The configuration that every database has; its name tells the operator nothing.
-constexpr const char* c_pDefaultProcess = "Default";
+constexpr const char* DEFAULT_PROCESS = "Default";
 
 }  // namespace
 
@@ -83,7 +83,7 @@ std::string CInstructionView::GetTitleText() const {
         Title += " / " + m_SetName;
     }
     Title += ":";
-    if (m_ProcessName != c_pDefaultProcess) {
+    if (m_ProcessName != DEFAULT_PROCESS) {
         Title += " " + m_ProcessName;
     }
     return Title;
@@ -103,19 +103,19 @@ std::string CInstructionView::GetWarningText() const {
 }
 
 std::string CInstructionView::ModeToLanguageString(std::uint32_t Mode) {
-    if (Mode >= c_InstructionKeys.size()) {
+    if (Mode >= INSTRUCTION_KEYS.size()) {
         RV_ASSERT_FAIL(RtrTrim::g_pLog, "impossible");
         return "invalid mode";
     }
-    return GetText(c_InstructionKeys[Mode]);
+    return GetText(INSTRUCTION_KEYS[Mode]);
 }
 
 std::string CInstructionView::WarningModeToLanguageString(std::uint32_t Mode, double Percent) {
-    if (Mode >= c_Warnings.size()) {
+    if (Mode >= WARNINGS.size()) {
         RV_ASSERT_FAIL(RtrTrim::g_pLog, "impossible");
         return "WARNING";
     }
-    const CWarningText& rWarning = c_Warnings[Mode];
+    const CWarningText& rWarning = WARNINGS[Mode];
     switch (rWarning.m_Kind) {
         case CWarningText::eLiteral:
             return rWarning.m_pFirst;
@@ -143,17 +143,17 @@ void CInstructionView::Paint(CDC* pDC, const CRect& rRect) const {
 }
 
 void CInstructionView::PaintHeader(CDC& rDC, const CRect& rRect) const {
-    constexpr int c_nInset = 10;
+    constexpr int INSET = 10;
     PageStyle::PaintArea(rDC, rRect, PageStyle::GetPanelColor(rDC));
     CRect Inner = rRect;
-    Inner.DeflateRect(c_nInset, 0);
+    Inner.DeflateRect(INSET, 0);
     const int nFontHeight = rRect.Width() / 47;
     PageStyle::PaintLine(rDC, Inner, GetTitleText(), nFontHeight, DT_VCENTER | DT_LEFT);
     PageStyle::PaintLine(rDC, Inner, GetStepText(), nFontHeight, DT_VCENTER | DT_RIGHT);
 }
 
 void CInstructionView::PaintBody(CDC& rDC, const CRect& rRect) const {
-    PageStyle::PaintArea(rDC, rRect, PageStyle::c_Body);
+    PageStyle::PaintArea(rDC, rRect, PageStyle::BODY);
     CRect Inner = rRect;
     Inner.DeflateRect(10, 5, 5, 10);
     int nInstruction = Inner.Width() / 38;
@@ -161,15 +161,14 @@ void CInstructionView::PaintBody(CDC& rDC, const CRect& rRect) const {
     if (m_WarningMode != Warnings::eNone) {
         // In a low pane the two lines would lie upon each other: the warning then goes into the margin below,
         // and if that doesn't do, both get lower.
-        constexpr int c_nMargin = 8;
+        constexpr int MARGIN = 8;
         const int nBoth = nInstruction + nWarning;
-        Inner.bottom += std::clamp(nBoth - Inner.Height(), 0, c_nMargin);
+        Inner.bottom += std::clamp(nBoth - Inner.Height(), 0, MARGIN);
         if (nBoth > Inner.Height()) {
             nInstruction = nInstruction * Inner.Height() / nBoth;
             nWarning = Inner.Height() - nInstruction;
         }
-        PageStyle::PaintLine(rDC, Inner, GetWarningText(), nWarning, DT_BOTTOM | DT_LEFT,
-                             PageStyle::c_Warning);
+        PageStyle::PaintLine(rDC, Inner, GetWarningText(), nWarning, DT_BOTTOM | DT_LEFT, PageStyle::WARNING);
     }
     PageStyle::PaintLine(rDC, Inner, GetInstructionText(), nInstruction, DT_TOP | DT_LEFT);
 }

@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr std::array<const char*, 27> g_KeyActionNames = {
+constexpr std::array<const char*, 27> KEY_ACTION_NAMES = {
     "eNext",                     // 0
     "eRebalance",                // 1
     "eIncrement",                // 2
@@ -40,8 +40,8 @@ constexpr std::array<const char*, 27> g_KeyActionNames = {
 
 const char* CKeyActions::KeyActionToString(KeyAction Action) {
     const auto Index = static_cast<std::size_t>(Action);
-    if (Index < g_KeyActionNames.size()) {
-        return g_KeyActionNames[Index];
+    if (Index < KEY_ACTION_NAMES.size()) {
+        return KEY_ACTION_NAMES[Index];
     }
     RV_ASSERT_FAIL(RtrTrim::g_pLog, "impossible");
     return "unknown action";

@@ -23,6 +23,15 @@ CMeasurementSubState::~CMeasurementSubState() {
     StopMeasurement();
 }
 
+void CMeasurementSubState::Describe(CPreBalProgress::CMeasuring& rMeasuring) const {
+    rMeasuring.m_TargetRPM = m_TargetRPM;
+    rMeasuring.m_RPMTolerance = m_RPMTolerance;
+    rMeasuring.m_bAtSpeed = IsInWindow();
+    rMeasuring.m_bLocked = IsLockGood();
+    rMeasuring.m_bSampling = m_CanMeasure != 0;
+    rMeasuring.m_SamplePeriod = m_HiResPeriod;
+}
+
 int CMeasurementSubState::StartMeasurement(std::uint16_t wRPM, int NotLocked, int bNotifyOnLost) {
     RV_ASSERT(RtrTrim::g_pLog, !CIDTimer::HasActiveTimer(), "timer not stopped before");
     StopMeasurement();
@@ -30,7 +39,7 @@ int CMeasurementSubState::StartMeasurement(std::uint16_t wRPM, int NotLocked, in
     m_OutOfLock = NotLocked;
     m_NotifyOnLost = bNotifyOnLost;
     if (!CIDTimer::IsActive(m_PaintXYTimerID)) {
-        m_PaintXYTimerID = CIDTimer::Start(m_PaintXYPeriod, CIDTimer::eEndless);
+        m_PaintXYTimerID = CIDTimer::Start(m_PaintXYPeriod, CIDTimer::ENDLESS);
     }
     RunHandler();
     return 1;
@@ -144,6 +153,14 @@ void CMeasurementSubState::KeepWaiting() {
 void CMeasurementSubState::StopHiResTimer() {
     if (m_HiResTimer.IsActive(m_HiResTimerID)) {
         m_HiResTimer.Stop(m_HiResTimerID);
+        if (m_TickWatch.HasSuffered(m_HiResPeriod)) {
+            RV_WARNING(RtrTrim::g_pLog,
+                       "The computer was too busy for this measurement: %u samples, the longest pause "
+                       "between two %u "
+                       "ms in place of %u",
+                       m_TickWatch.GetCount(), static_cast<unsigned>(m_TickWatch.GetLongestPause()),
+                       m_HiResPeriod);
+        }
     }
     m_HiResTimerID = 0;
 }
@@ -160,6 +177,7 @@ void CMeasurementSubState::OnIDTimeout(std::int32_t TimerID) {
         PleaseQueryXYValuesNOW();
         RV_ASSERT(RtrTrim::g_pLog, !m_HiResTimer.IsActive(m_HiResTimerID), "impossible");
         m_HiResTimerID = m_HiResTimer.Start(m_HiResPeriod);
+        m_TickWatch.Begin(IFEventLoop::Current().Now());
     } else if (TimerID == m_PaintXYTimerID) {
         if (!CIDTimer::IsActive(m_PaintXYTimerID)) {
             RV_ASSERT_FAIL(RtrTrim::g_pLog, "impossible");
@@ -171,6 +189,7 @@ void CMeasurementSubState::OnIDTimeout(std::int32_t TimerID) {
             RV_ASSERT_FAIL(RtrTrim::g_pLog, "impossible");
             m_HiResTimerID = 0;
         }
+        m_TickWatch.Tick(IFEventLoop::Current().Now());
         OnMeasurementTick();
     }
 }
@@ -197,12 +216,12 @@ std::int32_t CMeasurementSubState::CHiResTimer::Start(std::uint32_t Period) {
         RV_ASSERT_FAIL(RtrTrim::g_pLog, "impossible");
         Period = std::clamp(Period, Caps.m_PeriodMin, Caps.m_PeriodMax);
     }
-    constexpr std::uint32_t eResolution = 1;
-    m_Handle = rLoop.StartMultimediaTimer(Period, eResolution, [this](std::uint32_t Handle) {
+    constexpr std::uint32_t RESOLUTION = 1;
+    m_Handle = rLoop.StartMultimediaTimer(Period, RESOLUTION, [this](std::uint32_t Handle) {
         // On a thread of the system: nothing but posting is allowed here.
         PostMessage(WM_RV_MESSAGEWND, Handle);
     });
-    return m_Handle != 0 ? eHiResTimerID : 0;
+    return m_Handle != 0 ? HI_RES_TIMER_ID : 0;
 }
 
 void CMeasurementSubState::CHiResTimer::Stop(std::int32_t TimerID) {
@@ -214,13 +233,13 @@ void CMeasurementSubState::CHiResTimer::Stop(std::int32_t TimerID) {
 
 bool CMeasurementSubState::CHiResTimer::IsActive(std::int32_t TimerID) const {
     RV_ASSERT(RtrTrim::g_pLog, TimerID <= 1, "invalid timer ID");
-    return TimerID == eHiResTimerID && m_Handle != 0;
+    return TimerID == HI_RES_TIMER_ID && m_Handle != 0;
 }
 
 void CMeasurementSubState::CHiResTimer::OnMessageWndMessage(WPARAM wParam, LPARAM /*lParam*/) {
     // A tick that was posted before its timer was stopped carries an old handle and is dropped.
     if (m_Handle != 0 && wParam == m_Handle) {
-        m_rOwner.OnIDTimeout(eHiResTimerID);
+        m_rOwner.OnIDTimeout(HI_RES_TIMER_ID);
     }
 }
 

@@ -1,6 +1,8 @@
 #pragma once
 #include <cstdint>
 
+#include "contract/prebalprogress.h"
+#include "rvdlm/m_rtr/rtr_trim/prebalancing/tickwatch.h"
 #include "rvlib/rvbas/base/idtimer.h"
 #include "rvlib/rvbas/base/messagewnd.h"
 
@@ -25,7 +27,9 @@ public:
     /// Nonzero while samples may be taken.
     int CanMeasure() const { return m_CanMeasure; }
     /// Whether speed and lock are as a measurement needs them now, settled or not. Known while one runs.
-    bool IsConditionMet() const { return IsInWindow() && (m_OutOfLock == 0 || m_IgnoreOutOfLock != 0); }
+    bool IsConditionMet() const { return IsInWindow() && IsLockGood(); }
+    /// The measuring condition and the sample clock, for the host.
+    void Describe(CPreBalProgress::CMeasuring& rMeasuring) const;
     int GetIgnoreOutOfLock() const { return m_IgnoreOutOfLock; }
     /// Moves the centre of the speed window.
     void SetTargetRPM(std::uint32_t TargetRPM) { m_TargetRPM = TargetRPM; }
@@ -77,7 +81,7 @@ private:
         std::uint32_t m_Handle = 0;  ///< of the running multimedia timer, 0 when none
     };
 
-    static constexpr std::int32_t eHiResTimerID = 1;
+    static constexpr std::int32_t HI_RES_TIMER_ID = 1;
 
     /// Looks at speed and lock again, by the rule that the test switch chooses.
     void RunHandler();
@@ -85,6 +89,7 @@ private:
     /// Looks only at the speed for the decision.
     void MeasurementSubStateHandlerIgnoreOutOfLock();
     bool IsInWindow() const { return IsSpeedInWindow(m_CurrentRPM, m_TargetRPM, m_RPMTolerance); }
+    bool IsLockGood() const { return m_OutOfLock == 0 || m_IgnoreOutOfLock != 0; }
     void ShowReason();
     void StartSettling();
     void LeaveMeasuring();
@@ -105,4 +110,5 @@ private:
     std::uint32_t m_PaintXYPeriod = 250;
     std::uint32_t m_OutOfLockPeriod = 3000;
     std::uint32_t m_HiResPeriod = 50;
+    CTickWatch m_TickWatch;
 };

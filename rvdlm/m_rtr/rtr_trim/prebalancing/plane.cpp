@@ -19,10 +19,10 @@ using PreBalDB::CTypeBase;
 namespace {
 
 /// An influence, or a factor, below this counts as none.
-constexpr double eNoInfluence = 1e-08;
+constexpr double NO_INFLUENCE = 1e-08;
 
 bool IsMeasured(const math::matrix<double>& rReading) {
-    return rReading(0, 0) != math::eInvalidValue && rReading(1, 0) != math::eInvalidValue;
+    return rReading(0, 0) != math::INVALID_VALUE && rReading(1, 0) != math::INVALID_VALUE;
 }
 
 }  // namespace
@@ -149,7 +149,7 @@ void CPlane::TakeReading(UnbalanceType Type, const CPaths& rPaths) {
 }
 
 void CPlane::TakeFirst() {
-    const Matrix Invalid = MakeVector(math::eInvalidValue, math::eInvalidValue);
+    const Matrix Invalid = MakeVector(math::INVALID_VALUE, math::INVALID_VALUE);
     for (Matrix* pVector :
          {&m_FirstMeasurementUnbalance, &m_SecondMeasurementUnbalance, &m_ThirdMeasurementUnbalance,
           &m_SumUnbalance, &m_CrossSumUnbalance, &m_OwnWeightUnbalance}) {
@@ -209,15 +209,15 @@ void CPlane::TakeCrossSum(const CPath& rPath) {
 void CPlane::Dump(const CPath& rPath, const Matrix& rDifference, const Matrix& rMatrix,
                   const Matrix& rSum) const {
     if (rPath.m_pHeader == nullptr || RtrTrim::g_pLog == nullptr ||
-        (RtrTrim::g_pLog->GetLevel() & RtrTrim::ePbMath) == 0) {
+        (RtrTrim::g_pLog->GetLevel() & RtrTrim::PB_MATH) == 0) {
         return;
     }
-    RtrTrim::g_pLog->LogStartBlock(__FILE__, __LINE__, __func__, RtrTrim::ePbMath, "PbMath", rPath.m_pHeader);
+    RtrTrim::g_pLog->LogStartBlock(__FILE__, __LINE__, __func__, RtrTrim::PB_MATH, "PbMath", rPath.m_pHeader);
     DUMP_MATRIX("FirstMeasurementUnbalance", m_FirstMeasurementUnbalance);
     DUMP_MATRIX(rPath.m_pDifference, rDifference);
     DUMP_MATRIX(rPath.m_pMatrix, rMatrix);
     DUMP_MATRIX(rPath.m_pSum, rSum);
-    RtrTrim::g_pLog->LogEndBlock(RtrTrim::ePbMath);
+    RtrTrim::g_pLog->LogEndBlock(RtrTrim::PB_MATH);
 }
 
 void CPlane::Evaluate(const CPath& rPath, const char* pRawLabel) {
@@ -235,11 +235,11 @@ void CPlane::MeasurementsCompleteActivities() {
     // A coefficient whose test fails keeps its value. The second test looks at the factor and not at the
     // influence, unlike the first: deliberate.
     if (IsMeasured(m_FirstMeasurementUnbalance) && IsMeasured(m_SumUnbalance) &&
-        std::abs(m_OwnWeightLength) > eNoInfluence) {
+        std::abs(m_OwnWeightLength) > NO_INFLUENCE) {
         m_AlphaDirect = MakeFactor(m_OwnWeightUnbalance(0, 0), m_OwnWeightUnbalance(1, 0));
     }
     if (IsMeasured(m_FirstMeasurementUnbalance) && IsMeasured(m_CrossSumUnbalance) &&
-        std::abs(m_CrossTransformationNorm) > eNoInfluence) {
+        std::abs(m_CrossTransformationNorm) > NO_INFLUENCE) {
         m_AlphaCross = MakeFactor(m_CrossWeightUnbalance(0, 0), m_CrossWeightUnbalance(1, 0));
     }
     PB_MATH("calc raw unbalance");
@@ -258,14 +258,14 @@ void CPlane::MeasurementsCompleteActivities() {
 
 void CMasterPlane::SetUnbalance(UnbalanceType Type) {
     // The names in the dumps belong to the other path each: deliberate, kept for readers of old logs.
-    static constexpr CPaths s_Paths = {
+    static constexpr CPaths PATHS = {
         {false, "ubtSum/SumUnbalance, MasterPlane", "DeltaMeasuredCrossTestUnbalance",
          "CrossTransformationMatrix", "CrossSumUnbalance", "Calculating Master Plane:"},
         {true, "ubtCrossSum/CrossSumUnbalance, MasterPlane", "DeltaMeasuredTestUnbalance",
          "TransformationMatrix", "SumUnbalance", "Calculating Master Plane:"},
         "ubtRebal/FirstMeasurementUnbalance, MasterPlane",
     };
-    TakeReading(Type, s_Paths);
+    TakeReading(Type, PATHS);
 }
 
 int CMasterPlane::AddXYValue(std::int16_t x, std::int16_t y) {
@@ -273,13 +273,13 @@ int CMasterPlane::AddXYValue(std::int16_t x, std::int16_t y) {
 }
 
 void CSlavePlane::SetUnbalance(UnbalanceType Type) {
-    static constexpr CPaths s_Paths = {
+    static constexpr CPaths PATHS = {
         {true, "ubtSum/SumUnbalance, SlavePlane", "DeltaMeasuredTestUnbalance", "TransformationMatrix",
          "CSumUnbalance", "Calculating Slave Plane:"},
         {false, nullptr, nullptr, nullptr, nullptr, "Logging Slave Plane:"},
         "ubtRebal/FirstMeasurementUnbalance, Slave Plane",
     };
-    TakeReading(Type, s_Paths);
+    TakeReading(Type, PATHS);
 }
 
 int CSlavePlane::AddXYValue(std::int16_t x, std::int16_t y) {

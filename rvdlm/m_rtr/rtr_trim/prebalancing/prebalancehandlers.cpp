@@ -186,13 +186,13 @@ int CBalancingSequence::FinishTestMeasurement() {
     CCalibration Calibration;
     Sequence::Trigger Outcome = Sequence::eTestRunImpossible;
     switch (EvaluateTestRun(Leg, Calibration)) {
-        case eUsable:
+        case USABLE:
             if (Leg + 1 == m_Planes.GetCount()) {
                 AdoptCalibration(Calibration);
             }
             Outcome = Sequence::eTestRunUsable;
             break;
-        case eNoInfluence:
+        case NO_INFLUENCE:
             Outcome = Sequence::eTestRunWithoutEffect;
             break;
         default:
@@ -209,16 +209,16 @@ bool CBalancingSequence::IsFinite(const CCalibration& rCalibration) {
 std::uint32_t CBalancingSequence::EvaluateTestRun(std::size_t Leg, CCalibration& rCalibration) {
     try {
         const std::uint32_t Status = FinishTestRun(Leg, rCalibration);
-        if (Status == eUsable && Leg + 1 == m_Planes.GetCount() && !IsFinite(rCalibration)) {
+        if (Status == USABLE && Leg + 1 == m_Planes.GetCount() && !IsFinite(rCalibration)) {
             RV_WARNING(RtrTrim::g_pLog, "The test run gives no finite influence: taken as without influence");
-            return eNoInfluence;
+            return NO_INFLUENCE;
         }
         return Status;
     } catch (const math::matrix_error& rError) {
         // The influence is exactly zero. To the operator that is a test run without effect.
         RV_WARNING(RtrTrim::g_pLog, "The test run can't be evaluated (%s): taken as without influence",
                    rError.what());
-        return eNoInfluence;
+        return NO_INFLUENCE;
     }
 }
 

@@ -68,11 +68,11 @@ void CPreBalancing::WarningModeChanged(std::uint32_t Mode) {
 }
 
 CPreBalancing::CPaneLayout CPreBalancing::CutPane(const CRect& rRect) {
-    constexpr int eLowPane = 504;
-    constexpr int eLowStatusHeight = 17;
+    constexpr int LOW_PANE = 504;
+    constexpr int LOW_STATUS_HEIGHT = 17;
     const int Height = rRect.Height();
     const int InstructionBottom = rRect.top + Height / 6;
-    const int StatusTop = rRect.bottom - (Height >= eLowPane ? Height / 28 : eLowStatusHeight);
+    const int StatusTop = rRect.bottom - (Height >= LOW_PANE ? Height / 28 : LOW_STATUS_HEIGHT);
     return {CRect(rRect.left, rRect.top, rRect.right, InstructionBottom),
             CRect(rRect.left, InstructionBottom, rRect.right, StatusTop),
             CRect(rRect.left, StatusTop, rRect.right, rRect.bottom)};
@@ -96,4 +96,5 @@ void CPreBalancing::GetProgress(CPreBalProgress& rProgress) const {
     rProgress.m_CurrentRPM = GetCurrentRPM();
     rProgress.m_CalibratedRPM = m_pEntry->GetCalibratedRPM();
     rProgress.m_TargetUnbalance = m_pEntry->GetTargetUnbalance();
+    Describe(rProgress.m_Measuring);
 }

@@ -12,7 +12,7 @@
 #include "rvdlm/m_rtr/rtr_trim/prebalnotification.h"
 
 class CDC;
-struct CPreBalProgress;
+struct CArrivedReadings;
 
 /// A guided procedure, as the main window knows it; it in turn knows the main window only as
 /// CPreBalMainWndInterface. One instance lives for one run. All on the window thread.
@@ -66,6 +66,8 @@ public:
     virtual void OutOfLock(int /*bNotLocked*/) {}
     /// Where the run stands, for the host.
     virtual void GetProgress(CPreBalProgress& rProgress) const;
+    /// The readings that came since the host has asked last, for the host.
+    virtual void GetReadings(CArrivedReadings& /*rReadings*/) const {}
     /// Whether lock and validity of the speed lead on, or hold up, what the run does now; not while it waits
     /// for the spindle to stop.
     virtual bool DependsOnModuleState() const { return true; }

@@ -8,7 +8,7 @@
 namespace {
 
 /// Instruction of the instruction view.
-constexpr std::uint32_t eMapWeightsMode = 9;
+constexpr std::uint32_t MAP_WEIGHTS_MODE = 9;
 
 }  // namespace
 
@@ -24,7 +24,7 @@ int CBalancingSequence::ReBalanceCommitWeightsHandler(const CEvent& rEvent) {
         if (m_KeyAction == eExtras) {
             ShowForChange(Sequence::CShow::eFull, CPlaneBalancingMethod::eUACompensation);
             ShowActiveMenu(&CPlaneBalancingMethod::GetCommitChangeMenu);
-            SetMode(eMapWeightsMode);
+            SetMode(MAP_WEIGHTS_MODE);
         } else if (!HandleTogglePlaneKey(&CPlaneBalancingMethod::GetCommitChangeMenu)) {
             HandleChangeWeightKeys();
         }

@@ -1,6 +1,7 @@
 // What entering a state and measuring do to page, host and NC in CBalancingSequence, and the keys that move
 // weights.
 #include "contract/warnings.h"
+#include "platform/system/eventloop.h"
 #include "rvdlm/m_rtr/rtr_trim/log.h"
 #include "rvdlm/m_rtr/rtr_trim/methods/weightkeys.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/balancingsequence.h"
@@ -61,6 +62,8 @@ void CBalancingSequence::StoreReading(std::size_t Sensor, std::int16_t x, std::i
             continue;
         }
         m_Measuring.Store(i, x, y, IsConditionMet());
+        m_Arrived.Add({IFEventLoop::Current().Now(), static_cast<std::uint8_t>(Sensor), x, y,
+                       GetMeasurement(), CanMeasure() != 0 && IsConditionMet(), m_RPM});
         // While measuring, samples are taken by the tick: the number of samples is a time.
         if (CanMeasure() == 0) {
             SetEvent(CEvent(eXYValueChanged, i));

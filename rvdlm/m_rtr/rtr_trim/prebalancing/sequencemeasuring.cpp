@@ -9,22 +9,41 @@ namespace Sequence {
 
 namespace {
 
-constexpr std::array g_MeasuringRules = {
-    CMeasuringRule{eNeutralPosMeasurement, false, Menus::eConfirm, CPreBalNotification::eSetup, {}},
-    CMeasuringRule{eTestUnbalanceMeasurement, false, Menus::eConfirm, CPreBalNotification::eSetup, {}},
-    CMeasuringRule{ePreBalanceMeasurement, true, Menus::eNone, CPreBalNotification::eSetupSuccess,
-                   CPreBalNotification::eSetupOverTarget},
+constexpr std::array MEASURING_RULES = {
     CMeasuringRule{
-        eReBalanceMeasurement1, false, Menus::eConfirmOrCheckWeights, CPreBalNotification::eReBalActive, {}},
+        eNeutralPosMeasurement, false, Menus::eConfirm, CPreBalNotification::eSetup, {}, Measurement::eFirst},
+    CMeasuringRule{eTestUnbalanceMeasurement,
+                   false,
+                   Menus::eConfirm,
+                   CPreBalNotification::eSetup,
+                   {},
+                   Measurement::eTest1},
+    CMeasuringRule{ePreBalanceMeasurement, true, Menus::eNone, CPreBalNotification::eSetupSuccess,
+                   CPreBalNotification::eSetupOverTarget, Measurement::eFinal},
+    CMeasuringRule{eReBalanceMeasurement1,
+                   false,
+                   Menus::eConfirmOrCheckWeights,
+                   CPreBalNotification::eReBalActive,
+                   {},
+                   Measurement::eFirst},
     CMeasuringRule{eReBalanceMeasurement2, true, Menus::eNone, CPreBalNotification::eRebalSuccess,
-                   CPreBalNotification::eRebalOverTarget},
+                   CPreBalNotification::eRebalOverTarget, Measurement::eFinal},
 };
 
 }  // namespace
 
 const CMeasuringRule* FindMeasuringRule(Role StateRole) {
-    const auto* const pFound = std::ranges::find(g_MeasuringRules, StateRole, &CMeasuringRule::m_Role);
-    return pFound == g_MeasuringRules.end() ? nullptr : pFound;
+    const auto* const pFound = std::ranges::find(MEASURING_RULES, StateRole, &CMeasuringRule::m_Role);
+    return pFound == MEASURING_RULES.end() ? nullptr : pFound;
+}
+
+Measurement GetMeasurement(const CState& rState) {
+    const CMeasuringRule* const pRule = FindMeasuringRule(rState.m_Role);
+    if (pRule == nullptr) {
+        return Measurement::eNone;
+    }
+    return pRule->m_Measurement == Measurement::eTest1 && rState.m_Leg != 0 ? Measurement::eTest2
+                                                                            : pRule->m_Measurement;
 }
 
 }  // namespace Sequence
@@ -81,6 +100,14 @@ bool CSequenceMeasuring::AreAllMeasured(bool bCanMeasure) const {
         }
     }
     return true;
+}
+
+void CSequenceMeasuring::Describe(CPreBalProgress::CMeasuring& rMeasuring) const {
+    rMeasuring.m_nNeeded = m_nSamples;
+    rMeasuring.m_nAveraged = rMeasuring.m_bSampling ? m_nSamples : 0;
+    for (const CSequencePlane& rPlane : m_rPlanes) {
+        rMeasuring.m_nAveraged = std::min(rMeasuring.m_nAveraged, rPlane.m_nMeasured);
+    }
 }
 
 bool CSequenceMeasuring::Judge(double Target) {

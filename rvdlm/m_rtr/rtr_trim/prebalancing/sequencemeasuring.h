@@ -2,6 +2,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "contract/measurement.h"
+#include "contract/prebalprogress.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/sequenceplanes.h"
 #include "rvdlm/m_rtr/rtr_trim/prebalancing/sequencetables.h"
 
@@ -15,10 +17,13 @@ struct CMeasuringRule {
     std::int32_t m_CompleteMenu;
     CPreBalNotification::Step m_Step;  ///< complete, or within the target
     CPreBalNotification::Step m_StepOver;
+    Measurement m_Measurement;  ///< in the first leg
 };
 
 /// The rule of a measuring state; null for any other.
 const CMeasuringRule* FindMeasuringRule(Role StateRole);
+/// Which measurement a state makes.
+Measurement GetMeasurement(const CState& rState);
 
 }  // namespace Sequence
 
@@ -43,6 +48,8 @@ public:
     /// that came while it held: only then is the average a measurement.
     bool IsMeasured(std::size_t Plane, bool bCanMeasure) const;
     bool AreAllMeasured(bool bCanMeasure) const;
+    /// How many samples the record of a measurement that is sampled has, and how many it needs.
+    void Describe(CPreBalProgress::CMeasuring& rMeasuring) const;
     /// Holds the averages against the target, in counts. Each plane shows its own verdict: one inside the
     /// target stays so while the other is over it. True if all are within.
     bool Judge(double Target);

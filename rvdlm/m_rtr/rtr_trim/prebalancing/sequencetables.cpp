@@ -4,7 +4,7 @@ namespace Sequence {
 
 namespace {
 
-constexpr std::array<const char*, eTriggerCount> g_Triggers = {
+constexpr std::array<const char*, eTriggerCount> TRIGGERS = {
     "entered",
     "start of a pre-balancing",
     "start of a re-balancing",
@@ -22,7 +22,7 @@ constexpr std::array<const char*, eTriggerCount> g_Triggers = {
     "never",
 };
 
-constexpr std::array<const char*, eGuardCount> g_Guards = {
+constexpr std::array<const char*, eGuardCount> GUARDS = {
     "",
     "the spindle stands",
     "the spindle turns",
@@ -36,7 +36,7 @@ constexpr std::array<const char*, eGuardCount> g_Guards = {
     "calibrated, speed valid",
 };
 
-constexpr std::array<const char*, eDeedCount> g_Deeds = {
+constexpr std::array<const char*, eDeedCount> DEEDS = {
     "",
     "count the step left out",
     "read the stored positions",
@@ -52,15 +52,15 @@ constexpr std::array<const char*, eDeedCount> g_Deeds = {
 }  // namespace
 
 const char* ToText(Trigger Value) {
-    return g_Triggers.at(static_cast<std::size_t>(Value));
+    return TRIGGERS.at(static_cast<std::size_t>(Value));
 }
 
 const char* ToText(Guard Value) {
-    return g_Guards.at(static_cast<std::size_t>(Value));
+    return GUARDS.at(static_cast<std::size_t>(Value));
 }
 
 const char* ToText(Deed Value) {
-    return g_Deeds.at(static_cast<std::size_t>(Value));
+    return DEEDS.at(static_cast<std::size_t>(Value));
 }
 
 }  // namespace Sequence

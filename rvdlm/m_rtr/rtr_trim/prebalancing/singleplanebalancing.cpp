@@ -7,7 +7,7 @@
 namespace {
 
 // In the order of EVENTS. eCommitChanges has no text: it is the one event whose refusal isn't logged.
-constexpr std::array<const char*, 8> g_EventTexts = {
+constexpr std::array<const char*, 8> EVENT_TEXTS = {
     "eNewState",           // 0
     "eStartPreBal",        // 1
     "eStartReBal",         // 2
@@ -23,7 +23,7 @@ constexpr std::array<const char*, 8> g_EventTexts = {
 CSinglePlaneBalancing::CSinglePlaneBalancing(CPreBalMainWndInterface* pMainWnd, int Plane,
                                              PreBalDB::CPreBalBaseTableEntry& rEntry,
                                              const std::string& rSecondTitle)
-    : CBalancingSequence(pMainWnd, rEntry, rSecondTitle, SinglePlane::g_Tables),
+    : CBalancingSequence(pMainWnd, rEntry, rSecondTitle, SinglePlane::TABLES),
       m_pMath(std::make_unique<CSinglePlaneBalancingMath>(rEntry.GetNumberOfSamples())) {
     GetPlanes().Add(CreateMethod(Plane));
     Initialise();
@@ -33,7 +33,7 @@ CSinglePlaneBalancing::CSinglePlaneBalancing(CPreBalMainWndInterface* pMainWnd, 
                                              std::unique_ptr<CSinglePlaneBalancingMathIF> pMath,
                                              PreBalDB::CPreBalBaseTableEntry& rEntry,
                                              const std::string& rSecondTitle)
-    : CBalancingSequence(pMainWnd, rEntry, rSecondTitle, SinglePlane::g_Tables), m_pMath(std::move(pMath)) {
+    : CBalancingSequence(pMainWnd, rEntry, rSecondTitle, SinglePlane::TABLES), m_pMath(std::move(pMath)) {
     GetPlanes().Add(std::move(Plane));
     Initialise();
 }
@@ -74,12 +74,12 @@ void CSinglePlaneBalancing::RestartMeasurement() {
 }
 
 const char* CSinglePlaneBalancing::STATESToString(int State) {
-    return SinglePlane::g_Tables.GetStateText(State);
+    return SinglePlane::TABLES.GetStateText(State);
 }
 
 const char* CSinglePlaneBalancing::EVENTSToString(int Event) {
-    if (Event >= 0 && static_cast<std::size_t>(Event) < g_EventTexts.size()) {
-        return g_EventTexts[static_cast<std::size_t>(Event)];
+    if (Event >= 0 && static_cast<std::size_t>(Event) < EVENT_TEXTS.size()) {
+        return EVENT_TEXTS[static_cast<std::size_t>(Event)];
     }
     RV_ASSERT_FAIL(RtrTrim::g_pLog, "impossible");
     return "Invalid event";

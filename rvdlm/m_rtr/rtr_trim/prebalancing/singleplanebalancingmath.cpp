@@ -18,13 +18,13 @@ using PreBalDB::CTypeBase;
 namespace {
 
 /// The test weights must change the reading by more than this in length ...
-constexpr double eMinLengthRatio = 1.05;
+constexpr double MIN_LENGTH_RATIO = 1.05;
 /// ... or by more than 30 degrees in phase.
-constexpr double eMinPhaseChange = 0.5235987755982988;
+constexpr double MIN_PHASE_CHANGE = 0.5235987755982988;
 /// By the feature flag: the change, as a vector, must be at least so much of the first reading.
-constexpr double eMinVectorChange = 0.05;
+constexpr double MIN_VECTOR_CHANGE = 0.05;
 /// Floor of the squared influence, counts squared per weight squared.
-constexpr double eMinDeterminant = 0.001;
+constexpr double MIN_DETERMINANT = 0.001;
 
 /// Angles of a clockwise scale turn into the counter-clockwise ones of the mathematics. 0 becomes 360, and
 /// stays so.
@@ -147,17 +147,17 @@ int CSinglePlaneBalancingMath::CheckTestWeightEffect() const {
     if (m_bVectorTestEffect) {
         // A change across the reading counts like one along it.
         const double Change = math::VectorLength(m_SecondMeasurementValues - m_FirstMeasurementValues);
-        return Change >= eMinVectorChange * First ? 1 : 0;
+        return Change >= MIN_VECTOR_CHANGE * First ? 1 : 0;
     }
     const double Second = math::VectorLength(m_SecondMeasurementValues);
     const double Ratio = First > Second ? First / Second : Second / First;
-    if (Ratio > eMinLengthRatio) {
+    if (Ratio > MIN_LENGTH_RATIO) {
         return 1;
     }
     // The plain difference, deliberately not wrapped: readings at +179 and -179 degrees pass.
     const double PhaseChange =
         math::VectorAngle(m_FirstMeasurementValues) - math::VectorAngle(m_SecondMeasurementValues);
-    return std::abs(PhaseChange) > eMinPhaseChange ? 1 : 0;
+    return std::abs(PhaseChange) > MIN_PHASE_CHANGE ? 1 : 0;
 }
 
 int CSinglePlaneBalancingMath::CalculateAlphaMatrix() {
@@ -178,7 +178,7 @@ int CSinglePlaneBalancingMath::CalculateUAValues() {
     m_RawValues = m_FirstMeasurementValues - WeightInfluence;
     DUMP_MATRIX("RawValues", m_RawValues);
     m_UA = -(m_InvA * m_RawValues);
-    return m_Alpha.Det() < eMinDeterminant ? 0 : 1;  // this way round a NaN passes
+    return m_Alpha.Det() < MIN_DETERMINANT ? 0 : 1;  // this way round a NaN passes
 }
 
 void CSinglePlaneBalancingMath::GetPrebalanceResult(math::matrix<double>& rInvA, math::matrix<double>& rUA,

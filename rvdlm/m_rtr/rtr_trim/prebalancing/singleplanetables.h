@@ -34,67 +34,67 @@ using Sequence::ShowThen;
 using Sequence::StoreAction;
 using Sequence::TestUnbalanceMenu;
 
-constexpr std::size_t eOnlyLeg = 0;
+constexpr std::size_t ONLY_LEG = 0;
 
 // clang-format off
 
 /// State, name and role; then what is done on entry, in this order: step, instruction mode, display, menu,
 /// notification. The idle state isn't entered.
-inline constexpr std::array<Sequence::CState, 24> g_States = {{
-    {State::eIdle, "eIdle", Sequence::eIdle, eOnlyLeg,
+inline constexpr std::array<Sequence::CState, 24> STATES = {{
+    {State::eIdle, "eIdle", Sequence::eIdle, ONLY_LEG,
         Keep(), 0, {}, NoMenu(), NoNotification()},
-    {State::eFailureWithNoReturn, "eFailureWithNoReturn", Sequence::eFailureWithNoReturn, eOnlyLeg,
+    {State::eFailureWithNoReturn, "eFailureWithNoReturn", Sequence::eFailureWithNoReturn, ONLY_LEG,
         NoSteps(), 0, {Show(Method::eEmpty)}, Menu(Menus::eFailed), Notify(Nc::eFailure, Nc::eNone)},
-    {State::eFailureWithReset, "eFailureWithReset", Sequence::eFailureWithReset, eOnlyLeg,
+    {State::eFailureWithReset, "eFailureWithReset", Sequence::eFailureWithReset, ONLY_LEG,
         NoSteps(), 0, {Show(Method::eEmpty)}, Menu(Menus::eWait), Notify(Nc::eFailure, Nc::eNone)},
-    {State::eNeutralPosSpindleStop, "eNeutralPosSpindleStop", Sequence::eNeutralPosSpindleStop, eOnlyLeg,
+    {State::eNeutralPosSpindleStop, "eNeutralPosSpindleStop", Sequence::eNeutralPosSpindleStop, ONLY_LEG,
         FirstOf(12), 1, {ShowThen(Method::eNeutralPosition, Method::eInactive)}, MenuByStore(Menus::eStopWithScrews, Menus::eStopWithStoredWeights, Menus::eStopWithWeights), Notify(Nc::eSetup, Nc::eSpindleStop)},
-    {State::eNeutralPosRemoveWeights, "eNeutralPosRemoveWeights", Sequence::eNeutralPosRemoveWeights, eOnlyLeg,
+    {State::eNeutralPosRemoveWeights, "eNeutralPosRemoveWeights", Sequence::eNeutralPosRemoveWeights, ONLY_LEG,
         SecondOrFirstOf(11), 3, {ShowPlainAfterStop(Method::eNeutralPosition)}, MenuByStore(Menus::eConfirm, Menus::eNeutralStoredWeights, Menus::eNeutralWeights), Notify(Nc::eSetup, Nc::eSetWeights)},
     // Menu and notification follow lock and speed: the handler shows them.
-    {State::eNeutralPosRPMStart, "eNeutralPosRPMStart", Sequence::eNeutralPosRPMStart, eOnlyLeg,
+    {State::eNeutralPosRPMStart, "eNeutralPosRPMStart", Sequence::eNeutralPosRPMStart, ONLY_LEG,
         Next(), 5, {Show(Method::eInactive)}, NoMenu(), NoNotification()},
-    {State::eNeutralPosMeasurement, "eNeutralPosMeasurement", Sequence::eNeutralPosMeasurement, eOnlyLeg,
+    {State::eNeutralPosMeasurement, "eNeutralPosMeasurement", Sequence::eNeutralPosMeasurement, ONLY_LEG,
         Next(), 6, {Show(Method::eMeasurementValues)}, Menu(Menus::eWait), Notify(Nc::eSetup, Nc::eMeasure)},
-    {State::eTestUnbalanceSpindleStop, "eTestUnbalanceSpindleStop", Sequence::eTestUnbalanceSpindleStop, eOnlyLeg,
+    {State::eTestUnbalanceSpindleStop, "eTestUnbalanceSpindleStop", Sequence::eTestUnbalanceSpindleStop, ONLY_LEG,
         Next(), 2, {ShowThen(Method::eTestUnbalance, Method::eInactive)}, Menu(Menus::eWait), Notify(Nc::eSetup, Nc::eSpindleStop)},
-    {State::eTestUnbalanceSetWeights, "eTestUnbalanceSetWeights", Sequence::eTestUnbalanceSetWeights, eOnlyLeg,
+    {State::eTestUnbalanceSetWeights, "eTestUnbalanceSetWeights", Sequence::eTestUnbalanceSetWeights, ONLY_LEG,
         Next(), 7, {ShowPlain(Method::eTestUnbalance)}, TestUnbalanceMenu(), Notify(Nc::eSetup, Nc::eSetWeights)},
-    {State::eTestUnbalanceRPMStart, "eTestUnbalanceRPMStart", Sequence::eTestUnbalanceRPMStart, eOnlyLeg,
+    {State::eTestUnbalanceRPMStart, "eTestUnbalanceRPMStart", Sequence::eTestUnbalanceRPMStart, ONLY_LEG,
         Next(), 4, {Show(Method::eInactive)}, Menu(Menus::eWait), Notify(Nc::eSetup, Nc::eSpindleStart)},
-    {State::eTestUnbalanceMeasurement, "eTestUnbalanceMeasurement", Sequence::eTestUnbalanceMeasurement, eOnlyLeg,
+    {State::eTestUnbalanceMeasurement, "eTestUnbalanceMeasurement", Sequence::eTestUnbalanceMeasurement, ONLY_LEG,
         Next(), 6, {Show(Method::eMeasurementValues)}, Menu(Menus::eWait), Notify(Nc::eSetup, Nc::eMeasure)},
-    {State::ePreBalanceSpindleStop, "ePreBalanceSpindleStop", Sequence::ePreBalanceSpindleStop, eOnlyLeg,
+    {State::ePreBalanceSpindleStop, "ePreBalanceSpindleStop", Sequence::ePreBalanceSpindleStop, ONLY_LEG,
         Next(), 2, {Show(Method::eInactive)}, Menu(Menus::eWait), Notify(Nc::eSetup, Nc::eSpindleStop)},
-    {State::ePreBalanceSetWeights, "ePreBalanceSetWeights", Sequence::ePreBalanceSetWeights, eOnlyLeg,
+    {State::ePreBalanceSetWeights, "ePreBalanceSetWeights", Sequence::ePreBalanceSetWeights, ONLY_LEG,
         Next(), 8, {Show(Method::eUACompensation)}, Menu(Menus::eConfirm), Notify(Nc::eSetup, Nc::eSetWeights)},
-    {State::ePreBalanceRPMStart, "ePreBalanceRPMStart", Sequence::ePreBalanceRPMStart, eOnlyLeg,
+    {State::ePreBalanceRPMStart, "ePreBalanceRPMStart", Sequence::ePreBalanceRPMStart, ONLY_LEG,
         Next(), 4, {Show(Method::eInactive)}, Menu(Menus::eWait), Notify(Nc::eSetup, Nc::eSpindleStart)},
-    {State::ePreBalanceMeasurement, "ePreBalanceMeasurement", Sequence::ePreBalanceMeasurement, eOnlyLeg,
+    {State::ePreBalanceMeasurement, "ePreBalanceMeasurement", Sequence::ePreBalanceMeasurement, ONLY_LEG,
         Next(), 6, {Show(Method::eMeasurementValues)}, Menu(Menus::eFinal), StoreAction(Nc::eMeasure)},
-    {State::eReBalanceCommitWeights, "eReBalanceCommitWeights", Sequence::eReBalanceCommitWeights, eOnlyLeg,
+    {State::eReBalanceCommitWeights, "eReBalanceCommitWeights", Sequence::eReBalanceCommitWeights, ONLY_LEG,
         FirstOfOrNext(7), 8, {Show(Method::eUACompensation)}, MenuByMeans(Menus::eSetScrews, Menus::eSetWeights), Notify(Nc::eReBalActive, Nc::eSetWeights)},
-    {State::eReBalanceRPMStart1, "eReBalanceRPMStart1", Sequence::eReBalanceRPMStart1, eOnlyLeg,
+    {State::eReBalanceRPMStart1, "eReBalanceRPMStart1", Sequence::eReBalanceRPMStart1, ONLY_LEG,
         Next(), 4, {Show(Method::eInactive)}, Menu(Menus::eWait), Notify(Nc::eReBalActive, Nc::eSpindleStart)},
-    {State::eReBalanceMeasurement1, "eReBalanceMeasurement1", Sequence::eReBalanceMeasurement1, eOnlyLeg,
+    {State::eReBalanceMeasurement1, "eReBalanceMeasurement1", Sequence::eReBalanceMeasurement1, ONLY_LEG,
         NextOf(5), 6, {Show(Method::eMeasurementValues)}, Menu(Menus::eWait), Notify(Nc::eReBalActive, Nc::eMeasure)},
-    {State::eReBalanceSpindleStop, "eReBalanceSpindleStop", Sequence::eReBalanceSpindleStop, eOnlyLeg,
+    {State::eReBalanceSpindleStop, "eReBalanceSpindleStop", Sequence::eReBalanceSpindleStop, ONLY_LEG,
         Next(), 2, {Show(Method::eInactive)}, Menu(Menus::eWait), Notify(Nc::eReBalActive, Nc::eSpindleStop)},
-    {State::eReBalanceSpindleStopCheckWeights, "eReBalanceSpindleStopCheckWeights", Sequence::eReBalanceSpindleStopCheckWeights, eOnlyLeg,
+    {State::eReBalanceSpindleStopCheckWeights, "eReBalanceSpindleStopCheckWeights", Sequence::eReBalanceSpindleStopCheckWeights, ONLY_LEG,
         Next(), 2, {Show(Method::eInactive)}, Menu(Menus::eWait), Notify(Nc::eReBalActive, Nc::eSpindleStop)},
-    {State::eReBalanceSetWeights, "eReBalanceSetWeights", Sequence::eReBalanceSetWeights, eOnlyLeg,
+    {State::eReBalanceSetWeights, "eReBalanceSetWeights", Sequence::eReBalanceSetWeights, ONLY_LEG,
         Keep(), 8, {Show(Method::eUACompensation)}, Menu(Menus::eConfirmOrCheckWeights), Notify(Nc::eReBalActive, Nc::eSetWeights)},
-    {State::eReBalanceCheckWeights, "eReBalanceCheckWeights", Sequence::eReBalanceCheckWeights, eOnlyLeg,
+    {State::eReBalanceCheckWeights, "eReBalanceCheckWeights", Sequence::eReBalanceCheckWeights, ONLY_LEG,
         Keep(), 9, {Show(Method::eUACompensation)}, CheckWeightsMenu(), NoNotification()},
-    {State::eReBalanceRPMStart2, "eReBalanceRPMStart2", Sequence::eReBalanceRPMStart2, eOnlyLeg,
+    {State::eReBalanceRPMStart2, "eReBalanceRPMStart2", Sequence::eReBalanceRPMStart2, ONLY_LEG,
         Next(), 4, {Show(Method::eInactive)}, Menu(Menus::eWait), Notify(Nc::eReBalActive, Nc::eSpindleStart)},
-    {State::eReBalanceMeasurement2, "eReBalanceMeasurement2", Sequence::eReBalanceMeasurement2, eOnlyLeg,
+    {State::eReBalanceMeasurement2, "eReBalanceMeasurement2", Sequence::eReBalanceMeasurement2, ONLY_LEG,
         Next(), 6, {Show(Method::eMeasurementValues)}, Menu(Menus::eFinal), StoreAction(Nc::eMeasure)},
 }};
 
 /// The ways from state to state. Besides, the host may end every state in eFailureWithNoReturn, and a calculation that
 /// can't be made in eFailureWithReset; nothing follows those two.
-inline constexpr std::array<Sequence::CTransition, 48> g_Transitions = {{
+inline constexpr std::array<Sequence::CTransition, 48> TRANSITIONS = {{
     {State::eIdle, Sequence::eStartOfPreBalancing, Sequence::eSpindleTurns, Do(Sequence::eReadPositionStore), State::eNeutralPosSpindleStop},
     {State::eIdle, Sequence::eStartOfPreBalancing, Sequence::eSpindleStands, Do(Sequence::eReadPositionStore), State::eNeutralPosRemoveWeights},
     {State::eIdle, Sequence::eStartOfReBalancing, Sequence::eCalibratedSpindleStops, Do(), State::eReBalanceCommitWeights},
@@ -152,14 +152,14 @@ inline constexpr std::array<Sequence::CTransition, 48> g_Transitions = {{
 
 // clang-format on
 
-inline constexpr Sequence::CTables g_Tables = {
-    g_States,
-    g_Transitions,
+inline constexpr Sequence::CTables TABLES = {
+    STATES,
+    TRANSITIONS,
     State::eReBalanceCommitWeights,
     "CSinglePlaneBalancing",
     "Invalid state",
     "this path is not present in two plane balancing! Is it really reachable?!"};
 
-static_assert(Sequence::AreStatesInOrder(g_States), "a state is looked up by its number");
+static_assert(Sequence::AreStatesInOrder(STATES), "a state is looked up by its number");
 
 }  // namespace SinglePlane

@@ -4,7 +4,7 @@
 
 void CStateHistory::Add(CEntry Entry) {
     m_Entries.push_back(std::move(Entry));
-    if (m_Entries.size() > eCapacity) {
+    if (m_Entries.size() > CAPACITY) {
         m_Entries.pop_front();
         ++m_nDropped;
     }

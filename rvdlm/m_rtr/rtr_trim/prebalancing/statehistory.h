@@ -7,7 +7,7 @@
 /// at which step, and what caused it.
 class CStateHistory {
 public:
-    static constexpr std::size_t eCapacity = 64;
+    static constexpr std::size_t CAPACITY = 64;
 
     struct CEntry {
         std::uint64_t m_Time;  ///< ms since the event loop was made
@@ -18,7 +18,7 @@ public:
         std::uint32_t m_NumberOfSteps;
     };
 
-    /// The oldest entry goes when there are more than eCapacity.
+    /// The oldest entry goes when there are more than CAPACITY.
     void Add(CEntry Entry);
     /// Oldest first.
     const std::deque<CEntry>& GetEntries() const { return m_Entries; }

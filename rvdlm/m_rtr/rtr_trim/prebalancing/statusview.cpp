@@ -18,16 +18,16 @@ std::string CStatusView::GetCalibratedText() const {
 
 std::string CStatusView::GetCurrentText() const {
     // Five places, so that the label stands still while the speed changes.
-    constexpr std::size_t c_nPlaces = 5;
+    constexpr std::size_t PLACES = 5;
     std::string Number = std::to_string(m_CurrentRPM);
-    if (Number.size() < c_nPlaces) {
-        Number.insert(0, c_nPlaces - Number.size(), ' ');
+    if (Number.size() < PLACES) {
+        Number.insert(0, PLACES - Number.size(), ' ');
     }
     return GetText("PB_CURRENT_RPM_TEXT") + ": " + Number + " " + GetText("RPM");
 }
 
 void CStatusView::Paint(CDC* pDC, const CRect& rRect) const {
-    constexpr int c_nInset = 10;
+    constexpr int INSET = 10;
     const int nMiddle = rRect.left + rRect.Width() / 2;
     CRect Left = rRect;
     Left.right = nMiddle + 1;
@@ -37,13 +37,13 @@ void CStatusView::Paint(CDC* pDC, const CRect& rRect) const {
     const int Saved = pDC->SaveDC();
     // The halves overlap by a pixel: the left one last, so that its frame line divides them.
     for (const CRect& rHalf : {Right, Left}) {
-        PageStyle::PaintArea(*pDC, rHalf, PageStyle::c_Body);
+        PageStyle::PaintArea(*pDC, rHalf, PageStyle::BODY);
     }
     const int nFontHeight = Left.Width() / 18;
     // The text begins a tenth of the height below the top, and stays above the frame line.
     const auto GetTextRect = [](const CRect& rHalf) {
         CRect Text = rHalf;
-        Text.DeflateRect(c_nInset, rHalf.Height() / 10, c_nInset, 1);
+        Text.DeflateRect(INSET, rHalf.Height() / 10, INSET, 1);
         return Text;
     };
     PageStyle::PaintLine(*pDC, GetTextRect(Left), GetCalibratedText(), nFontHeight, DT_TOP | DT_LEFT);

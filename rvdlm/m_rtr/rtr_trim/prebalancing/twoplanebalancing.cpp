@@ -7,11 +7,11 @@
 
 namespace {
 
-constexpr std::size_t ePlane1 = 0;
-constexpr std::size_t ePlane2 = 1;
+constexpr std::size_t PLANE1 = 0;
+constexpr std::size_t PLANE2 = 1;
 
 // In the order of their numbers.
-constexpr std::array<const char*, 10> g_EventTexts = {
+constexpr std::array<const char*, 10> EVENT_TEXTS = {
     "eNewState",              // 0
     "eStartPreBal",           // 1
     "eStartReBal",            // 2
@@ -39,7 +39,7 @@ bool IsInactive(const CPlaneBalancingMethod& rMethod) {
 CTwoPlaneBalancing::CTwoPlaneBalancing(CPreBalMainWndInterface* pMainWnd,
                                        PreBalDB::CPreBalBaseTableEntry& rEntry,
                                        const std::string& rSecondTitle)
-    : CBalancingSequence(pMainWnd, rEntry, rSecondTitle, TwoPlane::g_Tables),
+    : CBalancingSequence(pMainWnd, rEntry, rSecondTitle, TwoPlane::TABLES),
       m_pMath(std::make_unique<CTwoPlaneBalancingMath>(rEntry.GetNumberOfSamples())) {
     GetPlanes().Add(CreatePlane1Method());
     GetPlanes().Add(CreatePlane2Method());
@@ -50,7 +50,7 @@ CTwoPlaneBalancing::CTwoPlaneBalancing(CPreBalMainWndInterface* pMainWnd, CSeque
                                        CSequencePlane Plane2, std::unique_ptr<CTwoPlaneBalancingMathIF> pMath,
                                        PreBalDB::CPreBalBaseTableEntry& rEntry,
                                        const std::string& rSecondTitle)
-    : CBalancingSequence(pMainWnd, rEntry, rSecondTitle, TwoPlane::g_Tables), m_pMath(std::move(pMath)) {
+    : CBalancingSequence(pMainWnd, rEntry, rSecondTitle, TwoPlane::TABLES), m_pMath(std::move(pMath)) {
     GetPlanes().Add(std::move(Plane1));
     GetPlanes().Add(std::move(Plane2));
     Initialise();
@@ -61,10 +61,10 @@ void CTwoPlaneBalancing::Initialise() {
     RV_ASSERT_AS(RtrTrim::g_pLog, m_pEntry->GetTwoPlane() != nullptr, "rBaseTableEntry.GetTwoPlane()",
                  "invalid database", false);
     const CTypeBase::Direction Rotation = GetTableEntry().GetRotationDirection();
-    GetMethod(ePlane1).SetRotationDirection(Rotation);
+    GetMethod(PLANE1).SetRotationDirection(Rotation);
     // Plane 2 is seen from the other end.
-    GetMethod(ePlane2).SetRotationDirection(Rotation == CTypeBase::eClockwise ? CTypeBase::eCounterClockwise
-                                                                              : CTypeBase::eClockwise);
+    GetMethod(PLANE2).SetRotationDirection(Rotation == CTypeBase::eClockwise ? CTypeBase::eCounterClockwise
+                                                                             : CTypeBase::eClockwise);
     m_pMath->SetRotationDirectionPlane1(Rotation);
     if (!GetPlanes().HasWeightsOnly()) {
         // Weights beside screws: no step of the run tells the mathematics where they stand in the first
@@ -92,7 +92,7 @@ CSequencePlane CTwoPlaneBalancing::CreatePlane1Method() {
     Record.CreateScrews = [this]() -> PreBalDB::CScrewCompensationTableEntry& {
         return GetTableEntry().CreatePlane1ScrewCompensationTableEntry();
     };
-    return MakePlane(ePlane1, 0, Record);
+    return MakePlane(PLANE1, 0, Record);
 }
 
 CSequencePlane CTwoPlaneBalancing::CreatePlane2Method() {
@@ -107,13 +107,13 @@ CSequencePlane CTwoPlaneBalancing::CreatePlane2Method() {
     Record.CreateScrews = [this]() -> PreBalDB::CScrewCompensationTableEntry& {
         return GetTableEntry().CreatePlane2ScrewCompensationTableEntry();
     };
-    return MakePlane(ePlane2, 1, Record);
+    return MakePlane(PLANE2, 1, Record);
 }
 
 void CTwoPlaneBalancing::SetOpposedFirstPositions() {
     m_FirstPositions.assign(2, math::MakeVector(0.0, 180.0));
-    m_pMath->SetRawUnbalanceVectors(GetMethod(ePlane1).GetScalingDirection(),
-                                    GetMethod(ePlane2).GetScalingDirection());
+    m_pMath->SetRawUnbalanceVectors(GetMethod(PLANE1).GetScalingDirection(),
+                                    GetMethod(PLANE2).GetScalingDirection());
 }
 
 int CTwoPlaneBalancing::StartPreBalancing(std::uint16_t wRPM, int NotLocked, int InvalidRPM) {
@@ -129,12 +129,12 @@ void CTwoPlaneBalancing::RestartMeasurement() {
 }
 
 const char* CTwoPlaneBalancing::STATESToString(int State) {
-    return TwoPlane::g_Tables.GetStateText(State);
+    return TwoPlane::TABLES.GetStateText(State);
 }
 
 const char* CTwoPlaneBalancing::EVENTSToString(int Event) {
-    if (Event >= 0 && static_cast<std::size_t>(Event) < g_EventTexts.size()) {
-        return g_EventTexts[static_cast<std::size_t>(Event)];
+    if (Event >= 0 && static_cast<std::size_t>(Event) < EVENT_TEXTS.size()) {
+        return EVENT_TEXTS[static_cast<std::size_t>(Event)];
     }
     RV_ASSERT_FAIL(RtrTrim::g_pLog, "impossible");
     return "invalid event";
@@ -143,7 +143,7 @@ const char* CTwoPlaneBalancing::EVENTSToString(int Event) {
 const char* CTwoPlaneBalancing::GetEventText(const CEvent& rEvent) const {
     switch (rEvent.m_Kind) {
         case eXYValueChanged:
-            return EVENTSToString(rEvent.m_Plane == ePlane1 ? ePlane1XYValueChanged : ePlane2XYValueChanged);
+            return EVENTSToString(rEvent.m_Plane == PLANE1 ? ePlane1XYValueChanged : ePlane2XYValueChanged);
         case eInvalidRPMChanged:
             return EVENTSToString(eTwoPlaneInvalidRPMChanged);
         case eOutOfLockChanged:
@@ -156,8 +156,8 @@ const char* CTwoPlaneBalancing::GetEventText(const CEvent& rEvent) const {
 }
 
 CPlaneBalancingMethod& CTwoPlaneBalancing::GetActivePlaneMethod() {
-    CPlaneBalancingMethod& rMethod1 = GetMethod(ePlane1);
-    CPlaneBalancingMethod& rMethod2 = GetMethod(ePlane2);
+    CPlaneBalancingMethod& rMethod1 = GetMethod(PLANE1);
+    CPlaneBalancingMethod& rMethod2 = GetMethod(PLANE2);
     if (IsInactive(rMethod2) && IsActiveMode(rMethod1.m_DisplayMode)) {
         return rMethod1;
     }
@@ -169,8 +169,8 @@ CPlaneBalancingMethod& CTwoPlaneBalancing::GetActivePlaneMethod() {
 }
 
 int CTwoPlaneBalancing::toggleActivePlane() {
-    CPlaneBalancingMethod& rMethod1 = GetMethod(ePlane1);
-    CPlaneBalancingMethod& rMethod2 = GetMethod(ePlane2);
+    CPlaneBalancingMethod& rMethod1 = GetMethod(PLANE1);
+    CPlaneBalancingMethod& rMethod2 = GetMethod(PLANE2);
     const CPlaneBalancingMethod::DisplayMode Mode = GetActivePlaneMethod().m_DisplayMode;
     // Plain, so that the positions stay; plane 1 first, either way.
     if (IsInactive(rMethod1) && rMethod2.m_DisplayMode == Mode) {
@@ -189,11 +189,11 @@ int CTwoPlaneBalancing::toggleActivePlane() {
 }
 
 void CTwoPlaneBalancing::CheckActivePlane(std::size_t Leg) {
-    if (Leg == ePlane1) {
-        RV_ASSERT_AS(RtrTrim::g_pLog, &GetActivePlaneMethod() == &GetMethod(ePlane1),
+    if (Leg == PLANE1) {
+        RV_ASSERT_AS(RtrTrim::g_pLog, &GetActivePlaneMethod() == &GetMethod(PLANE1),
                      "&GetActivePlaneMethod() == &m_rPlane1Method", "active plane should be plane 1", false);
     } else {
-        RV_ASSERT_AS(RtrTrim::g_pLog, &GetActivePlaneMethod() == &GetMethod(ePlane2),
+        RV_ASSERT_AS(RtrTrim::g_pLog, &GetActivePlaneMethod() == &GetMethod(PLANE2),
                      "&GetActivePlaneMethod() == &m_rPlane2Method", "active plane should be plane 2", false);
     }
 }
@@ -202,23 +202,23 @@ void CTwoPlaneBalancing::PaintMethods(CDC* pDC, const CRect& rRect, bool bRedraw
     CRect Left = rRect;
     CRect Right = rRect;
     Left.right = Right.left = rRect.left + rRect.Width() / 2;
-    GetMethod(ePlane1).Paint(pDC, Left, bRedrawAll);
-    GetMethod(ePlane1).PaintPlaneTitle(pDC, Left, 1);
-    GetMethod(ePlane2).Paint(pDC, Right, bRedrawAll);
-    GetMethod(ePlane2).PaintPlaneTitle(pDC, Right, 2);
+    GetMethod(PLANE1).Paint(pDC, Left, bRedrawAll);
+    GetMethod(PLANE1).PaintPlaneTitle(pDC, Left, 1);
+    GetMethod(PLANE2).Paint(pDC, Right, bRedrawAll);
+    GetMethod(PLANE2).PaintPlaneTitle(pDC, Right, 2);
 }
 
 int CTwoPlaneBalancing::AddSample(std::size_t Plane) {
     const CSequencePlane& rPlane = GetPlanes().Get(Plane);
-    return Plane == ePlane1 ? m_pMath->AddXYValuePlane1(rPlane.m_X, rPlane.m_Y)
-                            : m_pMath->AddXYValuePlane2(rPlane.m_X, rPlane.m_Y);
+    return Plane == PLANE1 ? m_pMath->AddXYValuePlane1(rPlane.m_X, rPlane.m_Y)
+                           : m_pMath->AddXYValuePlane2(rPlane.m_X, rPlane.m_Y);
 }
 
 void CTwoPlaneBalancing::SetFirstPositions(const std::vector<Matrix>& rPositions) {
     m_FirstPositions = rPositions;
-    m_pMath->SetRawUnbalanceVectorsAngles(rPositions.at(ePlane1), rPositions.at(ePlane2),
-                                          GetMethod(ePlane1).GetScalingDirection(),
-                                          GetMethod(ePlane2).GetScalingDirection());
+    m_pMath->SetRawUnbalanceVectorsAngles(rPositions.at(PLANE1), rPositions.at(PLANE2),
+                                          GetMethod(PLANE1).GetScalingDirection(),
+                                          GetMethod(PLANE2).GetScalingDirection());
 }
 
 void CTwoPlaneBalancing::ApplyNeutralPositionXYValues() {
@@ -229,7 +229,7 @@ void CTwoPlaneBalancing::SetTestPositions(std::size_t Leg) {
     CPlaneBalancingMethod& rMethod = GetMethod(Leg);
     const Matrix* const pPositions = rMethod.GetTestUnbalanceVectorInDeg();
     m_bTestChanges.at(Leg) = IsTestChange(Leg, pPositions);
-    if (Leg == ePlane1) {
+    if (Leg == PLANE1) {
         m_pMath->SetTestUnbalanceVectorCase1(pPositions, rMethod.GetScalingDirection());
     } else {
         m_pMath->SetTestUnbalanceVectorCase2(pPositions, rMethod.GetScalingDirection());
@@ -240,30 +240,30 @@ std::uint32_t CTwoPlaneBalancing::FinishTestRun(std::size_t Leg, CCalibration& r
     // The mathematics doesn't look at the weights' effect. Weights that weren't moved can have none, and that
     // is told right behind their own leg.
     std::uint32_t Status = 0;
-    if (Leg == ePlane1) {
+    if (Leg == PLANE1) {
         m_pMath->ApplyTestPlusRawUnbalanceXYValuesCase1(Status);
-        return m_bTestChanges.at(Leg) ? Status : eNoInfluence;
+        return m_bTestChanges.at(Leg) ? Status : NO_INFLUENCE;
     }
     rCalibration.m_InvA.SetSize(4, 4);
     rCalibration.m_UA.assign(2, Matrix(2, 1));
-    m_pMath->GetPrebalanceResult(rCalibration.m_InvA, rCalibration.m_UA[ePlane1], rCalibration.m_UA[ePlane2],
+    m_pMath->GetPrebalanceResult(rCalibration.m_InvA, rCalibration.m_UA[PLANE1], rCalibration.m_UA[PLANE2],
                                  Status);
-    return m_bTestChanges.at(Leg) ? Status : eNoInfluence;
+    return m_bTestChanges.at(Leg) ? Status : NO_INFLUENCE;
 }
 
 bool CTwoPlaneBalancing::IsTestChange(std::size_t Plane, const Matrix* pPositions) const {
     // Far below what a single degree changes, far above what rounding leaves of weights that changed places.
-    constexpr double eNoChange = 0.001;
+    constexpr double NO_CHANGE = 0.001;
     return pPositions == nullptr ||
            math::VectorLength(CWeightPair(*pPositions).GetSum() -
-                              CWeightPair(m_FirstPositions.at(Plane)).GetSum()) > eNoChange;
+                              CWeightPair(m_FirstPositions.at(Plane)).GetSum()) > NO_CHANGE;
 }
 
 std::vector<CBalancingSequence::Matrix> CTwoPlaneBalancing::CalculateRebalance() {
     std::vector<Matrix> Results(2, Matrix(2, 1));
     m_pMath->SetMatricesAndGetRebalanceResult(GetTableEntry().GetInvA(), GetTableEntry().GetUAPlane1(),
-                                              GetTableEntry().GetUAPlane2(), Results[ePlane1],
-                                              Results[ePlane2]);
+                                              GetTableEntry().GetUAPlane2(), Results[PLANE1],
+                                              Results[PLANE2]);
     return Results;
 }
 
@@ -272,11 +272,11 @@ void CTwoPlaneBalancing::SetStoredInvA(const Matrix& rInvA) {
 }
 
 CBalancingSequence::Matrix CTwoPlaneBalancing::GetStoredUA(std::size_t Plane) {
-    return Plane == ePlane1 ? GetTableEntry().GetUAPlane1() : GetTableEntry().GetUAPlane2();
+    return Plane == PLANE1 ? GetTableEntry().GetUAPlane1() : GetTableEntry().GetUAPlane2();
 }
 
 void CTwoPlaneBalancing::SetStoredUA(std::size_t Plane, const Matrix& rUA) {
-    if (Plane == ePlane1) {
+    if (Plane == PLANE1) {
         GetTableEntry().SetUAPlane1(rUA);
     } else {
         GetTableEntry().SetUAPlane2(rUA);

@@ -36,9 +36,9 @@ using Sequence::StoreAction;
 using Sequence::TestUnbalanceMenu;
 
 /// The test legs; a state that belongs to none counts as of the first.
-constexpr std::size_t ePlane1Leg = 0;
-constexpr std::size_t ePlane2Leg = 1;
-constexpr std::size_t eNoLeg = 0;
+constexpr std::size_t PLANE1_LEG = 0;
+constexpr std::size_t PLANE2_LEG = 1;
+constexpr std::size_t NO_LEG = 0;
 
 constexpr std::array<Sequence::CDisplay, 2> Both(Sequence::CDisplay Display) {
     return {Display, Display};
@@ -49,70 +49,70 @@ constexpr std::array<Sequence::CDisplay, 2> Both(Sequence::CDisplay Display) {
 /// State, name and role; then what is done on entry, in this order: step, instruction mode, display of plane 1
 /// and of plane 2, menu, notification. The idle state isn't entered. The names of two states keep their e:
 /// readers of the log know them so.
-inline constexpr std::array<Sequence::CState, 28> g_States = {{
-    {State::eIdle, "Idle", Sequence::eIdle, eNoLeg,
+inline constexpr std::array<Sequence::CState, 28> STATES = {{
+    {State::eIdle, "Idle", Sequence::eIdle, NO_LEG,
         Keep(), 0, {}, NoMenu(), NoNotification()},
-    {State::eFailureWithNoReturn, "FailureWithNoReturn", Sequence::eFailureWithNoReturn, eNoLeg,
+    {State::eFailureWithNoReturn, "FailureWithNoReturn", Sequence::eFailureWithNoReturn, NO_LEG,
         NoSteps(), 0, Both(Show(Method::eEmpty)), Menu(Menus::eFailed), Notify(Nc::eFailure, Nc::eNone)},
-    {State::eFailureWithReset, "FailureWithReset", Sequence::eFailureWithReset, eNoLeg,
+    {State::eFailureWithReset, "FailureWithReset", Sequence::eFailureWithReset, NO_LEG,
         NoSteps(), 0, Both(Show(Method::eEmpty)), Menu(Menus::eWait), Notify(Nc::eFailure, Nc::eNone)},
-    {State::eNeutralPosSpindleStop, "NeutralPosSpindleStop", Sequence::eNeutralPosSpindleStop, eNoLeg,
+    {State::eNeutralPosSpindleStop, "NeutralPosSpindleStop", Sequence::eNeutralPosSpindleStop, NO_LEG,
         FirstOf(16), 1, Both(ShowThen(Method::eNeutralPosition, Method::eInactive)), MenuByStore(Menus::eStopWithScrews, Menus::eStopWithStoredWeights, Menus::eStopWithWeights), Notify(Nc::eSetup, Nc::eSpindleStop)},
-    {State::eNeutralPosRemoveWeights, "NeutralPosRemoveWeights", Sequence::eNeutralPosRemoveWeights, eNoLeg,
+    {State::eNeutralPosRemoveWeights, "NeutralPosRemoveWeights", Sequence::eNeutralPosRemoveWeights, NO_LEG,
         SecondOrFirstOf(15), 3, Both(ShowPlainAfterStop(Method::eNeutralPosition)), MenuByStore(Menus::eConfirm, Menus::eNeutralStoredWeights, Menus::eNeutralWeights), Notify(Nc::eSetup, Nc::eSetWeights)},
     // Menu and notification follow lock and speed: the handler shows them.
-    {State::eNeutralPosRPMStart, "NeutralPosRPMStart", Sequence::eNeutralPosRPMStart, eNoLeg,
+    {State::eNeutralPosRPMStart, "NeutralPosRPMStart", Sequence::eNeutralPosRPMStart, NO_LEG,
         Next(), 5, Both(Show(Method::eInactive)), NoMenu(), NoNotification()},
-    {State::eNeutralPosMeasurement, "NeutralPosMeasurement", Sequence::eNeutralPosMeasurement, eNoLeg,
+    {State::eNeutralPosMeasurement, "NeutralPosMeasurement", Sequence::eNeutralPosMeasurement, NO_LEG,
         Next(), 6, Both(Show(Method::eMeasurementValues)), Menu(Menus::eWait), Notify(Nc::eSetup, Nc::eMeasure)},
-    {State::ePlane1TestUnbalanceSpindleStop, "Plane1TestUnbalanceSpindleStop", Sequence::eTestUnbalanceSpindleStop, ePlane1Leg,
+    {State::ePlane1TestUnbalanceSpindleStop, "Plane1TestUnbalanceSpindleStop", Sequence::eTestUnbalanceSpindleStop, PLANE1_LEG,
         Next(), 2, {ShowThen(Method::eTestUnbalance, Method::eInactive), Show(Method::eInactive)}, Menu(Menus::eWait), Notify(Nc::eSetup, Nc::eSpindleStop)},
-    {State::ePlane1TestUnbalanceSetWeights, "Plane1TestUnbalanceSetWeights", Sequence::eTestUnbalanceSetWeights, ePlane1Leg,
+    {State::ePlane1TestUnbalanceSetWeights, "Plane1TestUnbalanceSetWeights", Sequence::eTestUnbalanceSetWeights, PLANE1_LEG,
         Next(), 7, {ShowPlain(Method::eTestUnbalance), Show(Method::eInactive)}, TestUnbalanceMenu(), Notify(Nc::eSetup, Nc::eSetWeights)},
-    {State::ePlane1TestUnbalanceRPMStart, "Plane1TestUnbalanceRPMStart", Sequence::eTestUnbalanceRPMStart, ePlane1Leg,
+    {State::ePlane1TestUnbalanceRPMStart, "Plane1TestUnbalanceRPMStart", Sequence::eTestUnbalanceRPMStart, PLANE1_LEG,
         Next(), 4, Both(Show(Method::eInactive)), Menu(Menus::eWait), Notify(Nc::eSetup, Nc::eSpindleStart)},
-    {State::ePlane1TestUnbalanceMeasurement, "Plane1TestUnbalanceMeasurement", Sequence::eTestUnbalanceMeasurement, ePlane1Leg,
+    {State::ePlane1TestUnbalanceMeasurement, "Plane1TestUnbalanceMeasurement", Sequence::eTestUnbalanceMeasurement, PLANE1_LEG,
         Next(), 6, Both(Show(Method::eMeasurementValues)), Menu(Menus::eWait), Notify(Nc::eSetup, Nc::eMeasure)},
     // From here to the correction the test weights of plane 1 stay on.
-    {State::ePlane2TestUnbalanceSpindleStop, "Plane2TestUnbalanceSpindleStop", Sequence::eTestUnbalanceSpindleStop, ePlane2Leg,
+    {State::ePlane2TestUnbalanceSpindleStop, "Plane2TestUnbalanceSpindleStop", Sequence::eTestUnbalanceSpindleStop, PLANE2_LEG,
         Next(), 2, {Show(Method::eInactive), ShowThen(Method::eTestUnbalance, Method::eInactive)}, Menu(Menus::eWait), Notify(Nc::eSetup, Nc::eSpindleStop)},
-    {State::ePlane2TestUnbalanceSetWeights, "Plane2TestUnbalanceSetWeights", Sequence::eTestUnbalanceSetWeights, ePlane2Leg,
+    {State::ePlane2TestUnbalanceSetWeights, "Plane2TestUnbalanceSetWeights", Sequence::eTestUnbalanceSetWeights, PLANE2_LEG,
         Next(), 7, {Show(Method::eInactive), ShowPlain(Method::eTestUnbalance)}, TestUnbalanceMenu(), Notify(Nc::eSetup, Nc::eSetWeights)},
-    {State::ePlane2TestUnbalanceRPMStart, "Plane2TestUnbalanceRPMStart", Sequence::eTestUnbalanceRPMStart, ePlane2Leg,
+    {State::ePlane2TestUnbalanceRPMStart, "Plane2TestUnbalanceRPMStart", Sequence::eTestUnbalanceRPMStart, PLANE2_LEG,
         Next(), 4, Both(Show(Method::eInactive)), Menu(Menus::eWait), Notify(Nc::eSetup, Nc::eSpindleStart)},
-    {State::ePlane2TestUnbalanceMeasurement, "Plane2TestUnbalanceMeasurement", Sequence::eTestUnbalanceMeasurement, ePlane2Leg,
+    {State::ePlane2TestUnbalanceMeasurement, "Plane2TestUnbalanceMeasurement", Sequence::eTestUnbalanceMeasurement, PLANE2_LEG,
         Next(), 6, Both(Show(Method::eMeasurementValues)), Menu(Menus::eWait), Notify(Nc::eSetup, Nc::eMeasure)},
-    {State::ePreBalanceSpindleStop, "PreBalanceSpindleStop", Sequence::ePreBalanceSpindleStop, eNoLeg,
+    {State::ePreBalanceSpindleStop, "PreBalanceSpindleStop", Sequence::ePreBalanceSpindleStop, NO_LEG,
         Next(), 2, Both(Show(Method::eInactive)), Menu(Menus::eWait), Notify(Nc::eSetup, Nc::eSpindleStop)},
-    {State::ePreBalanceSetWeights, "PreBalanceSetWeights", Sequence::ePreBalanceSetWeights, eNoLeg,
+    {State::ePreBalanceSetWeights, "PreBalanceSetWeights", Sequence::ePreBalanceSetWeights, NO_LEG,
         Next(), 8, Both(Show(Method::eUACompensation)), Menu(Menus::eConfirm), Notify(Nc::eSetup, Nc::eSetWeights)},
-    {State::ePreBalanceRPMStart, "PreBalanceRPMStart", Sequence::ePreBalanceRPMStart, eNoLeg,
+    {State::ePreBalanceRPMStart, "PreBalanceRPMStart", Sequence::ePreBalanceRPMStart, NO_LEG,
         Next(), 4, Both(Show(Method::eInactive)), Menu(Menus::eWait), Notify(Nc::eSetup, Nc::eSpindleStart)},
-    {State::ePreBalanceMeasurement, "PreBalanceMeasurement", Sequence::ePreBalanceMeasurement, eNoLeg,
+    {State::ePreBalanceMeasurement, "PreBalanceMeasurement", Sequence::ePreBalanceMeasurement, NO_LEG,
         Next(), 6, Both(Show(Method::eMeasurementValues)), Menu(Menus::eFinal), StoreAction(Nc::eMeasure)},
-    {State::eReBalanceCommitWeights, "ReBalanceCommitWeights", Sequence::eReBalanceCommitWeights, eNoLeg,
+    {State::eReBalanceCommitWeights, "ReBalanceCommitWeights", Sequence::eReBalanceCommitWeights, NO_LEG,
         FirstOfOrNext(7), 8, Both(Show(Method::eUACompensation)), MenuByMeans(Menus::eSetScrews, Menus::eSetWeights), Notify(Nc::eReBalActive, Nc::eSetWeights)},
-    {State::eReBalanceRPMStart1, "ReBalanceRPMStart1", Sequence::eReBalanceRPMStart1, eNoLeg,
+    {State::eReBalanceRPMStart1, "ReBalanceRPMStart1", Sequence::eReBalanceRPMStart1, NO_LEG,
         Next(), 4, Both(Show(Method::eInactive)), Menu(Menus::eWait), Notify(Nc::eReBalActive, Nc::eSpindleStart)},
-    {State::eReBalanceMeasurement1, "ReBalanceMeasurement1", Sequence::eReBalanceMeasurement1, eNoLeg,
+    {State::eReBalanceMeasurement1, "ReBalanceMeasurement1", Sequence::eReBalanceMeasurement1, NO_LEG,
         NextOf(5), 6, Both(Show(Method::eMeasurementValues)), Menu(Menus::eWait), Notify(Nc::eReBalActive, Nc::eMeasure)},
-    {State::eReBalanceSpindleStop, "ReBalanceSpindleStop", Sequence::eReBalanceSpindleStop, eNoLeg,
+    {State::eReBalanceSpindleStop, "ReBalanceSpindleStop", Sequence::eReBalanceSpindleStop, NO_LEG,
         Next(), 2, Both(Show(Method::eInactive)), Menu(Menus::eWait), Notify(Nc::eReBalActive, Nc::eSpindleStop)},
-    {State::eReBalanceSpindleStopCheckWeights, "eReBalanceSpindleStopCheckWeights", Sequence::eReBalanceSpindleStopCheckWeights, eNoLeg,
+    {State::eReBalanceSpindleStopCheckWeights, "eReBalanceSpindleStopCheckWeights", Sequence::eReBalanceSpindleStopCheckWeights, NO_LEG,
         Next(), 2, Both(Show(Method::eInactive)), Menu(Menus::eWait), Notify(Nc::eReBalActive, Nc::eSpindleStop)},
-    {State::eReBalanceSetWeights, "ReBalanceSetWeights", Sequence::eReBalanceSetWeights, eNoLeg,
+    {State::eReBalanceSetWeights, "ReBalanceSetWeights", Sequence::eReBalanceSetWeights, NO_LEG,
         Keep(), 8, Both(Show(Method::eUACompensation)), Menu(Menus::eConfirmOrCheckWeights), Notify(Nc::eReBalActive, Nc::eSetWeights)},
-    {State::eReBalanceCheckWeights, "eReBalanceCheckWeights", Sequence::eReBalanceCheckWeights, eNoLeg,
+    {State::eReBalanceCheckWeights, "eReBalanceCheckWeights", Sequence::eReBalanceCheckWeights, NO_LEG,
         Keep(), 9, {Show(Method::eUACompensation), Show(Method::eInactive)}, CheckWeightsMenu(), NoNotification()},
-    {State::eReBalanceRPMStart2, "ReBalanceRPMStart2", Sequence::eReBalanceRPMStart2, eNoLeg,
+    {State::eReBalanceRPMStart2, "ReBalanceRPMStart2", Sequence::eReBalanceRPMStart2, NO_LEG,
         Next(), 4, Both(Show(Method::eInactive)), Menu(Menus::eWait), Notify(Nc::eReBalActive, Nc::eSpindleStart)},
-    {State::eReBalanceMeasurement2, "ReBalanceMeasurement2", Sequence::eReBalanceMeasurement2, eNoLeg,
+    {State::eReBalanceMeasurement2, "ReBalanceMeasurement2", Sequence::eReBalanceMeasurement2, NO_LEG,
         Next(), 6, Both(Show(Method::eMeasurementValues)), Menu(Menus::eFinal), StoreAction(Nc::eMeasure)},
 }};
 
 /// The ways from state to state. Besides, the host may end every state in eFailureWithNoReturn, and a calculation that
 /// can't be made in eFailureWithReset; nothing follows those two.
-inline constexpr std::array<Sequence::CTransition, 57> g_Transitions = {{
+inline constexpr std::array<Sequence::CTransition, 57> TRANSITIONS = {{
     {State::eIdle, Sequence::eStartOfPreBalancing, Sequence::eSpindleTurns, Do(Sequence::eReadPositionStore), State::eNeutralPosSpindleStop},
     {State::eIdle, Sequence::eStartOfPreBalancing, Sequence::eSpindleStands, Do(Sequence::eReadPositionStore), State::eNeutralPosRemoveWeights},
     {State::eIdle, Sequence::eStartOfReBalancing, Sequence::eCalibratedSpindleStops, Do(), State::eReBalanceCommitWeights},
@@ -179,14 +179,14 @@ inline constexpr std::array<Sequence::CTransition, 57> g_Transitions = {{
 
 // clang-format on
 
-inline constexpr Sequence::CTables g_Tables = {
-    g_States,
-    g_Transitions,
+inline constexpr Sequence::CTables TABLES = {
+    STATES,
+    TRANSITIONS,
     State::eReBalanceCommitWeights,
     "CTwoPlaneBalancing",
     "invalid state",
     "this path is new (added to two plane balancing since it was present in single plane balancing)"};
 
-static_assert(Sequence::AreStatesInOrder(g_States), "a state is looked up by its number");
+static_assert(Sequence::AreStatesInOrder(STATES), "a state is looked up by its number");
 
 }  // namespace TwoPlane

@@ -8,7 +8,7 @@
 /// it, in degrees.
 struct CWeightPair {
     /// Components of a weight change below this have no direction.
-    static constexpr double eNoDirection = 1e-08;
+    static constexpr double NO_DIRECTION = 1e-08;
 
     /// The two angles in degrees, 2 by 1.
     explicit CWeightPair(const math::matrix<double>& rPositions)
@@ -17,14 +17,14 @@ struct CWeightPair {
 
     /// Their vector sum.
     math::matrix<double> GetSum() const {
-        const double Phi = m_Phi * math::ePi / 180.0;
-        const double Length = 2.0 * std::cos(m_Alpha * math::ePi / 180.0);
+        const double Phi = m_Phi * math::PI / 180.0;
+        const double Length = 2.0 * std::cos(m_Alpha * math::PI / 180.0);
         return math::MakeVector(Length * std::cos(Phi), Length * std::sin(Phi));
     }
 
     /// Direction of a weight change in radians; 0 for one that is too small to have any.
     static double GetDirection(const math::matrix<double>& rChange) {
-        const bool bNone = std::abs(rChange(0, 0)) < eNoDirection && std::abs(rChange(1, 0)) < eNoDirection;
+        const bool bNone = std::abs(rChange(0, 0)) < NO_DIRECTION && std::abs(rChange(1, 0)) < NO_DIRECTION;
         return bNone ? 0.0 : std::atan2(rChange(1, 0), rChange(0, 0));
     }
 
