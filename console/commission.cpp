@@ -2,11 +2,14 @@
 
 #include <QString>
 #include <algorithm>
+#include <cmath>
 #include <stdexcept>
+#include <string_view>
 
 #include "console/sessionerror.h"
 #include "platform/rvldb/gettext.h"
 #include "platform/rvmdb/configurationfields.h"
+#include "platform/rvmdb/recordfields.h"
 
 using PreBalDB::CCompensationTableEntry;
 using PreBalDB::CPreBalDatabase;
@@ -29,7 +32,7 @@ CTypeBase::Direction TurnAround(CTypeBase::Direction Value) {
 
 bool IsForPeople(const std::string& rField) {
     const CProperty* const pProperty = PreBalDB::ConfigurationFields::FindProperty(rField);
-    return pProperty != nullptr && (pProperty->m_Writers & (CProperty::eOperator | CProperty::eNc)) != 0;
+    return pProperty != nullptr && pProperty->IsForPeople();
 }
 
 bool HasScrews(const PreBalDB::CPreBalBaseTableEntry& rEntry) {
@@ -71,6 +74,21 @@ std::string JoinLabels(const std::vector<std::string>& rFields) {
         Labels += (Labels.empty() ? "" : ", ") + PreBalDB::ConfigurationFields::GetLabel(rField);
     }
     return Labels;
+}
+
+/// The pages hold a number of holes to its range: screws would go to another ring than the rotor's.
+void RefuseRing(int nHoles) {
+    const auto& rFields = PreBalDB::CConfigurationFields::Of<PreBalDB::CScrewCompensationTableEntry>();
+    const auto Holes = std::ranges::find_if(
+        rFields, [](const auto& rField) { return std::string_view(rField.m_Property.m_pName) == "holes"; });
+    const CProperty::CRange Range = Holes->m_Property.m_Range.value();
+    if (nHoles < Range.m_Min || nHoles > Range.m_Max) {
+        throw CSessionError(
+            "--rotor: a ring of " + std::to_string(nHoles) + " holes can't be balanced with screws: " +
+            std::to_string(std::lround(Range.m_Min)) + " to " + std::to_string(std::lround(Range.m_Max)) +
+            " can; give \"holes\" one of these, or balance "
+            "with --method weights");
+    }
 }
 
 /// A run with another configuration than its rotor's would balance to the wrong places.
@@ -198,6 +216,7 @@ void CCommission::ApplyTwoPlane(PreBalDB::CPreBalBaseTableEntry& rEntry) const {
 
 void CCommission::ApplyScrews(PreBalDB::CScrewCompensationTableEntry& rScrews,
                               const CRotorFile::CRotorPlane& rPlane) const {
+    RefuseRing(rPlane.m_Holes);
     rScrews.SetScalingDirection(ToDirection(rPlane.m_Scale));
     rScrews.SetNumberOfHoles(static_cast<std::uint32_t>(rPlane.m_Holes));
     if (m_rOptions.m_nScrews != 0) {

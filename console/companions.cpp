@@ -24,10 +24,10 @@ using nlohmann::json;
 namespace {
 
 /// Between two looks whether a program that starts, or ends, still works for it, ms.
-constexpr std::uint32_t eStartLook = 30000;
-constexpr int eEndLook = 2000;
+constexpr std::uint32_t START_LOOK = 30000;
+constexpr int END_LOOK = 2000;
 /// A start takes about 3 s of processor time; a program that has used so much, in ms, never will be ready.
-constexpr std::uint64_t eMostWork = 120000;
+constexpr std::uint64_t MOST_WORK = 120000;
 constexpr const char* ANY_PORT = "tcp:127.0.0.1:0";
 constexpr const char* USER = "balancing";
 
@@ -43,6 +43,7 @@ constexpr CLinkItem LINK_ITEMS[] = {
     {NcItems::TEST_WEIGHT, "TestWeight"},
     {NcItems::TARGET_UNBALANCE, "TargetUnbalance"},
     {NcItems::ROTATION_DIRECTION, "RotationDirection"},
+    {NcItems::ROTOR_NAME, "RotorName"},
 };
 
 std::string MakePassword() {
@@ -59,10 +60,6 @@ void WritePrivateFile(const fs::path& rFile, const std::string& rText) {
     std::ofstream(rFile) << rText;
 }
 
-std::string FindProgram(const char* pName) {
-    return Files::ToNative(Files::GetProgramDirectory()) + "/" + pName;
-}
-
 }  // namespace
 
 /// A child process whose lines are taken from its standard output. Its complaints are kept.
@@ -73,16 +70,16 @@ public:
         // Nothing of ours is to be left running, however this process ends.
         m_Process.setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGTERM); });
         QObject::connect(&m_Process, &QProcess::readyReadStandardOutput, &m_Process, [this] { Take(); });
-        m_Process.start(QString::fromStdString(FindProgram(pName)), rArguments);
+        m_Process.start(QString::fromStdString(Files::GetBesideProgram(pName)), rArguments);
     }
     ~CProcess() {
         m_Process.disconnect();
         m_Process.closeWriteChannel();
         m_Process.terminate();
-        while (IsRunning() && !m_Process.waitForFinished(eEndLook)) {
+        while (IsRunning() && !m_Process.waitForFinished(END_LOOK)) {
             if (!m_Work.HasWorked(m_Process.processId())) {
                 m_Process.kill();
-                m_Process.waitForFinished(eEndLook);
+                m_Process.waitForFinished(END_LOOK);
                 break;
             }
         }
@@ -99,8 +96,8 @@ public:
             Request = rOptions.GetEndRequest();
             return !Request.empty() || rReady() || !IsRunning();
         };
-        while (!IFEventLoop::Current().RunUntil(Done, eStartLook) &&
-               m_Work.HasWorked(m_Process.processId()) && m_Work.GetTotal() < eMostWork) {
+        while (!IFEventLoop::Current().RunUntil(Done, START_LOOK) &&
+               m_Work.HasWorked(m_Process.processId()) && m_Work.GetTotal() < MOST_WORK) {
         }
         if (!Request.empty()) {
             throw CBrokenOff(Request);
@@ -163,12 +160,12 @@ void CCompanions::StartMachine(const COptions& rOptions) {
         Arguments << "--addresses" << Addresses.join(',');
     }
     m_pMachine = std::make_unique<CProcess>("simulator", Arguments, [this](const std::string& rLine) {
-        constexpr std::string_view Frames = "frames on ";
-        constexpr std::string_view Machine = "machine on ";
-        if (rLine.starts_with(Frames)) {
-            m_Frames = rLine.substr(Frames.size());
-        } else if (rLine.starts_with(Machine)) {
-            m_Machine = rLine.substr(Machine.size());
+        constexpr std::string_view FRAMES = "frames on ";
+        constexpr std::string_view MACHINE = "machine on ";
+        if (rLine.starts_with(FRAMES)) {
+            m_Frames = rLine.substr(FRAMES.size());
+        } else if (rLine.starts_with(MACHINE)) {
+            m_Machine = rLine.substr(MACHINE.size());
         }
     });
     m_pMachine->WaitUntil(rOptions, [this] { return !m_Machine.empty(); });

@@ -5,9 +5,15 @@
 #include <optional>
 
 #include "console/ncwatch.h"
+#include "console/offlinenotes.h"
+#include "console/savedresult.h"
 #include "contract/actions.h"
+#include "platform/rvldb/gettext.h"
+#include "platform/rvmdb/storetexts.h"
 #include "platform/system/eventloop.h"
 #include "platform/window/messagebox.h"
+
+using PreBalDB::StoreTexts::Fill;
 
 namespace {
 
@@ -36,6 +42,10 @@ CHeadlessRun::CHeadlessRun(CConsoleSession& rSession, const COptions& rOptions)
             OnSituation(rSituation);
         }
     };
+    m_Recorder.OnSeen = [this](const CSituation& rSituation) {
+        m_Verdict.Look(rSituation);
+        Doubt(rSituation);
+    };
     m_Recorder.OnRecorded = [this] {
         if (m_pWatch != nullptr) {
             m_pWatch->LookNow();  // the NC may start its next procedure before the next regular look
@@ -52,12 +62,21 @@ CHeadlessRun::~CHeadlessRun() {
 void CHeadlessRun::Print(const std::string& rText) {
     const std::string Line =
         Format("%8.1f s  ", static_cast<double>(IFEventLoop::Current().Now()) / 1000.0) + rText;
+    PrintLine(Line);
+}
+
+void CHeadlessRun::PrintLine(const std::string& rLine) const {
     if (OnProgress) {
-        OnProgress(Line);
+        OnProgress(rLine);
         return;
     }
-    std::printf("%s\n", Line.c_str());
+    std::printf("%s\n", rLine.c_str());
     std::fflush(stdout);
+}
+
+void CHeadlessRun::Fail(const std::string& rReason) {
+    m_Verdict.SetReason(rReason);
+    Print(rReason);
 }
 
 bool CHeadlessRun::RunUntil(const std::function<bool()>& rDone, std::uint32_t Timeout) const {
@@ -72,9 +91,9 @@ nlohmann::json CHeadlessRun::RequestAndWait(const nlohmann::json& rRequest) {
     std::optional<nlohmann::json> Answer;
     m_rSession.GetMachine()->Request(rRequest,
                                      [&Answer](const nlohmann::json& rAnswer) { Answer = rAnswer; });
-    constexpr std::uint32_t eAnswerTimeout = 10000;
+    constexpr std::uint32_t ANSWER_TIMEOUT = 10000;
     // Broken off or not: an answer that comes later would find nobody.
-    IFEventLoop::Current().RunUntil([&Answer] { return Answer.has_value(); }, eAnswerTimeout);
+    IFEventLoop::Current().RunUntil([&Answer] { return Answer.has_value(); }, ANSWER_TIMEOUT);
     return Answer.value_or(nlohmann::json{{"error", "no answer"}});
 }
 
@@ -84,7 +103,7 @@ void CHeadlessRun::BringSpindleToStart() {
     }
     const std::uint32_t Speed = m_rOptions.m_bStartTurning ? m_rSession.GetWorkingSpeed() : 0;
     RequestAndWait({{"speed", Speed}});
-    std::uint64_t Deadline = IFEventLoop::Current().Now() + eSpinUpTimeout;
+    std::uint64_t Deadline = IFEventLoop::Current().Now() + SPIN_UP_TIMEOUT;
     while (IFEventLoop::Current().Now() < Deadline && !IsBrokenOff()) {
         const nlohmann::json State = RequestAndWait({{"state", nlohmann::json::object()}});
         const bool bAtSpeed = std::abs(State.value("speed", -1.0) - Speed) < 0.5;
@@ -103,10 +122,10 @@ void CHeadlessRun::DisturbRotor() {
     }
     // A tenth of a weight to the side of where the unbalance was: enough to be measured, well within
     // capacity.
-    constexpr double eFraction = 0.1;
+    constexpr double FRACTION = 0.1;
     const nlohmann::json State = RequestAndWait({{"state", nlohmann::json::object()}});
     if (!State.contains("unbalance")) {
-        Print("The machine doesn't tell its rotor's unbalance, so it stays as it is.");
+        Print(GetText("RUN_UNBALANCE_STAYS"));
         return;
     }
     std::size_t Plane = 0;
@@ -116,9 +135,9 @@ void CHeadlessRun::DisturbRotor() {
         RequestAndWait(
             {{"unbalance",
               {{"plane", ++Plane},
-               {"amount", std::hypot(Amount, eFraction)},
+               {"amount", std::hypot(Amount, FRACTION)},
                {"angle_deg",
-                std::fmod(Angle + std::atan2(eFraction, Amount) * 180.0 / 3.141592653589793, 360.0)}}}});
+                std::fmod(Angle + std::atan2(FRACTION, Amount) * 180.0 / 3.141592653589793, 360.0)}}}});
     }
 }
 
@@ -128,36 +147,51 @@ bool CHeadlessRun::RunProcedure(Actions::Action Start) {
         return false;
     }
     ForgetResult();
-    if (!m_rSession.StartProcedure(Start)) {
+    // A module that has changed its set just now shows so: there is nothing to start, and it is the
+    // operator's turn to end that.
+    if (!m_rSession.Look().m_bRunning && !m_rSession.StartProcedure(Start)) {
         // A message box that says why comes through the loop.
         Pause(1);
-        Print(Start == Actions::eRebalance ? "The re-balancing was refused: the configuration isn't "
-                                             "calibrated. Run --procedure prebalance with the "
-                                             "same --config-dir first."
-                                           : "The procedure did not start; the log says why.");
+        Fail(GetText(Start == Actions::eRebalance ? "RUN_REBALANCE_REFUSED" : "RUN_DID_NOT_START"));
         return false;
     }
     COperator Operator(m_rSession, m_rSession.GetMachine(), m_rSession.GetWorkingSpeed());
+    m_pOperator = &Operator;
     const bool bFinished = Drive(Operator);
+    m_pOperator = nullptr;
     // Ends the procedure; a result that may be kept is kept, but not one that was broken off. One that can't
     // be saved stays for a second try.
     for (int nTries = 0; nTries < 2 && m_rSession.Look().m_bRunning; ++nTries) {
         m_rSession.SendAction(Actions::eTerminate, IsBrokenOff() ? Actions::eNone : Actions::eCommit);
         IFEventLoop::Current().RunUntil([this] { return m_rSession.GetHost().GetActivity() == 0; }, 1000);
     }
+    m_Recorder.EndRun(bFinished);
     return bFinished && IsResultSaved();
+}
+
+void CHeadlessRun::Doubt(const CSituation& rSituation) {
+    // The module has its say first: it may refuse the test run for reasons of its own.
+    if (m_pOperator == nullptr || rSituation.m_Progress.m_Measuring.m_Which != Measurement::eNone ||
+        rSituation.m_Notification.GetStep() == CNcNotification::eFailure) {
+        return;
+    }
+    if (const std::string Why = m_Recorder.GetAdviser().GetDoubt(); !Why.empty()) {
+        m_pOperator->GiveUp(Fill("ADVICE_NOT_KEPT", {Why}));
+    }
 }
 
 void CHeadlessRun::ForgetResult() {
     m_rSession.GetHost().ForgetResult();
+    m_Verdict.Forget();
     GetReport().SetSaved(false);
 }
 
 bool CHeadlessRun::IsResultSaved() {
     const bool bSaved = m_rSession.GetHost().IsResultSaved();
+    m_Verdict.SetSaved(DescribeSavedResult(m_rSession, bSaved));
     GetReport().SetSaved(bSaved);
     if (!bSaved) {
-        Print("The result was not saved.");
+        Print(GetText("RUN_NOT_SAVED"));
     }
     return bSaved;
 }
@@ -169,6 +203,7 @@ bool CHeadlessRun::RunNcProcedure() {
     m_pWatch = &Watch;
     const bool bFinished = Drive(Watch);
     m_pWatch = nullptr;
+    m_Recorder.EndRun(bFinished);
     return bFinished && IsResultSaved();
 }
 
@@ -178,17 +213,19 @@ bool CHeadlessRun::Drive(CRunDriver& rDriver) {
     m_ProgressTimer.StartPeriodic(PROGRESS_PERIOD, [this] {
         const CSituation Situation = m_rSession.Look();
         if (Situation.m_bRunning && Situation.m_Notification.GetAction() == CPreBalCodes::eMeasure) {
-            Print("reading" + CRunRecorder::DescribeReadings(Situation));
+            Print(GetText("RUN_READING") + CRunRecorder::DescribeReadings(Situation) + "  " +
+                  m_Verdict.GetSentence().m_Text);
         }
     });
     rDriver.Start();
-    RunUntil([&rDriver] { return rDriver.GetOutcome() != CRunDriver::Outcome::eRunning; }, eRunTimeout);
+    RunUntil([&rDriver] { return rDriver.GetOutcome() != CRunDriver::Outcome::eRunning; }, RUN_TIMEOUT);
     rDriver.Stop();
     m_ProgressTimer.Stop();
     m_Recorder.Record();
     const bool bFinished = rDriver.GetOutcome() == CRunDriver::Outcome::eFinished && !IsBrokenOff();
     if (!bFinished && !IsBrokenOff()) {
-        Print("The run has ended: " + rDriver.GetReason());
+        m_Verdict.SetReason(rDriver.GetReason());
+        Print(Fill("RUN_ENDED", {rDriver.GetReason()}));
     }
     return bFinished;
 }
@@ -214,13 +251,18 @@ ExitCode CHeadlessRun::Run() {
         }
     }
     if (IsBrokenOff()) {
-        Print("The run was broken off by " + m_rOptions.GetEndRequest() + ".");
+        Print(Fill("RUN_BROKEN_OFF", {m_rOptions.GetEndRequest()}));
+        m_Verdict.SetBrokenOff(m_rOptions.GetEndRequest());
         bFinished = false;
     }
     if (bFinished) {
         m_Recorder.RecordCalibration();
     }
     GetReport().SetFinished(bFinished);
-    Print("result: " + GetReport().GetResult());
+    m_Recorder.GetArchivist().FinishArchive();
+    GetReport().SetDelivered(OfflineNotes::IsAllDelivered());
+    Print(GetText("RUN_RESULT") + ": " + GetReport().GetResult());
+    m_Verdict.Look(m_rSession.Look());
+    PrintLine(m_Verdict.GetConclusion());
     return GetReport().GetExitCode();
 }

@@ -7,6 +7,7 @@
 #include "console/options.h"
 #include "console/runrecorder.h"
 #include "console/runreport.h"
+#include "console/runverdict.h"
 #include "console/session.h"
 #include "contract/actions.h"
 #include "platform/system/timer.h"
@@ -23,6 +24,7 @@ public:
     /// Runs the loop until the procedures have ended. The result is also the report's.
     ExitCode Run();
     CRunReport& GetReport() { return m_Recorder.GetReport(); }
+    CRunRecorder& GetRecorder() { return m_Recorder; }
 
     /// Takes the progress lines; stdout unless set.
     std::function<void(const std::string&)> OnProgress;
@@ -33,11 +35,13 @@ public:
 
 private:
     /// Longest that a procedure may take with a machine that answers, ms.
-    static constexpr std::uint32_t eRunTimeout = 3600000;
+    static constexpr std::uint32_t RUN_TIMEOUT = 3600000;
     /// A spindle that is to turn at the start gets so long to reach its speed, ms.
-    static constexpr std::uint32_t eSpinUpTimeout = 120000;
+    static constexpr std::uint32_t SPIN_UP_TIMEOUT = 120000;
 
     bool RunProcedure(Actions::Action Start);
+    /// Has a run given up whose test run had no effect: only its end would keep a calibration.
+    void Doubt(const CSituation& rSituation);
     /// Before each procedure.
     void ForgetResult();
     /// Whether the procedure's result stands in the database; enters it in the report.
@@ -55,10 +59,15 @@ private:
     bool RunUntil(const std::function<bool()>& rDone, std::uint32_t Timeout) const;
     void Pause(std::uint32_t Milliseconds) const;
     void Print(const std::string& rText);
+    void PrintLine(const std::string& rLine) const;
+    /// The run hasn't come to its end, for this reason.
+    void Fail(const std::string& rReason);
 
     CConsoleSession& m_rSession;
     const COptions& m_rOptions;
     CRunRecorder m_Recorder;
+    CRunVerdict m_Verdict;
     CTimer m_ProgressTimer;
-    CRunDriver* m_pWatch = nullptr;  ///< while the NC drives
+    CRunDriver* m_pWatch = nullptr;     ///< while the NC drives
+    CRunDriver* m_pOperator = nullptr;  ///< while nobody else does
 };

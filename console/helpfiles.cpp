@@ -21,5 +21,5 @@ void ProvideHelp(const CConsoleInstallation& rInstallation, const fs::path& rFro
 }
 
 fs::path GetHelpOfProgram() {
-    return fs::path(Files::ToNative(Files::GetProgramDirectory())) / "help";
+    return Files::GetBesideProgram("help");
 }

@@ -26,7 +26,7 @@ LRESULT CHostWindow::WindowProc(UINT Message, WPARAM wParam, LPARAM lParam) {
             }
             break;
         case WM_RV_RESULTSAVED:
-            m_bResultSaved = wParam != 0;
+            m_ResultSaved = wParam != 0;
             break;
         case WM_RV_SOFTKEYENABLE:
             SetSoftkeyBits(static_cast<std::int32_t>(wParam), static_cast<std::int32_t>(lParam));
@@ -56,12 +56,12 @@ void CHostWindow::SetSoftkeyBits(std::int32_t Mask, std::int32_t Values) {
 
 LRESULT CHostWindow::OnRawData(WPARAM wParam, LPARAM lParam) {
     // The buffer's handle (low byte first), one unused byte, then the frame.
-    constexpr std::size_t eHeader = 3;
+    constexpr std::size_t HEADER = 3;
     // NOLINTNEXTLINE(performance-no-int-to-ptr): a message's parameters are whole numbers
     const auto* const pBuffer = reinterpret_cast<const std::uint8_t*>(wParam);
     const std::span<const std::uint8_t> Buffer(pBuffer, static_cast<std::size_t>(lParam));
     if (OnFrame) {
-        OnFrame(Buffer.subspan(eHeader));
+        OnFrame(Buffer.subspan(HEADER));
     }
     rvCOM::FreeBuffer(static_cast<std::uint16_t>(Buffer[0] | (Buffer[1] << 8U)));
     return 0;

@@ -1,6 +1,7 @@
 #pragma once
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <span>
 
 #include "contract/pages.h"
@@ -30,9 +31,11 @@ public:
     /// The configuration on show is calibrated, so that a re-balancing is possible.
     bool IsCalibrated() const { return (m_SoftkeyBits & SoftkeyMask::eReBalancing) != 0; }
     /// The result that was to be saved last stands in the database; false before there was any.
-    bool IsResultSaved() const { return m_bResultSaved; }
+    bool IsResultSaved() const { return m_ResultSaved.value_or(false); }
+    /// The same; nothing before there was any.
+    std::optional<bool> GetResultSaved() const { return m_ResultSaved; }
     /// Before the next run.
-    void ForgetResult() { m_bResultSaved = false; }
+    void ForgetResult() { m_ResultSaved.reset(); }
 
     /// Called after any message of the module.
     std::function<void()> OnChanged;
@@ -51,5 +54,5 @@ private:
     std::uint32_t m_Page = Pages::eSettings;
     std::int32_t m_SoftkeyBits = 0;
     bool m_bConfigured = false;
-    bool m_bResultSaved = false;
+    std::optional<bool> m_ResultSaved;
 };

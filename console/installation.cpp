@@ -10,6 +10,7 @@
 #include <stdexcept>
 #include <system_error>
 
+#include "platform/system/environment.h"
 #include "platform/system/files.h"
 #include "platform/system/text.h"
 
@@ -19,9 +20,6 @@ namespace fs = std::filesystem;
 
 /// Marks a directory as an installation: the module looks for the console's program file by this name.
 constexpr const char* MARKER = "mcon.exe";
-
-/// Holds the process id of the console that works in the installation; what counts is the lock on it.
-constexpr const char* LOCK = "console.lock";
 
 fs::path GetUserRoot() {
     if (const char* pData = getenv("XDG_DATA_HOME"); pData != nullptr && *pData != '\0') {
@@ -88,9 +86,18 @@ CConsoleInstallation::CConsoleInstallation(const std::string& rDirectory, bool b
     unsetenv("CORVANE_ROOT_DIR_AUTO_DETECT");
 }
 
+std::string CConsoleInstallation::GetDatabaseConnection() const {
+    return ChooseDatabaseConnection(GetDatabaseFile().string());
+}
+
+std::string ChooseDatabaseConnection(const std::string& rFile) {
+    const std::string Shared = GetEnvironment("CORVANE_DATABASE");
+    return Shared.empty() ? "sqlite:" + rFile : Shared;
+}
+
 CInstallationLock::CInstallationLock(const CConsoleInstallation& rInstallation) {
-    const fs::path Path = rInstallation.GetConfigDirectory() / LOCK;
-    m_File = CDescriptor(::open(Path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0664));
+    const fs::path Path = rInstallation.GetConfigDirectory() / FILE_NAME;
+    m_File = CDescriptor(::open(Path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0660));
     if (!m_File.IsOpen()) {
         throw std::runtime_error(Path.string() +
                                  " can't be written: " + std::generic_category().message(errno) +

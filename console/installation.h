@@ -19,6 +19,8 @@ public:
     const std::filesystem::path& GetRoot() const { return m_Root; }
     std::filesystem::path GetConfigDirectory() const { return m_Root / "cnf"; }
     std::filesystem::path GetDatabaseFile() const { return GetConfigDirectory() / "prebal.db"; }
+    /// Of the store: what the environment names, for consoles that share one, else the file.
+    std::string GetDatabaseConnection() const;
     std::filesystem::path GetHelpDirectory() const { return m_Root / "ctrl" / "help"; }
     std::filesystem::path GetLogDirectory() const { return m_Root / "log"; }
 
@@ -27,12 +29,19 @@ private:
     std::filesystem::path m_Root;
 };
 
-/// Held by the one console that works in an installation: two would overwrite each other's settings and
+/// A plant whose consoles share one database names it in the environment; otherwise it is this file.
+std::string ChooseDatabaseConnection(const std::string& rFile);
+
+/// The file holds the process id of the console that works in the installation; what counts is the lock on
+/// it. Held by the one console that works in an installation: two would overwrite each other's settings and
 /// weight positions. What is no console needs none. It ends with the process, however that ends.
 class CInstallationLock {
 public:
     /// Throws std::runtime_error, which names the other process, if another console holds it.
     explicit CInstallationLock(const CConsoleInstallation& rInstallation);
+
+    /// In the configuration directory.
+    static constexpr const char* FILE_NAME = "console.lock";
 
 private:
     CDescriptor m_File;

@@ -1,103 +1,146 @@
 #include "console/mainwindow.h"
 
-#include <QFormLayout>
-#include <QGroupBox>
+#include <QCloseEvent>
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QMessageBox>
-#include <QPushButton>
-#include <QSpinBox>
-#include <QStatusBar>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <utility>
 
+#include "console/access.h"
+#include "console/archivedreports.h"
+#include "console/archiveview.h"
+#include "console/demoview.h"
+#include "console/headline.h"
 #include "console/helpview.h"
-#include "contract/actions.h"
-#include "contract/helptopics.h"
+#include "console/isoaccess.h"
+#include "console/isoview.h"
+#include "console/language.h"
+#include "console/liveview.h"
+#include "console/logsettings.h"
+#include "console/machineview.h"
+#include "console/messagelist.h"
+#include "console/pagepicture.h"
+#include "console/pagequestion.h"
+#include "console/panelkeys.h"
+#include "console/panelobserver.h"
+#include "console/rundisplay.h"
+#include "console/runsetup.h"
+#include "console/servicebundle.h"
+#include "console/sidepanel.h"
+#include "console/softkeybar.h"
+#include "console/softkeycontrol.h"
+#include "console/trainingview.h"
+#include "console/verdictband.h"
+#include "console/windowscale.h"
 #include "contract/hostmessages.h"
-#include "contract/pages.h"
+#include "contract/menus.h"
 #include "platform/qt/windowview.h"
 #include "platform/rvcom/rvcom.h"
 #include "platform/rvldb/gettext.h"
 #include "platform/rvmdb/prebaldatabase.h"
-#include "platform/rvmdb/storetexts.h"
 #include "platform/system/eventloop.h"
+#include "platform/system/files.h"
+#include "platform/system/localtime.h"
 #include "platform/window/messagebox.h"
+#include "rvlib/settings/installation.h"
 
 namespace {
 
-constexpr int MAX_SPEED = 60000;
 constexpr std::uint32_t INIT_PERIOD = 5000;
+constexpr QSize SMALLEST(800, 480);
+constexpr int BELOW_THE_PAGE = 2;  // row of what explains the run
 
 QString Text(const char* pKey) {
     return QString::fromStdString(GetText(pKey));
 }
 
-/// Broken at the blank nearest to its middle: keys are higher than they are wide.
-QString InTwoLines(const QString& rText) {
-    const auto Middle = rText.size() / 2;
-    const auto Before = rText.lastIndexOf(' ', Middle);
-    const auto Behind = rText.indexOf(' ', Middle);
-    const bool bBefore = Before >= 0 && (Behind < 0 || Middle - Before <= Behind - Middle);
-    const auto Place = bBefore ? Before : Behind;
-    constexpr int WIDE = 9;  // characters
-    return Place < 0 || rText.size() <= WIDE ? rText : rText.left(Place) + "\n" + rText.mid(Place + 1);
-}
-
 }  // namespace
 
-CMainWindow::CMainWindow(CConsoleSession& rSession) : m_rSession(rSession), m_Run(rSession) {
+CMainWindow::CMainWindow(CConsoleSession& rSession)
+    : m_rSession(rSession), m_Run(rSession), m_pMessageLog(std::make_unique<CMessageLog>()) {
     setWindowTitle(QString::fromUtf8(CHostWindow::TITLE));
     auto* pCentral = new QWidget(this);
-    auto* pColumns = new QHBoxLayout(pCentral);
-    auto* pLeft = new QVBoxLayout();
+    auto* pRows = new QVBoxLayout(pCentral);
+    m_pHeadLine = new CHeadLine(pCentral);
+    pRows->addWidget(m_pHeadLine);
+    auto* pColumns = new QHBoxLayout();
+    pRows->addLayout(pColumns, 1);
+    m_pLeft = new QVBoxLayout();
     m_pPage = new CWindowView(rSession.GetHost(), pCentral);
-    pLeft->addWidget(m_pPage, 1);
+    m_pLeft->addWidget(m_pPage, 1);
     m_pHelp = new CHelpView(*m_pPage);
-    m_pConnection = new QLabel(pCentral);
-    m_pConnection->setWordWrap(true);
-    m_pConnection->setMargin(6);
-    m_pConnection->setAutoFillBackground(true);
-    m_pConnection->setBackgroundRole(QPalette::ToolTipBase);
-    m_pConnection->setForegroundRole(QPalette::ToolTipText);
-    pLeft->addWidget(m_pConnection);
-    pLeft->addWidget(MakeSoftkeyBar());
-    pColumns->addLayout(pLeft, 1);
-    if (rSession.GetMachine() != nullptr) {
-        pColumns->addWidget(MakeMachinePanel());
+    m_pBand = new CVerdictBand(pCentral);
+    pRows->addWidget(m_pBand);
+    m_pSoftkeyBar = new CSoftkeyBar(pCentral);
+    pRows->addWidget(m_pSoftkeyBar);
+    m_pLive = new CLiveView(pCentral);
+    m_pDisplay = std::make_unique<CRunDisplay>(rSession, *m_pBand, *m_pLive);
+    m_pDisplay->GetAdvice = [this] { return m_Run.GetAdviser().Get(); };
+    pColumns->addLayout(m_pLeft, 1);
+    m_pSide = new CSidePanel(pCentral);
+    pColumns->addWidget(m_pSide);
+    m_pSide->AddView(m_pLive, "SIDE_LIVE", "crosshair");
+    MakeMachineView();
+    MakeIsoView();
+    m_pMessages = new CMessageList(*m_pMessageLog, pCentral);
+    m_pMessages->OnService = [this] { MakeServiceFile(); };
+    m_pSide->AddView(m_pMessages, "SIDE_MESSAGES", "message-square");
+    MakeArchiveView();
+    m_pSide->AddKey([] { return QString::fromStdString(GetNativeName(GetNextLanguage())); }, "languages",
+                    [this] { SwitchLanguage(GetNextLanguage()); });
+    m_pSide->Unfold(m_pMachine != nullptr ? static_cast<QWidget*>(m_pMachine) : m_pLive);
+    if (rSession.GetOptions().m_bDemo && rSession.GetMachine() != nullptr) {
+        m_pDemo = new CDemoView(rSession, *rSession.GetMachine(), rSession.GetWorkingSpeed(), pCentral);
     }
     setCentralWidget(pCentral);
+    if (m_pDemo != nullptr) {
+        PlaceLesson(*m_pDemo);
+    }
+    // What is large for a large window is no reason not to make it smaller.
+    layout()->setSizeConstraint(QLayout::SetNoConstraint);
+    setMinimumSize(SMALLEST);
     resize(1000, 640);
+    MakeSoftkeys();
+    MakeHeadLine();
+    MakeAccess();
 
     m_rSession.OnChanged = [this] {
         CommissionOnce();
-        ShowMenu();
+        m_pSoftkeys->Refresh();
         ShowConnection();
+        m_pDisplay->Look();
+        ShowMachineMeans();
         if (m_bCommissioned) {
             m_Run.OnPanelChanged();
         }
     };
     m_rSession.OnSay = [this](const std::string& rText) {
-        statusBar()->showMessage(QString::fromStdString(rText));
+        m_pObserver->Say(rText);
+        m_pMessageLog->Say(rText);
+        m_pHeadLine->Show(m_pObserver->Look());
     };
     m_Run.OnSay = m_rSession.OnSay;
-    m_RefreshTimer.StartPeriodic(eRefreshPeriod, [this] {
-        ShowMenu();  // a table that has got another name isn't told
+    m_RefreshTimer.StartPeriodic(REFRESH_PERIOD, [this] {
+        m_pSoftkeys->Refresh();  // a table that has got another name isn't told
         ShowConnection();
-        RefreshMachine();
+        m_pHeadLine->Show(m_pObserver->Look());
+        m_pDisplay->Look();
     });
-    ShowMenu();
+    m_pSoftkeys->Refresh();
     ShowConnection();
 }
 
 CMainWindow::~CMainWindow() {
     m_Lifetime.End();
+    m_pReports.reset();
     m_Run.End(true);
     m_rSession.OnChanged = nullptr;
     m_rSession.OnSay = nullptr;
     m_RefreshTimer.Stop();
     m_InitTimer.Stop();
+    m_pObserver.reset();
+    m_pDisplay.reset();
     m_rSession.Close();
 }
 
@@ -132,57 +175,115 @@ void CMainWindow::ShowConnection() {
             Missing += " " + QString::fromStdString(rvCOM::GetOutageReason());
         }
     }
-    m_pConnection->setText(Missing.trimmed());
-    m_pConnection->setVisible(!Missing.isEmpty());
+    m_pBand->ShowMissing(Missing.trimmed());
 }
 
-QWidget* CMainWindow::MakeSoftkeyBar() {
-    auto* pBar = new QWidget(this);
-    auto* pRow = new QHBoxLayout(pBar);
-    pRow->setContentsMargins(0, 0, 0, 0);
-    for (std::size_t i = 0; i < m_Keys.size(); ++i) {
-        m_Keys[i] = new QPushButton(pBar);
-        m_Keys[i]->setMinimumHeight(48);
-        m_Keys[i]->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
-        // As the keys beside a panel: an edit that is open in the page stays open, and the key can work on
-        // it.
-        m_Keys[i]->setFocusPolicy(Qt::NoFocus);
-        connect(m_Keys[i], &QPushButton::pressed, this, [this, i] { OnKeyDown(i); });
-        connect(m_Keys[i], &QPushButton::released, this, [this, i] { OnKeyUp(i); });
-        pRow->addWidget(m_Keys[i], 1);
-    }
-    return pBar;
-}
-
-QWidget* CMainWindow::MakeMachinePanel() {
-    auto* pBox = new QGroupBox(Text("CONSOLE_MACHINE"), this);
-    pBox->setMinimumWidth(230);
-    auto* pColumn = new QVBoxLayout(pBox);
-    auto* pForm = new QFormLayout();
-    m_pSpeed = new QSpinBox(pBox);
-    m_pSpeed->setRange(0, MAX_SPEED);
-    m_pSpeed->setSingleStep(100);
-    m_pSpeed->setSuffix(" " + Text("RPM"));
-    m_pSpeed->setValue(static_cast<int>(m_rSession.GetWorkingSpeed()));
-    pForm->addRow(Text("CONSOLE_SPEED"), m_pSpeed);
-    pColumn->addLayout(pForm);
-    const auto AddButton = [&](const char* pKey, auto OnClick) {
-        auto* pButton = new QPushButton(Text(pKey), pBox);
-        pButton->setMinimumHeight(40);
-        connect(pButton, &QPushButton::clicked, this, OnClick);
-        pColumn->addWidget(pButton);
+void CMainWindow::MakeSoftkeys() {
+    m_pQuestion = new CPageQuestion(*m_pPage);
+    m_pSoftkeys = std::make_unique<CSoftkeyControl>(m_rSession, *m_pSoftkeyBar, *m_pQuestion, *m_pHelp);
+    m_pSoftkeys->OnClose = [this] { close(); };
+    m_pSoftkeys->GetDoubt = [this] { return m_Run.GetAdviser().GetDoubt(); };
+    m_pKeys = std::make_unique<CPanelKeys>(*this, *m_pSoftkeyBar, *m_pQuestion);
+    m_pKeys->OnFullScreen = [this] { setWindowState(windowState() ^ Qt::WindowFullScreen); };
+    m_pKeys->OnPicture = [this] { TakePicture(); };
+    m_pKeys->IsRunOnPage = [this] {
+        return m_rSession.GetHost().GetMenu() != Menus::eNone && !m_pHelp->IsOpen() && !m_pQuestion->IsOpen();
     };
-    AddButton("CONSOLE_START", [this] { Command({{"speed", m_pSpeed->value()}}); });
-    AddButton("CONSOLE_STOP", [this] { Command({{"speed", 0}}); });
-    m_pMachineState = new QLabel(pBox);
-    pColumn->addWidget(m_pMachineState);
-    AddButton("CONSOLE_FIT", [this] { FitAsShown(); });
-    m_pWeights = new QLabel(pBox);
-    pColumn->addWidget(m_pWeights);
-    m_pResidual = new QLabel(pBox);
-    pColumn->addWidget(m_pResidual);
-    pColumn->addStretch(1);
-    return pBox;
+}
+
+void CMainWindow::MakeHeadLine() {
+    m_pObserver = std::make_unique<CPanelObserver>(m_rSession);
+    const auto Tell = [this](const char* pTitleKey, std::function<std::string()> GetWords) {
+        m_pQuestion->Ask({pTitleKey, std::move(GetWords), {{"CONSOLE_UNDERSTOOD", {}}}});
+    };
+    m_pHeadLine->OnLight = [this, Tell](CHeadState::Place Place) {
+        Tell(CHeadLine::GetNameKey(Place),
+             [this, Place] { return m_pObserver->Look().m_Lights.at(Place).m_Text; });
+    };
+    m_pHeadLine->OnMachine = [this, Tell] {
+        Tell("HEAD_MACHINE", [this] {
+            const CHeadState State = m_pObserver->Look();
+            return State.m_Machine + "\n" + State.m_Configuration;
+        });
+    };
+    m_pHeadLine->OnMessage = [this] { m_pSide->Unfold(m_pMessages->isHidden() ? m_pMessages : nullptr); };
+    m_pHeadLine->Show(m_pObserver->Look());
+}
+
+void CMainWindow::SwitchLanguage(const std::string& rCode) {
+    if (UseLanguage(rCode)) {
+        m_rSession.GetModule().SendMessage(WM_RV_LANGUAGECHANGED);
+        WriteChosenLanguage(Files::ToNative(GetConfigDirectory().GetText()), rCode);
+    }
+}
+
+void CMainWindow::changeEvent(QEvent* pEvent) {
+    if (pEvent->type() == QEvent::LanguageChange) {
+        m_pSoftkeys->Refresh();
+        ShowConnection();
+        m_pHeadLine->Show(m_pObserver->Look());
+        m_pDisplay->Look();
+    }
+    QMainWindow::changeEvent(pEvent);
+}
+
+void CMainWindow::resizeEvent(QResizeEvent* pEvent) {
+    m_pSide->FitWindow();
+    if (m_pLesson != nullptr) {
+        ScaleFont(*m_pLesson);
+    }
+    m_pBand->updateGeometry();  // its height goes with the window's
+    QMainWindow::resizeEvent(pEvent);
+}
+
+void CMainWindow::closeEvent(QCloseEvent* pEvent) {
+    // Who ends the program doesn't wait for an answer.
+    const bool bMayClose = !m_rSession.GetOptions().GetEndRequest().empty() || m_pSoftkeys->MayClose();
+    pEvent->setAccepted(bMayClose);
+}
+
+void CMainWindow::MakeAccess() {
+    m_pAccess = std::make_unique<CAccess>(*m_pPage, *m_pQuestion,
+                                          Files::ToNative(GetConfigDirectory().GetText()) + "/code.json");
+    m_pAccess->IsRunning = [this] { return m_rSession.GetHost().GetMenu() != Menus::eNone; };
+    m_pAccess->OnChanged = [this] { m_pSoftkeys->Refresh(); };
+    m_pAccess->OnSay = [this](const std::string& rText) { m_rSession.Say(rText); };
+    m_pSoftkeys->IsLocked = [this] { return m_pAccess->IsLocked(); };
+    m_pSoftkeys->OnCode = [this] { m_pAccess->OnKey(); };
+    m_pSoftkeys->OnService = [this] { MakeServiceFile(); };
+}
+
+void CMainWindow::MakeServiceFile() {
+    if (m_pAccess->IsLocked()) {
+        m_rSession.Say(GetText("CODE_WITHHELD"));
+        return;
+    }
+    const std::filesystem::path Root = Files::ToNative(GetRootDirectory().GetText());
+    const std::filesystem::path File =
+        Root / "service" /
+        FormatLocalTime(IFEventLoop::Current().WallClock(), "service-%Y%m%d-%H%M%S.tar.gz");
+    const std::string Trouble =
+        MakeServiceBundle({Root,
+                           Lights::LookAtDatabase(PreBalDB::GetDatabaseConnection()).m_File,
+                           {m_rSession.GetOptions().m_ReportFile}},
+                          File);
+    m_rSession.Say(Text(Trouble.empty() ? "SERVICE_MADE" : "SERVICE_FAILED")
+                       .arg(QString::fromStdString(Trouble.empty() ? File.string() : Trouble))
+                       .toStdString());
+}
+
+void CMainWindow::OfferTraces(CLogSettings& rLog) {
+    m_pMessages->OfferTraces([&rLog](bool bTrace) { rLog.TraceLine(bTrace); });
+}
+
+void CMainWindow::TakePicture() {
+    const std::string& rWanted = m_rSession.GetOptions().m_ScreenshotDirectory;
+    const std::string Directory =
+        rWanted.empty() ? Files::ToNative(GetRootDirectory().GetText()) + "/pictures" : rWanted;
+    const std::string File = SavePagePicture(m_rSession, Directory);
+    m_rSession.Say(Text(File.empty() ? "CONSOLE_NOT_WRITTEN" : "CONSOLE_PICTURE")
+                       .arg(QString::fromStdString(File.empty() ? Directory : File))
+                       .toStdString());
 }
 
 void CMainWindow::CommissionOnce() {
@@ -202,148 +303,82 @@ void CMainWindow::CommissionOnce() {
             ShowMessageBox(rError.what(), "Error");
         }
         m_bCommissioned = true;
+        ShowMachineMeans();
+        if (m_pDemo != nullptr) {
+            m_pDemo->GetDemo().Start(m_rSession.GetHoleRings());
+        }
         m_Run.OnPanelChanged();
     }));
 }
 
-CSoftkeys::CState CMainWindow::GetSoftkeyState() const {
-    const CHostWindow& rHost = m_rSession.GetHost();
-    const bool bTable = rHost.GetPage() == Pages::eScrewTable;
-    const CShownConfiguration Shown = m_rSession.GetShownConfiguration().value_or(CShownConfiguration());
-    const std::string& rName = bTable ? Shown.m_ScrewTable : Shown.m_Name;
-    return {rHost.IsConfigured(), rHost.GetMenu(), rHost.GetPage(), rHost.GetSoftkeyBits(),
-            !rName.empty() && rName != "Default"};
-}
-
-void CMainWindow::ShowMenu() {
-    m_Softkeys.SetState(GetSoftkeyState());
-    const std::vector<CSoftkey>& rShown = m_Softkeys.GetShown();
-    for (std::size_t i = 0; i < m_Keys.size(); ++i) {
-        const bool bUsed = i < rShown.size() && rShown[i].m_Kind != CSoftkey::eNone;
-        m_Keys[i]->setText(bUsed ? InTwoLines(Text(rShown[i].m_pTextKey)) : QString());
-        m_Keys[i]->setEnabled(i < rShown.size() && rShown[i].m_bEnabled);
-    }
-}
-
-void CMainWindow::OnKeyDown(std::size_t Index) {
-    if (Index >= m_Softkeys.GetShown().size()) {
-        return;
-    }
-    const CSoftkey Key = m_Softkeys.GetShown()[Index];
-    switch (Key.m_Kind) {
-        case CSoftkey::eNone:
-            break;
-        case CSoftkey::eModule:
-            m_Down.at(Index) = Key.m_Key;
-            m_rSession.SendAction(Key.m_Key.m_Action, Key.m_Key.m_Flag);
-            break;
-        case CSoftkey::eMore:
-            m_Softkeys.More();
-            ShowMenu();
-            break;
-        case CSoftkey::eHelp:
-            ShowHelp();
-            break;
-        case CSoftkey::eDelete:
-            AskToDelete();
-            break;
-    }
-}
-
-void CMainWindow::OnKeyUp(std::size_t Index) {
-    // The menu may have changed while the key was down: what is let go is what was pressed.
-    const std::optional<MenuKeys::CKey> Key = std::exchange(m_Down.at(Index), std::nullopt);
-    if (Key && Key->m_bRepeats) {
-        m_rSession.SendAction(Key->m_Action, Actions::eNone);
-    }
-}
-
-void CMainWindow::ShowHelp() {
-    // Between runs the page has a pane for the help; the key then shows it large.
-    const CSituation Situation = m_rSession.Look();
-    const bool bTable = m_rSession.GetHost().GetPage() == Pages::eScrewTable;
-    const char* pTopic = bTable ? HelpTopics::SCREW_TABLE_PAGE : HelpTopics::SETTINGS_PAGE;
-    if (Situation.m_bRunning) {
-        pTopic = HelpTopics::Find(Situation.m_Progress);
-    }
-    m_pHelp->ToggleTopic(pTopic);
-}
-
-void CMainWindow::AskToDelete() {
-    const std::optional<CShownConfiguration> Shown = m_rSession.GetShownConfiguration();
-    if (!Shown) {
-        return;
-    }
-    const bool bTable = m_rSession.GetHost().GetPage() == Pages::eScrewTable;
-    const QString Question = Text(bTable ? "CONSOLE_ASK_DELETE_TABLE" : "CONSOLE_ASK_DELETE_CONFIGURATION")
-                                 .arg(QString::fromStdString(bTable ? Shown->m_ScrewTable : Shown->m_Name));
-    auto* const pBox =
-        new QMessageBox(QMessageBox::Question, Text("CONSOLE_DELETE"), Question, QMessageBox::NoButton, this);
-    pBox->setAttribute(Qt::WA_DeleteOnClose);
-    const QPushButton* const pDelete = pBox->addButton(Text("CONSOLE_DELETE"), QMessageBox::DestructiveRole);
-    pBox->setDefaultButton(pBox->addButton(Text("CONSOLE_KEEP"), QMessageBox::RejectRole));
-    connect(pDelete, &QPushButton::clicked, this, [this, Shown, bTable] { Delete(*Shown, bTable); });
-    pBox->open();
-}
-
-void CMainWindow::Delete(const CShownConfiguration& rShown, bool bTable) {
-    try {
-        PreBalDB::CPreBalDatabase Database(rShown.m_Machine);
-        const int bDeleted = bTable ? Database.DeleteScrewTable(rShown.m_ScrewTable)
-                                    : Database.DeleteConfiguration(rShown.m_Name);
-        if (bDeleted == 0) {
-            ShowMessageBox(PreBalDB::StoreTexts::GetDeletion(bTable ? rShown.m_ScrewTable : rShown.m_Name,
-                                                             Database.GetOutcome()),
-                           GetText("CONSOLE_DELETE"));
-            return;
-        }
-    } catch (const PreBalDB::CDatabaseError& rError) {
-        ShowMessageBox(rError.what(), GetText("CONSOLE_DELETE"));
-        return;
-    }
-    m_rSession.GetModule().SendMessage(WM_RV_STORECHANGED);
-    ShowMenu();
-}
-
-void CMainWindow::Command(const nlohmann::json& rRequest) {
-    m_rSession.GetMachine()->Request(rRequest, m_Lifetime.Guard([this](const nlohmann::json& rAnswer) {
-        if (rAnswer.contains("error")) {
-            m_rSession.Say(rAnswer["error"].get<std::string>());
-        }
-    }));
-}
-
-void CMainWindow::FitAsShown() {
-    const CSituation Situation = m_rSession.Look();
-    if (!Situation.m_bRunning) {
-        return;
-    }
-    for (const CFitting& rFitting : FindFittings(Situation, m_rSession.GetHoleRings())) {
-        Command(MakeRequest(rFitting));
-    }
-}
-
-void CMainWindow::RefreshMachine() {
+void CMainWindow::MakeMachineView() {
     if (m_rSession.GetMachine() == nullptr) {
         return;
     }
-    m_rSession.GetMachine()->Request(
-        {{"state", nlohmann::json::object()}}, m_Lifetime.Guard([this](const nlohmann::json& rState) {
-            if (!rState.contains("fitted")) {
-                return;
-            }
-            m_pMachineState->setText(
-                QString("%1 %2, %3")
-                    .arg(rState.value("speed", 0.0), 0, 'f', 0)
-                    .arg(Text("RPM"),
-                         Text(rState.value("lock", false) ? "CONSOLE_LOCKED" : "CONSOLE_NOT_LOCKED")));
-            QStringList Angles;
-            for (const nlohmann::json& rAngle : rState["fitted"].front()["weights"]) {
-                Angles << QString("%1°").arg(rAngle.get<int>());
-            }
-            m_pWeights->setText(Text("CONSOLE_WEIGHTS") + " " + (Angles.isEmpty() ? "–" : Angles.join(", ")));
-            m_pResidual->setText(QString("%1: %2")
-                                     .arg(Text("CONSOLE_RESIDUAL"))
-                                     .arg(rState["residual"].front()["amount"].get<double>(), 0, 'f', 4));
-        }));
+    m_pMachine = new CMachineView(*m_rSession.GetMachine(), m_rSession.GetWorkingSpeed(), this);
+    m_pMachine->GetFittings = [this] {
+        const CSituation Situation = m_rSession.Look();
+        return Situation.m_bRunning ? FindFittings(Situation, m_rSession.GetHoleRings())
+                                    : std::vector<CFitting>();
+    };
+    m_pMachine->OnSay = [this](const std::string& rText) { m_rSession.Say(rText); };
+    m_pSide->AddView(m_pMachine, "SIDE_MACHINE", "rotate-cw");
+}
+
+void CMainWindow::MakeArchiveView() {
+    m_pArchive = new CArchiveView(*m_pPage);
+    m_pArchive->SetArchive(m_Run.GetArchive());
+    m_pArchive->OnRotorName = [this](const std::string& rName) { m_rSession.SetRotorName(rName); };
+    m_pReports =
+        std::make_unique<CArchivedReports>(Files::ToNative(GetRootDirectory().GetText()) + "/reports");
+    m_pReports->OnSay = [this](const std::string& rText) { m_rSession.Say(rText); };
+    m_pArchive->OnReport = [this](std::int64_t Id) { m_pReports->Write(*m_Run.GetArchive(), Id); };
+    m_pSide->AddKey([] { return Text("SIDE_ARCHIVE"); }, "history",
+                    [this] {
+                        m_pArchive->ShowMachine(m_rSession.GetMachineName(),
+                                                m_rSession.GetOptions().m_RotorName);
+                        m_pArchive->Toggle();
+                    });
+}
+
+void CMainWindow::MakeIsoView() {
+    if (m_rSession.GetOptions().IsLesson()) {
+        return;
+    }
+    auto* const pIso = new CIsoView(m_pSide->parentWidget());
+    pIso->GetKey = [this] {
+        const CShownConfiguration Shown = m_rSession.GetShownConfiguration().value_or(CShownConfiguration());
+        return Shown.m_Machine + "\n" + Shown.m_Name;
+    };
+    pIso->GetSetup = [this]() -> std::optional<CRunSetup> {
+        return m_rSession.GetShownConfiguration() ? std::optional(ReadRunSetup(m_rSession)) : std::nullopt;
+    };
+    pIso->OnChanged = [this](const CIsoData& rData) {
+        const CShownConfiguration Shown = m_rSession.GetShownConfiguration().value_or(CShownConfiguration());
+        return IsoAccess::Write(Shown.m_Machine, Shown.m_Name, rData);
+    };
+    m_pSide->AddView(pIso, "SIDE_ISO", "gauge");
+}
+
+void CMainWindow::ShowMachineMeans() {
+    if (m_pMachine != nullptr) {
+        m_pMachine->Show(m_rSession.GetMachineMeans());
+    }
+}
+
+void CMainWindow::PlaceLesson(QWidget& rLesson) {
+    m_pLesson = &rLesson;
+    auto* const pRows = static_cast<QVBoxLayout*>(centralWidget()->layout());
+    pRows->insertWidget(BELOW_THE_PAGE, m_pLesson);
+    // The band makes room for it: below the page only.
+    pRows->removeWidget(m_pBand);
+    m_pLeft->addWidget(m_pBand);
+}
+
+void CMainWindow::Train(CTrainingView& rView) {
+    PlaceLesson(rView);
+    ScaleFont(rView);
+    m_pMachine->GetFittings = [Wanted = m_pMachine->GetFittings, &rView] {
+        return rView.GetLesson().Fit(Wanted());
+    };
 }

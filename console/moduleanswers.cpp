@@ -5,19 +5,19 @@
 
 namespace {
 
-constexpr std::uint8_t eActiveSet = 0x10;
-constexpr std::uint8_t eModuleData = 0x11;
+constexpr std::uint8_t ACTIVE_SET = 0x10;
+constexpr std::uint8_t MODULE_DATA = 0x11;
 
 /// The frame's bytes in hexadecimal, cut where it gets long.
 std::string Hex(std::span<const std::uint8_t> Frame) {
-    constexpr std::size_t eMost = 16;
+    constexpr std::size_t MOST = 16;
     std::string Text;
-    for (const std::uint8_t Byte : Frame.first(std::min(Frame.size(), eMost))) {
+    for (const std::uint8_t Byte : Frame.first(std::min(Frame.size(), MOST))) {
         char Buffer[4];
         std::snprintf(Buffer, sizeof Buffer, "%02X", Byte);
         Text += (Text.empty() ? "" : " ") + std::string(Buffer);
     }
-    return Text + (Frame.size() > eMost ? " ..." : "");
+    return Text + (Frame.size() > MOST ? " ..." : "");
 }
 
 std::string DescribeAnswer(const char* pQuestion, std::span<const std::uint8_t> Answer) {
@@ -33,9 +33,9 @@ void CModuleAnswers::OnFrame(std::span<const std::uint8_t> Frame) {
         return;
     }
     CModule& rModule = m_Modules[Frame[1]];
-    if (Frame[0] == eModuleData) {
+    if (Frame[0] == MODULE_DATA) {
         rModule.m_Identification.assign(Frame.begin(), Frame.end());
-    } else if (Frame[0] == eActiveSet) {
+    } else if (Frame[0] == ACTIVE_SET) {
         rModule.m_Set.assign(Frame.begin(), Frame.end());
     } else {
         rModule.m_bOther = true;

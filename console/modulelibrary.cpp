@@ -33,5 +33,5 @@ CModuleLibrary::~CModuleLibrary() {
 }
 
 std::string CModuleLibrary::GetDefaultPath() {
-    return Files::ToNative(Files::GetProgramDirectory()) + "/librtr_trim.so";
+    return Files::GetBesideProgram("librtr_trim.so");
 }

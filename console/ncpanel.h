@@ -21,20 +21,36 @@ public:
 
     const CNcNotification& GetNotification() const { return m_Notification; }
     std::uint32_t GetWarning() const { return m_Warning; }
+    /// How often somebody there has asked for something: an NC that acts.
+    std::uint32_t GetRequestCount() const { return m_nRequests; }
+    enum class State {
+        eNone,  ///< none is configured
+        eConnecting,
+        eConnected,
+        eLost
+    };
+    State GetState() const;
+    /// Why there is no connection (CNcTrouble); empty if there is one, or nothing particular is known.
+    std::string GetTrouble() const;
 
     /// Called through the event loop on each new notification and each change of the warning.
     std::function<void()> OnChanged;
+    /// Called through the event loop when the NC has named the rotor, or has taken its name back (empty).
+    std::function<void(const std::string& rName)> OnRotorName;
 
 private:
     class CServer;
 
     void TakeNotification(const std::vector<std::int32_t>& rValues);
     void TakeWarning(std::int32_t Warning);
+    void TakeRotorName(const COpcValue& rValue);
     /// Takes it in when the module has finished what it is doing.
     void Later(std::function<void()> Take);
 
     std::shared_ptr<CServer> m_pServer;
     CNcNotification m_Notification;
     std::uint32_t m_Warning = 0;
+    std::uint32_t m_nRequests = 0;
+    bool m_bRotorNamed = false;  ///< by the NC
     CLifetime m_Lifetime;
 };

@@ -1,6 +1,7 @@
 #include "console/ncwatch.h"
 
 #include "console/operatorrules.h"
+#include "platform/rvldb/gettext.h"
 
 void CNcWatch::OnLook(const CSituation& rSituation) {
     if (!rSituation.m_bRunning) {
@@ -12,9 +13,7 @@ void CNcWatch::OnLook(const CSituation& rSituation) {
             if (IsMeasuredVerdict(Done)) {
                 End(Outcome::eFinished);
             } else {
-                End(Outcome::eFailed,
-                    bFailed ? Done.m_Progress.m_Warning
-                            : "the procedure was ended before the final measurement was complete");
+                End(Outcome::eFailed, bFailed ? Done.m_Progress.m_Warning : GetText("RUN_ENDED_EARLY"));
             }
         } else if (const std::string Loss = GetDriverLoss ? GetDriverLoss() : ""; !Loss.empty()) {
             End(Outcome::eFailed, Loss);

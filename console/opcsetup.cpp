@@ -18,14 +18,14 @@ using nlohmann::json;
 
 namespace {
 
-constexpr std::size_t eMaxText = 1024;
-constexpr std::size_t eFingerprintDigits = 64;
+constexpr std::size_t MAX_TEXT = 1024;
+constexpr std::size_t FINGERPRINT_DIGITS = 64;
 
 constexpr std::array<std::string_view, 4> POLICIES = {"Basic256Sha256", "Aes128_Sha256_RsaOaep",
                                                       "Aes256_Sha256_RsaPss", "None"};
 constexpr std::string_view UNSECURED = "None";
 
-constexpr std::array<std::string_view, 7> LINK_KEYS = {
+constexpr std::array<std::string_view, 8> LINK_KEYS = {
     NcItems::REQUEST,
     NcItems::NOTIFICATION,
     NcItems::WARNING,
@@ -33,10 +33,11 @@ constexpr std::array<std::string_view, 7> LINK_KEYS = {
     NcItems::TARGET_UNBALANCE,
     NcItems::ROTATION_DIRECTION,
     NcItems::ROTATION_DIRECTION_CONNECTS,
+    NcItems::ROTOR_NAME,
 };
 
 std::string ReadFingerprint(const CJsonFields& rFields) {
-    const std::string Given = rFields.GetText("fingerprint", "", eMaxText);
+    const std::string Given = rFields.GetText("fingerprint", "", MAX_TEXT);
     std::string Digits;
     for (const char Character : Given) {
         if (std::string_view(" :").find(Character) == std::string_view::npos) {
@@ -44,7 +45,7 @@ std::string ReadFingerprint(const CJsonFields& rFields) {
         }
     }
     const bool bHexadecimal = Digits.find_first_not_of("0123456789abcdefABCDEF") == std::string::npos;
-    if (!Digits.empty() && (!bHexadecimal || Digits.size() != eFingerprintDigits)) {
+    if (!Digits.empty() && (!bHexadecimal || Digits.size() != FINGERPRINT_DIGITS)) {
         CJsonFields::Refuse("fingerprint", "the SHA-256 of a certificate, 64 hexadecimal digits", Given);
     }
     return Digits;
@@ -52,9 +53,9 @@ std::string ReadFingerprint(const CJsonFields& rFields) {
 
 std::string ReadServer(const CJsonFields& rFields) {
     rFields.Require("server");
-    std::string Server = rFields.GetText("server", "", eMaxText);
-    constexpr std::string_view Scheme = "opc.tcp://";
-    if (!Server.starts_with(Scheme) || Server.size() == Scheme.size() ||
+    std::string Server = rFields.GetText("server", "", MAX_TEXT);
+    constexpr std::string_view SCHEME = "opc.tcp://";
+    if (!Server.starts_with(SCHEME) || Server.size() == SCHEME.size() ||
         Server.find_first_of(" \t\n") != std::string::npos) {
         CJsonFields::Refuse("server", "an endpoint, for example opc.tcp://192.168.214.1:4840", Server);
     }
@@ -63,7 +64,7 @@ std::string ReadServer(const CJsonFields& rFields) {
 
 /// Files are told relative to the one that names them.
 std::string ReadFileName(const CJsonFields& rFields, std::string_view Name, const fs::path& rDirectory) {
-    std::string File = rFields.GetText(Name, "", eMaxText);
+    std::string File = rFields.GetText(Name, "", MAX_TEXT);
     if (File.empty()) {
         return File;
     }
@@ -79,7 +80,7 @@ std::map<std::string, std::string> ReadLinkItems(const CJsonFields& rFields) {
     if (const json* pItems = rFields.Get("items")) {
         const CJsonFields Items(*pItems, "items", LINK_KEYS);
         for (const std::string_view Key : LINK_KEYS) {
-            const std::string Node = Items.GetText(Key, "", eMaxText);
+            const std::string Node = Items.GetText(Key, "", MAX_TEXT);
             if (!Node.empty() && !IsOpcNodeId(Node)) {
                 CJsonFields::Refuse(Items.GetPath(Key),
                                     "a node id, for example nsu=urn:nc;s=Request or ns=2;s=Request", Node);
@@ -100,8 +101,8 @@ COpcConfiguration FromJson(const json& rValue, const fs::path& rDirectory) {
     Result.m_Server = ReadServer(Fields);
     Result.m_Security = POLICIES.at(Fields.GetChoice("security", 0, POLICIES));
     Result.m_Fingerprint = ReadFingerprint(Fields);
-    Result.m_User = Fields.GetText("user", "", eMaxText);
-    Result.m_Password = Fields.GetText("password", "", eMaxText);
+    Result.m_User = Fields.GetText("user", "", MAX_TEXT);
+    Result.m_Password = Fields.GetText("password", "", MAX_TEXT);
     Result.m_UserCertificate = ReadFileName(Fields, "user_certificate", rDirectory);
     Result.m_UserKey = ReadFileName(Fields, "user_key", rDirectory);
     Result.m_LinkItems = ReadLinkItems(Fields);
@@ -123,8 +124,8 @@ COpcConfiguration FromJson(const json& rValue, const fs::path& rDirectory) {
 }
 
 bool CanOthersRead(const std::string& rFile) {
-    constexpr fs::perms Others = fs::perms::group_read | fs::perms::others_read;
-    return (fs::status(rFile).permissions() & Others) != fs::perms::none;
+    constexpr fs::perms OTHERS = fs::perms::group_read | fs::perms::others_read;
+    return (fs::status(rFile).permissions() & OTHERS) != fs::perms::none;
 }
 
 }  // namespace
@@ -133,7 +134,7 @@ COpcConfiguration COpcSetup::MakeConfiguration() {
     COpcConfiguration Result;
     // An unsigned node can't.
     Result.m_Exacting = {{NcItems::REQUEST, NcRequests::eRefused},
-                         {NcItems::NOTIFICATION, std::vector<std::int32_t>(CNcNotification::eSize, -1)}};
+                         {NcItems::NOTIFICATION, std::vector<std::int32_t>(CNcNotification::SIZE, -1)}};
     return Result;
 }
 
@@ -165,5 +166,5 @@ std::optional<COpcConfiguration> COpcSetup::Read(const std::string& rFile, std::
 }
 
 std::string COpcSetup::GetDefaultGateway() {
-    return Files::ToNative(Files::GetProgramDirectory()) + "/opc-gateway";
+    return Files::GetBesideProgram("opc-gateway");
 }

@@ -1,7 +1,13 @@
 #include "console/operator.h"
-#include "contract/actions.h"
 
 #include <utility>
+
+#include "contract/actions.h"
+#include "contract/warnings.h"
+#include "platform/rvldb/gettext.h"
+#include "platform/rvmdb/storetexts.h"
+
+using PreBalDB::StoreTexts::Fill;
 
 COperator::COperator(IFOperatorPanel& rPanel, IFMachine* pMachine, std::uint32_t WorkingSpeed)
     : CRunDriver([&rPanel] { return rPanel.Look(); }),
@@ -16,9 +22,23 @@ COperator::~COperator() {
 
 void COperator::OnLook(const CSituation& rSituation) {
     const bool bSpeedAsked = rSituation.m_Notification.GetAction() == CPreBalCodes::eSetSpindleSpeed;
-    if (!m_bBusy && !(bSpeedAsked && m_pMachine != nullptr && !IsAtSpeed(rSituation))) {
+    if (!m_bBusy && IsSpindleMissed(rSituation)) {
+        Act(rSituation, Deed::eStartSpindle);
+    } else if (!m_bBusy && !(bSpeedAsked && m_pMachine != nullptr && !IsAtSpeed(rSituation))) {
         Act(rSituation, ChooseDeed(rSituation));
     }
+}
+
+bool COperator::IsSpindleMissed(const CSituation& rSituation) const {
+    if (m_pMachine == nullptr || m_CommandedSpeed.value_or(0) != 0) {
+        return false;
+    }
+    const std::int32_t Action = rSituation.m_Notification.GetAction();
+    const bool bWrongSpeed = rSituation.m_Warning == Warnings::eWrongRPM ||
+                             rSituation.m_Warning == Warnings::eWrongRPMAndOutOfLock;
+    const bool bAsked = Action == CPreBalCodes::eSetSpindleSpeed;
+    return Action == CPreBalCodes::eMeasure ? bWrongSpeed
+                                            : bAsked && (m_CommandedSpeed || !IsAtSpeed(rSituation));
 }
 
 bool COperator::IsAtSpeed(const CSituation& rSituation) const {
@@ -72,7 +92,7 @@ void COperator::Command(const nlohmann::json& rRequest, std::function<void()> On
         rRequest, m_Lifetime.Guard([this, Done = std::move(OnDone)](const nlohmann::json& rAnswer) {
             m_bBusy = false;
             if (rAnswer.contains("error")) {
-                End(Outcome::eStuck, "the machine refuses: " + rAnswer["error"].get<std::string>());
+                End(Outcome::eStuck, Fill("RUN_MACHINE_REFUSES", {rAnswer["error"].get<std::string>()}));
                 return;
             }
             Done();
@@ -81,8 +101,8 @@ void COperator::Command(const nlohmann::json& rRequest, std::function<void()> On
 
 void COperator::SetSpeed(std::uint32_t RPM) {
     if (m_pMachine == nullptr) {
-        const std::string Text = RPM == 0 ? "Please stop the spindle."
-                                          : "Please run the spindle at " + std::to_string(RPM) + " rpm.";
+        const std::string Text =
+            RPM == 0 ? GetText("RUN_PLEASE_STOP") : Fill("RUN_PLEASE_RUN", {std::to_string(RPM)});
         if (std::exchange(m_LastSaid, Text) != Text) {
             m_rPanel.Say(Text);
         }
@@ -118,7 +138,7 @@ void COperator::FitFrom(std::size_t Place) {
         OnFitted(rFitting);
     }
     if (m_pMachine == nullptr) {
-        const std::string Text = "Please set the " + Describe(rFitting) + ", then start the spindle.";
+        const std::string Text = Fill("RUN_PLEASE_SET", {Describe(rFitting)});
         if (std::exchange(m_LastSaid, Text) != Text) {
             m_rPanel.Say(Text);
         }

@@ -39,6 +39,9 @@ private:
     void Act(const CSituation& rSituation, Deed ToDo);
     void Command(const nlohmann::json& rRequest, std::function<void()> OnDone);
     void SetSpeed(std::uint32_t RPM);
+    /// Whether the spindle was stopped, and is needed: a module that hears late of its speed may still have
+    /// taken it for turning, and gone on.
+    bool IsSpindleMissed(const CSituation& rSituation) const;
     /// Whether the page shows the speed that was commanded: a module may report it seconds later.
     bool IsAtSpeed(const CSituation& rSituation) const;
     void FitWeights(const CSituation& rSituation);

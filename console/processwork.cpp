@@ -17,15 +17,15 @@ std::uint64_t ReadProcessorTime(std::int64_t Pid) {
     const std::string Stat{std::istreambuf_iterator<char>(In), {}};
     // The second field is a name in parentheses, which may hold anything; the times are fields 14 to 17.
     std::istringstream Fields(Stat.substr(std::min(Stat.size(), Stat.rfind(')') + 1)));
-    constexpr int eFirstField = 3;
-    constexpr int eFirstTime = 14;
-    constexpr int eLastTime = 17;
+    constexpr int FIRST_FIELD = 3;
+    constexpr int FIRST_TIME = 14;
+    constexpr int LAST_TIME = 17;
     std::string Skipped;
-    for (int i = eFirstField; i < eFirstTime; ++i) {
+    for (int i = FIRST_FIELD; i < FIRST_TIME; ++i) {
         Fields >> Skipped;
     }
     std::uint64_t nTicks = 0;
-    for (int i = eFirstTime; i <= eLastTime; ++i) {
+    for (int i = FIRST_TIME; i <= LAST_TIME; ++i) {
         std::uint64_t nPart = 0;
         Fields >> nPart;
         nTicks += nPart;
@@ -37,5 +37,5 @@ std::uint64_t ReadProcessorTime(std::int64_t Pid) {
 
 bool CProcessWork::HasWorked(std::int64_t Pid) {
     const std::uint64_t Before = std::exchange(m_Total, ReadProcessorTime(Pid));
-    return m_Total >= Before + eLeast;
+    return m_Total >= Before + LEAST;
 }

@@ -7,7 +7,7 @@ class CProcessWork {
 public:
     /// One that has used less than this between two looks, some seconds apart, waits for something that
     /// doesn't come, ms.
-    static constexpr std::uint64_t eLeast = 50;
+    static constexpr std::uint64_t LEAST = 50;
 
     /// Whether the process has worked since the last look, or since its start. False once it has ended.
     bool HasWorked(std::int64_t Pid);

@@ -4,7 +4,11 @@
 #include <utility>
 
 #include "console/operatorrules.h"
+#include "platform/rvldb/gettext.h"
+#include "platform/rvmdb/storetexts.h"
 #include "platform/system/eventloop.h"
+
+using PreBalDB::StoreTexts::Fill;
 
 namespace {
 
@@ -21,18 +25,17 @@ std::string DescribeScrews(const std::vector<CRotorScrew>& rScrews) {
     for (const CRotorScrew& rScrew : rScrews) {
         char Grams[64];
         std::snprintf(Grams, sizeof Grams, "%g", rScrew.m_Grams);
-        Text +=
-            (Text.empty() ? "" : ", ") + std::string(Grams) + " g in hole " + std::to_string(rScrew.m_Hole);
+        Text += (Text.empty() ? "" : ", ") + Fill("RUN_SCREW", {Grams, std::to_string(rScrew.m_Hole)});
     }
-    return Text.empty() ? "none" : Text;
+    return Text.empty() ? GetText("RUN_NO_SCREWS") : Text;
 }
 
 }  // namespace
 
 std::string Describe(const CFitting& rFitting) {
     const std::string Plane = std::to_string(rFitting.m_Plane + 1);
-    return rFitting.m_bScrews ? "screws of plane " + Plane + ": " + DescribeScrews(rFitting.m_Screws)
-                              : "weights of plane " + Plane + " to " + DescribeAngles(rFitting.m_Angles);
+    return rFitting.m_bScrews ? Fill("RUN_SCREWS", {Plane, DescribeScrews(rFitting.m_Screws)})
+                              : Fill("RUN_WEIGHTS", {Plane, DescribeAngles(rFitting.m_Angles)});
 }
 
 nlohmann::json MakeRequest(const CFitting& rFitting) {
@@ -67,7 +70,7 @@ std::vector<CFitting> FindFittings(const CSituation& rSituation, const std::arra
 void CRunDriver::Start() {
     m_Outcome = Outcome::eRunning;
     m_LastChange = IFEventLoop::Current().Now();
-    m_LookTimer.StartPeriodic(eLookPeriod, [this] { LookNow(); });
+    m_LookTimer.StartPeriodic(LOOK_PERIOD, [this] { LookNow(); });
 }
 
 void CRunDriver::Stop() {
@@ -89,17 +92,21 @@ void CRunDriver::LookNow() {
         return;
     }
     const CSituation Situation = m_Look();
+    if (OnSeen) {
+        OnSeen(Situation);
+    }
+    if (!m_LookTimer.IsRunning()) {
+        return;  // what was seen was enough
+    }
     const std::uint64_t Now = IFEventLoop::Current().Now();
     if (HasPanelChanged(Situation)) {
         m_LastChange = Now;
-    } else if (IsImpatient() && Now - m_LastChange > ePatience) {
-        const std::string Time = std::to_string(ePatience / 1000) + " s";
+    } else if (IsImpatient() && Now - m_LastChange > PATIENCE) {
+        const std::string Time = std::to_string(PATIENCE / 1000) + " s";
         End(Outcome::eStuck, Situation.m_bRunning
-                                 ? "nothing has changed for " + Time + " in state " +
-                                       Situation.m_Progress.m_State + ": \"" +
-                                       Situation.m_Progress.m_Instruction +
-                                       "\"; is the module connected and the spindle free to turn?"
-                                 : "no procedure was started for " + Time);
+                                 ? Fill("RUN_STANDS_STILL", {Time, Situation.m_Progress.m_State,
+                                                             Situation.m_Progress.m_Instruction})
+                                 : Fill("RUN_NOTHING_STARTED", {Time}));
         return;
     }
     const bool bWasMeasured = std::exchange(m_bVerdictMeasured, IsMeasuredVerdict(Situation));

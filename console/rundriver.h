@@ -32,9 +32,9 @@ class CRunDriver {
 public:
     enum class Outcome { eRunning, eFinished, eFailed, eStuck };
     /// Between two looks at the panel, ms.
-    static constexpr std::uint32_t eLookPeriod = 250;
+    static constexpr std::uint32_t LOOK_PERIOD = 250;
     /// Nothing new on the panel for so long means that the run is stuck, ms.
-    static constexpr std::uint64_t ePatience = 180000;
+    static constexpr std::uint64_t PATIENCE = 180000;
 
     virtual ~CRunDriver() = default;
     CRunDriver(const CRunDriver&) = delete;
@@ -45,6 +45,8 @@ public:
     void Stop();
     /// Looks at the panel between two of the regular looks: something has changed that may be gone by then.
     void LookNow();
+    /// Whoever looks on doesn't want it to go on, for this reason.
+    void GiveUp(std::string Reason) { End(Outcome::eFailed, std::move(Reason)); }
     Outcome GetOutcome() const { return m_Outcome; }
     /// Why the run failed or got stuck.
     const std::string& GetReason() const { return m_Reason; }
@@ -53,6 +55,8 @@ public:
 
     /// While this is so nothing is done, and no time counts as standing still.
     std::function<bool()> IsHeld;
+    /// What a look has seen, before anything is done about it.
+    std::function<void(const CSituation&)> OnSeen;
     /// Just before a measurement is accepted, and before the final verdict is.
     std::function<void(const CSituation&)> OnMeasurementAccepted;
     std::function<void(const CSituation&)> OnVerdictAccepted;

@@ -2,7 +2,16 @@
 
 #include <algorithm>
 #include <array>
-#include <fstream>
+#include <utility>
+
+#include "archive/fixeddate.h"
+#include "console/recordjson.h"
+#include "contract/units.h"
+#include "platform/rvldb/gettext.h"
+#include "platform/system/files.h"
+#include "platform/system/version.h"
+
+#include "console/configurationjson.h"
 
 namespace {
 
@@ -12,18 +21,6 @@ constexpr std::array<const char*, 11> STEP_NAMES = {
     "Inactive",     "Parameter",    "ParameterWithReBal", "Setup",           "ReBalActive",     "Failure",
     "SetupAborted", "SetupSuccess", "RebalSuccess",       "SetupOverTarget", "RebalOverTarget",
 };
-
-Json MatrixToJson(const math::matrix<double>& rMatrix) {
-    Json Rows = Json::array();
-    for (std::uint32_t i = 0; i < rMatrix.RowNo(); ++i) {
-        Json Row = Json::array();
-        for (std::uint32_t j = 0; j < rMatrix.ColNo(); ++j) {
-            Row.push_back(rMatrix(i, j));
-        }
-        Rows.push_back(std::move(Row));
-    }
-    return Rows;
-}
 
 }  // namespace
 
@@ -76,6 +73,8 @@ void CRunReport::SetInitial(const CSituation& rSituation) {
 
 void CRunReport::SetFinal(const CSituation& rSituation) {
     m_Final = ReadingsToJson(rSituation);
+    // What the verdict rests on: another console may have stored another target since.
+    m_Target = rSituation.m_Progress.m_TargetUnbalance;
 }
 
 nlohmann::ordered_json& CRunReport::GetPositions(std::size_t Plane) {
@@ -98,11 +97,10 @@ void CRunReport::SetScrews(std::size_t Plane, const std::vector<CRotorScrew>& rS
 }
 
 void CRunReport::SetCalibration(const std::string& rConfiguration, std::uint32_t CalibratedRPM,
-                                std::uint32_t Target, const math::matrix<double>& rInvA,
+                                const math::matrix<double>& rInvA,
                                 const std::vector<math::matrix<double>>& rUA) {
     m_Configuration = rConfiguration;
     m_CalibratedRPM = CalibratedRPM;
-    m_Target = Target;
     m_InvA = MatrixToJson(rInvA);
     m_UA = Json::array();
     for (const math::matrix<double>& rVector : rUA) {
@@ -132,8 +130,62 @@ ExitCode CRunReport::GetExitCode() const {
     }
 }
 
+void CRunReport::SetRecords(std::vector<CRunRecord> Records, const CRunAdvice& rAdvice) {
+    m_Records = std::move(Records);
+    m_Advice = rAdvice;
+}
+
+CRunReport CRunReport::FromRecord(const CRunRecord& rRecord, const CRunAdvice& rAdvice) {
+    CRunReport Report;
+    Report.SetProcedure(rRecord.m_bRebalance ? "rebalance" : "prebalance");
+    const auto Step = std::ranges::find(STEP_NAMES, rRecord.m_Result);
+    if (Step != STEP_NAMES.end()) {
+        Report.m_LastStep = static_cast<std::int32_t>(Step - STEP_NAMES.begin());
+    }
+    Report.m_bFinished = rRecord.m_State == CRunRecord::State::eFinished;
+    Report.m_bSaved = rRecord.m_bSaved;
+    Report.m_Configuration = rRecord.m_Setup.m_Configuration;
+    Report.m_Target = rRecord.m_Setup.m_TargetUnbalance;
+    if (const CRunMeasurement* const pFirst = rRecord.Find(Measurement::eFirst)) {
+        Report.m_Initial = RecordJson::MakeReadings(*pFirst);
+    }
+    if (const CRunMeasurement* const pFinal = rRecord.Find(Measurement::eFinal)) {
+        Report.m_Final = RecordJson::MakeReadings(*pFinal);
+    }
+    if (rRecord.m_Calibration) {
+        Report.SetCalibration(rRecord.m_Setup.m_Configuration, rRecord.m_Calibration->m_Rpm,
+                              rRecord.m_Calibration->m_InvA, rRecord.m_Calibration->m_UA);
+    }
+    Report.m_Positions = RecordJson::MakePositions(rRecord);
+    Report.SetRecords({rRecord}, rAdvice);
+    return Report;
+}
+
+void CRunReport::AddRecords(nlohmann::ordered_json& rJson) const {
+    if (m_Records.empty()) {
+        return;
+    }
+    const CRunRecord& rLast = m_Records.back();
+    rJson["started"] = RecordJson::WriteInstant(m_bFixedDate ? FIXED_DATE : m_Records.front().m_Started);
+    rJson["machine"] = rLast.m_Machine;
+    rJson["module"] = RecordJson::MakeModule(rLast);
+    rJson["set"] = RecordJson::MakeSet(rLast);
+    rJson["rotor"] = rLast.m_Rotor;
+    rJson["measurements"] = RecordJson::MakeMeasurements(m_Records);
+    const std::initializer_list<std::pair<const char*, Json>> Computed = {
+        {"quality", RecordJson::MakeQuality(m_Advice)},
+        {"prediction", RecordJson::MakePrediction(rLast, m_Advice)},
+        {"explanation", RecordJson::MakeExplanation(m_Advice)},
+        {"iso", RecordJson::MakeIso(rLast)}};
+    for (const auto& [pName, rValue] : Computed) {
+        if (!rValue.is_null()) {
+            rJson[pName] = rValue;
+        }
+    }
+}
+
 nlohmann::ordered_json CRunReport::ToJson() const {
-    return {
+    Json Report = {
         {"procedure", m_Procedure},
         {"result", GetResult()},
         {"exit", static_cast<int>(GetExitCode())},
@@ -148,11 +200,19 @@ nlohmann::ordered_json CRunReport::ToJson() const {
         {"steps", m_Steps},
         {"assertions", m_Assertions},
         {"saved", m_bSaved},
+        {"delivered", m_bDelivered || !m_bSaved},
+        {"version", GetProjectVersion()},
+        {"language", GetLanguage()},
+        {"unit", Units::UNBALANCE},
     };
+    AddRecords(Report);
+    return Report;
 }
 
 bool CRunReport::Write(const std::string& rPath) const {
-    std::ofstream Out(rPath, std::ios::binary | std::ios::trunc);
-    Out << ToJson().dump(2) << '\n';
-    return static_cast<bool>(Out.flush());
+    // Names come from people and files: what is no UTF-8 in them is replaced.
+    constexpr int INDENT = 2;
+    const std::string Text = ToJson().dump(INDENT, ' ', false, Json::error_handler_t::replace) + '\n';
+    // In one step: whoever reads it finds a whole report, also if the power fails or the disk is full.
+    return Files::WriteAll(rPath, {Text.begin(), Text.end()});
 }

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "archive/runadvice.h"
+#include "archive/runrecord.h"
 #include "console/situation.h"
 #include "rvlib/math/matrix.h"
 
@@ -27,6 +29,8 @@ public:
     /// Whether the result of every procedure of the run stands in the machine database; it doesn't unless
     /// told.
     void SetSaved(bool bSaved) { m_bSaved = bSaved; }
+    /// False: it stands on the console's own disk, and waits for the server of the database.
+    void SetDelivered(bool bDelivered) { m_bDelivered = bDelivered; }
     void AddAssertion(const std::string& rText) { m_Assertions.push_back(rText); }
     /// Smoothed reading of the first measurement of the run, and of the last.
     void SetInitial(const CSituation& rSituation);
@@ -36,8 +40,15 @@ public:
     /// Screws fitted last, in the rotor's own holes.
     void SetScrews(std::size_t Plane, const std::vector<CRotorScrew>& rScrews);
     /// What the run left in the machine database.
-    void SetCalibration(const std::string& rConfiguration, std::uint32_t CalibratedRPM, std::uint32_t Target,
+    void SetCalibration(const std::string& rConfiguration, std::uint32_t CalibratedRPM,
                         const math::matrix<double>& rInvA, const std::vector<math::matrix<double>>& rUA);
+
+    /// The records of the run's procedures, in their order, and what is made of the last one.
+    void SetRecords(std::vector<CRunRecord> Records, const CRunAdvice& rAdvice = {});
+    /// Tells a fixed instant in place of the date, for reports that are to be the same bytes each time.
+    void SetFixedDate(bool bFixedDate) { m_bFixedDate = bFixedDate; }
+    /// The report that a record of the archive gives: all but steps and assertions.
+    static CRunReport FromRecord(const CRunRecord& rRecord, const CRunAdvice& rAdvice = {});
 
     /// Whether all procedures came to their end, the last one to a verdict on a whole measurement. Without
     /// it the run has failed, whatever its last step says.
@@ -57,6 +68,7 @@ public:
 private:
     nlohmann::ordered_json& GetPositions(std::size_t Plane);
     static nlohmann::ordered_json ReadingsToJson(const CSituation& rSituation);
+    void AddRecords(nlohmann::ordered_json& rJson) const;
 
     std::string m_Procedure = "prebalance";
     std::optional<CSituation> m_Last;
@@ -72,5 +84,9 @@ private:
     std::uint32_t m_CalibratedRPM = 0;
     std::uint32_t m_Target = 0;
     bool m_bSaved = false;
+    bool m_bDelivered = true;
     std::vector<std::string> m_Assertions;
+    std::vector<CRunRecord> m_Records;
+    CRunAdvice m_Advice;
+    bool m_bFixedDate = false;
 };

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "console/offlinenotes.h"
 #include "contract/actions.h"
 #include "platform/rvldb/gettext.h"
 
@@ -103,10 +104,12 @@ void CScreenRun::FinishRun(bool bFinished) {
                                                     : COptions::Procedure::ePrebalanceAndRebalance));
     rReport.SetFinished(bFinished);
     rReport.SetSaved(m_rSession.GetHost().IsResultSaved());
+    m_Recorder.EndRun(bFinished);
     m_rSession.GetHost().ForgetResult();
     if (bFinished) {
         m_Recorder.RecordCalibration();
     }
+    rReport.SetDelivered(OfflineNotes::IsAllDelivered());
     m_Recorder.WriteReport();
     if (m_ToStart.empty()) {
         m_Recorder.BeginReport();

@@ -19,6 +19,9 @@ public:
 
     /// To be called when menu, activity, notification or warning have changed.
     void OnPanelChanged() { m_Recorder.RecordLater(); }
+    /// Where the runs are kept; null if they aren't.
+    CRunArchive* GetArchive() { return m_Recorder.GetArchivist().GetArchive(); }
+    CRunAdviser& GetAdviser() { return m_Recorder.GetAdviser(); }
     /// Ends a run that is under way. bKeep: as the key that finishes it does, which keeps a result that may
     /// be kept.
     void End(bool bKeep);

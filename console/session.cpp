@@ -3,18 +3,24 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <filesystem>
 #include <optional>
 #include <utility>
 #include <vector>
 
+#include "archive/machinekey.h"
 #include "console/commission.h"
+#include "console/installation.h"
+#include "console/log.h"
+#include "console/offlinenotes.h"
+#include "console/rotorname.h"
 #include "contract/actions.h"
 #include "contract/hostmessages.h"
 #include "contract/initflags.h"
 #include "platform/rvcom/bytelink.h"
 #include "platform/rvcom/rvcom.h"
+#include "platform/rvmdb/offline.h"
 #include "platform/rvmdb/prebaldatabase.h"
-#include "platform/system/environment.h"
 #include "platform/system/eventloop.h"
 #include "platform/window/messages.h"
 #include "simulator/machineclient.h"
@@ -37,17 +43,15 @@ struct CFamily {
 const CFamily& GetFamily(CRotorFile::Modules Modules) {
     static const std::array FAMILIES = {
         // as CRotorFile::Modules
-        CFamily{"kestrel", CInitFlags::eKestrel, {5}, {CPreBalDatabase::eModePlane1}},
-        CFamily{"kestrel-pair", CInitFlags::eKestrel, {5, 6}, {CPreBalDatabase::eModeTwoPlane}},
+        CFamily{"kestrel", CInitFlags::KESTREL, {5}, {CPreBalDatabase::eModePlane1}},
+        CFamily{"kestrel-pair", CInitFlags::KESTREL, {5, 6}, {CPreBalDatabase::eModeTwoPlane}},
         CFamily{"lanner",
-                CInitFlags::eLanner,
+                CInitFlags::LANNER,
                 {9},
                 {CPreBalDatabase::eModePlane1, CPreBalDatabase::eModePlane2, CPreBalDatabase::eModeTwoPlane}},
     };
     return FAMILIES.at(Modules);
 }
-
-constexpr std::array MODE_NAMES = {"plane1", "plane2", "two-plane"};  // as BalancingMode
 
 CRotorFile::Modules ChooseModules(const COptions& rOptions, const CRotorFile* pRotor) {
     return CRotorFile::ModulesFromString(rOptions.m_Modules)
@@ -62,10 +66,10 @@ CPreBalDatabase::BalancingMode ChooseMode(const COptions& rOptions, CRotorFile::
     }
     std::string Names;
     for (const CPreBalDatabase::BalancingMode Mode : rFamily.m_Modes) {
-        if (rOptions.m_Mode == MODE_NAMES.at(Mode)) {
+        if (rOptions.m_Mode == BALANCING_MODE_NAMES.at(Mode)) {
             return Mode;
         }
-        Names += (Names.empty() ? "" : ", ") + std::string(MODE_NAMES.at(Mode));
+        Names += (Names.empty() ? "" : ", ") + std::string(BALANCING_MODE_NAMES.at(Mode));
     }
     throw CSessionError("--mode " + rOptions.m_Mode + ": modules " + rFamily.m_pName + " balance " + Names);
 }
@@ -75,7 +79,7 @@ void RefuseWhatIsMissing(const COptions& rOptions, const CRotorFile* pRotor,
                          CPreBalDatabase::BalancingMode Mode) {
     const std::size_t nPlanesNeeded = Mode == CPreBalDatabase::eModePlane1 ? 1 : 2;
     if (pRotor != nullptr && pRotor->m_Planes.size() < nPlanesNeeded) {
-        throw CSessionError(std::string("--mode ") + MODE_NAMES.at(Mode) +
+        throw CSessionError(std::string("--mode ") + BALANCING_MODE_NAMES.at(Mode) +
                             ": the rotor has one plane; give a rotor file with two");
     }
     const std::size_t nPlanesBalanced = Mode == CPreBalDatabase::eModeTwoPlane ? 2 : 1;
@@ -108,16 +112,21 @@ CConsoleSession::CConsoleSession(const COptions& rOptions, const CRotorFile* pRo
         throw CSessionError("--addresses: modules " + std::string(GetFamily(m_Modules).m_pName) + " take " +
                             (rDefaults.size() == 1 ? "one address" : "two addresses, master and slave"));
     }
-    // A plant whose consoles share one database names it in the environment.
-    const std::string SharedDatabase = GetEnvironment("CORVANE_DATABASE");
-    PreBalDB::SetDatabaseConnection(SharedDatabase.empty() ? "sqlite:" + rDatabaseFile : SharedDatabase);
+    PreBalDB::SetDatabaseConnection(ChooseDatabaseConnection(rDatabaseFile));
+    OfflineNotes::Prepare(rOptions, std::filesystem::path(rDatabaseFile).parent_path().string());
     const auto Changed = [this] {
         if (OnChanged) {
             OnChanged();
         }
     };
     m_NcPanel.OnChanged = Changed;
-    m_Host.OnChanged = Changed;
+    m_NcPanel.OnRotorName = [this](const std::string& rName) { SetRotorName(rName); };
+    m_Host.OnChanged = [this, Changed] {
+        if (m_Host.IsConfigured() && !std::exchange(m_bFound, true)) {
+            LogMachine();
+        }
+        Changed();
+    };
     OpenLink(pRotor);
     try {
         m_pLibrary = std::make_unique<CModuleLibrary>(
@@ -131,9 +140,18 @@ CConsoleSession::CConsoleSession(const COptions& rOptions, const CRotorFile* pRo
     m_pModule->Create(&m_Host, m_Host.GetClientRect(), 1);
 }
 
+const char* CConsoleSession::GetModeName() const {
+    return BALANCING_MODE_NAMES.at(m_Mode);
+}
+
+const char* CConsoleSession::GetFamilyName() const {
+    return GetFamily(m_Modules).m_pName;
+}
+
 CConsoleSession::~CConsoleSession() {
     Close();
     rvCOM::SetLink(nullptr);
+    PreBalDB::Offline::SetFile("");
 }
 
 void CConsoleSession::OpenLink(const CRotorFile* pRotor) {
@@ -149,7 +167,7 @@ void CConsoleSession::OpenLink(const CRotorFile* pRotor) {
         rvCOM::SetLink(m_Options.m_WrapLink ? m_Options.m_WrapLink(std::move(Pair.m_pFirst))
                                             : std::move(Pair.m_pFirst));
         // Opened through the loop: a question asked before would be lost.
-        IFEventLoop::Current().RunUntil([] { return rvCOM::IsLinkOpen(); }, eLinkTimeout);
+        IFEventLoop::Current().RunUntil([] { return rvCOM::IsLinkOpen(); }, LINK_TIMEOUT);
         return;
     }
     std::unique_ptr<IFByteLink> pLink = MakeByteLink(m_Options.m_Link, Error);
@@ -157,7 +175,7 @@ void CConsoleSession::OpenLink(const CRotorFile* pRotor) {
         throw CSessionError("--link " + m_Options.m_Link + ": " + Error);
     }
     rvCOM::SetLink(std::move(pLink));
-    if (m_Options.m_bHeadless && !RunUntil([] { return rvCOM::IsLinkOpen(); }, eLinkTimeout)) {
+    if (m_Options.m_bHeadless && !RunUntil([] { return rvCOM::IsLinkOpen(); }, LINK_TIMEOUT)) {
         const std::string Reason = rvCOM::GetOutageReason();
         throw CSessionError("--link " + m_Options.m_Link + " can't be opened: " +
                             (Reason.empty() ? "nothing answers there; is the device on?" : Reason));
@@ -173,7 +191,7 @@ void CConsoleSession::ConnectMachine() {
     if (m_pClient == nullptr) {
         throw CSessionError("--machine " + m_Options.m_Machine + ": " + Error);
     }
-    if (m_Options.m_bHeadless && !RunUntil([this] { return m_pClient->IsConnected(); }, eLinkTimeout)) {
+    if (m_Options.m_bHeadless && !RunUntil([this] { return m_pClient->IsConnected(); }, LINK_TIMEOUT)) {
         throw CSessionError("--machine " + m_Options.m_Machine +
                             " can't be reached: start the machine's control link, "
                             "or leave the option out to run the machine by hand");
@@ -200,7 +218,7 @@ void CConsoleSession::SendInit() {
         m_pModule->SendMessage(WM_RV_DESTROYPENDING);
     }
     const std::uint8_t Slave =
-        m_Options.m_Addresses.size() > 1 ? m_Options.m_Addresses[1] : CInitFlags::eNoSlave;
+        m_Options.m_Addresses.size() > 1 ? m_Options.m_Addresses[1] : CInitFlags::NO_SLAVE;
     const CInitFlags Flags(m_Mode, Slave, GetFamily(m_Modules).m_Identification);
     m_pModule->SendMessage(WM_RV_INITWINDOW, m_Options.m_Addresses[0], Flags.GetValue());
 }
@@ -213,9 +231,9 @@ bool CConsoleSession::Initialise() {
     }
     // A module that is switched on later, or whose answer got lost or damaged, answers a later question.
     bool bFound = false;
-    for (std::uint32_t Waited = 0; Waited < eInitTimeout && !bFound; Waited += eInitRepeat) {
+    for (std::uint32_t Waited = 0; Waited < INIT_TIMEOUT && !bFound; Waited += INIT_REPEAT) {
         SendInit();
-        bFound = RunUntil([this] { return m_Host.IsConfigured(); }, eInitRepeat);
+        bFound = RunUntil([this] { return m_Host.IsConfigured(); }, INIT_REPEAT);
     }
     rvCOM::Forget(&m_Host);
     m_Host.OnFrame = nullptr;
@@ -236,12 +254,32 @@ std::optional<CShownConfiguration> CConsoleSession::GetShownConfiguration() cons
     return bShown ? std::optional(Shown) : std::nullopt;
 }
 
+bool CConsoleSession::GetReadings(CArrivedReadings& rReadings) const {
+    return m_pModule->SendMessage(WM_RV_QUERYREADINGS, 0, reinterpret_cast<LPARAM>(&rReadings)) != 0;
+}
+
+void CConsoleSession::LogMachine() const {
+    const CShownConfiguration Shown = GetShownConfiguration().value_or(CShownConfiguration());
+    std::string Addresses;
+    for (const std::uint8_t Address : m_Options.m_Addresses) {
+        Addresses += (Addresses.empty() ? "" : ", ") + std::to_string(Address);
+    }
+    RV_INFORMATION(Console::g_pLog, "found %s, address %s: machine %s, configuration %s, %s",
+                   GetFamily(m_Modules).m_pName, Addresses.c_str(), Shown.m_Machine.c_str(),
+                   Shown.m_Name.c_str(), Shown.m_bCalibrated ? "calibrated" : "not calibrated");
+}
+
+void CConsoleSession::SetRotorName(const std::string& rName) {
+    m_Options.m_RotorName = CleanName(rName);
+}
+
 void CConsoleSession::Commission() {
     const std::optional<CShownConfiguration> Shown = GetShownConfiguration();
     if (m_pRotor == nullptr || !Shown) {
         return;
     }
-    const CCommission Commission(m_Options, *m_pRotor, m_Mode);
+    const CRotorFile& rRotor = m_Options.m_pCommissionAs ? *m_Options.m_pCommissionAs : *m_pRotor;
+    const CCommission Commission(m_Options, rRotor, m_Mode);
     const CCommission::COutcome Outcome = Commission.SetUp(Shown->m_Machine, Shown->m_Name);
     if (!Outcome.m_Disagreement.empty()) {
         Say(Outcome.m_Disagreement);
@@ -251,28 +289,54 @@ void CConsoleSession::Commission() {
     }
 }
 
-std::array<CHoleRing, 2> CConsoleSession::GetHoleRings() const {
-    std::array<CHoleRing, 2> Rings;
+void CConsoleSession::VisitPlanes(
+    const std::function<void(std::size_t Plane, const PreBalDB::CScrewCompensationTableEntry* pScrews)>&
+        rVisit) const {
     const std::optional<CShownConfiguration> Shown = GetShownConfiguration();
     if (!Shown) {
-        return Rings;
+        return;
     }
-    std::optional<CPreBalDatabase> Database;
-    try {
-        Database.emplace(Shown->m_Machine);
-    } catch (const PreBalDB::CDatabaseError&) {
-        return Rings;  // the module tells what becomes of its result
+    // Kept open: with each change of the panel the planes are looked at again.
+    if (m_pPlanes == nullptr || m_pPlanes->GetMachineName() != Shown->m_Machine) {
+        m_pPlanes.reset();
+        try {
+            m_pPlanes = std::make_unique<CPreBalDatabase>(Shown->m_Machine);
+        } catch (const PreBalDB::CDatabaseError&) {
+            return;  // the module tells what becomes of its result
+        }
     }
-    const PreBalDB::CPreBalBaseTableEntry& rEntry = Database->ReadConfiguration(Shown->m_Name);
+    const PreBalDB::CPreBalBaseTableEntry& rEntry = m_pPlanes->ReadConfiguration(Shown->m_Name);
     if (const auto* pPlanes = rEntry.GetTwoPlane();
         m_Mode == CPreBalDatabase::eModeTwoPlane && pPlanes != nullptr) {
-        Rings = {MakeHoleRing(pPlanes->GetPlane1ScrewCompensationTableEntry()),
-                 MakeHoleRing(pPlanes->GetPlane2ScrewCompensationTableEntry())};
+        rVisit(0, pPlanes->GetPlane1ScrewCompensationTableEntry());
+        rVisit(1, pPlanes->GetPlane2ScrewCompensationTableEntry());
     } else if (const auto* pPlane = rEntry.GetSinglePlane(); pPlane != nullptr) {
-        Rings[m_Mode == CPreBalDatabase::eModePlane2 ? 1 : 0] =
-            MakeHoleRing(pPlane->GetScrewCompensationTableEntry());
+        rVisit(m_Mode == CPreBalDatabase::eModePlane2 ? 1 : 0, pPlane->GetScrewCompensationTableEntry());
     }
+}
+
+std::array<CHoleRing, 2> CConsoleSession::GetHoleRings() const {
+    std::array<CHoleRing, 2> Rings;
+    VisitPlanes([&Rings](std::size_t Plane, const PreBalDB::CScrewCompensationTableEntry* pScrews) {
+        Rings.at(Plane) = MakeHoleRing(pScrews);
+    });
     return Rings;
+}
+
+CMachineMeans CConsoleSession::GetMachineMeans() const {
+    CMachineMeans Means;
+    VisitPlanes([&Means](std::size_t Plane, const PreBalDB::CScrewCompensationTableEntry* pScrews) {
+        CPlaneMeans& rMeans = Means.at(Plane);
+        rMeans.m_bUsed = true;
+        if (pScrews == nullptr) {
+            return;
+        }
+        rMeans.m_bScrews = true;
+        for (const PreBalDB::CScrew& rScrew : pScrews->GetScrewTable()) {
+            rMeans.m_Choices.push_back({rScrew.GetScrewName(), rScrew.GetWeight()});
+        }
+    });
+    return Means;
 }
 
 bool CConsoleSession::StartProcedure(Actions::Action Start) {
@@ -284,6 +348,7 @@ void CConsoleSession::Close() {
     if (m_pModule == nullptr) {
         return;
     }
+    m_pPlanes.reset();
     m_pModule->SendMessage(WM_RV_DESTROYPENDING);
     m_pModule->DestroyWindow();
     m_pLibrary->DeleteDllWindow(std::exchange(m_pModule, nullptr));

@@ -12,9 +12,11 @@
 #include "console/ncpanel.h"
 #include "console/operator.h"
 #include "console/options.h"
+#include "console/planemeans.h"
 #include "console/sessionerror.h"
 #include "console/situation.h"
 #include "contract/actions.h"
+#include "contract/arrivedreadings.h"
 #include "contract/shownconfiguration.h"
 #include "platform/rvmdb/prebaldatabase.h"
 #include "simulator/machine.h"
@@ -59,9 +61,18 @@ public:
     /// Sends an action whether or not a menu shows it.
     LRESULT SendAction(Actions::Action Wanted, std::int32_t Flag);
 
-    /// With the addresses that the modules have unless told otherwise.
+    /// Of the rotor in the machine, for the runs that begin from now on.
+    void SetRotorName(const std::string& rName);
+    /// With the addresses that the modules have unless told otherwise, and the rotor's name as it is now.
     const COptions& GetOptions() const { return m_Options; }
     CHostWindow& GetHost() { return m_Host; }
+    /// Of the families; the other one is Kestrel.
+    bool IsLanner() const { return m_Modules == CRotorFile::eLanner; }
+    PreBalDB::CPreBalDatabase::BalancingMode GetMode() const { return m_Mode; }
+    /// By their names on the command line.
+    const char* GetModeName() const;
+    const char* GetFamilyName() const;
+    const CNcPanel& GetNcPanel() const { return m_NcPanel; }
     CWnd& GetModule() { return *m_pModule; }
     /// The machine to command, null if somebody else runs it.
     IFMachine* GetMachine() { return m_pMachine; }
@@ -70,12 +81,16 @@ public:
     std::uint32_t GetWorkingSpeed() const;
     /// What the module has in hand; nothing before it has found its configuration.
     std::optional<CShownConfiguration> GetShownConfiguration() const;
+    /// Appends the readings of the run that came since; false without a run.
+    bool GetReadings(CArrivedReadings& rReadings) const;
     /// Key of the module's database, empty before the module has found it.
     std::string GetMachineName() const {
         return GetShownConfiguration().value_or(CShownConfiguration()).m_Machine;
     }
     /// The rings of holes per plane of the machine, as configured; without holes for a plane with weights.
     std::array<CHoleRing, 2> GetHoleRings() const;
+    /// By what the planes of the machine are balanced, as configured.
+    CMachineMeans GetMachineMeans() const;
 
     /// Called when menu, activity, notification or warning have changed.
     std::function<void()> OnChanged;
@@ -84,13 +99,19 @@ public:
 
 private:
     /// An external link gets so long to open, ms: the first try and three more after their pauses.
-    static constexpr std::uint32_t eLinkTimeout = 5000;
+    static constexpr std::uint32_t LINK_TIMEOUT = 5000;
     /// A module gets so long to answer, ms: what is started along with the machine boots for a while. A
     /// question is repeated by the protocol for 2 s; later it is asked anew.
-    static constexpr std::uint32_t eInitTimeout = 30000;
-    static constexpr std::uint32_t eInitRepeat = 5000;
+    static constexpr std::uint32_t INIT_TIMEOUT = 30000;
+    static constexpr std::uint32_t INIT_REPEAT = 5000;
 
+    /// Goes through the planes of the machine that the configuration on show balances, each with its screws,
+    /// null for weights.
+    void VisitPlanes(
+        const std::function<void(std::size_t Plane, const PreBalDB::CScrewCompensationTableEntry* pScrews)>&
+            rVisit) const;
     void OpenLink(const CRotorFile* pRotor);
+    void LogMachine() const;
     void ConnectMachine();
     /// As the loop's; throws CBrokenOff when the program is to end.
     bool RunUntil(const std::function<bool()>& rDone, std::uint32_t Timeout) const;
@@ -98,6 +119,7 @@ private:
     COptions m_Options;
     CRotorFile::Modules m_Modules;
     PreBalDB::CPreBalDatabase::BalancingMode m_Mode;
+    mutable std::unique_ptr<PreBalDB::CPreBalDatabase> m_pPlanes;  ///< of VisitPlanes
     const CRotorFile* m_pRotor;
     CNcPanel m_NcPanel;  ///< before the module's window, which connects when it is created
     std::unique_ptr<CSimulator> m_pSimulator;
@@ -108,4 +130,5 @@ private:
     std::unique_ptr<CModuleLibrary> m_pLibrary;
     CWnd* m_pModule = nullptr;
     bool m_bInitSent = false;
+    bool m_bFound = false;  ///< the module has found its configuration
 };

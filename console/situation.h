@@ -36,7 +36,7 @@ struct CSituation {
     std::vector<CRotorScrew> GetScrews(std::size_t Plane, const CHoleRing& rRing) const {
         std::vector<CRotorScrew> Screws;
         const std::size_t Column = GetColumn(Plane);
-        for (std::size_t i = 0; i < CNcNotification::eCorrections; ++i) {
+        for (std::size_t i = 0; i < CNcNotification::CORRECTIONS; ++i) {
             const std::int32_t Angle = m_Notification.GetAngle(Column, i);
             if (Angle < 0 || rRing.m_nHoles == 0) {
                 continue;

@@ -11,7 +11,7 @@ const ENDED = new Set(['ECONNRESET', 'EPIPE', undefined]);
 /**
  * Why a secure connection couldn't be opened at a server that had just answered without security.
  * @param {unknown} error
- * @param {{certificateFile: string}} own
+ * @param {{certificateFile: string, isOutOfTime: boolean}} own by the server's clock
  * @param {boolean} isFirst whether the server was shown the certificate for the first time
  * @returns {Promise<unknown>} the error, or what it most likely means
  */
@@ -23,6 +23,13 @@ export async function explainRejection(error, own, isFirst) {
     return error;
   }
   const certificate = await readCertificate(own.certificateFile);
+  if (code === 'BadCertificateTimeInvalid' || own.isOutOfTime) {
+    return new Refusal(
+      `this application's certificate ${own.certificateFile} is out of its time by the server's clock: ` +
+        "set the NC's clock right",
+      'OwnCertificateOutOfTime',
+    );
+  }
   const what = isRejected
     ? `the server doesn't trust this application's certificate yet (${code})`
     : "the server ended the connection when it was shown this application's certificate: most likely it doesn't trust it yet";
@@ -30,7 +37,22 @@ export async function explainRejection(error, own, isFirst) {
     `${what}. It is to be trusted on the NC, once: the file ${own.certificateFile}, fingerprint ` +
       `${fingerprintOf(certificate)} (SHA-256), ${thumbprintOf(certificate)} (SHA-1). Servers keep the certificates that ` +
       'they have refused in a list or directory named "rejected", from where this one is moved to the "trusted" ones',
+    'OwnCertificateUntrusted',
   );
+}
+
+/** Whether this application's certificate is out of its time by a clock that is fast by so many ms. */
+export async function isOutOfTime({ certificateFile }, fast) {
+  const { notBefore, notAfter } = validityOf(await readCertificate(certificateFile));
+  const now = Date.now() + fast;
+  return now < notBefore.getTime() || now > notAfter.getTime();
+}
+
+/** How an administrator finds this application's certificate on the server. */
+export async function describeOwn({ certificateFile }) {
+  const certificate = await readCertificate(certificateFile);
+  const now = new Date().toISOString();
+  return { file: certificateFile, sha256: fingerprintOf(certificate), sha1: thumbprintOf(certificate), now };
 }
 
 /**

@@ -66,13 +66,18 @@ export async function closeClient(client, session) {
  * @param {object} own certificate of this application
  * @param {string} server
  * @param {number} limit for each of the server's answers, ms
- * @returns {Promise<import('node-opcua-client').EndpointDescription[]>} all that the server offers
+ * @returns {Promise<{endpoints: import('node-opcua-client').EndpointDescription[], fast: number}>} all that the server
+ *   offers, and by how many ms its clock is fast
  */
 export async function fetchEndpoints(own, server, limit) {
   const client = makeClient(own, { securityMode: MessageSecurityMode.None, securityPolicy: SecurityPolicy.None });
+  let fast = 0;
+  client.on('receive_response', ({ responseHeader }) => {
+    fast = responseHeader.timestamp ? responseHeader.timestamp.getTime() - Date.now() : 0;
+  });
   try {
     await within(client.connect(server), limit);
-    return await within(client.getEndpoints(), limit);
+    return { endpoints: await within(client.getEndpoints(), limit), fast };
   } finally {
     await closeClient(client);
   }

@@ -1,8 +1,8 @@
 // One connection to the server: made, used, watched over until it is lost. Another one is a new object.
 import { join } from 'node:path';
-import { describeValidity, explainRejection } from './certificates.js';
-import { NAME, closeClient, fetchEndpoints, forbidRepair, makeClient } from './client.js';
-import { chooseEndpoint, firstOf, guardChannel, securityOf } from './endpoint.js';
+import { describeOwn, describeValidity, explainRejection, isOutOfTime } from './certificates.js';
+import { NAME, SESSION_TIMEOUT, closeClient, fetchEndpoints, forbidRepair, makeClient } from './client.js';
+import { chooseEndpoint, describeOffers, firstOf, guardChannel, securityOf } from './endpoint.js';
 import { checkLogin, makeIdentity } from './login.js';
 import { NodeIds } from './nodes.js';
 import { Refusal, badStatus, isSessionGone, reasonOf, shown } from './reasons.js';
@@ -23,6 +23,8 @@ const PING_INTERVAL = 2000;
 /** Every server has these nodes. */
 const SERVER_STATE = coerceNodeId('i=2259');
 const NAMESPACES = coerceNodeId('i=2255');
+
+const isNodeMissing = ({ name }) => name === 'BadNodeIdUnknown' || name === 'BadNodeIdInvalid';
 
 const BUILT_IN_TYPES = new Set([...Array(DataType.String).keys()].map((index) => index + 1));
 
@@ -48,9 +50,11 @@ export class Connection {
    * @param {{server: string, security: string, fingerprint: string, pki: string, user: string, password: string,
    *   user_certificate: string, user_key: string}} settings
    * @param {(level: string, text: string) => void} log
+   * @param {{onFact: (fact: object) => void}} [check] takes what is found on the way, and whoever only looks trusts
+   *   nobody for good
    * @throws whatever prevents it; to be told with reasonOf()
    */
-  async open(settings, log) {
+  async open(settings, log, check) {
     const { mode, policy } = securityOf(settings.security);
     const isSecure = mode !== MessageSecurityMode.None;
     if (!isSecure && settings.password !== '') {
@@ -65,7 +69,11 @@ export class Connection {
     const pinFile = join(settings.pki, 'server.pem');
     const pinned = isSecure ? await shown(readCertificate(pinFile)) : null;
 
-    const endpoints = await this.#orLost(fetchEndpoints(own, settings.server, OPENING_LIMIT));
+    check?.onFact({ own: await describeOwn(own) });
+    const { endpoints, fast } = await this.#orLost(fetchEndpoints(own, settings.server, OPENING_LIMIT));
+    own.isOutOfTime = await isOutOfTime(own, fast);
+    check?.onFact({ clock: { fast_s: Math.round(fast / 1000) } });
+    check?.onFact({ offers: describeOffers(endpoints, settings, pinned) });
     const endpoint = chooseEndpoint(endpoints, settings, pinned);
     const serverCertificate = isSecure ? Buffer.from(firstOf(endpoint.serverCertificate)) : undefined;
     const client = makeClient(own, { securityMode: mode, securityPolicy: policy, serverCertificate });
@@ -80,7 +88,8 @@ export class Connection {
     // What the server offers came without security before. Now it has proved that the certificate is its own.
     const offered = chooseEndpoint(await this.#step(client.getEndpoints()), settings, serverCertificate ?? null);
     checkLogin(offered, identity);
-    if (isSecure) {
+    check?.onFact({ secured: { policy: settings.security } });
+    if (isSecure && !check) {
       await this.#trust(pinFile, serverCertificate, log);
     }
     this.#session = await this.#show(isSecure && own, client.createSession(identity), false);
@@ -92,6 +101,8 @@ export class Connection {
       log,
     );
     this.#subscriptions.on('lost', (reason) => this.#lose(reason));
+    this.#subscriptions.on('granted', (granted) => check?.onFact({ granted }));
+    check?.onFact({ session: { timeout: this.#session.timeout, asked: SESSION_TIMEOUT } });
     this.#watch();
   }
 
@@ -138,6 +149,26 @@ export class Connection {
    */
   async read(node) {
     return typedOf(await this.#readAttribute(await this.#nodes.find(node), AttributeIds.Value));
+  }
+
+  /**
+   * What an attribute of a node holds.
+   * @param {string} node
+   * @param {string} attribute by its name
+   * @returns {Promise<unknown>} undefined if the server doesn't tell
+   * @throws {Refusal} if there is no such node
+   */
+  async look(node, attribute) {
+    const { statusCode, value } = await this.#readAttribute(await this.#nodes.find(node), AttributeIds[attribute]);
+    if (isNodeMissing(statusCode)) {
+      throw badStatus(statusCode);
+    }
+    return statusCode.isGood() ? value?.value : undefined;
+  }
+
+  /** Name of the built-in type that write() would write; undefined if the server doesn't tell. */
+  async typeOf(node) {
+    return DataType[await this.#typeOf(await this.#nodes.find(node))];
   }
 
   /**

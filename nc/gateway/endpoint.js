@@ -1,7 +1,7 @@
 // Which endpoint of the server is used, and whether its certificate is the one to trust.
 import { Refusal } from './reasons.js';
 import { MessageSecurityMode, SecurityPolicy } from '../shared/opcua.js';
-import { fingerprintOf } from '../shared/pki.js';
+import { fingerprintOf, hostsOf, validityOf } from '../shared/pki.js';
 
 const BINARY_TRANSPORT = 'http://opcfoundation.org/UA-Profile/Transport/uatcp-uasc-uabinary';
 
@@ -39,6 +39,37 @@ function describe({ securityMode, securityPolicyUri }) {
   return securityMode === MessageSecurityMode.None ? policy : `${policy} with ${MessageSecurityMode[securityMode]}`;
 }
 
+/** The host of an endpoint's URL. */
+const hostOf = (url) => /^opc\.tcp:\/\/(?:\[([^\]]+)\]|([^:/]+))/.exec(url)?.slice(1).find(Boolean) ?? '';
+
+/** Facts on a server's certificate; null if it shows none. */
+function describeCertificate(certificate, server, pinned) {
+  if (certificate.length === 0) {
+    return null;
+  }
+  const { notBefore, notAfter } = validityOf(certificate);
+  return {
+    sha256: fingerprintOf(certificate),
+    not_before: notBefore.toISOString(),
+    not_after: notAfter.toISOString(),
+    ...hostsOf(certificate, hostOf(server)),
+    is_pinned: pinned?.equals(certificate) ?? false,
+  };
+}
+
+/** Facts on what a server offers to somebody with these settings. */
+export function describeOffers(endpoints, { security, server }, pinned) {
+  const { mode, policy } = securityOf(security);
+  const fitting = endpoints.find((each) => each.securityMode === mode && each.securityPolicyUri === policy);
+  const certificate = mode === MessageSecurityMode.None ? null : firstOf(fitting?.serverCertificate);
+  return {
+    urls: [...new Set(endpoints.map(({ endpointUrl }) => endpointUrl))],
+    securities: [...new Set(endpoints.map(describe))],
+    application: endpoints[0]?.server?.applicationName?.text ?? '',
+    certificate: certificate && describeCertificate(certificate, server, pinned),
+  };
+}
+
 /** The fingerprint of the configuration in the form that fingerprintOf has; empty if none is configured. */
 function normalize(fingerprint) {
   const digits = fingerprint.replace(/[\s:]/g, '').toLowerCase();
@@ -67,14 +98,14 @@ export function chooseEndpoint(endpoints, { security, fingerprint }, pinned) {
   if (offered.length === 0) {
     const what = mode === MessageSecurityMode.None ? 'connections without security' : `${security} with SignAndEncrypt`;
     const others = [...new Set(endpoints.map(describe))].join(', ') || 'nothing';
-    throw new Refusal(`the server does not offer ${what}, but ${others}`);
+    throw new Refusal(`the server does not offer ${what}, but ${others}`, 'SecurityNotOffered');
   }
   if (mode === MessageSecurityMode.None) {
     return offered[0];
   }
   const withCertificate = offered.filter((endpoint) => firstOf(endpoint.serverCertificate).length > 0);
   if (withCertificate.length === 0) {
-    throw new Refusal('the server shows no certificate');
+    throw new Refusal('the server shows no certificate', 'NoServerCertificate');
   }
   const shown = fingerprintOf(firstOf(withCertificate[0].serverCertificate));
   const expected = normalize(fingerprint);
@@ -82,13 +113,17 @@ export function chooseEndpoint(endpoints, { security, fingerprint }, pinned) {
     (endpoint) => expected === '' || fingerprintOf(firstOf(endpoint.serverCertificate)) === expected,
   );
   if (named.length === 0) {
-    throw new Refusal(`the server's certificate is refused: its fingerprint is ${shown}, not the configured one`);
+    throw new Refusal(
+      `the server's certificate is refused: its fingerprint is ${shown}, not the configured one`,
+      'FingerprintDiffers',
+    );
   }
   const trusted = named.find((endpoint) => !pinned || firstOf(endpoint.serverCertificate).equals(pinned));
   if (!trusted) {
     throw new Refusal(
       `the server's certificate is refused: its fingerprint is ${shown}, but ${fingerprintOf(pinned)} was trusted ` +
         'at the first connection; remove server.pem if the change is intended',
+      'ServerCertificateChanged',
     );
   }
   return trusted;

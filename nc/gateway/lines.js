@@ -5,7 +5,8 @@ const isText = (value) => typeof value === 'string';
 const isRate = (value) => Number.isFinite(value) && value >= 10 && value <= 5000;
 const isObject = (value) => value !== null && typeof value === 'object' && !Array.isArray(value);
 
-const LINES = {
+/** Fields of each line, and what is right for them. */
+export const LINES = {
   connect: {
     server: isText,
     security: isText,
@@ -23,6 +24,14 @@ const LINES = {
   check: { id: isId, node: isText, value: isObject },
   ping: { id: isId },
 };
+
+/** The first field that is missing or wrong; undefined if there is none. */
+export function findWrong(body, fields) {
+  if (!isObject(body)) {
+    return 'content';
+  }
+  return Object.entries(fields).find(([field, isValid]) => !isValid(body[field]))?.[0];
+}
 
 /** Who waits for an answer to a line, gets one to a line with a fault too. */
 const ANSWERS = { subscribe: 'changed', write: 'written', read: 'value', check: 'checked' };
@@ -62,15 +71,14 @@ export function makeReceiver(session, tell) {
       return;
     }
     const body = line[name];
-    const fields = Object.entries(LINES[name]);
-    const wrong = isObject(body) ? fields.find(([field, isValid]) => !isValid(body[field])) : ['content'];
-    if (!wrong) {
+    const wrong = findWrong(body, LINES[name]);
+    if (wrong === undefined) {
       actions[name](body);
       return;
     }
-    refuse(`a ${name} line with a wrong ${wrong[0]}`);
+    refuse(`a ${name} line with a wrong ${wrong}`);
     if (ANSWERS[name] && isObject(body) && isId(body.id)) {
-      tell({ [ANSWERS[name]]: { id: body.id, error: `wrong ${wrong[0]}` } });
+      tell({ [ANSWERS[name]]: { id: body.id, error: `wrong ${wrong}` } });
     }
   };
 

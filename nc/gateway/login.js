@@ -14,13 +14,16 @@ export async function makeIdentity(settings) {
   if (settings.user_certificate !== '') {
     const certificate = await shown(readCertificate(settings.user_certificate));
     if (certificate === null) {
-      throw new Refusal(`${settings.user_certificate} is missing`);
+      throw new Refusal(`${settings.user_certificate} is missing`, 'UserCertificateMissing');
     }
     const privateKey = await readFile(settings.user_key, 'utf8');
     try {
       createPrivateKey(privateKey);
     } catch {
-      throw new Refusal(`${settings.user_key} holds no private key in PEM form, or one with a password`);
+      throw new Refusal(
+        `${settings.user_key} holds no private key in PEM form, or one with a password`,
+        'UserKeyUnusable',
+      );
     }
     return { type: UserTokenType.Certificate, certificateData: certificate, privateKey };
   }
@@ -39,6 +42,6 @@ const LOGINS = new Map([
 /** @throws {Refusal} if the endpoint takes no such login */
 export function checkLogin(endpoint, identity) {
   if (!(endpoint.userIdentityTokens ?? []).some(({ tokenType }) => tokenType === identity.type)) {
-    throw new Refusal(`the server takes no login ${LOGINS.get(identity.type)}`);
+    throw new Refusal(`the server takes no login ${LOGINS.get(identity.type)}`, 'LoginNotOffered');
   }
 }

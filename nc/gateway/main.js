@@ -1,4 +1,5 @@
 // The OPC UA client of the module: opc-gateway SOCKET. Speaks JSON lines over the local socket; ends when that closes.
+// opc-gateway --check takes one line on standard input, and tells what it finds in lines on standard output.
 import './silence.js';
 import { connect } from 'node:net';
 import { readObjects, writeObject } from '../shared/jsonlines.js';
@@ -17,8 +18,15 @@ if (process.argv.length === 3 && process.argv[2] === '--version') {
   process.stdout.write(`opc-gateway ${VERSION}\n`);
   process.exit(0);
 }
+if (process.argv.length === 3 && process.argv[2] === '--check') {
+  const { readOrder } = await import('./checkorder.js');
+  const order = await readOrder(process.stdin).catch((error) => refuse(error.message));
+  const { check } = await import('./check.js');
+  await check(order.settings, order.nodes, (fact) => writeObject(process.stdout, fact));
+  process.exit(0);
+}
 if (process.argv.length !== 3 || process.argv[2] === '' || process.argv[2].startsWith('-')) {
-  refuse('usage: opc-gateway SOCKET');
+  refuse('usage: opc-gateway SOCKET | --check');
 }
 
 const socket = connect(process.argv[2]);

@@ -31,7 +31,7 @@ export class NodeIds {
         // told below
       }
     }
-    throw new Refusal(`"${text.slice(0, 80)}" is no node id`);
+    throw new Refusal(`"${text.slice(0, 80)}" is no node id`, 'NoNodeId');
   }
 
   async #indexOf(uri) {
@@ -42,6 +42,6 @@ export class NodeIds {
         return index;
       }
     }
-    throw new Refusal(`the server has no namespace "${uri}"`);
+    throw new Refusal(`the server has no namespace "${uri}"`, 'NoNamespace');
   }
 }

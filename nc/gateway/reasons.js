@@ -3,16 +3,32 @@ import { StatusCodes } from '../shared/opcua.js';
 import { TimeUp } from '../shared/timing.js';
 
 /** An error with a text of our own, which may be shown. */
-export class Refusal extends Error {}
+export class Refusal extends Error {
+  /**
+   * @param {string} text
+   * @param {string} [kind] for who tells it in another language: a status, or a word of ours
+   */
+  constructor(text, kind = 'Other') {
+    super(text);
+    this.kind = kind;
+  }
+}
 
 const WORDS = {
+  BadCertificateTimeInvalid: "a certificate is out of its time by the server's clock",
   BadIdentityTokenInvalid: 'the server rejects the login',
   BadIdentityTokenRejected: 'the server rejects the login',
+  BadInvalidTimestamp: "the clocks of server and this computer differ too much for the server",
   BadNodeIdInvalid: 'the server has no such node',
   BadNodeIdUnknown: 'the server has no such node',
+  BadNotReadable: 'the node may not be read',
+  BadNotWritable: 'the node may not be written',
   BadSecurityChecksFailed: "the server rejects the application's certificate (own.pem) or the security settings",
+  BadTooManyOperations: 'the server takes fewer operations a request',
+  BadTooManySessions: 'the server has no session left',
   BadTypeMismatch: 'the node holds another type',
   BadUserAccessDenied: 'the server rejects the login, or the user may not do this',
+  BadWaitingForInitialData: 'the node holds no value yet',
   BadUserSignatureInvalid: "the user's key does not belong to the user's certificate",
   EACCES: 'a file or directory may not be used',
   ECONNREFUSED: 'nothing listens at this address',
@@ -83,10 +99,18 @@ export function reasonOf(error) {
   return 'the connection failed';
 }
 
+/** The status or code of an error, or what a Refusal is about: for who tells it in another language. */
+export function kindOf(error) {
+  if (error instanceof Refusal) {
+    return error.kind;
+  }
+  return error instanceof TimeUp ? 'TimeUp' : (codeOf(error) ?? 'Other');
+}
+
 /**
  * @param {import('node-opcua-client').StatusCode} status that is not good
  * @returns {Refusal}
  */
-export function badStatus(status) {
-  return new Refusal(status.name in WORDS ? `${WORDS[status.name]} (${status.name})` : status.name);
+export function badStatus({ name }) {
+  return new Refusal(name in WORDS ? `${WORDS[name]} (${name})` : name, name);
 }

@@ -1,7 +1,7 @@
 // What the gateway does for the module over any number of connections: it connects again and again, keeps the
 // subscriptions, and keeps the order of the writes.
 import { Connection, NO_CONNECTION } from './connection.js';
-import { Refusal, reasonOf } from './reasons.js';
+import { Refusal, kindOf, reasonOf } from './reasons.js';
 import { Pause, within } from '../shared/timing.js';
 
 const FIRST_PAUSE = 500;
@@ -194,6 +194,7 @@ export class Session {
       const connection = new Connection();
       this.#opening = connection;
       let reason;
+      let kind = 'Lost';
       try {
         await connection.open(settings, (level, text) => this.#log(level, text));
         const start = performance.now();
@@ -203,9 +204,10 @@ export class Session {
         }
       } catch (error) {
         reason = reasonOf(error);
+        kind = kindOf(error);
       }
       if (!this.#isClosing) {
-        this.#tell({ state: { connected: false, reason } });
+        this.#tell({ state: { connected: false, reason, kind } });
       }
       await connection.close();
       if (!this.#isClosing) {

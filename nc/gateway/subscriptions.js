@@ -22,7 +22,10 @@ const LONGEST_TIMER = 2 ** 31 - 1;
 const isSame = (one, other) =>
   JSON.stringify([one.statusCode.value, one.value]) === JSON.stringify([other.statusCode.value, other.value]);
 
-/** Emits 'lost' with the reason when a subscription ends or falls silent. */
+/**
+ * Emits 'lost' with the reason when a subscription ends or falls silent, and 'granted' with what the server makes of
+ * the times asked for.
+ */
 export class Subscriptions extends EventEmitter {
   #session;
   #ask;
@@ -102,6 +105,7 @@ export class Subscriptions extends EventEmitter {
         });
       }),
     );
+    this.#tellSampling(nodeId, item.monitoringParameters.samplingInterval, rate);
     if (first !== undefined) {
       tell(first);
     }
@@ -150,7 +154,20 @@ export class Subscriptions extends EventEmitter {
     return subscription;
   }
 
+  /** A value that stands for less than that is never seen. */
+  #tellSampling(nodeId, interval, rate) {
+    this.emit('granted', { node: nodeId.toString(), sampling: interval });
+    if (interval > rate) {
+      this.#log(
+        'warning',
+        `The server looks at ${nodeId} every ${interval} ms, not every ${rate} ms as asked for: ` +
+          'what stands there for less is missed.',
+      );
+    }
+  }
+
   #tellRevised({ publishingInterval, maxKeepAliveCount }, rate, keepAlives) {
+    this.emit('granted', { publishing: publishingInterval, asked: rate });
     if (publishingInterval > rate) {
       this.#log(
         'warning',

@@ -1,5 +1,6 @@
 // Values on the socket and values of the server's nodes.
 import { Refusal, badStatus } from './reasons.js';
+import { joinHalves } from '../shared/int64.js';
 import { DataType, Variant, VariantArrayType } from '../shared/opcua.js';
 
 const INT32 = { lowest: -(2 ** 31), highest: 2 ** 31 - 1 };
@@ -20,6 +21,12 @@ const FLOATING_TYPES = new Map([
   [DataType.Float, 3.4028234663852886e38],
   [DataType.Double, Number.MAX_VALUE],
 ]);
+
+/** Characters. Lines of the socket are limited, and each may take six of theirs there. */
+const LONGEST_TEXT = 10000;
+
+/** Numbers: as many as a line takes, whatever they are. */
+const LONGEST_ARRAY = 5000;
 
 const isInt32 = (value) => Number.isInteger(value) && value >= INT32.lowest && value <= INT32.highest;
 
@@ -53,7 +60,7 @@ function convertInteger(value, type) {
   if (type === DataType.Double || (type === DataType.Float && Math.fround(value) === value)) {
     return value;
   }
-  throw new Refusal(`${value} does not fit the node's type ${DataType[type]}`);
+  throw new Refusal(`${value} does not fit the node's type ${DataType[type]}`, 'DoesNotFit');
 }
 
 /**
@@ -82,12 +89,7 @@ export function toVariant(typed, type) {
         return new Variant({ dataType, value });
       }
   }
-  throw new Refusal(`${brief(value)} does not fit the node's type ${DataType[dataType]}`);
-}
-
-/** 64 bits come as two halves. Numbers beyond 2^53 lose their last digits; no item of the module is that large. */
-function joinHalves([high, low], isSigned) {
-  return (isSigned ? high | 0 : high >>> 0) * 2 ** 32 + (low >>> 0);
+  throw new Refusal(`${brief(value)} does not fit the node's type ${DataType[dataType]}`, 'DoesNotFit');
 }
 
 function toInteger(value, type) {
@@ -129,9 +131,15 @@ export function toTyped(variant) {
     return { double: value };
   }
   if (isScalar && dataType === DataType.String && value !== null) {
+    if (value.length > LONGEST_TEXT) {
+      throw new Refusal(`a text of ${value.length} characters can't be used: ${LONGEST_TEXT} are the most`);
+    }
     return { string: value };
   }
   if (arrayType === VariantArrayType.Array && isInteger) {
+    if (value.length > LONGEST_ARRAY) {
+      throw new Refusal(`an array of ${value.length} numbers can't be used: ${LONGEST_ARRAY} are the most`);
+    }
     const numbers = Array.from(value, (element) => toInteger(element, dataType));
     if (numbers.every(isInt32)) {
       return { int32s: numbers };

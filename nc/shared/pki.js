@@ -1,14 +1,18 @@
 // Certificates on disk: an application's own one, made at first start, and the pinned one of its peer.
-import { createHash } from 'node:crypto';
+import { X509Certificate, createHash } from 'node:crypto';
 import { chmod, mkdir, open, readFile, rename, rm } from 'node:fs/promises';
 import { createRequire } from 'node:module';
+import { isIP } from 'node:net';
 import { hostname } from 'node:os';
 import { join } from 'node:path';
 
 // Its form for import doesn't load on Node.js 18.
 const crypto = createRequire(import.meta.url)('node-opcua-crypto');
 
+const DAY = 24 * 3600 * 1000;
 const VALID_DAYS = 20 * 365; // a machine's lifetime: nobody renews certificates on a shop floor
+/** Clocks of machines are wrong, by years where a battery is empty. */
+const EARLIER_DAYS = 10 * 365;
 const KEY_BITS = 2048;
 
 /** SHA-256 of a certificate (DER) in hexadecimal digits. */
@@ -28,6 +32,19 @@ export function thumbprintOf(certificate) {
  */
 export function validityOf(certificate) {
   return crypto.exploreCertificate(certificate).tbsCertificate.validity;
+}
+
+/**
+ * The hosts that a certificate names, and whether a host is one of them.
+ * @param {Buffer} certificate DER
+ * @param {string} host name or address
+ * @returns {{hosts: string[], is_named: boolean}}
+ */
+export function hostsOf(certificate, host) {
+  const x509 = new X509Certificate(certificate);
+  const names = (x509.subjectAltName ?? '').split(', ').map((each) => /^(?:DNS|IP Address):(.+)$/.exec(each)?.[1]);
+  const isNamed = isIP(host) ? x509.checkIP(host) !== undefined : x509.checkHost(host) !== undefined;
+  return { hosts: names.filter((name) => name !== undefined), is_named: isNamed };
 }
 
 /** The certificate (DER) of a PEM file, null if there is no such file. Throws if it holds no certificate. */
@@ -75,22 +92,25 @@ export async function openPki(directory) {
  * The application's own certificate and key, made when they are not there.
  * @param {string} directory made by openPki
  * @param {string} name of the application; part of its URI
+ * @param {{file?: string, hosts?: string[], notBefore?: Date, days?: number}} [manner] how it differs from what a
+ *   certificate should be; one of each kind has a file name of its own
  * @returns {Promise<{certificateFile: string, privateKeyFile: string, applicationUri: string}>}
  */
-export async function ownCertificate(directory, name) {
-  const certificateFile = join(directory, 'own.pem');
-  const privateKeyFile = join(directory, 'own-key.pem');
+export async function ownCertificate(directory, name, manner = {}) {
+  const { file = 'own', hosts, notBefore, days } = manner;
+  const certificateFile = join(directory, `${file}.pem`);
+  const privateKeyFile = join(directory, `${file}-key.pem`);
   let certificate = await readCertificate(certificateFile);
   if (certificate === null) {
     const key = await crypto.generatePrivateKey(KEY_BITS);
     const { privPem } = await crypto.privateKeyToPEM(key);
     const { cert } = await crypto.createSelfSignedCertificate({
       privateKey: key,
-      notBefore: new Date(Date.now() - 24 * 3600 * 1000), // clocks of machines differ
-      validity: VALID_DAYS,
+      notBefore: notBefore ?? new Date(Date.now() - EARLIER_DAYS * DAY),
+      validity: days ?? EARLIER_DAYS + VALID_DAYS,
       subject: `CN=${name}`,
-      dns: [...new Set(['localhost', hostname()])],
-      ip: ['127.0.0.1'],
+      dns: hosts ?? [...new Set(['localhost', hostname()])],
+      ip: hosts ? [] : ['127.0.0.1'],
       applicationUri: `urn:${hostname()}:${name}`,
       purpose: crypto.CertificatePurpose.ForApplication,
     });

@@ -2,6 +2,7 @@ import { readFileSync, statSync } from 'node:fs';
 import { homedir } from 'node:os';
 import { join } from 'node:path';
 import { parseArgs } from 'node:util';
+import { CERTIFICATES, INTEGER_TYPES } from './manners.js';
 import { readRotorFile } from './rotorfile.js';
 
 /** A bad argument, or something that an argument names can't be used. Ends the program with status 3. */
@@ -12,6 +13,11 @@ export const PROCEDURES = Object.freeze({
   rebalance: ['rebalance'],
   'prebalance+rebalance': ['prebalance', 'rebalance'],
 });
+
+/** ms, and for sessions that are ended, s. */
+const LONGEST_TIME = 3600000;
+/** Seconds. */
+const LONGEST_CLOCK = 30 * 365 * 86400;
 
 export const USAGE = `nc-simulator: an NC with an OPC UA server, and a part program that drives the balancing module
 
@@ -27,8 +33,23 @@ export const USAGE = `nc-simulator: an NC with an OPC UA server, and a part prog
     --test-weight GRAMS   with screws: what the test screw is to weigh
     --target UNBALANCE    what the module is to balance to, in place of its configuration's target
     --rotation WAY        cw | ccw, in place of its configuration's direction
+    --rotor-name TEXT     whose runs these are, for the archive
     --json                JSON lines on standard input and output; ends when the input closes
     --version             tells the version
+
+As servers of other makes behave:
+
+    --advertise HOST      the host that the endpoints name, whatever address was connected to
+    --namespace-index N   of the items, 2 (default) to 50
+    --certificate KIND    the server's own one: no-host, names another host | expired | future, valid in three years
+    --trust by-hand       nobody is trusted until somebody moves the certificate from PKI/rejected to PKI/trusted
+    --publishing MS       changes are told so often at most
+    --sampling MS         the items are looked at so often only
+    --session MS          a session without a request lasts so long
+    --end-sessions S      every so many seconds all sessions end, while the connections stand
+    --one-operation       one operation a request
+    --integers TYPE       ${INTEGER_TYPES.join(' | ')} where usually there is Int32
+    --clock SECONDS       the clock is fast by so much, or slow: --clock=-86400 is yesterday
 
 Without --machine nothing is driven, and lines on standard input write items by hand: write Request 1
 Exit status: 0 all procedures ended well, 1 over the target, 2 failed, 3 bad arguments.
@@ -48,6 +69,18 @@ const OPTIONS = {
   'test-weight': 'string',
   target: 'string',
   rotation: 'string',
+  'rotor-name': 'string',
+  advertise: 'string',
+  'namespace-index': 'string',
+  certificate: 'string',
+  trust: 'string',
+  publishing: 'string',
+  sampling: 'string',
+  session: 'string',
+  'end-sessions': 'string',
+  'one-operation': 'boolean',
+  integers: 'string',
+  clock: 'string',
   json: 'boolean',
   help: 'boolean',
   version: 'boolean',
@@ -96,6 +129,36 @@ function toAmount(name, text, what) {
     throw new ArgumentError(`--${name} "${text}" must be ${what} above 0`);
   }
   return value;
+}
+
+function toClock(text) {
+  const seconds = Number(text);
+  if (!/^[+-]?\d+$/.test(text) || Math.abs(seconds) > LONGEST_CLOCK) {
+    throw new ArgumentError(`--clock "${text}" must be a number of seconds, at most 30 years`);
+  }
+  return seconds;
+}
+
+/** How the server differs from what it is without options; undefined where it doesn't. */
+function readManners(values) {
+  const ifGiven = (name, read) => (values[name] === undefined ? undefined : read(name, values[name]));
+  const time = (name) => ifGiven(name, (_, text) => toWhole(name, text, 1, LONGEST_TIME));
+  if (values.advertise === '') {
+    throw new ArgumentError('--advertise "" must be the name or address of a host');
+  }
+  ifGiven('trust', (name, text) => toChoice(name, text, ['by-hand']));
+  return {
+    advertise: values.advertise,
+    namespaceIndex: ifGiven('namespace-index', (name, text) => toWhole(name, text, 2, 50)),
+    certificate: ifGiven('certificate', (name, text) => toChoice(name, text, Object.keys(CERTIFICATES))),
+    isTrustedByHand: values.trust !== undefined,
+    publishing: time('publishing'),
+    sampling: time('sampling'),
+    session: time('session'),
+    endSessions: time('end-sessions'),
+    oneOperation: values['one-operation'] ?? false,
+    integers: ifGiven('integers', (name, text) => toChoice(name, text, INTEGER_TYPES)),
+  };
 }
 
 /** The numbers of the directions are their places here. */
@@ -183,6 +246,9 @@ export function readArguments(argv) {
         values.rotation === undefined
           ? undefined
           : ROTATIONS.indexOf(toChoice('rotation', values.rotation, ROTATIONS)),
+      rotorName: values['rotor-name'],
+      manners: readManners(values),
+      clock: toClock(values.clock ?? '0'),
       json: values.json ?? false,
     };
   } catch (error) {

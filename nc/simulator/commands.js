@@ -1,3 +1,4 @@
+import { RIGHTS } from './server.js';
 import { ITEMS, describeKind, findItem, fits } from './items.js';
 
 /** A command that can't be carried out. */
@@ -30,6 +31,13 @@ const JSON_COMMANDS = {
     }
     server.retype(itemOf(item).key);
   },
+  restrict: (server, { item, rights }) => {
+    if (!Object.hasOwn(RIGHTS, rights ?? '')) {
+      throw new CommandError(`rights are one of ${Object.keys(RIGHTS).join(', ')}`);
+    }
+    server.restrict(itemOf(item).key, rights);
+  },
+  end_sessions: (server) => server.endSessions(),
 };
 
 /**
@@ -67,6 +75,10 @@ export function carryText(server, line) {
     case 'show':
       return ITEMS.map((item) => `${item.key} ${[server.read(item.key) ?? 'nothing'].flat().join(' ')}`).join('\n');
     case 'write': {
+      if (itemOf(key).type === 'String') {
+        write(server, key, line.trim().split(/\s+/).slice(2).join(' '));
+        return undefined;
+      }
       const values = rest.map((text) => (text === '' ? NaN : Number(text)));
       write(server, key, itemOf(key).size === undefined && values.length === 1 ? values[0] : values);
       return undefined;

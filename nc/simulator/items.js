@@ -8,7 +8,7 @@ export const NOTIFICATION_SIZE = 14;
 
 /**
  * A wish of the NC has no value until somebody writes one: zero would be a test weight of nothing.
- * @typedef {{key: string, type: 'Int32' | 'Double', size?: number, isWish?: boolean, description: string}} Item
+ * @typedef {{key: string, type: 'Int32' | 'Double' | 'String', size?: number, isWish?: boolean, description: string}} Item
  */
 
 /** @type {readonly Item[]} */
@@ -44,6 +44,12 @@ export const ITEMS = Object.freeze([
     isWish: true,
     description: 'NC to module: 0 clockwise, 1 counter-clockwise.',
   },
+  {
+    key: 'RotorName',
+    type: 'String',
+    isWish: true,
+    description: "NC to console: the rotor's name, under which the runs are kept. Written before the request.",
+  },
 ]);
 
 /** What an item holds before anybody has written it; undefined for nothing. */
@@ -62,6 +68,9 @@ export function fits(item, value) {
   if (item.size !== undefined) {
     return Array.isArray(value) && value.length === item.size && value.every(isInt32);
   }
+  if (item.type === 'String') {
+    return typeof value === 'string';
+  }
   return item.type === 'Double' ? Number.isFinite(value) : isInt32(value);
 }
 
@@ -70,7 +79,7 @@ export function describeKind(item) {
   if (item.size !== undefined) {
     return `an array of ${item.size} whole numbers`;
   }
-  return item.type === 'Double' ? 'a number' : 'a whole number';
+  return { Double: 'a number', String: 'a text' }[item.type] ?? 'a whole number';
 }
 
 /** The item of a key; undefined if there is none. */

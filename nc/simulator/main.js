@@ -2,6 +2,7 @@
 // module through them.
 import { VERSION } from '../shared/version.js';
 import { ArgumentError, USAGE, readArguments } from './arguments.js';
+import { setClockWrong } from './clock.js';
 
 const EXIT_FAILED = 2;
 const EXIT_BAD_ARGUMENTS = 3;
@@ -20,6 +21,9 @@ async function main() {
   if (options.version) {
     process.stdout.write(`nc-simulator ${VERSION}\n`);
     return 0;
+  }
+  if (options.clock !== 0) {
+    setClockWrong(options.clock);
   }
   const { run } = await import('./program.js');
   return run(options);

@@ -29,6 +29,7 @@ export class PartProgram {
   #testWeight;
   #target;
   #rotation;
+  #rotorName;
   #say;
   #times;
 
@@ -41,10 +42,11 @@ export class PartProgram {
    * @param {number} [options.testWeight] grams
    * @param {number} [options.target] unbalance to balance to
    * @param {number} [options.rotation] 0 clockwise, 1 counter-clockwise
+   * @param {string} [options.rotorName] of the rotor on the machine
    * @param {(text: string) => void} options.say
    * @param {Partial<typeof TIMES>} [options.times] where they differ from the usual ones
    */
-  constructor({ items, machine, rotor, plane = 1, testWeight, target, rotation, say, times = {} }) {
+  constructor({ items, machine, rotor, plane = 1, testWeight, target, rotation, rotorName, say, times = {} }) {
     this.#items = items;
     this.#machine = machine;
     this.#rotor = rotor;
@@ -52,6 +54,7 @@ export class PartProgram {
     this.#testWeight = testWeight;
     this.#target = target;
     this.#rotation = rotation;
+    this.#rotorName = rotorName;
     this.#say = say;
     this.#times = { ...TIMES, ...times };
     this.#module = new ModuleInterface(items, say, this.#times);
@@ -101,7 +104,11 @@ export class PartProgram {
 
   /** What the page is to show before a run takes it over: the module sees it after the time that a value stands. */
   async #askForSettings() {
-    const wishes = { TargetUnbalance: this.#target, RotationDirection: this.#rotation };
+    const wishes = {
+      TargetUnbalance: this.#target,
+      RotationDirection: this.#rotation,
+      RotorName: this.#rotorName,
+    };
     const given = Object.entries(wishes).filter(([, value]) => value !== undefined);
     for (const [key, value] of given) {
       this.#items.write(key, value);

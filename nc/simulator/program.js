@@ -111,6 +111,7 @@ export async function run(options) {
       TestWeight: options.testWeight,
       TargetUnbalance: options.target,
       RotationDirection: options.rotation,
+      RotorName: options.rotorName,
     };
     for (const [key, value] of Object.entries(wishes)) {
       if (value !== undefined) {

@@ -1,13 +1,14 @@
 import { EventEmitter } from 'node:events';
 import { fingerprintOf, openPki, ownCertificate, readCertificate } from '../shared/pki.js';
 import { ITEMS, findItem, fits, initialValue } from './items.js';
+import { CERTIFICATES, ONE_OPERATION, endSessions, revise } from './manners.js';
+import { NodeValues } from './nodevalues.js';
 import {
   DataType,
   MessageSecurityMode,
   OPCUAServer,
   SecurityPolicy,
   StatusCodes,
-  Variant,
   VariantArrayType,
   makeAccessLevelFlag,
   nodesets,
@@ -16,8 +17,8 @@ import { NO_CERTIFICATES, PinnedCertificates } from './pinnedcertificates.js';
 
 const APPLICATION = 'nc-simulator';
 const NAMESPACE = 'urn:corvane:pre-balancing';
-/** What the node ids of the configuration rely on. */
-const NAMESPACE_INDEX = 2;
+/** What node ids that name it by number rely on. */
+export const NAMESPACE_INDEX = 2;
 const SECURE_POLICIES = [
   SecurityPolicy.Basic256Sha256,
   SecurityPolicy.Aes128_Sha256_RsaOaep,
@@ -26,13 +27,13 @@ const SECURE_POLICIES = [
 
 const idOf = (item) => `s=PreBalancing.${item.key}`;
 
-function toVariant(item, value) {
-  return new Variant({
-    dataType: DataType[item.type],
-    arrayType: item.size === undefined ? VariantArrayType.Scalar : VariantArrayType.Array,
-    value: item.size === undefined ? value : Int32Array.from(value),
-  });
-}
+/** What a client may do with an item, by the names of the access levels. */
+export const RIGHTS = Object.freeze({
+  all: 'CurrentRead | CurrentWrite',
+  read: 'CurrentRead',
+  write: 'CurrentWrite',
+  none: '',
+});
 
 /**
  * The NC's OPC UA server with the items. It emits 'changed' (key, value) when a client has written an item, be it
@@ -44,6 +45,9 @@ export class NcServer extends EventEmitter {
   #nodes = new Map();
   #values = new Map();
   #retyped = new Set();
+  #manners;
+  #nodeValues;
+  #timer;
   #folder;
 
   /**
@@ -53,6 +57,9 @@ export class NcServer extends EventEmitter {
    * @param {string} options.pki directory of the certificates
    * @param {{name: string, password: string}} [options.user] without one, everybody may log in
    * @param {boolean} [options.unsecured] offers an endpoint without security besides
+   * @param {object} [options.manners] of other makes: `advertise`, the host that its endpoints name,
+   *   `namespaceIndex` of the items, `certificate`, a key of CERTIFICATES, `isTrustedByHand`, `publishing`, `sampling`
+   *   and `session`, ms, `endSessions`, s, `oneOperation`, `integers`, the type of what usually is Int32
    * @param {(text: string) => void} options.say
    * @throws {Error} if it can't listen, or has no place for its certificates
    */
@@ -62,35 +69,47 @@ export class NcServer extends EventEmitter {
     return server;
   }
 
-  async #start({ host, port, pki, user, unsecured = false, say }) {
+  async #start({ host, port, pki, user, unsecured = false, manners = {}, say }) {
     await openPki(pki);
-    const own = await ownCertificate(pki, APPLICATION);
+    const own = await ownCertificate(pki, APPLICATION, CERTIFICATES[manners.certificate]);
+    this.#manners = manners;
+    this.#nodeValues = new NodeValues(manners.integers);
+    const isByHand = manners.isTrustedByHand ?? false;
     this.#fingerprint = fingerprintOf(await readCertificate(own.certificateFile));
     this.#server = new OPCUAServer({
       host,
-      hostname: host,
+      hostname: manners.advertise ?? host,
       port,
       serverInfo: { applicationUri: own.applicationUri, applicationName: { text: 'NC simulator', locale: 'en' } },
       nodeset_filename: [nodesets.standard],
-      serverCertificateManager: new PinnedCertificates(own.privateKeyFile, 'client', say),
-      userCertificateManager: user ? NO_CERTIFICATES : new PinnedCertificates(own.privateKeyFile, 'user', say),
+      serverCertificateManager: new PinnedCertificates(own.privateKeyFile, 'client', isByHand, say),
+      userCertificateManager: user ? NO_CERTIFICATES : new PinnedCertificates(own.privateKeyFile, 'user', isByHand, say),
       certificateFile: own.certificateFile,
       privateKeyFile: own.privateKeyFile,
       securityModes: [MessageSecurityMode.SignAndEncrypt, ...(unsecured ? [MessageSecurityMode.None] : [])],
       securityPolicies: [...SECURE_POLICIES, ...(unsecured ? [SecurityPolicy.None] : [])],
       allowAnonymous: user === undefined,
       userManager: { isValidUser: (name, password) => name === user?.name && password === user?.password },
+      serverCapabilities: manners.oneOperation ? { operationLimits: ONE_OPERATION } : {},
     });
+    revise(this.#server, manners);
     await this.#server.initialize();
     this.#makeItems();
     await this.#server.start();
+    if (manners.endSessions !== undefined) {
+      this.#timer = setInterval(() => this.endSessions(), manners.endSessions * 1000);
+    }
   }
 
   #makeItems() {
     const space = this.#server.engine.addressSpace;
+    const index = this.#manners.namespaceIndex ?? NAMESPACE_INDEX;
+    for (let before = NAMESPACE_INDEX; before < index; ++before) {
+      space.registerNamespace(`urn:something-else:${before}`);
+    }
     const namespace = space.registerNamespace(NAMESPACE);
-    if (namespace.index !== NAMESPACE_INDEX) {
-      throw new Error(`the items' namespace has index ${namespace.index} in place of ${NAMESPACE_INDEX}`);
+    if (namespace.index !== index) {
+      throw new Error(`the items' namespace has index ${namespace.index} in place of ${index}`);
     }
     this.#folder = namespace.addObject({
       organizedBy: space.rootFolder.objects,
@@ -105,18 +124,18 @@ export class NcServer extends EventEmitter {
   }
 
   #makeNode(item) {
-    const readWrite = makeAccessLevelFlag('CurrentRead | CurrentWrite');
+    const readWrite = makeAccessLevelFlag(RIGHTS.all);
     const node = this.#folder.namespace.addVariable({
       componentOf: this.#folder,
       browseName: item.key,
       nodeId: idOf(item),
       description: item.description,
-      dataType: item.type,
+      dataType: this.#nodeValues.typeOf(item),
       valueRank: item.size === undefined ? -1 : 1,
       arrayDimensions: item.size === undefined ? null : [item.size],
       accessLevel: readWrite,
       userAccessLevel: readWrite,
-      minimumSamplingInterval: 0,
+      minimumSamplingInterval: this.#manners.sampling ?? 0,
     });
     this.#nodes.set(item.key, node);
     this.#show(item);
@@ -126,7 +145,7 @@ export class NcServer extends EventEmitter {
   /** What the item holds goes to its node. */
   #show(item) {
     const value = this.#values.get(item.key);
-    const variant = toVariant(item, value ?? 0);
+    const variant = this.#nodeValues.toVariant(item, value ?? (item.type === 'String' ? '' : 0));
     const status = value === undefined ? StatusCodes.BadWaitingForInitialData : StatusCodes.Good;
     this.#nodes.get(item.key)?.setValueFromSource(variant, status);
   }
@@ -140,20 +159,15 @@ export class NcServer extends EventEmitter {
       if (range && !range.isEmpty()) {
         return done(null, StatusCodes.BadWriteNotSupported);
       }
-      const variant = dataValue.value;
-      const isArray = variant.arrayType === VariantArrayType.Array;
-      const type = this.#retyped.has(item.key) ? 'String' : item.type;
-      const value = isArray ? Array.from(variant.value ?? []) : variant.value;
-      if (
-        variant.dataType !== DataType[type] ||
-        variant.arrayType === VariantArrayType.Matrix ||
-        isArray !== (type !== 'String' && item.size !== undefined) ||
-        (type !== 'String' && !fits(item, value))
-      ) {
+      const isText = this.#retyped.has(item.key);
+      const { dataType, arrayType } = dataValue.value;
+      const value = isText ? undefined : this.#nodeValues.fromVariant(item, dataValue.value);
+      const isAnyText = dataType === DataType.String && arrayType === VariantArrayType.Scalar;
+      if (isText ? !isAnyText : value === undefined) {
         return done(null, StatusCodes.BadTypeMismatch);
       }
       return write(context, dataValue, range, (error, status) => {
-        if (!error && status.isGood() && type === item.type) {
+        if (!error && status.isGood() && !isText) {
           this.#values.set(item.key, value);
           this.emit('changed', item.key, value);
         }
@@ -180,7 +194,7 @@ export class NcServer extends EventEmitter {
 
   /** Node ids by key. */
   get nodeIds() {
-    return Object.fromEntries(ITEMS.map((item) => [item.key, `ns=${NAMESPACE_INDEX};${idOf(item)}`]));
+    return Object.fromEntries(ITEMS.map((item) => [item.key, `ns=${this.#folder.namespace.index};${idOf(item)}`]));
   }
 
   /** Value of an item, whether clients can see the item or not; undefined if it has none. */
@@ -217,7 +231,7 @@ export class NcServer extends EventEmitter {
     if (!node) {
       this.#makeNode(item);
     } else if (this.#retyped.delete(key)) {
-      this.#setType(node, item.type, item.size);
+      this.#setType(node, this.#nodeValues.typeOf(item), item.size);
       this.#show(item);
     }
   }
@@ -232,6 +246,19 @@ export class NcServer extends EventEmitter {
     }
   }
 
+  /** Clients may do less with an item, or as much as before; rights is a key of RIGHTS. */
+  restrict(key, rights) {
+    const node = this.#nodes.get(key);
+    if (node) {
+      node.accessLevel = node.userAccessLevel = makeAccessLevelFlag(RIGHTS[rights]);
+    }
+  }
+
+  /** Ends the sessions of all clients, and leaves their connections. */
+  endSessions() {
+    endSessions(this.#server);
+  }
+
   #setType(node, type, size) {
     node.dataType = this.#server.engine.addressSpace.findDataType(type).nodeId;
     node.valueRank = size === undefined ? -1 : 1;
@@ -241,6 +268,7 @@ export class NcServer extends EventEmitter {
 
   /** Ends all sessions. */
   async stop() {
+    clearInterval(this.#timer);
     await this.#server.shutdown(0);
   }
 }

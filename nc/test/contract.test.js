@@ -30,7 +30,7 @@ describe('what the NC simulator knows of the module', () => {
     assert.deepEqual({ ...Action }, decapitalised(enumOf('prebalcodes.h', 'Action'))));
 
   it('has the size of a notification', () =>
-    assert.equal(NOTIFICATION_SIZE, Number(read('contract/ncnotification.h').match(/eSize = (\d+);/)[1])));
+    assert.equal(NOTIFICATION_SIZE, Number(read('contract/ncnotification.h').match(/SIZE = (\d+);/)[1])));
 
   it('has the requests', () => {
     const { PreBalance, ReBalance, Next, End } = enumOf('ncrequests.h', 'Request');

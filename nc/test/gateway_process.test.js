@@ -38,7 +38,7 @@ test('wrong arguments are refused in one line', () => {
   for (const args of [[], ['a', 'b'], ['--help'], ['']]) {
     const { status, stderr, stdout } = run(...args);
     assert.equal(status, 3);
-    assert.equal(stderr, 'opc-gateway: usage: opc-gateway SOCKET\n');
+    assert.equal(stderr, 'opc-gateway: usage: opc-gateway SOCKET | --check\n');
     assert.equal(stdout, '');
   }
 });

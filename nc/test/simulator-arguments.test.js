@@ -60,6 +60,33 @@ describe('arguments', () => {
     assert.equal(options.plane, 2);
   });
 
+  it('say how a server of another make behaves', () => {
+    assert.deepEqual(readArguments([]).clock, 0);
+    assert.deepEqual(
+      Object.values(readArguments([]).manners).filter((value) => value !== undefined && value !== false),
+      [],
+    );
+    const options = readArguments([
+      ...['--advertise', 'nc.invalid', '--namespace-index', '7', '--certificate', 'expired', '--trust', 'by-hand'],
+      ...['--publishing', '1000', '--sampling', '500', '--session', '5000', '--end-sessions', '3', '--one-operation'],
+      ...['--integers', 'Double', '--clock=-86400', '--rotor-name', 'Spindel Ä'],
+    ]);
+    assert.deepEqual(options.manners, {
+      advertise: 'nc.invalid',
+      namespaceIndex: 7,
+      certificate: 'expired',
+      isTrustedByHand: true,
+      publishing: 1000,
+      sampling: 500,
+      session: 5000,
+      endSessions: 3,
+      oneOperation: true,
+      integers: 'Double',
+    });
+    assert.equal(options.clock, -86400);
+    assert.equal(options.rotorName, 'Spindel Ä');
+  });
+
   const machine = ['--machine', 'tcp:localhost:1'];
   for (const [argv, reason] of [
     [['--speed', '3000'], /Unknown option '--speed'/],
@@ -86,6 +113,14 @@ describe('arguments', () => {
     [['--password-file', '/p'], /--user and --password-file go together/],
     [['--user', 'nc', '--password-file', '/nowhere/p'], /can't be read: ENOENT/],
     [['--user', 'nc', '--password-file', '/nowhere/p', '--security', 'none'], /in the clear/],
+    [['--advertise', ''], /--advertise "" must be the name/],
+    [['--namespace-index', '1'], /--namespace-index "1" must be a whole number from 2 to 50/],
+    [['--certificate', 'old'], /--certificate "old" must be no-host or expired or future/],
+    [['--trust', 'all'], /--trust "all" must be by-hand/],
+    [['--publishing', '0'], /--publishing "0"/],
+    [['--integers', 'Int32'], /--integers "Int32" must be Int16 or/],
+    [['--clock', 'tomorrow'], /--clock "tomorrow" must be a number of seconds/],
+    [['--clock', '1000000000000'], /--clock "1000000000000"/],
     [['--rotor', '/nowhere/rotor.json'], /rotor.json: can't be read/],
   ]) {
     it(`${argv.join(' ')} is refused in one line`, () => {

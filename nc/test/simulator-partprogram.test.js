@@ -206,7 +206,7 @@ describe('a pre-balancing', () => {
     ]);
   });
 
-  it('writes target and rotation, and asks for the start when they have stood', async () => {
+  it('writes target, rotation and the name of the rotor, and asks for the start when they have stood', async () => {
     const items = new FakeItems();
     const written = [];
     items.on('written', (key, value) => written.push([key, value, performance.now()]));
@@ -214,15 +214,17 @@ describe('a pre-balancing', () => {
       items,
       target: 33,
       rotation: 1,
+      rotorName: 'S 7',
       times: { valueStands: 40 },
     });
-    const [target, rotation, request] = written;
-    assert.deepEqual([target, rotation, request].map(([key, value]) => [key, value]), [
+    const first = written.slice(0, 4);
+    assert.deepEqual(first.map(([key, value]) => [key, value]), [
       ['TargetUnbalance', 33],
       ['RotationDirection', 1],
+      ['RotorName', 'S 7'],
       ['Request', 1],
     ]);
-    assert.ok(request[2] - rotation[2] >= 39);
+    assert.ok(first[3][2] - first[2][2] >= 39);
   });
 });
 

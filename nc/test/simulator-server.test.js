@@ -39,7 +39,10 @@ function pkiFor(name) {
   return join(root, name);
 }
 
-const ITEMS = ['Request', 'Notification', 'Warning', 'TestWeight', 'TargetUnbalance', 'RotationDirection'];
+const ITEMS = [
+  ...['Request', 'Notification', 'Warning', 'TestWeight', 'TargetUnbalance', 'RotationDirection', 'RotorName'],
+];
+const TYPES = { TestWeight: 'Double', TargetUnbalance: 'Double', RotorName: 'String' };
 const SAMPLE = [3, 4, 30, -1, 210, -1, -1, -1, 0, 0, 0, 0, 0, 0];
 
 describe('a generic client', () => {
@@ -71,14 +74,13 @@ describe('a generic client', () => {
   it('reads zeros of the interface, and nothing where the NC has no wish', async () => {
     const states = await Promise.all(ITEMS.map((name) => client.read(items[name])));
     assert.deepEqual(states.slice(0, 3).map(({ value }) => value), [0, new Array(14).fill(0), 0]);
-    assert.deepEqual(states.map(({ status }) => status), [...Array(3).fill('Good'), ...Array(3).fill('BadWaitingForInitialData')]);
+    assert.deepEqual(states.map(({ status }) => status), [...Array(3).fill('Good'), ...Array(4).fill('BadWaitingForInitialData')]);
   });
 
   it('writes and reads every item, and the program hears of it', async () => {
-    const values = [3, SAMPLE, 8, 2.5, 7.25, -1];
+    const values = [3, SAMPLE, 8, 2.5, 7.25, -1, 'Spindel "Ä 7"'];
     for (const [place, value] of values.entries()) {
-      const type = ['TestWeight', 'TargetUnbalance'].includes(ITEMS[place]) ? 'Double' : 'Int32';
-      assert.equal(await client.write(items[ITEMS[place]], type, value), 'Good');
+      assert.equal(await client.write(items[ITEMS[place]], TYPES[ITEMS[place]] ?? 'Int32', value), 'Good');
       assert.deepEqual(await simulator.next('changed'), { item: ITEMS[place], value });
       assert.deepEqual(await client.read(items[ITEMS[place]]), { status: 'Good', value });
     }
@@ -96,6 +98,7 @@ describe('a generic client', () => {
     ['an Int16 for an Int32', 'Request', 'Int16', 1],
     ['a text', 'Warning', 'String', '1'],
     ['an Int32 for a Double', 'TestWeight', 'Int32', 1],
+    ['a number for a text', 'RotorName', 'Int32', 7],
     ['a number for an array', 'Notification', 'Int32', 1],
     ['an array for a number', 'Request', 'Int32', [1]],
     ['an array of 13', 'Notification', 'Int32', SAMPLE.slice(1)],

@@ -1,0 +1,7 @@
+#include "console/log.h"
+
+namespace Console {
+
+CLogComponent* g_pLog = CLogComponent::Register("Console", {});
+
+}  // namespace Console
