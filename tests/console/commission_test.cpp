@@ -104,6 +104,22 @@ TEST_F(CCommissionTest, ScrewsGetHolesAndScaleOfTheirPlane) {
     EXPECT_EQ(pScrews->GetScalingDirection(), CTypeBase::eCounterClockwise);
 }
 
+TEST_F(CCommissionTest, ARingThatThePagesDontTakeIsRefused) {
+    for (const int nHoles : {2, 25, 36}) {
+        m_Rotor.m_Planes[0].m_Holes = nHoles;
+        m_Options.m_Methods = {"screws"};
+        try {
+            SetUpFor();
+            ADD_FAILURE() << nHoles;
+        } catch (const CSessionError& rError) {
+            EXPECT_THAT(rError.what(),
+                        AllOf(HasSubstr(std::to_string(nHoles) + " holes"), HasSubstr("3 to 24")));
+        }
+    }
+    m_Options.m_Methods = {"weights"};
+    EXPECT_NO_THROW(SetUpFor()) << "weights need no holes";
+}
+
 TEST_F(CCommissionTest, ConfigurationThatAgreesIsLeftAloneWithoutAWord) {
     EXPECT_TRUE(SetUpFor().m_bWritten || GetRotation() == CTypeBase::eClockwise);
     Change(Calibrate);

@@ -23,11 +23,11 @@ protected:
         m_Situation.m_Progress.m_Readings[0] = {true, bComplete, Amplitude, 0.0};
         m_Situation.m_Notification.m_Values[0] = Step;
         m_Situation.m_Notification.m_Values[1] = CPreBalCodes::eMeasure;
-        m_Loop.Advance(CRunDriver::eLookPeriod);
+        m_Loop.Advance(CRunDriver::LOOK_PERIOD);
     }
     void End() {
         m_Situation = CSituation();
-        m_Loop.Advance(CRunDriver::eLookPeriod);
+        m_Loop.Advance(CRunDriver::LOOK_PERIOD);
     }
 
     CVirtualEventLoop m_Loop;

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "contract/actions.h"
+#include "contract/warnings.h"
 #include "platform/system/virtualeventloop.h"
 
 using nlohmann::json;
@@ -11,8 +12,8 @@ using testing::IsEmpty;
 
 namespace {
 
-constexpr std::int32_t eMenuConfirm = 0;
-constexpr std::int32_t eMenuWait = 4;
+constexpr std::int32_t MENU_CONFIRM = 0;
+constexpr std::int32_t MENU_WAIT = 4;
 
 /// A panel that shows what a test puts there.
 class CFakePanel : public IFOperatorPanel {
@@ -54,7 +55,7 @@ protected:
     CFakeMachine m_Machine;
 };
 
-constexpr const char* eWeights = R"({"weights":{"angles":[30,180],"plane":1}})";
+constexpr const char* WEIGHTS = R"({"weights":{"angles":[30,180],"plane":1}})";
 
 }  // namespace
 
@@ -62,32 +63,32 @@ constexpr const char* eWeights = R"({"weights":{"angles":[30,180],"plane":1}})";
 TEST_F(OperatorTest, WeightsAreFittedOnceHoweverLongTheKeyIsMissing) {
     COperator Operator(m_Panel, &m_Machine, 3000);
     Operator.Start();
-    m_Panel.Ask(CNcNotification::eSetWeights, eMenuWait);
+    m_Panel.Ask(CNcNotification::eSetWeights, MENU_WAIT);
     m_Loop.Advance(10000);
-    EXPECT_THAT(m_Machine.m_Requests, ElementsAre(eWeights));
+    EXPECT_THAT(m_Machine.m_Requests, ElementsAre(WEIGHTS));
     EXPECT_THAT(m_Panel.m_Keys, IsEmpty());
-    m_Panel.Ask(CNcNotification::eSetWeights, eMenuConfirm);
+    m_Panel.Ask(CNcNotification::eSetWeights, MENU_CONFIRM);
     m_Loop.Advance(250);
     EXPECT_THAT(m_Panel.m_Keys, ElementsAre(Actions::eNext));
-    EXPECT_THAT(m_Machine.m_Requests, ElementsAre(eWeights));
+    EXPECT_THAT(m_Machine.m_Requests, ElementsAre(WEIGHTS));
 }
 
 TEST_F(OperatorTest, WeightsAreFittedAnewWhenAskedForAgainLater) {
     COperator Operator(m_Panel, &m_Machine, 3000);
     Operator.Start();
     for (int i = 0; i < 2; ++i) {
-        m_Panel.Ask(CNcNotification::eSetWeights, eMenuConfirm);
+        m_Panel.Ask(CNcNotification::eSetWeights, MENU_CONFIRM);
         m_Loop.Advance(500);
-        m_Panel.Ask(CNcNotification::eMeasure, eMenuWait);
+        m_Panel.Ask(CNcNotification::eMeasure, MENU_WAIT);
         m_Loop.Advance(500);
     }
-    EXPECT_THAT(m_Machine.m_Requests, ElementsAre(eWeights, eWeights));
+    EXPECT_THAT(m_Machine.m_Requests, ElementsAre(WEIGHTS, WEIGHTS));
 }
 
 TEST_F(OperatorTest, SpeedIsCommandedOnce) {
     COperator Operator(m_Panel, &m_Machine, 3000);
     Operator.Start();
-    m_Panel.Ask(CNcNotification::eSpindleStop, eMenuWait);
+    m_Panel.Ask(CNcNotification::eSpindleStop, MENU_WAIT);
     m_Loop.Advance(5000);
     EXPECT_THAT(m_Machine.m_Requests, ElementsAre(R"({"speed":0})"));
 }
@@ -96,11 +97,11 @@ TEST_F(OperatorTest, SpeedIsCommandedOnce) {
 TEST_F(OperatorTest, SpeedIsConfirmedOnceThePageShowsIt) {
     COperator Operator(m_Panel, &m_Machine, 3000);
     Operator.Start();
-    m_Panel.Ask(CNcNotification::eNone, eMenuWait);
+    m_Panel.Ask(CNcNotification::eNone, MENU_WAIT);
     m_Loop.Advance(500);
     for (const std::uint32_t RPM : {0U, 1500U, 2800U}) {
         m_Panel.m_Situation.m_Progress.m_CurrentRPM = RPM;
-        m_Panel.Ask(CNcNotification::eSetSpindleSpeed, eMenuConfirm);
+        m_Panel.Ask(CNcNotification::eSetSpindleSpeed, MENU_CONFIRM);
         m_Loop.Advance(2000);
         EXPECT_THAT(m_Panel.m_Keys, IsEmpty()) << RPM;
     }
@@ -110,11 +111,45 @@ TEST_F(OperatorTest, SpeedIsConfirmedOnceThePageShowsIt) {
     EXPECT_THAT(m_Machine.m_Requests, ElementsAre(R"({"speed":3000})"));
 }
 
+// The module heard of the stop when it had gone on already.
+TEST_F(OperatorTest, ASpindleThatStandsIsNotConfirmedAsTheWorkingSpeed) {
+    COperator Operator(m_Panel, &m_Machine, 3000);
+    Operator.Start();
+    m_Panel.Ask(CNcNotification::eSpindleStop, MENU_WAIT);
+    m_Loop.Advance(500);
+    m_Panel.m_Situation.m_Progress.m_CurrentRPM = 0;
+    m_Panel.Ask(CNcNotification::eSetSpindleSpeed, MENU_CONFIRM);
+    m_Loop.Advance(500);
+    EXPECT_THAT(m_Panel.m_Keys, IsEmpty());
+    EXPECT_THAT(m_Machine.m_Requests, ElementsAre(R"({"speed":0})", R"({"speed":3000})"));
+}
+
+TEST_F(OperatorTest, AWorkingSpeedThatIsAskedForAtOnceIsCommanded) {
+    COperator Operator(m_Panel, &m_Machine, 3000);
+    Operator.Start();
+    m_Panel.Ask(CNcNotification::eSetSpindleSpeed, MENU_CONFIRM);
+    m_Loop.Advance(500);
+    EXPECT_THAT(m_Panel.m_Keys, IsEmpty());
+    EXPECT_THAT(m_Machine.m_Requests, ElementsAre(R"({"speed":3000})"));
+}
+
+TEST_F(OperatorTest, AMeasurementThatMissesTheSpeedGetsIt) {
+    COperator Operator(m_Panel, &m_Machine, 3000);
+    Operator.Start();
+    m_Panel.m_Situation.m_Progress.m_CalibratedRPM = 2500;
+    m_Panel.Ask(CNcNotification::eMeasure, MENU_WAIT);
+    m_Loop.Advance(500);
+    EXPECT_THAT(m_Machine.m_Requests, IsEmpty());
+    m_Panel.m_Situation.m_Warning = Warnings::eWrongRPM;
+    m_Loop.Advance(5000);
+    EXPECT_THAT(m_Machine.m_Requests, ElementsAre(R"({"speed":2500})"));
+}
+
 TEST_F(OperatorTest, RefusalOfTheMachineEndsTheRunWithItsReason) {
     COperator Operator(m_Panel, &m_Machine, 3000);
     m_Machine.m_Answer = {{"error", "the door is open"}};
     Operator.Start();
-    m_Panel.Ask(CNcNotification::eSetWeights, eMenuConfirm);
+    m_Panel.Ask(CNcNotification::eSetWeights, MENU_CONFIRM);
     m_Loop.Advance(1000);
     EXPECT_EQ(Operator.GetOutcome(), CRunDriver::Outcome::eStuck);
     EXPECT_EQ(Operator.GetReason(), "the machine refuses: the door is open");
@@ -126,7 +161,7 @@ TEST_F(OperatorTest, WithoutAMachineSomebodyIsToldOnce) {
     int nFitted = 0;
     Operator.OnFitted = [&nFitted](const CFitting&) { ++nFitted; };
     Operator.Start();
-    m_Panel.Ask(CNcNotification::eSetWeights, eMenuConfirm);
+    m_Panel.Ask(CNcNotification::eSetWeights, MENU_CONFIRM);
     m_Loop.Advance(5000);
     EXPECT_EQ(m_Panel.m_Said.size(), 1U);
     EXPECT_EQ(nFitted, 1);

@@ -166,6 +166,11 @@ TEST(OptionsTest, TheVersionIsTold) {
     EXPECT_EQ(End.m_Text, std::string("console ") + GetProjectVersion());
 }
 
+TEST(OptionsTest, TheRotorHasTheNameThatItIsGiven) {
+    EXPECT_EQ(ParseGood({}).m_RotorName, "");
+    EXPECT_EQ(ParseGood({"--rotor-name", " Spindel 7\n"}).m_RotorName, "Spindel 7");
+}
+
 TEST(OptionsTest, ARunDrivenByAnNcTakesRealTime) {
     EXPECT_TRUE(ParseGood({"--headless"}).IsVirtualTime());
     const auto Options = ParseGood({"--headless", "--nc", "opcua", "--test-weight", "2.5"});
@@ -190,4 +195,18 @@ TEST(OptionsTest, TheTestWeightIsTheNcsToAskFor) {
         EXPECT_LT(Text.size(), 120U) << Text;
     }
     EXPECT_NE(ParseBad({"--nc", "telepathy"}).find("telepathy"), std::string::npos);
+}
+
+TEST(OptionsTest, ALanguageThatIsThereIsTakenAndAnotherIsToldWithThoseThatAre) {
+    EXPECT_EQ(ParseGood({"--language", "de"}).m_Language, "de");
+    EXPECT_EQ(ParseGood({}).m_Language, "");
+    EXPECT_NE(ParseBad({"--language", "xx"}).find("there is no language \"xx\"; there are de, en"),
+              std::string::npos);
+}
+
+TEST(OptionsTest, WhatBelongsToTheWindowIsRefusedWithoutOne) {
+    EXPECT_TRUE(ParseGood({"--full-screen"}).m_bFullScreen);
+    EXPECT_TRUE(ParseGood({"--touch"}).m_bTouch);
+    EXPECT_NE(ParseBad({"--headless", "--full-screen"}).find("--headless"), std::string::npos);
+    EXPECT_NE(ParseBad({"--headless", "--touch"}).find("--headless"), std::string::npos);
 }

@@ -36,7 +36,7 @@ TEST(ProcessWork, OneThatComputesWorksHoweverSlowlyByTheClock) {
         const std::uint32_t TimerID =
             Loop.SetTimer(1000, [&](std::uint32_t) { bWorked = Work.HasWorked(Busy.GetPid()); });
         EXPECT_TRUE(Loop.RunUntil([&] { return bWorked; }, eTimeout));
-        EXPECT_GE(Work.GetTotal(), nPeriods * CProcessWork::eLeast);
+        EXPECT_GE(Work.GetTotal(), nPeriods * CProcessWork::LEAST);
         Loop.KillTimer(TimerID);
     }
 }

@@ -27,10 +27,10 @@ TEST(InitFlags, BitsAboveTheFieldsDoNotCount) {
 }
 
 TEST(InitFlags, WhatIsPutInComesOut) {
-    constexpr CInitFlags Flags(2, 6, CInitFlags::eLanner, CInitFlags::ePlane2Hardware);
+    constexpr CInitFlags Flags(2, 6, CInitFlags::LANNER, CInitFlags::PLANE2_HARDWARE);
     EXPECT_EQ(Flags.GetValue(), 0x05090602);
-    EXPECT_EQ(CInitFlags(0, CInitFlags::eNoSlave, CInitFlags::eKestrel).GetValue(), 0x0001FF00);
-    EXPECT_FALSE(CInitFlags(0, CInitFlags::eNoSlave, CInitFlags::eKestrel).HasSlave());
+    EXPECT_EQ(CInitFlags(0, CInitFlags::NO_SLAVE, CInitFlags::KESTREL).GetValue(), 0x0001FF00);
+    EXPECT_FALSE(CInitFlags(0, CInitFlags::NO_SLAVE, CInitFlags::KESTREL).HasSlave());
     EXPECT_EQ(Flags.GetPlane(), 1);
     EXPECT_TRUE(Flags.IsLanner());
 }

@@ -21,6 +21,8 @@ TEST(ContractNumbers, MessagesToTheModule) {
     EXPECT_EQ(WM_RV_QUERYPROGRESS, 1152U);
     EXPECT_EQ(WM_RV_STORECHANGED, 1153U);
     EXPECT_EQ(WM_RV_QUERYCONFIGURATION, 1154U);
+    EXPECT_EQ(WM_RV_LANGUAGECHANGED, 1155U);
+    EXPECT_EQ(WM_RV_QUERYREADINGS, 1156U);
 }
 
 TEST(ContractNumbers, MessagesToTheHost) {
@@ -145,5 +147,5 @@ TEST(ContractNumbers, PlacesOfANotification) {
     EXPECT_EQ(CNcNotification::GetPlace(0, 0), 2U);
     EXPECT_EQ(CNcNotification::GetPlace(0, 2), 6U);
     EXPECT_EQ(CNcNotification::GetPlace(1, 0), 8U);
-    EXPECT_EQ(CNcNotification::GetPlace(1, 2) + 1, CNcNotification::eSize - 1);
+    EXPECT_EQ(CNcNotification::GetPlace(1, 2) + 1, CNcNotification::SIZE - 1);
 }

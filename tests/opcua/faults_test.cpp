@@ -29,8 +29,8 @@ namespace {
 class CStallMeter {
 public:
     CStallMeter() {
-        constexpr std::uint32_t ePeriod = 20;
-        m_Id = IFEventLoop::Current().SetTimer(ePeriod, [this](std::uint32_t) {
+        constexpr std::uint32_t PERIOD = 20;
+        m_Id = IFEventLoop::Current().SetTimer(PERIOD, [this](std::uint32_t) {
             const std::uint64_t Now = m_Clock.Now();
             m_Longest = std::max(m_Longest, Now - m_Last);
             m_Last = Now;

@@ -14,6 +14,7 @@
 #include "simulator/machineclient.h"
 #include "tests/opcua/children.h"
 #include "tests/opcua/ncserver.h"
+#include "tests/support/jsonschema.h"
 #include "tests/support/testpaths.h"
 
 using nlohmann::json;
@@ -45,7 +46,7 @@ public:
     }
     ~CNcRun() {
         m_Console.kill();
-        m_Console.waitForFinished(CNcServer::ePatience);
+        m_Console.waitForFinished(CNcServer::PATIENCE);
     }
 
     /// The report, when the run has ended.
@@ -53,7 +54,9 @@ public:
         EXPECT_TRUE(m_Console.waitForFinished(RUN_TIMEOUT));
         m_Output = m_Console.readAll().toStdString();
         std::ifstream In(m_Directory.filePath("report.json").toStdString());
-        return json::parse(In, nullptr, false);
+        auto Report = json::parse(In, nullptr, false);
+        EXPECT_EQ(CheckReport(Report), "");
+        return Report;
     }
     int GetExitCode() const { return m_Console.exitCode(); }
     const std::string& GetOutput() const { return m_Output; }
@@ -76,14 +79,14 @@ public:
         m_Process.start(QString::fromStdString(TestProgram("simulator")),
                         {"--frames", "tcp:127.0.0.1:0", "--machine", "tcp:127.0.0.1:0", "--rotor", Rotor});
         while (m_Links.size() < 2 &&
-               (m_Process.canReadLine() || m_Process.waitForReadyRead(CNcServer::ePatience))) {
+               (m_Process.canReadLine() || m_Process.waitForReadyRead(CNcServer::PATIENCE))) {
             const QStringList Words = QString::fromUtf8(m_Process.readLine()).trimmed().split(" on ");
             m_Links[Words.front()] = Words.back();
         }
     }
     ~CMachineProcess() {
         m_Process.kill();
-        m_Process.waitForFinished(CNcServer::ePatience);
+        m_Process.waitForFinished(CNcServer::PATIENCE);
     }
     /// "frames" or "machine".
     QString GetLink(const char* pName) const { return m_Links.at(pName); }
@@ -92,6 +95,42 @@ private:
     QTemporaryDir m_Directory;
     QProcess m_Process;
     std::map<QString, QString> m_Links;
+};
+
+/// An NC with a part program, beside the console.
+class CNcProcess {
+public:
+    explicit CNcProcess(const CMachineProcess& rMachine, const QStringList& rArguments) {
+        EndWithUs(m_Process);
+        m_Process.start(QString::fromStdString(TestProgram("nc-simulator")),
+                        QStringList{"--json", "--port", "0", "--pki", m_Directory.filePath("nc"), "--machine",
+                                    rMachine.GetLink("machine")} +
+                            rArguments);
+        while (m_Listening.is_null() &&
+               (m_Process.canReadLine() || m_Process.waitForReadyRead(CNcServer::PATIENCE))) {
+            const json Line = json::parse(m_Process.readLine().toStdString(), nullptr, false);
+            m_Listening = Line.is_object() && Line.contains("listening") ? Line["listening"] : json();
+        }
+    }
+    ~CNcProcess() {
+        m_Process.kill();
+        m_Process.waitForFinished(CNcServer::PATIENCE);
+    }
+    /// An installation's opc.json that names it, with one item besides those of every run.
+    json GetOpc(const char* pKey, const char* pItem) const {
+        const json& rItems = m_Listening.at("items");
+        return {{"server", m_Listening.at("url")},
+                {"items",
+                 {{NcItems::REQUEST, rItems.at("Request")},
+                  {NcItems::NOTIFICATION, rItems.at("Notification")},
+                  {NcItems::WARNING, rItems.at("Warning")},
+                  {pKey, rItems.at(pItem)}}}};
+    }
+
+private:
+    QTemporaryDir m_Directory;
+    QProcess m_Process;
+    json m_Listening;
 };
 
 /// Whether a test of the present suite will run here and now.
@@ -166,41 +205,24 @@ TEST(NcCompanions, NothingIsLeftRunningWhenTheConsoleIsKilled) {
             Output += Run.GetConsole().readAll().toStdString();
             return Output.find("step 1/11") != std::string::npos;
         },
-        CNcServer::ePatience))
+        CNcServer::PATIENCE))
         << Output;
     const std::set<int> Children = FindChildren(static_cast<int>(Run.GetConsole().processId()));
     EXPECT_GE(Children.size(), 3U);  // rotor simulator, NC simulator, gateway
     Run.GetConsole().kill();
     EXPECT_TRUE(CNcServer::RunUntil([&] { return std::none_of(Children.begin(), Children.end(), IsAlive); },
-                                    CNcServer::ePatience));
+                                    CNcServer::PATIENCE));
 }
 
 /// The verdict is judged by the target that the NC has set: the configuration's own would be missed by far.
 TEST(NcRun, TheTargetThatTheNcSetsDecidesTheVerdict) {
     CQtEventLoop Loop;
-    CMachineProcess Machine(R"(, "planes": [{"unbalance": {"amount": 2.4, "angle_deg": 77}}])");
-    QTemporaryDir Directory;
-    QProcess Nc;
-    EndWithUs(Nc);
-    Nc.start(QString::fromStdString(TestProgram("nc-simulator")),
-             {"--json", "--port", "0", "--pki", Directory.filePath("nc"), "--machine",
-              Machine.GetLink("machine"), "--target", "90"});
-    json Listening;
-    while (Listening.is_null() && (Nc.canReadLine() || Nc.waitForReadyRead(CNcServer::ePatience))) {
-        const json Line = json::parse(Nc.readLine().toStdString(), nullptr, false);
-        Listening = Line.is_object() && Line.contains("listening") ? Line["listening"] : json();
-    }
-    ASSERT_TRUE(Listening.is_object());
-    const json& rItems = Listening["items"];
+    const CMachineProcess Machine(R"(, "planes": [{"unbalance": {"amount": 2.4, "angle_deg": 77}}])");
+    const CNcProcess Nc(Machine, {"--target", "90"});
     CNcRun Run(
         "",
         {"--link", Machine.GetLink("frames"), "--machine", Machine.GetLink("machine"), "--method", "screws"},
-        {{"server", Listening["url"]},
-         {"items",
-          {{NcItems::REQUEST, rItems["Request"]},
-           {NcItems::NOTIFICATION, rItems["Notification"]},
-           {NcItems::WARNING, rItems["Warning"]},
-           {NcItems::TARGET_UNBALANCE, rItems["TargetUnbalance"]}}}});
+        Nc.GetOpc(NcItems::TARGET_UNBALANCE, "TargetUnbalance"));
     const json Report = Run.Finish();
     ASSERT_TRUE(Report.is_object()) << Run.GetOutput();
     EXPECT_EQ(Run.GetExitCode(), 0) << Run.GetOutput();
@@ -208,8 +230,49 @@ TEST(NcRun, TheTargetThatTheNcSetsDecidesTheVerdict) {
     EXPECT_EQ(Report["result"], "SetupSuccess");
     EXPECT_GT(Report["final"][0]["amplitude"].get<double>(), 5.0);
     EXPECT_THAT(Report["assertions"], IsEmpty());
-    Nc.kill();
-    Nc.waitForFinished(CNcServer::ePatience);
+}
+
+/// The archive finds the run by the name that the NC has given, not by the one of the command line.
+TEST(NcRun, TheRunIsKeptUnderTheNameThatTheNcGives) {
+    CQtEventLoop Loop;
+    const CMachineProcess Machine("");
+    const CNcProcess Nc(Machine, {"--rotor-name", "Spindel \"Ä 7\""});
+    CNcRun Run("",
+               {"--link", Machine.GetLink("frames"), "--machine", Machine.GetLink("machine"), "--rotor-name",
+                "given here"},
+               Nc.GetOpc(NcItems::ROTOR_NAME, "RotorName"));
+    const json Report = Run.Finish();
+    ASSERT_TRUE(Report.is_object()) << Run.GetOutput();
+    EXPECT_EQ(Run.GetExitCode(), 0) << Run.GetOutput();
+    EXPECT_EQ(Report["rotor"], "Spindel \"Ä 7\"");
+    EXPECT_THAT(Report["assertions"], IsEmpty());
+    QProcess Archive;
+    Archive.start(
+        QString::fromStdString(TestProgram("console")),
+        {"archive", "list", "--json", "--rotor", "Spindel \"Ä 7\"", "--config-dir", Run.GetFile("root")});
+    ASSERT_TRUE(Archive.waitForFinished(CNcServer::PATIENCE));
+    const json Runs = json::parse(Archive.readAllStandardOutput().toStdString(), nullptr, false);
+    ASSERT_TRUE(Runs.is_array()) << Archive.readAllStandardError().toStdString();
+    ASSERT_EQ(Runs.size(), 1U);
+    EXPECT_EQ(Runs[0]["rotor"], "Spindel \"Ä 7\"");
+}
+
+/// All that is within the rules at once: names, numbers, types, times, and sessions that end in the middle;
+/// long enough for a busy machine to connect and go a step on.
+TEST(NcRun, AnNcOfAnotherMakeDrivesARunToItsEnd) {
+    CQtEventLoop Loop;
+    const CMachineProcess Machine("");
+    const CNcProcess Nc(
+        Machine, {"--advertise", "name-of-the-nc.invalid", "--namespace-index", "7", "--certificate",
+                  "no-host", "--one-operation", "--integers", "Double", "--publishing", "200", "--session",
+                  "15000", "--end-sessions", "20", "--clock=-86400"});
+    CNcRun Run("", {"--link", Machine.GetLink("frames"), "--machine", Machine.GetLink("machine")},
+               Nc.GetOpc(NcItems::ROTOR_NAME, "RotorName"));
+    const json Report = Run.Finish();
+    ASSERT_TRUE(Report.is_object()) << Run.GetOutput();
+    ASSERT_EQ(Run.GetExitCode(), 0) << Run.GetOutput();
+    EXPECT_EQ(Report["result"], "SetupSuccess");
+    EXPECT_LT(Report["final"][0]["amplitude"].get<double>(), 5.0);
 }
 
 /// What is on the rotor is asked of the machine itself, not of the module.
@@ -225,6 +288,6 @@ TEST(NcRun, TheMachineIsLeftBalanced) {
     const auto pMachine = CMachineClient::Create(Machine.GetLink("machine").toStdString(), Error);
     std::optional<json> State;
     pMachine->Request({{"state", json::object()}}, [&](const json& rAnswer) { State = rAnswer; });
-    ASSERT_TRUE(CNcServer::RunUntil([&] { return State.has_value(); }, CNcServer::ePatience));
+    ASSERT_TRUE(CNcServer::RunUntil([&] { return State.has_value(); }, CNcServer::PATIENCE));
     EXPECT_LT(State->at("residual").at(0).at("amount").get<double>(), 0.04) << *State;
 }

@@ -22,7 +22,7 @@ class CNcServer {
 public:
     /// For whatever must come at all: starts of programs, connections, answers; on a busy machine they take
     /// many times as long.
-    static constexpr std::uint32_t ePatience = 240000;
+    static constexpr std::uint32_t PATIENCE = 240000;
 
     CNcServer() {
         m_Process.setProcessChannelMode(QProcess::SeparateChannels);
@@ -32,25 +32,27 @@ public:
     CNcServer(const CNcServer&) = delete;
     CNcServer& operator=(const CNcServer&) = delete;
 
-    /// On a free port the first time, on the same one afterwards.
-    void Start() {
+    /// On a free port the first time, on the same one afterwards. With more arguments, if there are any.
+    void Start(const QStringList& rMore = {}) {
         m_Values.clear();
         m_Buffer.clear();
         m_Listening = nullptr;
-        m_Process.start(QString::fromStdString(TestProgram("nc-simulator")),
-                        {"--json", "--port", QString::number(m_Port), "--pki", m_Directory.filePath("nc")});
+        m_Process.start(
+            QString::fromStdString(TestProgram("nc-simulator")),
+            QStringList{"--json", "--port", QString::number(m_Port), "--pki", m_Directory.filePath("nc")} +
+                rMore);
         const auto IsListening = [this] {
             Read();
             return !m_Listening.is_null();
         };
-        ASSERT_TRUE(RunUntil(IsListening, ePatience))
+        ASSERT_TRUE(RunUntil(IsListening, PATIENCE))
             << m_Process.readAllStandardError().toStdString() << m_Process.state() << m_Buffer;
         m_Port = m_Listening.at("port").get<int>();
     }
     /// As a power failure would.
     void Kill() {
         m_Process.kill();
-        m_Process.waitForFinished(ePatience);
+        m_Process.waitForFinished(PATIENCE);
     }
     /// How the module reaches it.
     COpcSetup GetSetup() const {
@@ -66,12 +68,14 @@ public:
         return Setup;
     }
 
+    std::string GetUrl() const { return m_Listening.at("url"); }
     /// Node id of one of its items.
     std::string GetItem(const char* pItem) const { return m_Listening.at("items").at(pItem); }
 
     void Send(const nlohmann::json& rOrder) {
         const std::string Line = rOrder.dump() + "\n";
         m_Process.write(Line.data(), static_cast<qint64>(Line.size()));
+        m_Process.waitForBytesWritten(PATIENCE);  // a test may go on without the loop
     }
     void Write(const char* pItem, const nlohmann::json& rValue) {
         Send({{"write", {{"item", pItem}, {"value", rValue}}}});
@@ -94,7 +98,7 @@ public:
                 }
                 return Found.has_value();
             },
-            ePatience);
+            PATIENCE);
         return Found;
     }
     /// The module's answer to a request; 99 if it doesn't come.
@@ -111,8 +115,8 @@ public:
 
     /// Runs the loop until then, and looks every few ms.
     static bool RunUntil(const std::function<bool()>& rDone, std::uint32_t Timeout) {
-        constexpr std::uint32_t eLookPeriod = 10;
-        const std::uint32_t Id = IFEventLoop::Current().SetTimer(eLookPeriod, [](std::uint32_t) {});
+        constexpr std::uint32_t LOOK_PERIOD = 10;
+        const std::uint32_t Id = IFEventLoop::Current().SetTimer(LOOK_PERIOD, [](std::uint32_t) {});
         const bool bDone = IFEventLoop::Current().RunUntil(rDone, Timeout);
         IFEventLoop::Current().KillTimer(Id);
         return bDone;

@@ -19,8 +19,8 @@ using testing::HasSubstr;
 
 namespace {
 
-constexpr int eDone = 0;
-constexpr int eRefused = -1;
+constexpr int DONE = 0;
+constexpr int REFUSED = -1;
 
 class CRequestsTest : public testing::Test {
 protected:
@@ -38,7 +38,7 @@ protected:
     void Initialise() {
         ASSERT_TRUE(m_pSession->Initialise());
         ASSERT_EQ(NextStep(), CPreBalCodes::eParameter);
-        ASSERT_EQ(m_Nc.NextValue("Request"), eDone);
+        ASSERT_EQ(m_Nc.NextValue("Request"), DONE);
     }
     /// Step of the next notification; 99 if none comes.
     int NextStep() {
@@ -73,38 +73,38 @@ TEST_F(CRequestsTest, WithoutAProcedureOnlyAStartIsTaken) {
     const CLogCapture Log;
     Open();
     Initialise();
-    EXPECT_EQ(m_Nc.Ask(3), eRefused);
-    EXPECT_EQ(m_Nc.Ask(4), eRefused);
-    EXPECT_EQ(m_Nc.Ask(2), eRefused) << "the configuration isn't calibrated";
-    EXPECT_EQ(m_Nc.Ask(5), eRefused);
+    EXPECT_EQ(m_Nc.Ask(3), REFUSED);
+    EXPECT_EQ(m_Nc.Ask(4), REFUSED);
+    EXPECT_EQ(m_Nc.Ask(2), REFUSED) << "the configuration isn't calibrated";
+    EXPECT_EQ(m_Nc.Ask(5), REFUSED);
     EXPECT_THAT(Log.GetTexts("Warning"), Contains("Unknown Request received: 5 (0x5)!"));
     // Idle is no request: the answer that comes next is the one to what follows.
     m_Nc.Write("Request", 0);
-    EXPECT_EQ(m_Nc.Ask(1), eDone);
+    EXPECT_EQ(m_Nc.Ask(1), DONE);
     EXPECT_EQ(NextStep(), CPreBalCodes::eSetup);
 }
 
 TEST_F(CRequestsTest, AProcedureIsStartedStepsOnAndEnds) {
     Open();
     Initialise();
-    EXPECT_EQ(m_Nc.Ask(1), eDone);
+    EXPECT_EQ(m_Nc.Ask(1), DONE);
     const auto First = m_Nc.NextValue("Notification");
     ASSERT_TRUE(First);
     EXPECT_EQ(First->at(0), CPreBalCodes::eSetup);
     EXPECT_EQ(First->at(1), CPreBalCodes::eSetWeights);
     EXPECT_EQ(First->size(), 14U);
 
-    EXPECT_EQ(m_Nc.Ask(1), eRefused) << "a procedure runs";
-    EXPECT_EQ(m_Nc.Ask(2), eRefused) << "a procedure runs";
-    EXPECT_EQ(m_Nc.Ask(77), eRefused);
+    EXPECT_EQ(m_Nc.Ask(1), REFUSED) << "a procedure runs";
+    EXPECT_EQ(m_Nc.Ask(2), REFUSED) << "a procedure runs";
+    EXPECT_EQ(m_Nc.Ask(77), REFUSED);
     EXPECT_FALSE(m_Nc.HasNews("Notification")) << "refusals disturb nothing";
     EXPECT_TRUE(IsRunning());
 
-    EXPECT_EQ(m_Nc.Ask(3), eDone);
+    EXPECT_EQ(m_Nc.Ask(3), DONE);
     const auto Second = m_Nc.NextValue("Notification");
     ASSERT_TRUE(Second);
     EXPECT_NE(*Second, *First);
-    EXPECT_EQ(m_Nc.Ask(4), eDone);
+    EXPECT_EQ(m_Nc.Ask(4), DONE);
     EXPECT_FALSE(IsRunning());
 }
 
@@ -112,11 +112,11 @@ TEST_F(CRequestsTest, ACalibratedConfigurationIsRebalanced) {
     Open();
     Initialise();
     Calibrate();
-    EXPECT_EQ(m_Nc.Ask(2), eDone);
-    EXPECT_TRUE(CNcServer::RunUntil([this] { return IsRunning(); }, CNcServer::ePatience));
+    EXPECT_EQ(m_Nc.Ask(2), DONE);
+    EXPECT_TRUE(CNcServer::RunUntil([this] { return IsRunning(); }, CNcServer::PATIENCE));
     ASSERT_TRUE(
         m_Nc.NextValue("Notification", [](const json& r) { return r[0] == CPreBalCodes::eReBalActive; }));
-    EXPECT_EQ(m_Nc.Ask(4), eDone);
+    EXPECT_EQ(m_Nc.Ask(4), DONE);
 }
 
 /// Over the wire to the page, and with the start from the page to the configuration that the run works with.
@@ -138,9 +138,9 @@ TEST_F(CRequestsTest, ARunTakesTargetAndRotationThatTheNcHasSet) {
     EXPECT_FALSE(IsStored()) << "what the page shows isn't saved by that";
     // Each value gets there in a time of its own; a start that comes too early is ended and asked for again.
     const auto StartsWithThem = [&] {
-        EXPECT_EQ(m_Nc.Ask(1), eDone);
+        EXPECT_EQ(m_Nc.Ask(1), DONE);
         const bool bStored = IsStored();
-        EXPECT_EQ(m_Nc.Ask(4), eDone);
+        EXPECT_EQ(m_Nc.Ask(4), DONE);
         return bStored;
     };
     bool bStarted = false;
@@ -154,10 +154,10 @@ TEST_F(CRequestsTest, ARunTakesTargetAndRotationThatTheNcHasSet) {
 TEST_F(CRequestsTest, AFailureWithoutReturnStaysOnThePanel) {
     Open();
     Initialise();
-    EXPECT_EQ(m_Nc.Ask(1), eDone);
+    EXPECT_EQ(m_Nc.Ask(1), DONE);
     m_pSession->GetSimulator()->Carry({{"set", {{"number", 2}}}});
     ASSERT_TRUE(m_Nc.NextValue("Notification", [](const json& r) { return r[0] == CPreBalCodes::eFailure; }));
-    EXPECT_EQ(m_Nc.Ask(4), eDone);
+    EXPECT_EQ(m_Nc.Ask(4), DONE);
     EXPECT_TRUE(IsRunning());
     m_pSession->SendAction(Actions::eTerminate, Actions::eNone);
     EXPECT_FALSE(IsRunning());
@@ -171,7 +171,7 @@ TEST_F(CRequestsTest, BeforeTheConfigurationIsFoundAStartIsRefused) {
     m_Nc.Write("Request", 1);
     const auto Answer = m_Nc.NextValue("Request");
     ASSERT_TRUE(Answer);
-    EXPECT_EQ(*Answer, eRefused);
+    EXPECT_EQ(*Answer, REFUSED);
     EXPECT_FALSE(IsRunning());
 }
 
@@ -182,7 +182,7 @@ TEST_F(CRequestsTest, ARequestOlderThanTheModuleIsNotObeyed) {
     ASSERT_TRUE(m_pSession->Initialise());
     ASSERT_TRUE(m_Nc.NextValue("Request", [](const json& r) { return r == 0; }));
     EXPECT_FALSE(IsRunning());
-    EXPECT_EQ(m_Nc.Ask(1), eDone);
+    EXPECT_EQ(m_Nc.Ask(1), DONE);
 }
 
 /// Faster than the module takes them: each is answered, whether or not its answer is seen, and none is obeyed
@@ -205,7 +205,7 @@ TEST_F(CRequestsTest, ABurstOfRequestsHarmsNothing) {
             }
             return IsRunning();
         },
-        CNcServer::ePatience));
+        CNcServer::PATIENCE));
 }
 
 }  // namespace

@@ -3,15 +3,22 @@
 //   controls
 //                               DIRECTORY/toolkit.md and DIRECTORY/gallery/toolkit/NAME.png
 //   gallery --all DIRECTORY     every scene of the page, as DIRECTORY/NAME.png
+//   gallery --frames DIRECTORY  a demonstration, a picture a second, for tools/moving_picture.sh
+//   gallery --windows DIRECTORY the whole window in each of its states, as
+//                               DIRECTORY/STATE-WIDTHxHEIGHT-LANGUAGE.png
 #include <QApplication>
+#include <QPixmap>
+#include <QStyleFactory>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <string>
 
+#include "console/machineview.h"
 #include "tests/pictures/controlscenes.h"
 #include "tests/pictures/picturefile.h"
 #include "tests/pictures/scenepage.h"
+#include "tests/windows/windowstates.h"
 
 namespace {
 
@@ -23,6 +30,56 @@ bool Save(const CBitmap& rPicture, const std::string& rName, const std::filesyst
     }
     std::fprintf(stderr, "can't write %s\n", File.c_str());
     return false;
+}
+
+bool WriteWindows(const std::filesystem::path& rFolder) {
+    std::filesystem::create_directories(rFolder);
+    bool bResult = true;
+    VisitWindowStates({}, [&](const std::string& rState, CWindowStage& rStage) {
+        for (const char* const pLanguage : CWindowStage::LANGUAGES) {
+            for (const QSize& rSize : CWindowStage::SIZES) {
+                rStage.ShowIn(rSize, pLanguage);
+                const QString Name = QString("%1-%2x%3-%4.png")
+                                         .arg(rState.c_str())
+                                         .arg(rSize.width())
+                                         .arg(rSize.height())
+                                         .arg(pLanguage);
+                const std::filesystem::path File = rFolder / Name.toStdString();
+                if (!rStage.GetWindow().grab().save(QString::fromStdString(File.string()))) {
+                    std::fprintf(stderr, "can't write %s\n", File.c_str());
+                    bResult = false;
+                }
+            }
+        }
+    });
+    return bResult;
+}
+
+bool WriteFrames(const std::filesystem::path& rFolder) {
+    std::filesystem::create_directories(rFolder);
+    COptions Options;
+    Options.m_bDemo = true;
+    Options.m_bProcedureGiven = true;
+    CWindowStage Stage(Options, CRotorFile::GetBuiltIn());
+    Stage.Unfold(&Stage.Find<CMachineView>());
+    constexpr int LONGEST = 300;
+    constexpr int BEHIND = 4;  // pictures of the result
+    bool bRan = false;
+    int nLeft = BEHIND;
+    for (int i = 0; i < LONGEST && nLeft > 0; ++i) {
+        Stage.ShowIn(QSize(800, 480), "en");
+        const std::filesystem::path File =
+            rFolder / QString("frame-%1.png").arg(i, 3, 10, QChar('0')).toStdString();
+        if (!Stage.GetWindow().grab().save(QString::fromStdString(File.string()))) {
+            std::fprintf(stderr, "can't write %s\n", File.c_str());
+            return false;
+        }
+        Stage.Wait(900);
+        const bool bRuns = Stage.GetSession().Look().m_bRunning;
+        bRan = bRan || bRuns;
+        nLeft -= bRan && !bRuns ? 1 : 0;
+    }
+    return true;
 }
 
 bool WriteAll(const std::filesystem::path& rFolder) {
@@ -70,14 +127,18 @@ void AddControls(CGalleryPage& rPage, const char* pLevel, const std::string& rCo
 }
 
 bool WriteGallery(const std::filesystem::path& rFolder) {
-    CGalleryPage Page(rFolder / "gallery.md", "gallery",
-                      "# Gallery\n\n"
-                      "What the operator sees. Written by `build/release/bin/gallery --docs docs`, from the "
-                      "scenes that the\n"
-                      "picture tests compare (`tests/pictures/scenes.cpp`, "
-                      "`tests/pictures/settingsscenes.cpp`,\n"
-                      "`tests/pictures/screwpagescenes.cpp`). What a configuration is edited with is shown "
-                      "[here](toolkit.md).\n");
+    CGalleryPage Page(
+        rFolder / "gallery.md", "gallery",
+        "# Gallery\n\n"
+        "What the operator sees. Written by `build/release/bin/gallery --docs docs`, from the "
+        "scenes that the\n"
+        "picture tests compare (`tests/pictures/scenes.cpp`, "
+        "`tests/pictures/settingsscenes.cpp`,\n"
+        "`tests/pictures/screwpagescenes.cpp`). What a configuration is edited with is shown "
+        "[here](toolkit.md).\n\n"
+        "`build/release/bin/gallery --windows DIRECTORY` writes the whole window in each of its "
+        "states, in three\n"
+        "sizes and each language.\n");
     for (const CScene& rScene : GetScenes()) {
         if (rScene.m_bGallery) {
             Page.Add("##", rScene.m_Caption, rScene.m_Name, RenderScene(rScene));
@@ -108,6 +169,7 @@ bool WriteToolkit(const std::filesystem::path& rFolder) {
 int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const QApplication App(argc, argv);
+    QApplication::setStyle(QStyleFactory::create("fusion"));
     const std::string Option = argc == 3 ? argv[1] : "";
     if (Option == "--docs") {
         std::filesystem::create_directories(argv[2]);
@@ -117,6 +179,14 @@ int main(int argc, char** argv) {
     if (Option == "--all") {
         return WriteAll(argv[2]) ? 0 : 1;
     }
-    std::fprintf(stderr, "usage: gallery --docs DIRECTORY | --all DIRECTORY\n");
+    if (Option == "--frames") {
+        return WriteFrames(argv[2]) ? 0 : 1;
+    }
+    if (Option == "--windows") {
+        return WriteWindows(argv[2]) ? 0 : 1;
+    }
+    std::fprintf(
+        stderr,
+        "usage: gallery --docs DIRECTORY | --all DIRECTORY | --windows DIRECTORY | --frames DIRECTORY\n");
     return 2;
 }

@@ -20,8 +20,8 @@ int GetDistance(COLORREF First, COLORREF Second) {
 /// so far. rIndex: for each colour the place of the nearest one chosen.
 std::vector<COLORREF> ChooseColors(const std::map<COLORREF, int>& rUses,
                                    std::map<COLORREF, unsigned>& rIndex) {
-    constexpr std::size_t c_nColors = 256;
-    constexpr std::size_t c_nMostUsed = 64;
+    constexpr std::size_t COLORS = 256;
+    constexpr std::size_t MOST_USED = 64;
     struct CColor {
         COLORREF m_Color;
         int m_nUses;
@@ -33,8 +33,8 @@ std::vector<COLORREF> ChooseColors(const std::map<COLORREF, int>& rUses,
         Colors.push_back({Color, nUses});
     }
     std::vector<COLORREF> Chosen;
-    while (Chosen.size() < std::min(c_nColors, Colors.size())) {
-        const bool bByUse = Chosen.size() < c_nMostUsed;
+    while (Chosen.size() < std::min(COLORS, Colors.size())) {
+        const bool bByUse = Chosen.size() < MOST_USED;
         const auto Next = std::max_element(
             Colors.begin(), Colors.end(), [bByUse](const CColor& rLeft, const CColor& rRight) {
                 const auto Rank = [bByUse](const CColor& rColor) {
@@ -85,23 +85,23 @@ bool SavePicture(const CBitmap& rPicture, const std::filesystem::path& rFile) {
 
 CPictureDifference::CPictureDifference(const CBitmap& rActual, const CBitmap& rExpected)
     : m_Actual(rActual.GetSize()), m_Expected(rExpected.GetSize()) {
-    constexpr int c_nFarOff = 40;
+    constexpr int FAR_OFF = 40;
     if (m_Actual != m_Expected) {
         return;
     }
-    const int nColumns = m_Actual.cx / eBlock + 1;
-    std::vector<int> Blocks(static_cast<std::size_t>(nColumns * (m_Actual.cy / eBlock + 1)));
+    const int nColumns = m_Actual.cx / BLOCK + 1;
+    std::vector<int> Blocks(static_cast<std::size_t>(nColumns * (m_Actual.cy / BLOCK + 1)));
     m_Picture = rExpected;
     CDC DC(m_Picture);
     for (int y = 0; y < m_Actual.cy; ++y) {
         for (int x = 0; x < m_Actual.cx; ++x) {
             const COLORREF Expected = rExpected.GetPixel(x, y);
             const CRect Pixel(x, y, x + 1, y + 1);
-            if (GetDistance(rActual.GetPixel(x, y), Expected) <= c_nFarOff) {
+            if (GetDistance(rActual.GetPixel(x, y), Expected) <= FAR_OFF) {
                 continue;
             }
             ++m_nPixels;
-            int& rBlock = Blocks[static_cast<std::size_t>(y / eBlock * nColumns + x / eBlock)];
+            int& rBlock = Blocks[static_cast<std::size_t>(y / BLOCK * nColumns + x / BLOCK)];
             m_nWorstBlock = std::max(m_nWorstBlock, ++rBlock);
             m_Where = m_nPixels == 1 ? Pixel
                                      : CRect(std::min(m_Where.left, x), m_Where.top,
@@ -112,10 +112,10 @@ CPictureDifference::CPictureDifference(const CBitmap& rActual, const CBitmap& rE
 }
 
 bool CPictureDifference::IsAlike() const {
-    constexpr int c_nPerMille = 1;
-    constexpr int c_nPerBlock = eBlock * eBlock / 20;
-    return m_Actual == m_Expected && m_nPixels <= m_Actual.cx * m_Actual.cy * c_nPerMille / 1000 &&
-           m_nWorstBlock <= c_nPerBlock;
+    constexpr int PER_MILLE = 1;
+    constexpr int PER_BLOCK = BLOCK * BLOCK / 20;
+    return m_Actual == m_Expected && m_nPixels <= m_Actual.cx * m_Actual.cy * PER_MILLE / 1000 &&
+           m_nWorstBlock <= PER_BLOCK;
 }
 
 std::string CPictureDifference::ToText() const {

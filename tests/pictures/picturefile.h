@@ -14,7 +14,7 @@ bool SavePicture(const CBitmap& rPicture, const std::filesystem::path& rFile);
 /// when a colour component is far off, and a few of them are nothing; but a number that is missing or a line
 /// that has moved concentrates them, which the worst block tells.
 struct CPictureDifference {
-    static constexpr int eBlock = 16;  ///< side of a block, pixels
+    static constexpr int BLOCK = 16;  ///< side of a block, pixels
 
     CPictureDifference(const CBitmap& rActual, const CBitmap& rExpected);
 

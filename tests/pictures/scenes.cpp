@@ -6,20 +6,20 @@
 namespace {
 
 using Method = CPlaneBalancingMethod;
-constexpr auto eCounterClockwise = PreBalDB::CTypeBase::eCounterClockwise;
+constexpr auto COUNTER_CLOCKWISE = PreBalDB::CTypeBase::eCounterClockwise;
 
 // Instructions and warnings by number, as they appear below.
-constexpr unsigned eTerminate = 0;
-constexpr unsigned eNeutral = 3;
-constexpr unsigned eRunAtDesiredRPM = 5;
-constexpr unsigned eMeasuring = 6;
-constexpr unsigned eSetAsShown = 7;
-constexpr unsigned eMapToDisplay = 9;
-constexpr unsigned eWrongRPM = 2;
-constexpr unsigned eOutOfLock = 3;
-constexpr unsigned eCapacity = 6;
-constexpr unsigned eNoRebalance = 7;
-constexpr unsigned eOverLimit = 8;
+constexpr unsigned TERMINATE = 0;
+constexpr unsigned NEUTRAL = 3;
+constexpr unsigned RUN_AT_DESIRED_RPM = 5;
+constexpr unsigned MEASURING = 6;
+constexpr unsigned SET_AS_SHOWN = 7;
+constexpr unsigned MAP_TO_DISPLAY = 9;
+constexpr unsigned WRONG_RPM = 2;
+constexpr unsigned OUT_OF_LOCK = 3;
+constexpr unsigned CAPACITY = 6;
+constexpr unsigned NO_REBALANCE = 7;
+constexpr unsigned OVER_LIMIT = 8;
 
 CPlaneScene Weights(int Angle1, int Angle2) {
     CPlaneScene Plane;
@@ -63,7 +63,7 @@ CPlaneScene Turning(PreBalDB::CTypeBase::Direction Rotation, CPlaneScene Plane) 
 }
 
 CScene Page(std::string Name, std::string Caption, std::vector<CPlaneScene> Planes,
-            unsigned Instruction = eSetAsShown) {
+            unsigned Instruction = SET_AS_SHOWN) {
     CScene Scene;
     Scene.m_Name = std::move(Name);
     Scene.m_Caption = std::move(Caption);
@@ -73,7 +73,7 @@ CScene Page(std::string Name, std::string Caption, std::vector<CPlaneScene> Plan
 }
 
 CScene MeasuringPage(std::string Name, std::string Caption, std::vector<CPlaneScene> Planes) {
-    CScene Scene = Page(std::move(Name), std::move(Caption), std::move(Planes), eMeasuring);
+    CScene Scene = Page(std::move(Name), std::move(Caption), std::move(Planes), MEASURING);
     Scene.m_CurrentRPM = 3000;
     return Scene;
 }
@@ -111,12 +111,12 @@ const std::vector<CScrew>& ThreeScrews() {
 
 void AddModes(std::vector<CScene>& rScenes) {
     const auto Add = [&rScenes](CScene Scene) { rScenes.push_back(std::move(Scene)); };
-    Add(Warned(eOutOfLock, Page("empty", "Nothing to show of the plane",
-                                {In(Method::eEmpty, Weights(40, 155))}, eTerminate)));
+    Add(Warned(OUT_OF_LOCK, Page("empty", "Nothing to show of the plane",
+                                 {In(Method::eEmpty, Weights(40, 155))}, TERMINATE)));
     Add(InGallery(Page("weights-neutral", "Weights opposite each other: neutral position",
-                       {In(Method::eNeutralPosition, Weights(0, 180))}, eNeutral)));
+                       {In(Method::eNeutralPosition, Weights(0, 180))}, NEUTRAL)));
     Add(Page("weights-inactive", "A plane at which nothing is to be done",
-             {In(Method::eInactive, Weights(40, 155))}, eRunAtDesiredRPM));
+             {In(Method::eInactive, Weights(40, 155))}, RUN_AT_DESIRED_RPM));
     Add(InGallery(Page("weights-test", "The test position: one weight has been moved",
                        {In(Method::eTestUnbalance, Weights(30, 180))})));
     Add(InGallery(Page("weights-correction", "Where the weights have to go",
@@ -125,16 +125,16 @@ void AddModes(std::vector<CScene>& rScenes) {
                                 {Live(Weights(0, 180), 123.0, 61.0, 118.0)})));
     Add(InGallery(Page("weights-scale-counter-clockwise",
                        "The same weights on a scale that counts counter-clockwise",
-                       {OnScale(eCounterClockwise, Turning(eCounterClockwise, Weights(222, 274)))})));
+                       {OnScale(COUNTER_CLOCKWISE, Turning(COUNTER_CLOCKWISE, Weights(222, 274)))})));
     Add(InGallery(Page("weights-equal-angles", "Both weights belong at the same place: drawn side by side",
-                       {Weights(50, 50)}, eMapToDisplay)));
+                       {Weights(50, 50)}, MAP_TO_DISPLAY)));
     Add(Page("weights-equal-angles-counter-clockwise", "The same on a scale that counts counter-clockwise",
-             {OnScale(eCounterClockwise, Weights(355, 355))}, eMapToDisplay));
+             {OnScale(COUNTER_CLOCKWISE, Weights(355, 355))}, MAP_TO_DISPLAY));
 
     Add(Page("screws-neutral", "A ring of holes without screws",
-             {In(Method::eNeutralPosition, Screws(12, {}))}, eNeutral));
+             {In(Method::eNeutralPosition, Screws(12, {}))}, NEUTRAL));
     Add(Page("screws-inactive", "Holes at which nothing is to be done",
-             {In(Method::eInactive, Screws(12, ThreeScrews()))}, eRunAtDesiredRPM));
+             {In(Method::eInactive, Screws(12, ThreeScrews()))}, RUN_AT_DESIRED_RPM));
     Add(InGallery(Page("screws-test", "The test screw",
                        {In(Method::eTestUnbalance, Screws(12, {{1, 4.2, "M6x12"}}))})));
     Add(InGallery(
@@ -142,7 +142,7 @@ void AddModes(std::vector<CScene>& rScenes) {
     Add(MeasuringPage("screws-measuring", "Measuring with screws",
                       {Live(Screws(12, ThreeScrews()), 87.0, 211.0, 90.0)}));
     Add(Page("screws-counter-clockwise", "The same screws in holes that count counter-clockwise",
-             {OnScale(eCounterClockwise, Turning(eCounterClockwise, Screws(12, ThreeScrews())))}));
+             {OnScale(COUNTER_CLOCKWISE, Turning(COUNTER_CLOCKWISE, Screws(12, ThreeScrews())))}));
 }
 
 void AddHoles(std::vector<CScene>& rScenes) {
@@ -176,9 +176,9 @@ void AddValues(std::vector<CScene>& rScenes) {
     Add(MeasuringPage("values-running",
                       "A valid value, and one that isn't valid now: the last sample in grey", Running));
     Add(Colored(MeasuringPage("values-running-coloured", "The same with colours for final values", Running)));
-    Add(Warned(eOverLimit, MeasuringPage("values-final", "Final values within and over the target", Final)));
+    Add(Warned(OVER_LIMIT, MeasuringPage("values-final", "Final values within and over the target", Final)));
     Add(InGallery(Colored(
-        Warned(eOverLimit, MeasuringPage("values-final-coloured",
+        Warned(OVER_LIMIT, MeasuringPage("values-final-coloured",
                                          "Final values within and over the target, in colours", Final)))));
 
     const auto Digits = [](double First, double Second) {
@@ -202,7 +202,7 @@ void AddSizes(std::vector<CScene>& rScenes) {
     Add(Sized(600, 504, Page("size-504", "From 504 on the status line grows with the page", {Plane})));
     Add(Sized(300, 700, MeasuringPage("size-narrow", "A narrow page", {Value})));
     Add(Sized(1000, 300,
-              Warned(eCapacity, Page("size-wide", "A wide page", {Screws(12, ThreeScrews())}), 12.5)));
+              Warned(CAPACITY, Page("size-wide", "A wide page", {Screws(12, ThreeScrews())}), 12.5)));
     Add(Sized(320, 240, Page("size-small", "A small page", {Plane})));
     Add(Sized(320, 240, MeasuringPage("size-small-measuring", "A small page, measuring", {Value})));
     Add(Sized(320, 240, Page("size-small-screws", "A small page with screws", {Screws(12, ThreeScrews())})));
@@ -215,10 +215,10 @@ void AddSizes(std::vector<CScene>& rScenes) {
 void AddTwoPlanes(std::vector<CScene>& rScenes) {
     const auto Add = [&rScenes](CScene Scene) { rScenes.push_back(std::move(Scene)); };
     Add(InGallery(Page("two-planes", "Two planes, one with weights and one with screws",
-                       {Weights(222, 274), Turning(eCounterClockwise, Screws(12, ThreeScrews()))})));
+                       {Weights(222, 274), Turning(COUNTER_CLOCKWISE, Screws(12, ThreeScrews()))})));
     Add(InGallery(Page("two-planes-first", "Only at plane 1 something is to be done",
                        {In(Method::eTestUnbalance, Weights(30, 180)),
-                        Turning(eCounterClockwise, In(Method::eInactive, Weights(0, 180)))})));
+                        Turning(COUNTER_CLOCKWISE, In(Method::eInactive, Weights(0, 180)))})));
     Add(Sized(320, 240,
               MeasuringPage("two-planes-small", "Two planes on a small page",
                             {Live(Weights(0, 180), 123.0, 61.0, 118.0),
@@ -228,16 +228,16 @@ void AddTwoPlanes(std::vector<CScene>& rScenes) {
 void AddTexts(std::vector<CScene>& rScenes) {
     const auto Add = [&rScenes](CScene Scene) { rScenes.push_back(std::move(Scene)); };
     Add(InGallery(
-        Warned(eCapacity, Page("warning-capacity", "The weights don't suffice", {Weights(123, 123)}), 12.5)));
+        Warned(CAPACITY, Page("warning-capacity", "The weights don't suffice", {Weights(123, 123)}), 12.5)));
     Add(InGallery(
-        German(Warned(eCapacity, Page("german-capacity", "The same in German", {Weights(123, 123)}), 12.5))));
-    Add(German(Warned(eNoRebalance, Page("german-no-rebalance", "The longest warning, in German",
-                                         {Weights(0, 180)}, eNeutral))));
+        German(Warned(CAPACITY, Page("german-capacity", "The same in German", {Weights(123, 123)}), 12.5))));
+    Add(German(Warned(NO_REBALANCE, Page("german-no-rebalance", "The longest warning, in German",
+                                         {Weights(0, 180)}, NEUTRAL))));
     Add(German(Sized(320, 240,
-                     Warned(eNoRebalance, Page("german-small", "The longest texts on a small page, in German",
-                                               {Weights(0, 180)}, eNeutral)))));
+                     Warned(NO_REBALANCE, Page("german-small", "The longest texts on a small page, in German",
+                                               {Weights(0, 180)}, NEUTRAL)))));
     Add(InGallery(German(
-        Warned(eWrongRPM,
+        Warned(WRONG_RPM,
                MeasuringPage("german-two-planes", "Two planes in German",
                              {Live(Weights(222, 274), 42.0, 61.0, 40.0, Method::eNotValid),
                               Live(Screws(12, ThreeScrews()), 187.0, 17.0, 204.0, Method::eNotValid)})))));

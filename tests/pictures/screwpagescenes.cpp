@@ -59,21 +59,21 @@ CBitmap RenderScrewPageScene(const CScrewPageScene& rScene, double Scale) {
         CVirtualEventLoop Loop;
         CPreBalancingMainWnd Wnd;
         Wnd.Create(nullptr, CRect(CPoint(), CSize(2 * rScene.m_Size.cx, rScene.m_Size.cy)), 1);
-        auto& rTabs = dynamic_cast<CPreBalConfigTabs&>(*Wnd.GetDlgItem(CPreBalancingMainWnd::eTabCtrlId));
+        auto& rTabs = dynamic_cast<CPreBalConfigTabs&>(*Wnd.GetDlgItem(CPreBalancingMainWnd::TAB_CTRL_ID));
         CScrewTableDlg& rPage = rTabs.GetScrewTableDlg();
         const CActiveView View(Wnd);
         Wnd.SetScale(Scale);
-        rTabs.SetCurSel(CPreBalConfigTabs::eScrewTab);
+        rTabs.SetCurSel(CPreBalConfigTabs::SCREW_TAB);
         rTabs.UpdateTabSelection();
         rPage.SetScrewTables({rScene.m_TableName, "Brass"}, true);
         rPage.ShowScrewTableName(rScene.m_TableName);
         rPage.SetScrewTable(MakeScrews(rScene.m_nRows));
         rPage.GetPageName().FocusField();
-        if (rScene.m_Row != CScrewPageScene::eListMode) {
+        if (rScene.m_Row != CScrewPageScene::LIST_MODE) {
             rPage.GetTable().MoveTo(rScene.m_Row, rScene.m_Column);
         }
         if (!rScene.m_Typed.empty()) {
-            CWnd* const pBox = rPage.GetTable().GetDlgItem(CFlexTable::eBoxId);
+            CWnd* const pBox = rPage.GetTable().GetDlgItem(CFlexTable::BOX_ID);
             Type(rPage.IsListMode() ? rPage.GetPageName().GetField() : dynamic_cast<CEdit&>(*pBox),
                  rScene.m_Typed);
         }

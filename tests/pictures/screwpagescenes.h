@@ -7,7 +7,7 @@
 
 /// The page of the screw tables below its tabs, in one of its states.
 struct CScrewPageScene {
-    static constexpr unsigned eListMode = 0xFFFFFFFF;
+    static constexpr unsigned LIST_MODE = 0xFFFFFFFF;
 
     std::string m_Name;     ///< of its file; lower case and hyphens
     std::string m_Caption;  ///< what it shows
@@ -15,7 +15,7 @@ struct CScrewPageScene {
     CSize m_Size{300, 440};  ///< of the configuration pane
     std::string m_TableName = "Default";
     int m_nRows = 6;
-    unsigned m_Row = eListMode;  ///< of the cursor
+    unsigned m_Row = LIST_MODE;  ///< of the cursor
     unsigned m_Column = 0;
     std::string m_Typed{};  ///< into the name, or into the cell that has the cursor
 };

@@ -82,12 +82,12 @@ CBitmap RenderTableScene(const CTableScene& rScene, double Scale) {
         if (rScene.m_bFocus) {
             Table.SetFocus();
         }
-        if (rScene.m_Row != CTableScene::eNone) {
+        if (rScene.m_Row != CTableScene::NONE) {
             Table.MoveTo(rScene.m_Row, rScene.m_Column);
         }
         if (!rScene.m_Typed.empty()) {
             const auto nLength = static_cast<int>(rScene.m_Typed.size());
-            dynamic_cast<CEdit&>(*Table.GetDlgItem(CFlexTable::eBoxId))
+            dynamic_cast<CEdit&>(*Table.GetDlgItem(CFlexTable::BOX_ID))
                 .ChangeByOperator(rScene.m_Typed, nLength, nLength);
         }
         if (rScene.m_nScrolled != 0) {

@@ -8,14 +8,14 @@
 /// A table of screws below its header as it is to be seen, in one of its states, chosen and not brought about
 /// by a run.
 struct CTableScene {
-    static constexpr unsigned eNone = 0xFFFFFFFF;
+    static constexpr unsigned NONE = 0xFFFFFFFF;
 
     std::string m_Name;     ///< of its file; lower case and hyphens
     std::string m_Caption;  ///< what it shows
     std::string m_Language = "en";
     int m_nRows = 20;
     bool m_bLongTexts = false;
-    unsigned m_Row = eNone;  ///< of the cursor
+    unsigned m_Row = NONE;  ///< of the cursor
     unsigned m_Column = 0;
     bool m_bFocus = true;  ///< the table has the window's focus, if it is enabled
     std::string m_Typed{};

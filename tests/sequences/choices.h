@@ -30,10 +30,10 @@ class CByteChoices : public IFChoices {
 public:
     explicit CByteChoices(std::span<const std::uint8_t> Bytes) : m_Rest(Bytes) {}
     std::size_t Pick(std::size_t nCount) override {
-        constexpr std::size_t eWaysOfAByte = 256;
+        constexpr std::size_t WAYS_OF_A_BYTE = 256;
         std::size_t Value = Take();
-        if (nCount > eWaysOfAByte) {
-            Value = Value * eWaysOfAByte + Take();
+        if (nCount > WAYS_OF_A_BYTE) {
+            Value = Value * WAYS_OF_A_BYTE + Take();
         }
         return Value % nCount;
     }

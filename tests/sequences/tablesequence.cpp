@@ -9,7 +9,7 @@ CTableSequence::CTableSequence(IFChoices& rChoices) : CShownPage(m_Loop, m_Page)
     StartGrowth();
     Expect(TryShow(), "the page comes to the screen");
     m_Page.OnNotification = [this](CWndNotification& rNotification) -> LRESULT {
-        if (rNotification.m_Code == CFlexTable::eCursorMoved) {
+        if (rNotification.m_Code == CFlexTable::CURSOR_MOVED) {
             Interfere();
         }
         return 0;
@@ -83,29 +83,29 @@ void CTableSequence::Step() {
 }
 
 void CTableSequence::PressSomeKey() {
-    static constexpr Qt::Key c_Keys[] = {Qt::Key_Left,   Qt::Key_Right,    Qt::Key_Up,     Qt::Key_Down,
-                                         Qt::Key_PageUp, Qt::Key_PageDown, Qt::Key_Home,   Qt::Key_End,
-                                         Qt::Key_Tab,    Qt::Key_Return,   Qt::Key_Escape, Qt::Key_Backspace,
-                                         Qt::Key_Delete, Qt::Key_Backtab,  Qt::Key_Down,   Qt::Key_Return};
-    const Qt::Key Key = c_Keys[Pick(std::size(c_Keys))];
+    static constexpr Qt::Key KEYS[] = {Qt::Key_Left,   Qt::Key_Right,    Qt::Key_Up,     Qt::Key_Down,
+                                       Qt::Key_PageUp, Qt::Key_PageDown, Qt::Key_Home,   Qt::Key_End,
+                                       Qt::Key_Tab,    Qt::Key_Return,   Qt::Key_Escape, Qt::Key_Backspace,
+                                       Qt::Key_Delete, Qt::Key_Backtab,  Qt::Key_Down,   Qt::Key_Return};
+    const Qt::Key Key = KEYS[Pick(std::size(KEYS))];
     PressKey(Key, Pick(6) == 0 ? Qt::ShiftModifier : Qt::NoModifier);
 }
 
 void CTableSequence::WriteSomething() {
-    static constexpr const char* c_Texts[] = {"1", "25", "0", ",5", ".", "-", "+", "x", "12,5", "-0", "e"};
-    Write(c_Texts[Pick(std::size(c_Texts))]);
+    static constexpr const char* TEXTS[] = {"1", "25", "0", ",5", ".", "-", "+", "x", "12,5", "-0", "e"};
+    Write(TEXTS[Pick(std::size(TEXTS))]);
 }
 
 void CTableSequence::Paste() {
-    static constexpr const char* c_Texts[] = {"3,75", "4 kg", "-1", "1.2.3", "", "1e9"};
-    QApplication::clipboard()->setText(c_Texts[Pick(std::size(c_Texts))]);
+    static constexpr const char* TEXTS[] = {"3,75", "4 kg", "-1", "1.2.3", "", "1e9"};
+    QApplication::clipboard()->setText(TEXTS[Pick(std::size(TEXTS))]);
     PressKey(Qt::Key_V, Qt::ControlModifier);
 }
 
 void CTableSequence::Fill() {
     const unsigned Row = PickRow();
     m_Table.SetItemData(Row, 1, Pick(5) - 2.0);
-    m_Loop.Advance(CFlexTable::eGrowthPeriod);  // it may have been the last row
+    m_Loop.Advance(CFlexTable::GROWTH_PERIOD);  // it may have been the last row
 }
 
 void CTableSequence::Restart() {
@@ -160,8 +160,8 @@ void CTableSequence::CheckFocus(bool bCursorOn) {
 
 std::string CTableSequence::Check() {
     const auto [Row, Column] = GetCursor();
-    const bool bOn = Row != eNone;
-    Expect(bOn == (Column != eNone), "the cursor has a row and a column, or neither");
+    const bool bOn = Row != NONE;
+    Expect(bOn == (Column != NONE), "the cursor has a row and a column, or neither");
     Expect(bOn == (GetBox() != nullptr && GetBox()->IsWindowVisible()), "the box is where the cursor is on");
     if (bOn) {
         Expect(Row < m_Table.GetRowCount() && Column < m_Table.GetColumnCount(), "the cursor is on a cell");

@@ -23,7 +23,7 @@ using CByteItem = CPropTreeItemSpinEdit<unsigned char>;
 CTreeSequence::CTreeSequence(IFChoices& rChoices) : m_rChoices(rChoices) {
     m_Page.Create(nullptr, CRect(0, 0, 320, 260), 0);
     m_pTree = std::make_unique<CPropTree>();
-    m_pTree->ModifyStyle(0, CPropTree::eNotifyParent);
+    m_pTree->ModifyStyle(0, CPropTree::NOTIFY_PARENT);
     m_pTree->SetMode(Pick(4) == 0 ? CPropTree::eKeyboardOnly : CPropTree::eNormalMode);
     m_pTree->Create(&m_Page, CRect(10, 10, 310, 210), 7);
     m_Page.OnNotification = [this](CWndNotification& rNotification) -> LRESULT {
@@ -127,9 +127,9 @@ void CTreeSequence::Insert() {
 
 void CTreeSequence::Mouse() {
     CWnd& rList = m_pTree->GetList();
-    constexpr std::array c_Messages{WM_LBUTTONDOWN, WM_LBUTTONUP,     WM_LBUTTONUP,
-                                    WM_MOUSEMOVE,   WM_LBUTTONDBLCLK, WM_MOUSEWHEEL};
-    const UINT Message = c_Messages[Pick(c_Messages.size())];
+    constexpr std::array MESSAGES{WM_LBUTTONDOWN, WM_LBUTTONUP,     WM_LBUTTONUP,
+                                  WM_MOUSEMOVE,   WM_LBUTTONDBLCLK, WM_MOUSEWHEEL};
+    const UINT Message = MESSAGES[Pick(MESSAGES.size())];
     const CPoint Point{static_cast<int>(Pick(320)) - 10, static_cast<int>(Pick(220)) - 10};
     const LPARAM lParam = MakePointParam(Point);
     if (Message == WM_LBUTTONDOWN && Pick(2) == 0) {
@@ -142,9 +142,9 @@ void CTreeSequence::Mouse() {
 }
 
 void CTreeSequence::Key() {
-    constexpr std::array c_Keys{VK_UP,    VK_DOWN, VK_LEFT, VK_RIGHT, VK_RETURN, VK_RETURN, VK_ESCAPE,
-                                VK_SPACE, VK_F2,   VK_HOME, VK_END,   VK_PRIOR,  VK_NEXT};
-    const UINT VirtualKey = c_Keys[Pick(c_Keys.size())];
+    constexpr std::array KEYS{VK_UP,    VK_DOWN, VK_LEFT, VK_RIGHT, VK_RETURN, VK_RETURN, VK_ESCAPE,
+                              VK_SPACE, VK_F2,   VK_HOME, VK_END,   VK_PRIOR,  VK_NEXT};
+    const UINT VirtualKey = KEYS[Pick(KEYS.size())];
     for (const UINT Message : {WM_KEYDOWN, WM_KEYUP}) {
         if (CWnd* const pFocus = CWnd::GetFocus(); pFocus != nullptr && Pick(10) != 0) {
             pFocus->SendMessage(Message, VirtualKey, 1);
@@ -181,8 +181,8 @@ void CTreeSequence::Action() {
 }
 
 void CTreeSequence::Type() {
-    constexpr std::string_view c_Characters = "0159.,-+xoaF ";
-    const char Character = c_Characters[Pick(c_Characters.size())];
+    constexpr std::string_view CHARACTERS = "0159.,-+xoaF ";
+    const char Character = CHARACTERS[Pick(CHARACTERS.size())];
     if (auto* const pEdit = dynamic_cast<CEdit*>(CWnd::GetFocus())) {
         const std::string Text =
             Pick(2) == 0 ? pEdit->GetWindowText() + Character : std::string(1, Character);

@@ -1,5 +1,7 @@
 #include "simulator/faults.h"
 
+#include <cmath>
+
 #include "simulator/jsonfields.h"
 #include "simulator/transmitter.h"
 #include "tests/simulator/simulatorfixture.h"
@@ -8,6 +10,7 @@ namespace {
 
 using nlohmann::json;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 
@@ -199,14 +202,17 @@ TEST_F(FaultsTest, ALateRequestToAVanishedSimulatorIsForgotten) {
 }
 
 TEST_F(FaultsTest, UnknownOnesAreRefusedWithWhatWouldBeRight) {
-    EXPECT_EQ(SetBadFault({{"kind", "explode"}}),
-              "fault.kind must be one of drop, corrupt, delay_ms, silence_ms, cut, double, unlock_ms, not "
-              "\"explode\"");
+    EXPECT_EQ(
+        SetBadFault({{"kind", "explode"}}),
+        "fault.kind must be one of drop, corrupt, delay_ms, silence_ms, cut, double, unlock_ms, cut_ms, "
+        "noise_counts, not \"explode\"");
     EXPECT_EQ(SetBadFault({{"next", 3}}), "fault.kind is missing");
     EXPECT_EQ(SetBadFault({{"kind", "drop"}, {"next", -1}}),
               "fault.next must be a whole number from 0 to 1000000, not -1");
-    EXPECT_EQ(SetBadFault({{"kind", "drop"}, {"value", 5}}),
-              "fault.value belongs to delay_ms, silence_ms and unlock_ms; the other kinds take next");
+    EXPECT_EQ(
+        SetBadFault({{"kind", "drop"}, {"value", 5}}),
+        "fault.value belongs to delay_ms, silence_ms, cut_ms, unlock_ms and noise_counts; the other kinds "
+        "take next");
     EXPECT_EQ(SetBadFault({{"kind", "delay_ms"}}), "fault.value is missing");
     EXPECT_EQ(SetBadFault({{"kind", "silence_ms"}, {"value", 1}, {"next", 1}}),
               "fault.next and fault.at don't belong to silence_ms, which takes value");
@@ -248,6 +254,108 @@ TEST(TransmitterTest, CorruptingSparesTheFramingAndIsFoundByTheCrc) {
         EXPECT_EQ(nFrames, 1) << nValue;
         EXPECT_EQ(Decoder.GetBadCrc(), 1U) << nValue;
     }
+}
+
+// The other end of the line notices, and comes back only when the line is whole.
+TEST_F(FaultsTest, ACutLineClosesTheOtherEndAndRefusesItUntilItIsMended) {
+    std::vector<std::string> Told;
+    m_pLink->OnClosed = [&Told](const std::string& rWhy) { Told.push_back(rWhy); };
+    SetFault({{"kind", "cut_ms"}, {"value", 5000}});
+    m_Loop.Advance(1);
+    EXPECT_FALSE(m_pLink->IsOpen());
+    EXPECT_THAT(Told, ElementsAre("the line is cut"));
+    m_Loop.Advance(4000);
+    m_pLink->Open();
+    m_Loop.Advance(1);
+    EXPECT_FALSE(m_pLink->IsOpen());
+    EXPECT_THAT(Told, SizeIs(2));
+    m_Loop.Advance(1000);
+    m_pLink->Open();
+    m_Loop.Advance(1);
+    EXPECT_TRUE(m_pLink->IsOpen());
+    EXPECT_THAT(Ask(m_Query), SizeIs(1));
+    EXPECT_THAT(Told, SizeIs(2));
+}
+
+TEST_F(FaultsTest, ACutOfNoTimeMendsTheLine) {
+    SetFault({{"kind", "cut_ms"}, {"value", 5000}});
+    SetFault({{"kind", "cut_ms"}, {"value", 0}});
+    m_pLink->Open();
+    m_Loop.Advance(1);
+    EXPECT_THAT(Ask(m_Query), SizeIs(1));
+}
+
+TEST_F(FaultsTest, ASecondCutCountsFromItself) {
+    SetFault({{"kind", "cut_ms"}, {"value", 1000}});
+    m_Loop.Advance(900);
+    SetFault({{"kind", "cut_ms"}, {"value", 1000}});
+    m_Loop.Advance(500);
+    m_pLink->Open();
+    m_Loop.Advance(1);
+    EXPECT_FALSE(m_pLink->IsOpen());
+}
+
+/// Half of a frame from before the cut must not spoil the first one behind it.
+TEST_F(FaultsTest, WhatWasCutInTheMiddleOfAFrameIsForgotten) {
+    const Bytes Line = LineDiscipline::Encode(m_Query);
+    m_pLink->Write({Line.data(), Line.size() / 2});
+    m_Loop.Advance(1);
+    SetFault({{"kind", "cut_ms"}, {"value", 100}});
+    m_Loop.Advance(200);
+    m_pLink->Open();
+    m_Loop.Advance(1);
+    EXPECT_THAT(Ask(m_Query), SizeIs(1));
+}
+
+/// Standard deviation of n readings about the known value; each part of 1000 estimates it to some 2 %.
+TEST_F(FaultsTest, NoiseHasTheDeviationAskedForAndEndsWithZero) {
+    RunUp(3000);
+    SetFault({{"kind", "noise_counts"}, {"value", 20}});
+    m_Arrivals.clear();
+    m_Loop.Advance(50000);
+    const std::vector<Bytes> Noisy = GetFramesOf(0x1E);
+    ASSERT_EQ(Noisy.size(), 1000U);
+    const auto Deviation = [&Noisy](std::size_t nAt, double Mean) {
+        double Sum = 0.0;
+        for (const Bytes& rFrame : Noisy) {
+            const auto Value = static_cast<std::int16_t>(rFrame[nAt + 1] << 8 | rFrame[nAt]);
+            Sum += (Value - Mean) * (Value - Mean);
+        }
+        return std::sqrt(Sum / static_cast<double>(Noisy.size()));
+    };
+    EXPECT_NEAR(Deviation(3, 288.0), 20.0, 1.5);
+    EXPECT_NEAR(Deviation(5, -128.0), 20.0, 1.5);
+    SetFault({{"kind", "noise_counts"}, {"value", 0}});
+    m_Arrivals.clear();
+    m_Loop.Advance(1000);
+    const std::vector<Bytes> Quiet = GetFramesOf(0x1E);
+    ASSERT_EQ(Quiet.size(), 20U);
+    EXPECT_THAT(Quiet, testing::Each(Quiet.front())) << "this rotor has no noise of its own";
+}
+
+TEST_F(FaultsTest, TheSameNoiseComesAgain) {
+    const auto Listen = [this] {
+        Start(MakePlainRotor());
+        RunUp(3000);
+        SetFault({{"kind", "noise_counts"}, {"value", 5}});
+        m_Arrivals.clear();
+        m_Loop.Advance(500);
+        return GetFramesOf(0x1E);
+    };
+    const std::vector<Bytes> First = Listen();
+    EXPECT_EQ(First, Listen());
+    EXPECT_THAT(First, testing::Not(testing::Each(First.front())));
+}
+
+TEST_F(FaultsTest, CutAndNoiseRefuseWhatIsNotTheirs) {
+    EXPECT_EQ(SetBadFault({{"kind", "cut_ms"}}), "fault.value is missing");
+    EXPECT_THAT(SetBadFault({{"kind", "cut_ms"}, {"value", 10}, {"next", 2}}), HasSubstr("cut_ms"));
+    EXPECT_THAT(SetBadFault({{"kind", "cut_ms"}, {"value", 10}, {"module", 1}}), HasSubstr("cut_ms"));
+    EXPECT_THAT(SetBadFault({{"kind", "noise_counts"}, {"value", -1}}), HasSubstr("fault.value"));
+    EXPECT_THAT(SetBadFault({{"kind", "noise_counts"}, {"value", 5}, {"only", "answers"}}),
+                HasSubstr("noise_counts"));
+    EXPECT_THAT(SetBadFault({{"kind", "noise_counts"}, {"value", 5}, {"module", 2}}),
+                HasSubstr("fault.module"));
 }
 
 }  // namespace

@@ -40,13 +40,13 @@ TEST_F(KestrelModuleTest, AnswersTheModuleState) {
 }
 
 TEST_F(KestrelModuleTest, TheStateTellsLockAndInvalidSpeed) {
-    constexpr std::uint8_t eOutOfLockBit = 0x20;
-    constexpr std::uint8_t eInvalidBit = 0x08;
-    EXPECT_EQ(Ask({0x08, 0x01, 0x05}).at(0).at(7), eInvalidBit);  // stands
+    constexpr std::uint8_t OUT_OF_LOCK_BIT = 0x20;
+    constexpr std::uint8_t INVALID_BIT = 0x08;
+    EXPECT_EQ(Ask({0x08, 0x01, 0x05}).at(0).at(7), INVALID_BIT);  // stands
     Carry({{"speed", 3000}});
-    EXPECT_EQ(Ask({0x08, 0x01, 0x05}).at(0).at(7), eOutOfLockBit | eInvalidBit);
+    EXPECT_EQ(Ask({0x08, 0x01, 0x05}).at(0).at(7), OUT_OF_LOCK_BIT | INVALID_BIT);
     m_Loop.Advance(2000);
-    EXPECT_EQ(Ask({0x08, 0x01, 0x05}).at(0).at(7), eOutOfLockBit);
+    EXPECT_EQ(Ask({0x08, 0x01, 0x05}).at(0).at(7), OUT_OF_LOCK_BIT);
     m_Loop.Advance(500);
     EXPECT_EQ(Ask({0x08, 0x01, 0x05}).at(0).at(7), 0);
 }

@@ -27,8 +27,8 @@ protected:
 };
 
 /// Bits of a plane's failures.
-constexpr std::uint8_t eTooSlow = 0x02;
-constexpr std::uint8_t eOutOfLock = 0x08;
+constexpr std::uint8_t TOO_SLOW = 0x02;
+constexpr std::uint8_t OUT_OF_LOCK = 0x08;
 
 }  // namespace
 
@@ -114,11 +114,11 @@ TEST_F(LannerModuleTest, TheStateTellsLockAndSlowRotationOfBothInputs) {
     const auto Expected = [](std::uint8_t Failures) {
         return ElementsAre(Bytes{0x08, 0x09, 0x01, 0x01, 0x00, 0x00, 0x00, 0x00, Failures, Failures});
     };
-    EXPECT_THAT(Ask({0x08, 0x01, 0x09}), Expected(eTooSlow));  // stands
+    EXPECT_THAT(Ask({0x08, 0x01, 0x09}), Expected(TOO_SLOW));  // stands
     Carry({{"speed", 3000}});
-    EXPECT_THAT(Ask({0x08, 0x01, 0x09}), Expected(eTooSlow | eOutOfLock));
+    EXPECT_THAT(Ask({0x08, 0x01, 0x09}), Expected(TOO_SLOW | OUT_OF_LOCK));
     m_Loop.Advance(2000);
-    EXPECT_THAT(Ask({0x08, 0x01, 0x09}), Expected(eOutOfLock));
+    EXPECT_THAT(Ask({0x08, 0x01, 0x09}), Expected(OUT_OF_LOCK));
     m_Loop.Advance(500);
     EXPECT_THAT(Ask({0x08, 0x01, 0x09}), Expected(0));
 }

@@ -213,7 +213,7 @@ TEST(MachineClientDescriptionTest, OnlyTcpIsALinkToAMachine) {
 /// Server and client in one process, over loopback and under the real loop.
 class MachineServerTest : public testing::Test {
 protected:
-    static constexpr std::uint32_t ePatienceMs = 10000;
+    static constexpr std::uint32_t PATIENCE_MS = 10000;
 
     void SetUp() override {
         std::string Error;
@@ -227,7 +227,7 @@ protected:
         const std::string Name = m_pServer->GetName();
         const std::size_t nClients = m_pServer->GetNumberOfClients();
         rSocket.connectToHost("127.0.0.1", static_cast<quint16>(std::stoi(Name.substr(Name.rfind(':') + 1))));
-        ASSERT_TRUE(m_Loop.RunUntil([&] { return m_pServer->GetNumberOfClients() > nClients; }, ePatienceMs));
+        ASSERT_TRUE(m_Loop.RunUntil([&] { return m_pServer->GetNumberOfClients() > nClients; }, PATIENCE_MS));
     }
     /// Sends text and waits for so many lines.
     std::vector<std::string> Exchange(QTcpSocket& rSocket, const std::string& rText, std::size_t nLines) {
@@ -240,7 +240,7 @@ protected:
                 }
                 return Lines.size() >= nLines;
             },
-            ePatienceMs);
+            PATIENCE_MS);
         return Lines;
     }
 
@@ -263,7 +263,7 @@ TEST_F(MachineServerTest, ServesAClient) {
     pClient->Request({{"speed", 1200}}, Note);
     pClient->Request({{"dance", 1}}, Note);
     pClient->Request({{"state", json::object()}}, Note);
-    ASSERT_TRUE(m_Loop.RunUntil([&] { return Answers.size() == 3; }, ePatienceMs));
+    ASSERT_TRUE(m_Loop.RunUntil([&] { return Answers.size() == 3; }, PATIENCE_MS));
     EXPECT_EQ(Answers[0], json({{"ok", true}}));
     EXPECT_THAT(Answers[1].value("error", ""), StartsWith("unknown field \"dance\""));
     EXPECT_EQ(Answers[2]["commanded"], 1200.0);
@@ -341,7 +341,7 @@ TEST_F(MachineServerTest, ServesSeveralClientsAndForgetsThoseThatGo) {
     EXPECT_THAT(Exchange(Second, "{\"speed\":700}\n", 1), ElementsAre(R"({"ok":true})"));
     pFirst->write("{\"speed\":800}\n");  // goes without waiting for the answer
     pFirst->disconnectFromHost();
-    ASSERT_TRUE(m_Loop.RunUntil([&] { return m_pServer->GetNumberOfClients() == 1; }, ePatienceMs));
+    ASSERT_TRUE(m_Loop.RunUntil([&] { return m_pServer->GetNumberOfClients() == 1; }, PATIENCE_MS));
     EXPECT_EQ(m_pSimulator->GetSpindle().GetCommanded(), 800.0);
     EXPECT_THAT(Exchange(Second, "{\"speed\":0}\n", 1), ElementsAre(R"({"ok":true})"));
 }
@@ -350,12 +350,12 @@ TEST_F(MachineServerTest, AClientComesBackWhenTheServerDoes) {
     std::string Error;
     const std::string Name = m_pServer->GetName();
     const auto pClient = CMachineClient::Create(Name, Error);
-    ASSERT_TRUE(m_Loop.RunUntil([&] { return pClient->IsConnected(); }, ePatienceMs));
+    ASSERT_TRUE(m_Loop.RunUntil([&] { return pClient->IsConnected(); }, PATIENCE_MS));
     m_pServer.reset();
-    ASSERT_TRUE(m_Loop.RunUntil([&] { return !pClient->IsConnected(); }, ePatienceMs));
+    ASSERT_TRUE(m_Loop.RunUntil([&] { return !pClient->IsConnected(); }, PATIENCE_MS));
     m_pServer = std::make_unique<CMachineServer>(*m_pSimulator);
     ASSERT_TRUE(m_pServer->Listen(Name, Error)) << Error;
-    ASSERT_TRUE(m_Loop.RunUntil([&] { return pClient->IsConnected(); }, ePatienceMs));
+    ASSERT_TRUE(m_Loop.RunUntil([&] { return pClient->IsConnected(); }, PATIENCE_MS));
 }
 
 /// Answers its first request only when told to, the others at once.

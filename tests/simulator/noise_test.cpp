@@ -38,9 +38,9 @@ TEST(NoiseTest, RepeatsForTheSameSeed) {
 }
 
 TEST(NoiseTest, IsGaussianWithTheDeviationAskedFor) {
-    constexpr int nSamples = 50000;
-    constexpr double Deviation = 1.5;
-    CNoise Noise(7, 0, Deviation);
+    constexpr int SAMPLES = 50000;
+    constexpr double DEVIATION = 1.5;
+    CNoise Noise(7, 0, DEVIATION);
     double SumX = 0.0;
     double SumY = 0.0;
     double SumXX = 0.0;
@@ -48,24 +48,24 @@ TEST(NoiseTest, IsGaussianWithTheDeviationAskedFor) {
     double SumXY = 0.0;
     int nBeyondOne = 0;
     int nBeyondTwo = 0;
-    for (int nSample = 0; nSample < nSamples; ++nSample) {
+    for (int nSample = 0; nSample < SAMPLES; ++nSample) {
         const std::complex<double> Pair = Noise.Next();
         SumX += Pair.real();
         SumY += Pair.imag();
         SumXX += Pair.real() * Pair.real();
         SumYY += Pair.imag() * Pair.imag();
         SumXY += Pair.real() * Pair.imag();
-        nBeyondOne += std::abs(Pair.real()) > Deviation;
-        nBeyondTwo += std::abs(Pair.imag()) > 2.0 * Deviation;
+        nBeyondOne += std::abs(Pair.real()) > DEVIATION;
+        nBeyondTwo += std::abs(Pair.imag()) > 2.0 * DEVIATION;
     }
     // Bounds of four standard errors each; the shares are those of the normal distribution.
-    EXPECT_NEAR(SumX / nSamples, 0.0, 0.027);
-    EXPECT_NEAR(SumY / nSamples, 0.0, 0.027);
-    EXPECT_NEAR(std::sqrt(SumXX / nSamples), Deviation, 0.019);
-    EXPECT_NEAR(std::sqrt(SumYY / nSamples), Deviation, 0.019);
-    EXPECT_NEAR(SumXY / nSamples, 0.0, 0.040);
-    EXPECT_NEAR(nBeyondOne / static_cast<double>(nSamples), 0.3173, 0.0084);
-    EXPECT_NEAR(nBeyondTwo / static_cast<double>(nSamples), 0.0455, 0.0038);
+    EXPECT_NEAR(SumX / SAMPLES, 0.0, 0.027);
+    EXPECT_NEAR(SumY / SAMPLES, 0.0, 0.027);
+    EXPECT_NEAR(std::sqrt(SumXX / SAMPLES), DEVIATION, 0.019);
+    EXPECT_NEAR(std::sqrt(SumYY / SAMPLES), DEVIATION, 0.019);
+    EXPECT_NEAR(SumXY / SAMPLES, 0.0, 0.040);
+    EXPECT_NEAR(nBeyondOne / static_cast<double>(SAMPLES), 0.3173, 0.0084);
+    EXPECT_NEAR(nBeyondTwo / static_cast<double>(SAMPLES), 0.0455, 0.0038);
 }
 
 TEST(NoiseTest, NoDeviationIsNoNoise) {

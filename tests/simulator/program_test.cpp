@@ -15,6 +15,7 @@
 #include "platform/rvcom/linediscipline.h"
 #include "platform/system/version.h"
 #include "simulator/machineclient.h"
+#include "tests/support/casenames.h"
 #include "tests/support/testpaths.h"
 
 namespace {
@@ -25,7 +26,7 @@ using testing::StartsWith;
 
 class SimulatorProgramTest : public testing::Test {
 protected:
-    static constexpr std::uint32_t ePatienceMs = 20000;
+    static constexpr std::uint32_t PATIENCE_MS = 20000;
 
     ~SimulatorProgramTest() override {
         if (m_Process.state() != QProcess::NotRunning) {
@@ -42,7 +43,7 @@ protected:
     }
     /// The next line that it prints.
     std::string ReadLine() {
-        m_Loop.RunUntil([this] { return m_Process.canReadLine() || HasEnded(); }, ePatienceMs);
+        m_Loop.RunUntil([this] { return m_Process.canReadLine() || HasEnded(); }, PATIENCE_MS);
         return m_Process.readLine().trimmed().toStdString();
     }
     bool HasEnded() const { return m_Process.state() == QProcess::NotRunning; }
@@ -51,7 +52,7 @@ protected:
         return GetExit();
     }
     int GetExit() {
-        EXPECT_TRUE(m_Loop.RunUntil([this] { return HasEnded(); }, ePatienceMs));
+        EXPECT_TRUE(m_Loop.RunUntil([this] { return HasEnded(); }, PATIENCE_MS));
         EXPECT_EQ(m_Process.exitStatus(), QProcess::NormalExit);
         return m_Process.exitCode();
     }
@@ -75,7 +76,7 @@ TEST_F(SimulatorProgramTest, TellsItsPortsAndServesBothLinks) {
     ASSERT_NE(pClient, nullptr) << Error;
     json Answer;
     pClient->Request({{"set", {{"number", 9}}}}, [&](const json& rAnswer) { Answer = rAnswer; });
-    ASSERT_TRUE(m_Loop.RunUntil([&] { return !Answer.is_null(); }, ePatienceMs));
+    ASSERT_TRUE(m_Loop.RunUntil([&] { return !Answer.is_null(); }, PATIENCE_MS));
     EXPECT_EQ(Answer, json({{"ok", true}}));
 
     const auto pLink = MakeByteLink(Frames, Error);
@@ -91,11 +92,62 @@ TEST_F(SimulatorProgramTest, TellsItsPortsAndServesBothLinks) {
         pLink->Write(LineDiscipline::Encode(std::vector<std::uint8_t>{0x10, 0x01, 0x05, 0x00}));
     };
     pLink->Open();
-    ASSERT_TRUE(m_Loop.RunUntil([&] { return !Set.empty(); }, ePatienceMs));
+    ASSERT_TRUE(m_Loop.RunUntil([&] { return !Set.empty(); }, PATIENCE_MS));
     EXPECT_EQ(Set, (std::vector<std::uint8_t>{0x10, 0x05, 0x01, 0x00, 0x09, 0x01, 0x00, 0x00, 0x01}));
 
     EXPECT_EQ(End(SIGTERM), 0);
     EXPECT_EQ(m_Process.readAllStandardError().toStdString(), "");
+}
+
+// The connection closes and none is taken; afterwards the same port takes one again.
+TEST_F(SimulatorProgramTest, ACutTcpLineIsRefusedUntilItIsMended) {
+    Start({"--frames", "tcp:127.0.0.1:0", "--machine", "tcp:127.0.0.1:0"});
+    const std::string Frames = After(ReadLine(), "frames on ");
+    std::string Error;
+    const auto pClient = CMachineClient::Create(After(ReadLine(), "machine on "), Error);
+    ASSERT_NE(pClient, nullptr) << Error;
+    const auto pLink = MakeByteLink(Frames, Error);
+    ASSERT_NE(pLink, nullptr) << Error;
+    int nClosed = 0;
+    pLink->OnClosed = [&nClosed](const std::string&) { ++nClosed; };
+    pLink->Open();
+    ASSERT_TRUE(m_Loop.RunUntil([&] { return pLink->IsOpen(); }, PATIENCE_MS));
+    const auto Cut = [&](int nMilliseconds) {
+        bool bAnswered = false;
+        pClient->Request({{"fault", {{"kind", "cut_ms"}, {"value", nMilliseconds}}}},
+                         [&](const json& rAnswer) {
+                             bAnswered = rAnswer == json({{"ok", true}});
+                         });
+        EXPECT_TRUE(m_Loop.RunUntil([&] { return bAnswered; }, PATIENCE_MS));
+    };
+    Cut(3600000);
+    EXPECT_TRUE(m_Loop.RunUntil([&] { return nClosed == 1; }, PATIENCE_MS));
+    pLink->Open();
+    EXPECT_TRUE(m_Loop.RunUntil([&] { return nClosed == 2; }, PATIENCE_MS)) << "refused";
+    Cut(0);
+    pLink->Open();
+    EXPECT_TRUE(m_Loop.RunUntil([&] { return pLink->IsOpen(); }, PATIENCE_MS));
+}
+
+TEST_F(SimulatorProgramTest, ACutPseudoTerminalHangsUpAndComesBackAtItsPath) {
+    const QTemporaryDir Folder;
+    const std::string Path = Folder.path().toStdString() + "/spindle";
+    Start({"--frames", "pty:" + Path, "--machine", "tcp:127.0.0.1:0"});
+    EXPECT_EQ(ReadLine(), "frames on pty:" + Path);
+    std::string Error;
+    const auto pClient = CMachineClient::Create(After(ReadLine(), "machine on "), Error);
+    ASSERT_NE(pClient, nullptr) << Error;
+    const auto pLink = MakeByteLink("serial:" + Path, Error);
+    ASSERT_NE(pLink, nullptr) << Error;
+    bool bClosed = false;
+    pLink->OnClosed = [&bClosed](const std::string&) { bClosed = true; };
+    pLink->Open();
+    ASSERT_TRUE(m_Loop.RunUntil([&] { return pLink->IsOpen(); }, PATIENCE_MS));
+    pClient->Request({{"fault", {{"kind", "cut_ms"}, {"value", 300}}}}, [](const json&) {});
+    EXPECT_TRUE(m_Loop.RunUntil([&] { return bClosed; }, PATIENCE_MS));
+    EXPECT_TRUE(m_Loop.RunUntil([&] { return std::filesystem::is_symlink(Path); }, PATIENCE_MS));
+    pLink->Open();
+    EXPECT_TRUE(m_Loop.RunUntil([&] { return pLink->IsOpen(); }, PATIENCE_MS));
 }
 
 // Without a control link nobody could command a speed, so the first state that is reported is that of a ramp.
@@ -110,7 +162,7 @@ TEST_F(SimulatorProgramTest, TurnsByItselfWithoutAMachineLink) {
     });
     pLink->OnBytes = [&](std::span<const std::uint8_t> Bytes) { Decoder.Put(Bytes); };
     pLink->Open();
-    EXPECT_TRUE(m_Loop.RunUntil([&] { return bTurns; }, ePatienceMs));
+    EXPECT_TRUE(m_Loop.RunUntil([&] { return bTurns; }, PATIENCE_MS));
 }
 
 TEST_F(SimulatorProgramTest, RemovesItsPseudoTerminalWhenInterrupted) {
@@ -175,6 +227,7 @@ INSTANTIATE_TEST_SUITE_P(
                       "--modules must be one of kestrel, kestrel-pair, lanner"},
         CArgumentCase{{"--frames", "tcp:127.0.0.1:0", "--addresses", "5,5"},
                       "addresses: give one module address"},
-        CArgumentCase{{"--frames", "tcp:127.0.0.1:0", "--addresses", "x"}, "Could not convert"}));
+        CArgumentCase{{"--frames", "tcp:127.0.0.1:0", "--addresses", "x"}, "Could not convert"}),
+    CaseNames::BY_TEXT);
 
 }  // namespace

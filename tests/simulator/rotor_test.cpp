@@ -54,7 +54,13 @@ INSTANTIATE_TEST_SUITE_P(
         CSenseCase{CRotorFile::eCounterClockwise, CRotorFile::eCounterClockwise, 162.345484, -93.058311},
         CSenseCase{CRotorFile::eCounterClockwise, CRotorFile::eClockwise, 65.927343, 21.848355},
         CSenseCase{CRotorFile::eClockwise, CRotorFile::eCounterClockwise, -162.345484, -93.058311},
-        CSenseCase{CRotorFile::eClockwise, CRotorFile::eClockwise, -65.927343, 21.848355}));
+        CSenseCase{CRotorFile::eClockwise, CRotorFile::eClockwise, -65.927343, 21.848355}),
+    [](const auto& rInfo) {
+        const auto Name = [](CRotorFile::Sense Sense) {
+            return Sense == CRotorFile::eClockwise ? "Cw" : "Ccw";
+        };
+        return std::string("Rotation") + Name(rInfo.param.m_Rotation) + "Scale" + Name(rInfo.param.m_Scale);
+    });
 
 CRotorFile MakeTwoPlaneFile() {
     CRotorFile File = CRotorFile::GetBuiltIn(CRotorFile::eKestrelPair);

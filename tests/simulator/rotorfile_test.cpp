@@ -1,4 +1,5 @@
 #include "simulator/rotorfile.h"
+#include "tests/support/casenames.h"
 #include "tests/support/testpaths.h"
 
 #include <gmock/gmock.h>
@@ -193,7 +194,8 @@ INSTANTIATE_TEST_SUITE_P(
         CBadCase{R"({"influence": [[{"phase": 1}]]})",
                  "unknown field \"influence[0][0].phase\", known here: amplitude, phase_deg"},
         CBadCase{R"({"modules": "kestrel-pair", "planes": [{}]})",
-                 "planes must be an array of 2: the modules kestrel-pair measure two planes"}));
+                 "planes must be an array of 2: the modules kestrel-pair measure two planes"}),
+    CaseNames::BY_TEXT);
 
 TEST(RotorFileTest, TheSensorsOfALannerModuleMayBeSwapped) {
     std::string Error;
@@ -226,9 +228,9 @@ TEST(RotorFileTest, AFieldThatStandsTwiceInOneObjectIsAnError) {
 }
 
 TEST(RotorFileTest, NestingWithoutEndIsAnErrorAndDoesNoHarm) {
-    constexpr std::size_t eDepth = 200000;
-    EXPECT_THAT(ParseBad(std::string(eDepth, '[')), StartsWith("not valid JSON"));
-    EXPECT_EQ(ParseBad("{\"planes\": " + std::string(eDepth, '[') + std::string(eDepth, ']') + "}"),
+    constexpr std::size_t DEPTH = 200000;
+    EXPECT_THAT(ParseBad(std::string(DEPTH, '[')), StartsWith("not valid JSON"));
+    EXPECT_EQ(ParseBad("{\"planes\": " + std::string(DEPTH, '[') + std::string(DEPTH, ']') + "}"),
               "planes[0] must be an object with the fields unbalance, not an array of 1");
 }
 

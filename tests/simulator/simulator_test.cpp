@@ -1,6 +1,9 @@
 #include "simulator/simulator.h"
 
+#include <array>
+
 #include "tests/simulator/simulatorfixture.h"
+#include "tests/support/casenames.h"
 
 namespace {
 
@@ -203,6 +206,12 @@ TEST_P(SimulatorAddressTest, IsRefused) {
     EXPECT_EQ(Error, GetParam().m_pError);
 }
 
+std::string GetAddressCaseName(const testing::TestParamInfo<CAddressCase>& rInfo) {
+    constexpr std::array NAMES{"Kestrel", "KestrelPair", "Lanner"};
+    return CaseNames::FromText(
+        NAMES.at(rInfo.param.m_Modules) + testing::PrintToString(rInfo.param.m_Addresses), rInfo.index);
+}
+
 INSTANTIATE_TEST_SUITE_P(
     Bad, SimulatorAddressTest,
     testing::Values(
@@ -213,6 +222,7 @@ INSTANTIATE_TEST_SUITE_P(
             CRotorFile::eKestrelPair, {5}, "addresses: give two different module addresses from 1 to 254"},
         CAddressCase{
             CRotorFile::eKestrelPair, {5, 5}, "addresses: give two different module addresses from 1 to 254"},
-        CAddressCase{CRotorFile::eLanner, {9, 10}, "addresses: give one module address from 1 to 254"}));
+        CAddressCase{CRotorFile::eLanner, {9, 10}, "addresses: give one module address from 1 to 254"}),
+    GetAddressCaseName);
 
 }  // namespace

@@ -17,8 +17,8 @@ public:
     CFlexTablePage& operator=(const CFlexTablePage&) = delete;
 
 protected:
-    static constexpr unsigned eNone = CFlexTable::eNone;
-    static constexpr int ePitch = 19;
+    static constexpr unsigned NONE = CFlexTable::NONE;
+    static constexpr int PITCH = 19;
 
     CFlexTablePage() {
         m_Page.Create(nullptr, CRect(0, 0, 300, 200), 0);
@@ -38,15 +38,15 @@ protected:
     /// Automatic growth with its timer, as a page does it.
     void StartGrowth() {
         m_Table.SetAutoGrowth(true);
-        m_Table.SetTimer(CFlexTable::eGrowthTimer, CFlexTable::eGrowthPeriod);
+        m_Table.SetTimer(CFlexTable::GROWTH_TIMER, CFlexTable::GROWTH_PERIOD);
     }
     std::pair<unsigned, unsigned> GetCursor() const {
         return {m_Table.GetCursorRow(), m_Table.GetCursorColumn()};
     }
     /// The box over the cursor's cell; null before the first use.
-    CEdit* GetBox() const { return dynamic_cast<CEdit*>(m_Table.GetDlgItem(CFlexTable::eBoxId)); }
+    CEdit* GetBox() const { return dynamic_cast<CEdit*>(m_Table.GetDlgItem(CFlexTable::BOX_ID)); }
     const CScrollBar& GetBar() const {
-        return dynamic_cast<CScrollBar&>(*m_Table.GetDlgItem(CFlexTable::eScrollBarId));
+        return dynamic_cast<CScrollBar&>(*m_Table.GetDlgItem(CFlexTable::SCROLL_BAR_ID));
     }
     /// The operator has made the box's text this, with the caret behind it.
     void Type(const std::string& rText) {

@@ -22,12 +22,12 @@ inline std::vector<std::uint8_t> Bytes(const std::string& rHex) {
 
 /// The other way round.
 inline std::string Hex(std::span<const std::uint8_t> Frame) {
-    constexpr const char* pDigits = "0123456789ABCDEF";
+    constexpr const char* DIGITS = "0123456789ABCDEF";
     std::string Result;
     for (const std::uint8_t Byte : Frame) {
         Result += Result.empty() ? "" : " ";
-        Result += pDigits[Byte >> 4U];
-        Result += pDigits[Byte & 0x0FU];
+        Result += DIGITS[Byte >> 4U];
+        Result += DIGITS[Byte & 0x0FU];
     }
     return Result;
 }

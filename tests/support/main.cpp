@@ -15,19 +15,13 @@ namespace {
 /// Temporary files in memory where the system has such a place: the tests make some hundred databases, each
 /// of which would wait for the disk.
 void ChooseTemporaryDirectory() {
-    constexpr const char* eMemoryDirectory = "/dev/shm";
-    if (!qEnvironmentVariableIsSet("TMPDIR") && access(eMemoryDirectory, W_OK | X_OK) == 0) {
-        qputenv("TMPDIR", eMemoryDirectory);
+    constexpr const char* MEMORY_DIRECTORY = "/dev/shm";
+    if (!qEnvironmentVariableIsSet("TMPDIR") && access(MEMORY_DIRECTORY, W_OK | X_OK) == 0) {
+        qputenv("TMPDIR", MEMORY_DIRECTORY);
     }
 }
 
 }  // namespace
-
-// The toolkit's connection to the desktop's message bus, on a real display only, leaves a buffer behind.
-extern "C" const char* __lsan_default_suppressions();
-extern "C" const char* __lsan_default_suppressions() {
-    return "leak:libdbus-1\n";
-}
 
 int main(int argc, char** argv) {
     // A real display is for those who want to see the focus there:

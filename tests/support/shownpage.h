@@ -17,7 +17,7 @@ public:
     CShownPage& operator=(const CShownPage&) = delete;
 
 protected:
-    static constexpr int eNeighbourHeight = 20;
+    static constexpr int NEIGHBOUR_HEIGHT = 20;
 
     CShownPage(CVirtualEventLoop& rLoop, CWnd& rPage) : m_rLoop(rLoop) {
         QApplication::setCursorFlashTime(0);
@@ -25,10 +25,10 @@ protected:
         m_pBefore = new QLineEdit(&m_Frame);
         m_pView = new CWindowView(rPage, &m_Frame);
         m_pAfter = new QLineEdit(&m_Frame);
-        m_pBefore->setGeometry(0, 0, Size.cx, eNeighbourHeight);
-        m_pView->setGeometry(0, eNeighbourHeight, Size.cx, Size.cy);
-        m_pAfter->setGeometry(0, eNeighbourHeight + Size.cy, Size.cx, eNeighbourHeight);
-        m_Frame.resize(Size.cx, Size.cy + 2 * eNeighbourHeight);
+        m_pBefore->setGeometry(0, 0, Size.cx, NEIGHBOUR_HEIGHT);
+        m_pView->setGeometry(0, NEIGHBOUR_HEIGHT, Size.cx, Size.cy);
+        m_pAfter->setGeometry(0, NEIGHBOUR_HEIGHT + Size.cy, Size.cx, NEIGHBOUR_HEIGHT);
+        m_Frame.resize(Size.cx, Size.cy + 2 * NEIGHBOUR_HEIGHT);
     }
     ~CShownPage() { SetMouseButtons(false, false); }
 

@@ -104,7 +104,7 @@ TEST_F(ConfiguredWindowTest, WhatSomebodyHasSetIsToldAndCounts) {
     m_Run.m_Rotor.m_Rotation = CRotorFile::eCounterClockwise;
     m_Run.m_Options.m_Procedure = Procedure::ePrebalance;
     Open();
-    EXPECT_THAT(m_pWindow->statusBar()->currentMessage().toStdString(), HasSubstr("--commission"));
+    EXPECT_THAT(GetMessage(), HasSubstr("--commission"));
     EXPECT_TRUE(m_pSession->GetHost().IsCalibrated());
 }
 

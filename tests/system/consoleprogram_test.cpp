@@ -125,7 +125,8 @@ TEST_P(ConsoleSignalTest, ARunIsBrokenOffInOrder) {
 
 INSTANTIATE_TEST_SUITE_P(All, ConsoleSignalTest,
                          testing::Values(std::pair{SIGINT, "SIGINT"}, std::pair{SIGTERM, "SIGTERM"},
-                                         std::pair{SIGHUP, "SIGHUP"}));
+                                         std::pair{SIGHUP, "SIGHUP"}),
+                         [](const auto& rInfo) { return rInfo.param.second; });
 
 /// The module on the line has another address than the one asked.
 TEST_F(ConsoleProgramTest, BrokenOffWhileTheModuleIsAwaitedItEndsTheSameWay) {

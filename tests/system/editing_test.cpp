@@ -52,8 +52,8 @@ protected:
     }
     /// The list of the tree on the screen.
     QWidget* FindList() {
-        constexpr UINT eTreeId = 8005;
-        const CWnd* const pTree = FindWindow(m_pSession->GetHost(), eTreeId);
+        constexpr UINT TREE_ID = 8005;
+        const CWnd* const pTree = FindWindow(m_pSession->GetHost(), TREE_ID);
         for (QWidget* const pWidget : m_pWindow->findChildren<QWidget*>()) {
             if (auto* const pView = dynamic_cast<CWindowView*>(pWidget);
                 pView != nullptr && pTree != nullptr) {
@@ -63,17 +63,17 @@ protected:
         return nullptr;
     }
     /// In the value's cell of a row; Right: pixels from the list's right edge.
-    void Click(ClickAt At, int nRow, int nRight = 60, int nDown = PropTree::CPropTree::eRowHeight / 2) {
+    void Click(ClickAt At, int nRow, int nRight = 60, int nDown = PropTree::CPropTree::ROW_HEIGHT / 2) {
         QWidget* const pList = FindList();
         ASSERT_NE(pList, nullptr);
-        const QPoint Point(pList->width() - nRight, nRow * PropTree::CPropTree::eRowHeight + nDown);
+        const QPoint Point(pList->width() - nRight, nRow * PropTree::CPropTree::ROW_HEIGHT + nDown);
         QWidget* const pThere = pList->childAt(Point);
         At(pThere != nullptr ? *pThere : *pList, pThere != nullptr ? pThere->mapFrom(pList, Point) : Point);
         m_Loop.Advance(300);
     }
     void StepUp(ClickAt At, int nRow) {
         Click(At, nRow);
-        Click(At, nRow, eButton, 6);
+        Click(At, nRow, BUTTON, 6);
     }
     void ChooseSecond(ClickAt At, int nRow) {
         Click(At, nRow);
@@ -117,7 +117,7 @@ protected:
         EXPECT_EQ(pScrews->GetScalingDirection(), CTypeBase::eCounterClockwise);
     }
 
-    static constexpr int eButton = 22;  ///< the up-down button beside an open value, from the right
+    static constexpr int BUTTON = 22;  ///< the up-down button beside an open value, from the right
 };
 
 }  // namespace

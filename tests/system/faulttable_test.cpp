@@ -1,8 +1,14 @@
-// Every single frame of a whole run is struck by every kind of fault, one at a time.
+// Every single frame of a whole run is struck by a fault, one at a time: by each kind with
+// ROTOR_TRIM_TEST_FULL in the environment, else the kinds take turns, but around each change of the panel,
+// where each kind strikes.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdlib>
+#include <map>
 #include <set>
 
+#include "tests/support/chance.h"
 #include "tests/system/wholerun.h"
 
 namespace {
@@ -20,12 +26,12 @@ struct CFamilyCase {
     const char* m_pName;
     CRotorFile::Modules m_Modules;
     const char* m_pMode;
-    /// With Kestrel each frame of the run; the longer runs take the frames around each change of the panel
-    /// and every so many of those between, which are speeds and readings one like the other.
+    /// Every so many of the frames between two changes of the panel, which are speeds and readings one like
+    /// the other. With as many as there are kinds of faults each frame is struck by one of them.
     std::uint64_t m_nStep;
 };
 constexpr CFamilyCase FAMILIES[] = {
-    {"Kestrel", CRotorFile::eKestrel, "", 1},
+    {"Kestrel", CRotorFile::eKestrel, "", 5},
     {"KestrelPair", CRotorFile::eKestrelPair, "", 23},
     {"LannerPlane1", CRotorFile::eLanner, "plane1", 23},
     {"LannerPlane2", CRotorFile::eLanner, "plane2", 23},
@@ -70,7 +76,10 @@ struct CFaultRun : CWholeRun {
     /// What the run found and did, without the way to it.
     std::string GetOutcome() const {
         nlohmann::ordered_json Outcome = m_Report;
-        Outcome.erase("steps");
+        // When it was, which readings arrived, and what is made of how they scatter.
+        for (const char* const pWay : {"steps", "measurements", "quality", "prediction", "explanation"}) {
+            Outcome.erase(pWay);
+        }
         return Outcome.dump();
     }
     CSimulator* m_pSimulator = nullptr;
@@ -78,14 +87,18 @@ struct CFaultRun : CWholeRun {
     std::uint64_t m_nReceived = 0;       ///< and for them, at the last one
 };
 
-/// Numbers of the frames to strike.
-std::set<std::uint64_t> ChooseFrames(const CFaultRun& rReference, std::uint64_t nStep) {
-    constexpr std::uint64_t nInitialisation = 20;
+/// Numbers of the frames to strike. nTurn: that of the fault's kind.
+std::set<std::uint64_t> ChooseFrames(const CFaultRun& rReference, std::uint64_t nStep, std::uint64_t nTurn) {
+    constexpr std::uint64_t INITIALISATION = 20;
     std::set<std::uint64_t> Frames;
-    for (std::uint64_t nFrame = 1; nFrame <= rReference.m_nSent.back(); nFrame += nStep * EVERY) {
+    if (std::getenv("ROTOR_TRIM_TEST_FULL") != nullptr) {
+        nStep = 1;
+    }
+    for (std::uint64_t nFrame = 1 + nTurn % nStep; nFrame <= rReference.m_nSent.back();
+         nFrame += nStep * EVERY) {
         Frames.insert(nFrame);
     }
-    for (std::uint64_t nFrame = 1; nFrame <= nInitialisation; nFrame += EVERY) {
+    for (std::uint64_t nFrame = 1; nFrame <= INITIALISATION; nFrame += EVERY) {
         Frames.insert(nFrame);
     }
     for (const std::uint64_t nSent : rReference.m_nSent) {
@@ -108,7 +121,9 @@ TEST_P(EveryFrame, MayBeStruckWithoutHarm) {
     CFaultRun Reference(rFamily, nullptr);
     ASSERT_EQ(Reference.Run(Procedure::ePrebalance), eExitWithinTarget);
     ASSERT_GT(Reference.m_nSent.back(), 400U);
-    for (const std::uint64_t nFrame : ChooseFrames(Reference, rFamily.m_nStep)) {
+    const auto Turn = static_cast<std::uint64_t>(
+        std::ranges::find(FAULTS, rFault.m_pName, &CFaultCase::m_pName) - std::begin(FAULTS));
+    for (const std::uint64_t nFrame : ChooseFrames(Reference, rFamily.m_nStep, Turn)) {
         json Fault = json::parse(rFault.m_pFault);
         Fault["at"] = nFrame;
         CFaultRun Run(rFamily, Fault);
@@ -139,6 +154,79 @@ INSTANTIATE_TEST_SUITE_P(WholeRun, EveryFrame,
                              return std::string(std::get<0>(rInfo.param).m_pName) +
                                     std::get<1>(rInfo.param).m_pName;
                          });
+
+namespace {
+
+struct CSeries {
+    std::string m_Name;
+    CFamilyCase m_Family;
+    bool m_bScrews = false;
+    Procedure m_Procedure = Procedure::ePrebalance;
+
+    std::unique_ptr<CFaultRun> MakeRun(const json& rFault) const {
+        auto pRun = std::make_unique<CFaultRun>(m_Family, rFault);
+        if (m_bScrews) {
+            pRun->m_Options.m_Methods = {"screws"};
+            pRun->m_Options.m_ScrewTable = {0.1, 0.2, 0.3, 0.4, 0.5, 0.7, 0.9, 1.2};
+        }
+        return pRun;
+    }
+};
+
+std::vector<CSeries> MakeAllSeries() {
+    std::vector<CSeries> All;
+    std::vector<CFamilyCase> Families(std::begin(FAMILIES), std::end(FAMILIES));
+    Families.push_back({"LannerTwoPlane", CRotorFile::eLanner, "two-plane", 1});
+    for (const CFamilyCase& rFamily : Families) {
+        for (const bool bScrews : {false, true}) {
+            for (const Procedure Which : {Procedure::ePrebalance, Procedure::ePrebalanceAndRebalance}) {
+                const bool bBoth = Which == Procedure::ePrebalanceAndRebalance;
+                All.push_back({std::string(rFamily.m_pName) + (bScrews ? " screws" : " weights") +
+                                   (bBoth ? " pre and re" : " pre"),
+                               rFamily, bScrews, Which});
+            }
+        }
+    }
+    return All;
+}
+
+/// What a run without a fault does.
+struct CReference {
+    std::string m_Outcome;
+    std::uint64_t m_nSent = 0;
+    std::uint64_t m_nReceived = 0;
+};
+
+}  // namespace
+
+// All families, both means, one and both procedures; each kind of fault, one, two and three frames in a row,
+// of the modules or to them: drawn by lot, 5,000 of them with ROTOR_TRIM_TEST_FULL in the environment.
+TEST(FramesInARow, MayBeStruckWithoutHarm) {
+    const int nDraws = std::getenv("ROTOR_TRIM_TEST_FULL") != nullptr ? 5000 : EVERY == 1 ? 150 : 15;
+    const std::vector<CSeries> All = MakeAllSeries();
+    std::map<std::string, CReference> References;
+    CChance Chance(1);
+    for (int nDraw = 0; nDraw < nDraws; ++nDraw) {
+        const CSeries& rSeries = Chance.Pick(All);
+        CReference& rReference = References[rSeries.m_Name];
+        if (rReference.m_nSent == 0) {
+            const auto pRun = rSeries.MakeRun(nullptr);
+            ASSERT_EQ(pRun->Run(rSeries.m_Procedure), eExitWithinTarget) << rSeries.m_Name;
+            rReference = {pRun->GetOutcome(), pRun->m_nSent.back(), pRun->m_nReceived};
+        }
+        const CFaultCase& rFault = Chance.Pick(FAULTS);
+        json Fault = json::parse(rFault.m_pFault);
+        const bool bRequests = Chance.Happens(0.2);
+        Fault["at"] = 1 + Chance.Draw(bRequests ? rReference.m_nReceived : rReference.m_nSent);
+        Fault["next"] = 1 + Chance.Draw(3);
+        if (bRequests) {
+            Fault["only"] = "requests";
+        }
+        const auto pRun = rSeries.MakeRun(Fault);
+        pRun->Run(rSeries.m_Procedure);
+        EXPECT_EQ(pRun->GetOutcome(), rReference.m_Outcome) << rSeries.m_Name << ", " << Fault.dump();
+    }
+}
 
 namespace {
 

@@ -177,7 +177,7 @@ namespace {
 double GetGauge(const CBitmap& rPicture) {
     const auto GetRun = [&](int x, int y) {
         int nRun = 0;
-        while (rPicture.GetPixel(x + nRun, y) == PageColors::c_Ink) {
+        while (rPicture.GetPixel(x + nRun, y) == PageColors::INK) {
             ++nRun;
         }
         return nRun;
@@ -187,8 +187,8 @@ double GetGauge(const CBitmap& rPicture) {
     for (int y = 1; y < rPicture.GetSize().cy; ++y) {
         for (int x = 0; x < rPicture.GetSize().cx; ++x) {
             const int nRun = GetRun(x, y);
-            const bool bAlone = rPicture.GetPixel(x - 1, y) == PageColors::c_Panel &&
-                                rPicture.GetPixel(x + nRun, y) == PageColors::c_Panel;
+            const bool bAlone = rPicture.GetPixel(x - 1, y) == PageColors::PANEL &&
+                                rPicture.GetPixel(x + nRun, y) == PageColors::PANEL;
             if (nRun > nAxis && bAlone && GetRun(x, y - 1) > 0) {
                 nAxis = nRun;
                 nBar = GetRun(x, y - 1);

@@ -23,7 +23,7 @@ protected:
 
     /// Input and adaptions, mode 2 (two planes), both articles; serial 14205 in the upper half and 14206 in
     /// the lower one: 14205 * 65536 + 14206.
-    static constexpr const char* ms_pKey = "0#1#1-2-486107-486107-930953086-1";
+    static constexpr const char* KEY = "0#1#1-2-486107-486107-930953086-1";
 
     CVirtualEventLoop m_Loop;
     CWholeRun m_Run;
@@ -44,7 +44,7 @@ TEST_P(KestrelPairDelays, AreFoundAsOneMachineInEitherOrderOfTheirAnswers) {
     Delay(1, GetParam().m_Master);
     Delay(2, GetParam().m_Slave);
     EXPECT_TRUE(m_pSession->Initialise());
-    EXPECT_EQ(m_pSession->GetMachineName(), ms_pKey);
+    EXPECT_EQ(m_pSession->GetMachineName(), KEY);
     EXPECT_FALSE(m_pSession->Look().m_bRunning);
 }
 
@@ -74,7 +74,7 @@ TEST_F(KestrelPair, SilentMasterKeepsTheWindowWaiting) {
 TEST_F(KestrelPair, SlaveThatIsSwitchedOnLaterIsFound) {
     Carry({{"fault", {{"kind", "silence_ms"}, {"value", 12000}, {"module", 2}}}});
     EXPECT_TRUE(m_pSession->Initialise());
-    EXPECT_EQ(m_pSession->GetMachineName(), ms_pKey);
+    EXPECT_EQ(m_pSession->GetMachineName(), KEY);
 }
 
 // The slave's set number doesn't count, its adaption does.
@@ -92,7 +92,7 @@ TEST_F(KestrelPair, IndicationsOfBothBetweenTheAnswersDoNoHarm) {
     Delay(1, 170);
     Delay(2, 90);
     EXPECT_TRUE(m_pSession->Initialise());
-    EXPECT_EQ(m_pSession->GetMachineName(), ms_pKey);
+    EXPECT_EQ(m_pSession->GetMachineName(), KEY);
 }
 
 // The rotor's sense of rotation and both scales reach the configuration of two planes.

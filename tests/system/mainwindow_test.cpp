@@ -54,12 +54,8 @@ protected:
 
     /// What the window says of the connection; empty if nothing is missing.
     static std::string GetNotice(const CMainWindow& rWindow) {
-        for (const QLabel* pLabel : rWindow.findChildren<QLabel*>()) {
-            if (pLabel->text().contains("serial:")) {
-                return pLabel->isVisibleTo(&rWindow) ? pLabel->text().toStdString() : "hidden";
-            }
-        }
-        return {};
+        const auto* const pBand = rWindow.findChild<QWidget*>("VerdictBand");
+        return pBand->isVisibleTo(&rWindow) ? pBand->accessibleName().toStdString() : std::string();
     }
 
     CQtEventLoop m_Loop;
@@ -141,8 +137,7 @@ TEST_F(MainWindowOptionsTest, ARebalancingThatIsNotPossibleYetIsToldAndNothingRu
     AskFor(COptions::Procedure::eRebalance);
     Open();
     EXPECT_FALSE(m_pSession->Look().m_bRunning);
-    EXPECT_TRUE(m_pWindow->statusBar()->currentMessage().contains("not calibrated"))
-        << m_pWindow->statusBar()->currentMessage().toStdString();
+    EXPECT_THAT(GetMessage(), testing::HasSubstr("not calibrated"));
 }
 
 TEST_F(MainWindowOptionsTest, ARunThatIsUnderWayWhenTheWindowClosesIsReported) {
@@ -233,7 +228,7 @@ TEST_F(MainWindowFocusTest, AnOpenEditOutlastsThePressOfASoftkey) {
     ASSERT_NE(pBox, nullptr);
     ASSERT_EQ(QApplication::focusWidget(), pBox);
     QTest::keyClicks(pBox, "2");
-    QPushButton* const pKey = FindButton("Pre-balance");
+    QAbstractButton* const pKey = FindButton("Pre-balance");
     ASSERT_NE(pKey, nullptr);
     QTest::mousePress(pKey, Qt::LeftButton);
     EXPECT_TRUE(m_pSession->Look().m_bRunning) << "the key has been told";

@@ -1,18 +1,27 @@
 #pragma once
 #include <gtest/gtest.h>
 
+#include <QAbstractButton>
 #include <QLabel>
 #include <QPushButton>
-#include <QStatusBar>
+#include <QToolButton>
 #include <filesystem>
 #include <fstream>
 #include <memory>
 #include <string>
 
+#include "console/headline.h"
 #include "console/mainwindow.h"
 #include "platform/system/virtualeventloop.h"
+#include "tests/support/jsonschema.h"
 #include "tests/support/tempdirectory.h"
+#include "tests/support/widgetparts.h"
 #include "tests/system/wholerun.h"
+
+/// The newest message, whole: the last part of the head line.
+inline QString GetMessage(const CMainWindow& rWindow) {
+    return FindPart<CHeadLine>(rWindow).findChildren<QToolButton*>().back()->accessibleName();
+}
 
 /// A window on the simulator, with the options that a test wants.
 class CMainWindowTestBase : public testing::Test {
@@ -31,18 +40,24 @@ protected:
         m_pSession.reset();
     }
 
+    template <typename T>
+    T& FindPart() {
+        return ::FindPart<T>(*m_pWindow);
+    }
     /// By its text, however that is broken into lines.
-    QPushButton* FindButton(const QString& rText) {
-        for (QPushButton* pButton : m_pWindow->findChildren<QPushButton*>()) {
+    QAbstractButton* FindButton(const QString& rText) {
+        for (QAbstractButton* pButton : m_pWindow->findChildren<QAbstractButton*>()) {
             if (pButton->text().replace('\n', ' ') == rText) {
                 return pButton;
             }
         }
         return nullptr;
     }
+    /// The newest message, as the head line has it for those who can't see it.
+    std::string GetMessage() { return ::GetMessage(*m_pWindow).toStdString(); }
     std::string GetState() { return m_pSession->Look().m_Progress.m_State; }
     void Press(const QString& rText) {
-        QPushButton* pButton = FindButton(rText);
+        QAbstractButton* pButton = FindButton(rText);
         ASSERT_NE(pButton, nullptr) << rText.toStdString();
         ASSERT_TRUE(pButton->isEnabled()) << rText.toStdString();
         pButton->click();
@@ -93,9 +108,15 @@ protected:
         m_Run.m_Options.m_Procedure = Procedure;
         m_Run.m_Options.m_bProcedureGiven = true;
     }
-    nlohmann::json ReadReport() const {
-        std::ifstream In(m_Run.m_Options.m_ReportFile);
-        return nlohmann::json::parse(In, nullptr, false);
+    /// Of which run of the window, from 1.
+    nlohmann::json ReadReport(int Run = 1) const {
+        std::ifstream In(Run == 1 ? m_Run.m_Options.m_ReportFile
+                                  : m_Directory.At("report-" + std::to_string(Run) + ".json"));
+        auto Report = nlohmann::json::parse(In, nullptr, false);
+        if (In.is_open()) {
+            EXPECT_EQ(CheckReport(Report), "");
+        }
+        return Report;
     }
     std::size_t CountPictures() const {
         std::size_t nFound = 0;

@@ -2,6 +2,7 @@
 #include <QApplication>
 #include <QMouseEvent>
 
+#include "console/rotorview.h"
 #include "platform/qt/qteventloop.h"
 #include "platform/rvmdb/directsql.h"
 #include "tests/system/mainwindowfixture.h"
@@ -12,11 +13,19 @@ using nlohmann::json;
 
 class MainWindowKeysTest : public CMainWindowTestBase {
 protected:
-    static void SendMouse(QPushButton& rButton, QEvent::Type What) {
+    static void SendMouse(QAbstractButton& rButton, QEvent::Type What) {
         const QPointF Middle(rButton.rect().center());
         QMouseEvent Event(What, Middle, rButton.mapToGlobal(Middle), Qt::LeftButton,
                           What == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton, Qt::NoModifier);
         QApplication::sendEvent(&rButton, &Event);
+    }
+    CRotorView& GetRotorView() const {
+        for (QWidget* pWidget : m_pWindow->findChildren<QWidget*>()) {
+            if (auto* const pRotor = dynamic_cast<CRotorView*>(pWidget)) {
+                return *pRotor;
+            }
+        }
+        throw std::logic_error("no rotor");
     }
     std::vector<int> GetAngles() { return m_pSession->Look().GetAngles(0); }
     std::string GetLabel(const QString& rBeginning) const {
@@ -35,7 +44,7 @@ TEST_F(MainWindowKeysTest, AKeyThatRepeatsMovesTheWeightUntilItIsLetGo) {
     Open();
     Press("Pre-balance");
     Press("Change positions");
-    QPushButton* const pKey = FindButton("+");
+    QAbstractButton* const pKey = FindButton("Weight 1 +1°");
     ASSERT_NE(pKey, nullptr);
     const std::vector<int> Before = GetAngles();
     SendMouse(*pKey, QEvent::MouseButtonPress);
@@ -54,7 +63,7 @@ TEST_F(MainWindowKeysTest, AKeyThatDoesNotRepeatActsOnce) {
     Open();
     Press("Pre-balance");
     Press("Fit as shown");
-    QPushButton* const pNext = FindButton("Next");
+    QAbstractButton* const pNext = FindButton("Next");
     ASSERT_NE(pNext, nullptr);
     SendMouse(*pNext, QEvent::MouseButtonPress);
     m_Loop.Advance(500);
@@ -65,19 +74,35 @@ TEST_F(MainWindowKeysTest, AKeyThatDoesNotRepeatActsOnce) {
     EXPECT_EQ(GetState(), State);
 }
 
-TEST_F(MainWindowKeysTest, ThePanelShowsTheMachineAsItIs) {
+TEST_F(MainWindowKeysTest, TheMachineIsShownAsItIs) {
     Open();
+    EXPECT_EQ(GetLabel("0 "), "0 rpm, standing");
+    Press("Truth");
     EXPECT_EQ(GetLabel("True unbalance"), "True unbalance: 0.8000");
-    EXPECT_EQ(GetLabel("0 "), "0 rpm, locked");
     Press("Pre-balance");
     Press("Fit as shown");
     Press("Start spindle");
     m_Loop.Advance(5000);
     EXPECT_EQ(GetLabel("3000 "), "3000 rpm, locked");
-    EXPECT_EQ(GetLabel("Weights at"), "Weights at 0°, 180°");
+    EXPECT_EQ(GetRotorView().accessibleName(), "Plane 1, weight 1 at 0°, weight 2 at 180°");
     Press("Stop spindle");
     m_Loop.Advance(5000);
-    EXPECT_EQ(GetLabel("0 "), "0 rpm, locked");
+    EXPECT_EQ(GetLabel("0 "), "0 rpm, standing");
+}
+
+// Whatever the configuration's rotation, scale and means are: the window fits what the page shows.
+TEST_F(MainWindowKeysTest, ScrewsAreFittedAsShownWithTheScaleOfTheRotor) {
+    m_Run.m_Rotor.m_Rotation = CRotorFile::eCounterClockwise;
+    m_Run.m_Rotor.m_Planes[0] = {{3.2, 77.0}, CRotorFile::eCounterClockwise, 24};
+    m_Run.m_Rotor.m_Influence = {{{40.0, 40.0}}};
+    m_Run.m_Options.m_Methods = {"screws"};
+    Open();
+    ASSERT_TRUE(GetRotorView().GetShown().m_bScrews);
+    Press("Pre-balance");
+    BalanceByButtons();
+    EXPECT_EQ(m_pSession->Look().m_Notification.GetStep(), CPreBalCodes::eSetupSuccess);
+    EXPECT_LT(std::abs(m_pSession->GetSimulator()->GetRotor().GetResidual(0)) * 40.0, 5.0);
+    EXPECT_FALSE(m_pSession->GetSimulator()->GetRotor().GetScrews(0).empty());
 }
 
 TEST_F(MainWindowKeysTest, NothingIsFittedWhereNothingIsShown) {
@@ -96,13 +121,15 @@ TEST_F(MainWindowOptionsTest, EachRunHasAReportOfItsOwn) {
     Press("Re-balance");
     EXPECT_TRUE(m_pSession->Look().m_bRunning);
     Press("End");
-    const json Report = ReadReport();
+    const json Report = ReadReport(2);
     EXPECT_EQ(Report["procedure"], "rebalance");
     EXPECT_EQ(Report["exit"], 2);
     EXPECT_LT(Report["steps"].size(), nSteps);
+    EXPECT_THAT(GetMessage(), testing::HasSubstr("report-2.json"));
     Press("Pre-balance");
     Press("End");
-    EXPECT_EQ(ReadReport()["procedure"], "prebalance");
+    EXPECT_EQ(ReadReport(3)["procedure"], "prebalance");
+    EXPECT_EQ(ReadReport()["steps"].size(), nSteps) << "the first one is still there";
 }
 
 // The rotor is as the operator left it: nothing more is begun behind his back.
@@ -116,10 +143,11 @@ TEST_F(MainWindowOptionsTest, AfterARunThatIsEndedEarlyTheNextOneDoesNotBegin) {
     Open();
     EXPECT_EQ(m_pSession->GetHost().GetActivity(), 1);
     Press("End");
+    Press("End the run");
     m_Loop.Advance(1000);
     EXPECT_FALSE(m_pSession->Look().m_bRunning);
     EXPECT_TRUE(m_pSession->GetHost().IsCalibrated()) << "so it could have begun";
-    EXPECT_EQ(m_pWindow->statusBar()->currentMessage(), "");
+    EXPECT_THAT(GetMessage(), testing::StartsWith("Report written"));
 }
 
 TEST_F(MainWindowOptionsTest, AResultThatCannotBeSavedWhenTheWindowClosesIsReportedAsAFailure) {
@@ -137,8 +165,8 @@ TEST_F(MainWindowOptionsTest, AResultThatCannotBeSavedWhenTheWindowClosesIsRepor
     Press("Pre-balance");
     BalanceByButtons();
     Close();
-    EXPECT_EQ(ReadReport()["result"], "SetupSuccess");
-    EXPECT_EQ(ReadReport()["exit"], 2);
+    EXPECT_EQ(ReadReport(2)["result"], "SetupSuccess");
+    EXPECT_EQ(ReadReport(2)["exit"], 2);
 }
 
 TEST_F(MainWindowOptionsTest, AWindowThatClosesOnAResultBeginsNothingMore) {
@@ -153,7 +181,7 @@ TEST_F(MainWindowOptionsTest, AWindowThatClosesOnAResultBeginsNothingMore) {
 
 TEST_F(MainWindowOptionsTest, ARunThatIsBrokenOffTogetherWithItsBeginningIsReported) {
     Open();
-    QPushButton* const pStart = FindButton("Pre-balance");
+    QAbstractButton* const pStart = FindButton("Pre-balance");
     ASSERT_NE(pStart, nullptr);
     pStart->click();
     m_pWindow->BreakOff();  // no time in between
@@ -170,9 +198,7 @@ TEST_F(MainWindowOptionsTest, APictureThatCannotBeWrittenIsTold) {
     AskFor(COptions::Procedure::ePrebalance);
     m_Run.m_Options.m_ScreenshotDirectory = m_Directory.At("nowhere");
     Open();
-    EXPECT_TRUE(
-        m_pWindow->statusBar()->currentMessage().contains(QString::fromStdString(m_Directory.At("nowhere"))))
-        << m_pWindow->statusBar()->currentMessage().toStdString();
+    EXPECT_THAT(GetMessage(), testing::HasSubstr(m_Directory.At("nowhere")));
     EXPECT_EQ(GetState(), "eNeutralPosRemoveWeights") << "the run goes on";
 }
 
@@ -193,7 +219,7 @@ protected:
     std::vector<QPushButton*> FindButtons(const QString& rText) const {
         std::vector<QPushButton*> Found;
         for (QPushButton* pButton : m_pWindow->findChildren<QPushButton*>()) {
-            if (pButton->text() == rText) {
+            if (pButton->text().replace('\n', ' ') == rText) {
                 Found.push_back(pButton);
             }
         }
@@ -213,10 +239,9 @@ TEST_F(MainWindowAloneTest, WhatTheMachineCannotDoIsTold) {
     constexpr std::uint32_t eTimeout = 120000;
     ASSERT_EQ(FindButtons("Start spindle").size(), 1U);
     FindButtons("Start spindle")[0]->click();
-    const auto GetMessage = [this] { return m_pWindow->statusBar()->currentMessage(); };
-    EXPECT_TRUE(
-        m_Loop.RunUntil([&] { return GetMessage().contains("the machine at tcp:127.0.0.1:1"); }, eTimeout))
-        << GetMessage().toStdString();
+    EXPECT_TRUE(m_Loop.RunUntil(
+        [&] { return GetMessage(*m_pWindow).contains("the machine at tcp:127.0.0.1:1"); }, eTimeout))
+        << GetMessage(*m_pWindow).toStdString();
 }
 
 TEST_F(MainWindowAloneTest, BeforeTheModuleHasAnsweredThereIsNoKeyToPress) {

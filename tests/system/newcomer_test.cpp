@@ -45,6 +45,7 @@ protected:
             }
         }
         ASSERT_NE(FindButton("Finish"), nullptr) << GetState();
+        m_Loop.Advance(6000);  // until the final measurement is complete
         Press("Finish");
         Press("Stop spindle");
         m_Loop.Advance(3000);

@@ -2,7 +2,6 @@
 // the rotor, not what the module thinks is left.
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <random>
 
 #include "tests/support/logcapture.h"
@@ -13,19 +12,7 @@ namespace {
 
 using Procedure = COptions::Procedure;
 
-using Theory::COUNT_ERROR;
-using Theory::DEGREE_ERROR;
-using Theory::TEST_WEIGHT;
-
-/// What theory allows to be left of an unbalance (in weights) without noise. With a the influence in counts
-/// per weight and U the correction: the reading is off by at most COUNT_ERROR, the influence by 2 COUNT_ERROR
-/// / TEST_WEIGHT, which counts with |U|; the products of two errors are covered by the factor. Then the
-/// positions are rounded.
-double GetBound(double Influence, double Unbalance) {
-    const double ReadingError = COUNT_ERROR / Influence;
-    const double InfluenceError = 2.0 * COUNT_ERROR / (TEST_WEIGHT * Influence);
-    return 1.1 * (ReadingError + Unbalance * InfluenceError) + DEGREE_ERROR;
-}
+using Theory::GetBound;
 
 /// A rotor without noise. The unbalance stays below 1 weight: up to there the test run always shows an effect
 /// of more than 5 percent or 30 degrees; above it the direction decides.

@@ -15,31 +15,9 @@ namespace {
 
 using Complex = std::complex<double>;
 using Procedure = COptions::Procedure;
-using Residuals = std::array<double, 2>;
-using Theory::COUNT_ERROR;
+using Residuals = Theory::TwoPlanes;
 using Theory::DEGREE_ERROR;
-using Theory::TEST_WEIGHT;
-
-/// What theory allows to be left in each plane. With A the influence (counts per weight), B its inverse and U
-/// the correction: A U + R = 0 is solved with a reading that is off by up to COUNT_ERROR, and with influences
-/// that are off by up to 2 COUNT_ERROR / TEST_WEIGHT each. What is left is B times the sum of both, taken row
-/// by row at its largest; the products of two errors are covered by the factor. Then the positions of the
-/// plane are rounded.
-Residuals GetBounds(const CRotorFile& rRotor, const Residuals& rCorrection) {
-    std::array<std::array<Complex, 2>, 2> A;
-    for (std::size_t i = 0; i < 2; ++i) {
-        for (std::size_t j = 0; j < 2; ++j) {
-            const CRotorFile::CInfluence& rInfluence = rRotor.m_Influence[i][j];
-            A[i][j] = std::polar(rInfluence.m_Amplitude, rInfluence.m_PhaseDeg * Theory::PI / 180.0);
-        }
-    }
-    const double Determinant = std::abs(A[0][0] * A[1][1] - A[0][1] * A[1][0]);
-    const double Error = COUNT_ERROR + 2.0 * COUNT_ERROR / TEST_WEIGHT * (rCorrection[0] + rCorrection[1]);
-    const auto Bound = [&](Complex Other1, Complex Other2) {
-        return 1.2 * (std::abs(Other1) + std::abs(Other2)) / Determinant * Error + DEGREE_ERROR;
-    };
-    return {Bound(A[1][1], A[0][1]), Bound(A[0][0], A[1][0])};
-}
+using Theory::GetBounds;
 
 struct CCombination {
     CRotorFile::Modules m_Modules;

@@ -9,6 +9,7 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 
+#include "tests/support/jsonschema.h"
 #include "tests/support/testpaths.h"
 
 namespace {
@@ -64,6 +65,7 @@ public:
         std::ifstream In(m_Directory.filePath("report.json").toStdString());
         const auto Report = nlohmann::json::parse(In, nullptr, false);
         ASSERT_TRUE(Report.is_object());
+        EXPECT_EQ(CheckReport(Report), "");
         EXPECT_EQ(Report["result"], "SetupSuccess");
         EXPECT_TRUE(Report["assertions"].empty()) << Report["assertions"];
     }

@@ -176,7 +176,7 @@ TEST_P(DeadLine, IsMeasuredInNoRun) {
 
 // A window of samples that is begun before may end on a line that has just died, but none is begun on it.
 TEST_P(DeadLine, IsNeverAveragedWheneverItDies) {
-    constexpr std::uint32_t eWindow = 2000;  // 40 samples, one every 50 ms
+    constexpr std::uint32_t WINDOW = 2000;  // 40 samples, one every 50 ms
     Balance();
     for (std::uint32_t Death = 0; Death < 8000; Death += 700) {
         SCOPED_TRACE(Death);
@@ -192,7 +192,7 @@ TEST_P(DeadLine, IsNeverAveragedWheneverItDies) {
                 Measured = Now;
             }
         }
-        EXPECT_LE(Measured.value_or(0), Death + eWindow);
+        EXPECT_LE(Measured.value_or(0), Death + WINDOW);
         EXPECT_EQ(m_pSession->Look().m_Warning, 3U);
         Carry({{"fault", {{"kind", "silence_ms"}, {"value", 0}}}});
         m_pSession->SendAction(Actions::eTerminate, Actions::eCommit);

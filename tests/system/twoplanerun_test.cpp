@@ -183,15 +183,16 @@ TEST(TwoPlaneRun, TargetMissedInOnePlaneIsMissed) {
     EXPECT_GT(Run.m_Report["final"][1]["amplitude"].get<double>(), 30.0);
 }
 
-// Somebody forgets to move the test weights of plane 2, but confirms. Nothing looks at the weights' effect in
-// two planes: the influence is zero, and the run goes on with a correction of zero.
+// Somebody forgets to move the test weights of plane 2, but confirms. The module doesn't look at the weights'
+// effect in two planes, and would go on with a correction of zero; the automatic run keeps nothing of it.
 TEST(TwoPlaneRun, TestWeightsThatWereNotMovedMakeTheSystemSingular) {
     CWholeRun Run(MakeRotor());
     OnceIn(Run, "Plane2TestUnbalanceRPMStart", {{"weights", {{"plane", 2}, {"angles", {0, 180}}}}});
     const CLogCapture Log;
-    EXPECT_EQ(Run.Run(Procedure::ePrebalance), eExitOverTarget);
+    EXPECT_EQ(Run.Run(Procedure::ePrebalance), eExitFailed);
     EXPECT_THAT(Log.GetTexts("Warning"), testing::Contains("m_A is singular!!"));
     EXPECT_FALSE(Run.HasWarning(5));
+    EXPECT_TRUE(Run.HasLine("No calibration is kept"));
 }
 
 TEST(TwoPlaneRun, AbortInTheSecondLegKeepsTheOldCalibration) {

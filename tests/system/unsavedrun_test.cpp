@@ -49,6 +49,17 @@ TEST_F(CUnsavedRunTest, AResultThatCannotBeSavedIsNoSuccess) {
     EXPECT_TRUE(m_Run.HasLine("The result was not saved."));
 }
 
+TEST_F(CUnsavedRunTest, TheVerdictIsReportedWithItsOwnTargetWhateverAnotherConsoleStores) {
+    BreakStoreAtTheEnd([this] {
+        CDirectSQL(GetConnection())
+            .Execute("UPDATE configuration SET target_unbalance = 90, revision = revision + 1");
+    });
+    EXPECT_EQ(m_Run.Run(COptions::Procedure::ePrebalance), eExitWithinTarget);
+    EXPECT_EQ(m_Run.m_Report.at("target"), 5);
+    EXPECT_EQ(
+        CDirectSQL(GetConnection()).Query("SELECT target_unbalance FROM configuration")[0].GetInteger(0), 90);
+}
+
 TEST_F(CUnsavedRunTest, AStoreThatIsLockedIsNoSuccess) {
     std::unique_ptr<CDirectSQL> pOther;
     std::unique_ptr<CTransaction> pHolder;

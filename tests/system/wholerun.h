@@ -11,8 +11,10 @@
 #include "console/installation.h"
 #include "console/session.h"
 #include "platform/system/virtualeventloop.h"
+#include "rvlib/settings/installation.h"
 #include "simulator/rotorfile.h"
 #include "simulator/simulator.h"
+#include "tests/support/jsonschema.h"
 #include "tests/support/testpaths.h"
 
 /// A whole run under virtual time: simulator, line discipline, frames, the module's library, database and
@@ -20,7 +22,9 @@
 class CWholeRun {
 public:
     explicit CWholeRun(CRotorFile Rotor) : m_Rotor(std::move(Rotor)) {
+        ResetInstallationRootForTest();  // that of the test before
         m_Options.m_bHeadless = true;
+        m_Options.m_bArchive = false;
         m_Options.m_ModuleLibrary = TestProgram("librtr_trim.so");
     }
 
@@ -63,6 +67,8 @@ public:
         m_MachineName = Session.GetMachineName();
         Session.Close();
         m_Report = Headless.GetReport().ToJson();
+        EXPECT_EQ(CheckReport(m_Report), "");
+        m_Records = Headless.GetRecorder().GetRecords();
         return Result;
     }
 
@@ -130,5 +136,6 @@ public:
     std::vector<std::uint32_t> m_WarningsAfterwards;  ///< of StrikeIn
     std::string m_MachineName;
     nlohmann::ordered_json m_Report;
+    std::vector<CRunRecord> m_Records;
     std::vector<std::string> m_Lines;
 };

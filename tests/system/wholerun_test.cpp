@@ -1,5 +1,6 @@
 // Whole runs from end to end: the good order, and what goes wrong in the middle.
 #include "tests/system/wholerun.h"
+#include "contract/warnings.h"
 
 #include <gtest/gtest.h>
 
@@ -220,6 +221,25 @@ TEST(WholeRun, SilenceInAMeasurementFallsBackToWaitingAndGoesOnWhenFramesCome) {
     EXPECT_EQ(Run.m_WarningsAfterwards.front(), 3U) << "frames that stay away count as a lost lock";
     EXPECT_EQ(Run.m_WarningsAfterwards.back(), 0U);
     EXPECT_LT(std::abs(Run.m_Residual), SMALL);
+}
+
+// Between the end of the query chain and the start of the run: the failure is on the page before anybody has
+// started anything.
+TEST(WholeRun, AModuleThatChangesItsSetBeforeTheStartIsToldAndNothingAsserts) {
+    CWholeRun Run(CRotorFile::GetBuiltIn());
+    Run.OnSession = [](CConsoleSession& rSession) {
+        constexpr std::uint32_t PERIOD = 500;
+        IFEventLoop::Current().SetTimer(PERIOD, [&rSession](std::uint32_t Id) {
+            if (rSession.GetHost().IsConfigured()) {
+                IFEventLoop::Current().KillTimer(Id);
+                rSession.GetSimulator()->Carry({{"set", {{"number", 2}}}});
+            }
+        });
+    };
+    EXPECT_EQ(Run.Run(Procedure::ePrebalance), eExitFailed);
+    EXPECT_EQ(Run.GetResult(), "Failure");
+    EXPECT_TRUE(Run.HasWarning(Warnings::eSetChanged));
+    EXPECT_TRUE(Run.GetAssertions().empty()) << Run.GetAssertions().front();
 }
 
 TEST(WholeRun, BadFramesOnTheLineDoNotHarmTheResult) {

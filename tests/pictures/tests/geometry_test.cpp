@@ -15,9 +15,9 @@
 
 namespace {
 
-using PageColors::c_Ink;
-using PageColors::c_Panel;
-using PageColors::c_Ring;
+using PageColors::INK;
+using PageColors::PANEL;
+using PageColors::RING;
 using testing::IsEmpty;
 
 /// The places of one plane's drawing.
@@ -77,31 +77,31 @@ double ToClockwise(const CPlaneScene& rPlane, double Angle) {
 }
 
 TEST(PageGeometryTest, WeightsLieAtTheirAnglesAndNowhereElse) {
-    ForEachPlane(CPlaneScene::eWeights, [](const CBitmap& rPicture, const CPlaneScene& rPlane,
-                                           const CDrawing& rDrawing) {
-        const bool bEqual = rPlane.m_Angle1 == rPlane.m_Angle2;
-        const int nApart = bEqual ? 10 : 0;
-        const double First = ToClockwise(rPlane, rPlane.m_Angle1 + nApart);
-        const double Second = ToClockwise(rPlane, rPlane.m_Angle2 - nApart);
-        const int nThick = rDrawing.m_Outer - rDrawing.m_Inner;
-        // Beside the number, which stands in the middle.
-        const double Near = rDrawing.m_Inner + nThick * 0.2;
-        const double Far = rDrawing.m_Inner + nThick * 0.8;
-        for (const double Angle : {First, Second}) {
-            for (const double Offset : {-7.0, 7.0}) {  // beside the number
-                EXPECT_TRUE(IsAlmost(Get(rPicture, rDrawing.At(Near, Angle + Offset)), c_Ink));
-                EXPECT_TRUE(IsAlmost(Get(rPicture, rDrawing.At(Far, Angle + Offset)), c_Ink));
-            }
-        }
-        for (int nAngle = 0; nAngle < 360; ++nAngle) {
-            const auto IsClear = [nAngle](double Weight) {
-                return std::abs(std::remainder(nAngle - Weight, 360.0)) > 12.5;
-            };
-            if (IsClear(First) && IsClear(Second)) {
-                EXPECT_EQ(Get(rPicture, rDrawing.At((Near + Far) / 2, nAngle)), c_Ring) << nAngle;
-            }
-        }
-    });
+    ForEachPlane(CPlaneScene::eWeights,
+                 [](const CBitmap& rPicture, const CPlaneScene& rPlane, const CDrawing& rDrawing) {
+                     const bool bEqual = rPlane.m_Angle1 == rPlane.m_Angle2;
+                     const int nApart = bEqual ? 10 : 0;
+                     const double First = ToClockwise(rPlane, rPlane.m_Angle1 + nApart);
+                     const double Second = ToClockwise(rPlane, rPlane.m_Angle2 - nApart);
+                     const int nThick = rDrawing.m_Outer - rDrawing.m_Inner;
+                     // Beside the number, which stands in the middle.
+                     const double Near = rDrawing.m_Inner + nThick * 0.2;
+                     const double Far = rDrawing.m_Inner + nThick * 0.8;
+                     for (const double Angle : {First, Second}) {
+                         for (const double Offset : {-7.0, 7.0}) {  // beside the number
+                             EXPECT_TRUE(IsAlmost(Get(rPicture, rDrawing.At(Near, Angle + Offset)), INK));
+                             EXPECT_TRUE(IsAlmost(Get(rPicture, rDrawing.At(Far, Angle + Offset)), INK));
+                         }
+                     }
+                     for (int nAngle = 0; nAngle < 360; ++nAngle) {
+                         const auto IsClear = [nAngle](double Weight) {
+                             return std::abs(std::remainder(nAngle - Weight, 360.0)) > 12.5;
+                         };
+                         if (IsClear(First) && IsClear(Second)) {
+                             EXPECT_EQ(Get(rPicture, rDrawing.At((Near + Far) / 2, nAngle)), RING) << nAngle;
+                         }
+                     }
+                 });
 }
 
 TEST(PageGeometryTest, HolesLieOnTheirCircleFilledIfTheyHoldAScrew) {
@@ -118,7 +118,7 @@ TEST(PageGeometryTest, HolesLieOnTheirCircleFilledIfTheyHoldAScrew) {
             const bool bScrew =
                 std::any_of(rPlane.m_Screws.begin(), rPlane.m_Screws.end(),
                             [nScrew](const CScrew& rScrew) { return rScrew.m_Hole == nScrew; });
-            const COLORREF Empty = n <= 24 ? c_Panel : c_Ring;
+            const COLORREF Empty = n <= 24 ? PANEL : RING;
             // A good part of the circle; the number and its smooth edges take the rest.
             const double r = nDiameter / 2.0 - 2;
             int nFilled = 0;
@@ -126,14 +126,14 @@ TEST(PageGeometryTest, HolesLieOnTheirCircleFilledIfTheyHoldAScrew) {
                 for (int x = -nDiameter; x <= nDiameter; ++x) {
                     if (x * x + y * y <= r * r) {
                         const COLORREF Color = rPicture.GetPixel(Center.x + x, Center.y + y);
-                        nFilled += Color == (bScrew ? c_Ink : Empty) ? 1 : 0;
+                        nFilled += Color == (bScrew ? INK : Empty) ? 1 : 0;
                     }
                 }
             }
             EXPECT_GT(nFilled, std::numbers::pi * r * r / 3) << "hole " << k + 1;
         }
         // The ring between the first two.
-        EXPECT_EQ(Get(rPicture, rDrawing.At(nRing, ToClockwise(rPlane, 180.0 / n))), c_Ring);
+        EXPECT_EQ(Get(rPicture, rDrawing.At(nRing, ToClockwise(rPlane, 180.0 / n))), RING);
     });
 }
 
@@ -153,14 +153,14 @@ void CheckGauge(const CBitmap& rPicture, const CPlaneScene& rPlane, const CDrawi
     const int nAxis = nTop + h / 2;
     const int nHeight = h / 4 + (bCoarse ? h / 8 : 0);
     for (const int y : {nAxis - 1, nAxis - nHeight}) {
-        EXPECT_EQ(rPicture.GetPixel(X0, y), c_Ink);
-        EXPECT_EQ(rPicture.GetPixel(X0 + nLength - 1, y), c_Ink);
-        EXPECT_EQ(rPicture.GetPixel(X0 - 1, y), c_Panel);
-        EXPECT_EQ(rPicture.GetPixel(X0 + nLength, y), c_Panel);
+        EXPECT_EQ(rPicture.GetPixel(X0, y), INK);
+        EXPECT_EQ(rPicture.GetPixel(X0 + nLength - 1, y), INK);
+        EXPECT_EQ(rPicture.GetPixel(X0 - 1, y), PANEL);
+        EXPECT_EQ(rPicture.GetPixel(X0 + nLength, y), PANEL);
     }
-    EXPECT_EQ(rPicture.GetPixel(X0, nAxis - nHeight - 1), c_Panel);
-    EXPECT_EQ(rPicture.GetPixel(X0 + nSpan, nAxis), c_Ink) << "the axis";
-    EXPECT_EQ(rPicture.GetPixel(X0 + nSpan + 1, nAxis), c_Panel);
+    EXPECT_EQ(rPicture.GetPixel(X0, nAxis - nHeight - 1), PANEL);
+    EXPECT_EQ(rPicture.GetPixel(X0 + nSpan, nAxis), INK) << "the axis";
+    EXPECT_EQ(rPicture.GetPixel(X0 + nSpan + 1, nAxis), PANEL);
 }
 
 TEST(PageGeometryTest, TheGaugesBarEndsWhereItsValueIs) {
@@ -176,7 +176,7 @@ TEST(PageGeometryTest, TheStatusLineGrowsFromAHeightOf504) {
         const CBitmap Picture = RenderScene(GetScene(pName));
         const int nTop = CScenePage(GetScene(pName)).GetPlaneRect(0).bottom;
         EXPECT_EQ(Picture.GetPixel(2, nTop), RGB(255, 255, 255));
-        EXPECT_EQ(Picture.GetPixel(2, nTop - 1), c_Panel);
+        EXPECT_EQ(Picture.GetPixel(2, nTop - 1), PANEL);
     }
 }
 
@@ -218,7 +218,7 @@ TEST(PageSweepTest, DrawingsStayInTheirSquares) {
             for (std::size_t i = 0; i < rScene.m_Planes.size(); ++i) {
                 const CRect Area = Page.GetPlaneRect(i);
                 const CRect Square = CDrawing(Area).GetSquare();
-                const CRect Drawn = FindInk(Picture, Area, c_Panel).value_or(CRect());
+                const CRect Drawn = FindInk(Picture, Area, PANEL).value_or(CRect());
                 EXPECT_GE(Drawn.left, Square.left);
                 EXPECT_GE(Drawn.top, Square.top);
                 EXPECT_LE(Drawn.right, Square.right);
@@ -287,7 +287,7 @@ CBitmap WithoutMiddles(const CBitmap& rPicture, const CScenePage& rPage, std::si
     CBitmap Result = rPicture;
     CDC DC(Result);
     for (std::size_t i = 0; i < nPlanes; ++i) {
-        DC.FillSolidRect(GetMiddle(CDrawing(rPage.GetPlaneRect(i))), c_Panel);
+        DC.FillSolidRect(GetMiddle(CDrawing(rPage.GetPlaneRect(i))), PANEL);
     }
     return Result;
 }

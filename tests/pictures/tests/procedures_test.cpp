@@ -25,7 +25,7 @@ protected:
     static CBitmap Render(CPreBalancing& rProcedure, CSize Size) {
         CBitmap Picture(Size);
         CDC DC(Picture);
-        DC.FillSolidRect(CRect(CPoint(), Size), PageStyle::c_Panel);
+        DC.FillSolidRect(CRect(CPoint(), Size), PageStyle::PANEL);
         rProcedure.Paint(&DC, CRect(CPoint(), Size), CPreBalancing::ePaintAll);
         return Picture;
     }

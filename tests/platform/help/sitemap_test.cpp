@@ -41,12 +41,12 @@ TEST(SiteMapTest, IsLimitedInDepthAndLength) {
         Deep += "<ul>";
     }
     Deep += "<object><param name=\"Name\" value=\"A\"></object>";
-    EXPECT_THAT(Parse(Deep), ElementsAre(CEntry{"A", "", eMaxDepth}));
+    EXPECT_THAT(Parse(Deep), ElementsAre(CEntry{"A", "", MAX_DEPTH}));
     std::string Long;
-    for (std::size_t i = 0; i < eMaxEntries + 10; ++i) {
+    for (std::size_t i = 0; i < MAX_ENTRIES + 10; ++i) {
         Long += "<object><param name=\"Name\" value=\"A\"></object>";
     }
-    EXPECT_EQ(Parse(Long).size(), eMaxEntries);
+    EXPECT_EQ(Parse(Long).size(), MAX_ENTRIES);
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "platform/qt/bitmapimpl.h"
+#include "platform/qt/stylepart.h"
 #include "platform/qt/windowview.h"
 #include "platform/system/virtualeventloop.h"
 #include "platform/window/combobox.h"
@@ -17,8 +18,8 @@
 
 namespace {
 
-constexpr COLORREF c_Page = RGB(0x20, 0x80, 0x40);
-constexpr COLORREF c_List = RGB(0x20, 0x20, 0xC0);
+constexpr COLORREF PAGE = RGB(0x20, 0x80, 0x40);
+constexpr COLORREF LIST = RGB(0x20, 0x20, 0xC0);
 
 class ControlPicturesTest : public testing::Test {
 protected:
@@ -43,8 +44,8 @@ protected:
     }
 
     CVirtualEventLoop m_Loop;
-    CListeningWnd m_Page{c_Page};
-    CListeningWnd m_List{c_List};
+    CListeningWnd m_Page{PAGE};
+    CListeningWnd m_List{LIST};
     CEdit m_Edit;
     std::unique_ptr<CWindowView> m_pView;
 };
@@ -52,22 +53,22 @@ protected:
 TEST_F(ControlPicturesTest, AControlMovesHidesAndIsCutOffWithTheCellThatItLiesOver) {
     CPoint Inside(84, 48);  // near the box's lower right corner
     EXPECT_TRUE(IsBox(Grab(), Inside));
-    EXPECT_EQ(Grab().GetPixel(25, 25), c_List);
+    EXPECT_EQ(Grab().GetPixel(25, 25), LIST);
     m_List.MoveWindow(CRect(40, 20, 140, 80));
     EXPECT_FALSE(IsBox(Grab(), CPoint(32, 40)));
     EXPECT_TRUE(IsBox(Grab(), CPoint(104, 48))) << "went along";
     m_Edit.MoveWindow(CRect(10, 50, 70, 75));
     EXPECT_TRUE(IsBox(Grab(), CPoint(104, 76)));
-    EXPECT_EQ(Grab().GetPixel(104, 82), c_Page) << "cut off at the list's edge";
+    EXPECT_EQ(Grab().GetPixel(104, 82), PAGE) << "cut off at the list's edge";
     m_List.ShowWindow(false);
-    EXPECT_EQ(CountPixels(Grab(), c_Page), 200 * 100) << "hidden with it";
+    EXPECT_EQ(CountPixels(Grab(), PAGE), 200 * 100) << "hidden with it";
     m_List.ShowWindow(true);
     EXPECT_TRUE(IsBox(Grab(), CPoint(104, 76)));
     m_Page.ShowWindow(false);
     EXPECT_FALSE(IsBox(Grab(), CPoint(104, 76)));
     m_Page.ShowWindow(true);
     m_Edit.DestroyWindow();
-    EXPECT_EQ(Grab().GetPixel(104, 76), c_List);
+    EXPECT_EQ(Grab().GetPixel(104, 76), LIST);
 }
 
 TEST_F(ControlPicturesTest, TheComposedPictureIsTheOneOnTheScreen) {
@@ -93,16 +94,16 @@ TEST_F(ControlPicturesTest, WithoutAViewTheComposedPictureIsTheSame) {
 TEST_F(ControlPicturesTest, AWindowThatIsMadeLaterOrAnewIsShown) {
     CComboBox Combo;
     Combo.Create(&m_Page, CRect(130, 20, 190, 45), 3);
-    EXPECT_NE(Grab().GetPixel(160, 30), c_Page);
+    EXPECT_NE(Grab().GetPixel(160, 30), PAGE);
     Combo.DestroyWindow();
-    EXPECT_EQ(Grab().GetPixel(160, 30), c_Page);
+    EXPECT_EQ(Grab().GetPixel(160, 30), PAGE);
     Combo.Create(&m_Page, CRect(130, 50, 190, 75), 3, false);
-    EXPECT_EQ(Grab().GetPixel(160, 60), c_Page);
+    EXPECT_EQ(Grab().GetPixel(160, 60), PAGE);
     Combo.ShowWindow(true);
-    EXPECT_NE(Grab().GetPixel(160, 60), c_Page);
+    EXPECT_NE(Grab().GetPixel(160, 60), PAGE);
     m_pView.reset();
     m_pView = std::make_unique<CWindowView>(m_Page);
-    EXPECT_NE(Grab().GetPixel(160, 60), c_Page) << "a view of a tree that stands already";
+    EXPECT_NE(Grab().GetPixel(160, 60), PAGE) << "a view of a tree that stands already";
 }
 
 TEST_F(ControlPicturesTest, ADisabledControlLooksDisabled) {
@@ -176,3 +177,8 @@ TEST_F(ControlPicturesTest, TheViewTakesTheScaleOfItsScreen) {
 }
 
 }  // namespace
+
+// By the key that a style keeps its pictures under: another one each time would fill its cache.
+TEST(SystemPalette, IsTheSameOneAsLongAsTheColoursAre) {
+    EXPECT_EQ(GetSystemPalette().cacheKey(), GetSystemPalette().cacheKey());
+}

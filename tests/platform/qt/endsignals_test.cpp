@@ -54,7 +54,8 @@ TEST_P(EndSignalsTest, IsNamedAndWakesTheLoop) {
 
 INSTANTIATE_TEST_SUITE_P(All, EndSignalsTest,
                          testing::Values(std::pair{SIGINT, "SIGINT"}, std::pair{SIGTERM, "SIGTERM"},
-                                         std::pair{SIGHUP, "SIGHUP"}));
+                                         std::pair{SIGHUP, "SIGHUP"}),
+                         [](const auto& rInfo) { return rInfo.param.second; });
 
 TEST(EndSignals, OneThatCameBeforeTheWatchIsToldToo) {
     CQtEventLoop Loop;

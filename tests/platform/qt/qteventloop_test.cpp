@@ -13,7 +13,7 @@ namespace {
 using testing::ElementsAre;
 
 /// Far more than anything here needs; only a broken loop gets there.
-constexpr std::uint32_t c_nLong = 20'000;
+constexpr std::uint32_t LONG = 20'000;
 
 class QtEventLoopTest : public testing::Test {
 protected:
@@ -32,7 +32,7 @@ TEST_F(QtEventLoopTest, PostedWorkRunsInOrderOfPosting) {
     });
     m_Loop.Post([this] { m_Events.push_back("second"); });
     EXPECT_TRUE(m_Events.empty()) << "nothing runs in Post itself";
-    EXPECT_TRUE(m_Loop.RunUntil([this] { return m_Events.size() == 3; }, c_nLong));
+    EXPECT_TRUE(m_Loop.RunUntil([this] { return m_Events.size() == 3; }, LONG));
     EXPECT_THAT(m_Events, ElementsAre("first", "second", "third"));
 }
 
@@ -48,7 +48,7 @@ TEST_F(QtEventLoopTest, PostsFromAnotherThreadRunOnTheLoopsThread) {
             });
         }
     });
-    EXPECT_TRUE(m_Loop.RunUntil([&] { return Order.size() == 100; }, c_nLong));
+    EXPECT_TRUE(m_Loop.RunUntil([&] { return Order.size() == 100; }, LONG));
     Other.join();
     EXPECT_TRUE(bOwnThread);
     EXPECT_TRUE(std::is_sorted(Order.begin(), Order.end()));
@@ -66,7 +66,7 @@ TEST_F(QtEventLoopTest, ATimerRepeatsWithItsIdUntilItKillsItself) {
     });
     ASSERT_NE(Id, 0u);
     const std::uint64_t Before = m_Loop.Now();
-    EXPECT_TRUE(m_Loop.RunUntil([&] { return nTicks == 3; }, c_nLong));
+    EXPECT_TRUE(m_Loop.RunUntil([&] { return nTicks == 3; }, LONG));
     EXPECT_GE(m_Loop.Now() - Before, 2u) << "three periods, less the rounding of two clocks";
     EXPECT_FALSE(m_Loop.RunUntil([&] { return nTicks > 3; }, 20));
 }
@@ -89,9 +89,9 @@ TEST_F(QtEventLoopTest, RunUntilMayBeNested) {
     bool bInner = false;
     m_Loop.Post([&] {
         m_Loop.Post([this] { m_Events.push_back("inner"); });
-        bInner = m_Loop.RunUntil([this] { return !m_Events.empty(); }, c_nLong);
+        bInner = m_Loop.RunUntil([this] { return !m_Events.empty(); }, LONG);
     });
-    EXPECT_TRUE(m_Loop.RunUntil([&] { return bInner; }, c_nLong));
+    EXPECT_TRUE(m_Loop.RunUntil([&] { return bInner; }, LONG));
 }
 
 TEST_F(QtEventLoopTest, QuitEndsRun) {
@@ -110,7 +110,7 @@ TEST_F(QtEventLoopTest, SleepDispatchesNothingMeanwhile) {
     m_Loop.Sleep(2);
     EXPECT_FALSE(bRun);
     EXPECT_GE(m_Loop.Now() - Before, 1u);
-    EXPECT_TRUE(m_Loop.RunUntil([&] { return bRun; }, c_nLong));
+    EXPECT_TRUE(m_Loop.RunUntil([&] { return bRun; }, LONG));
 }
 
 TEST_F(QtEventLoopTest, AMultimediaTimerCallsOnAThreadOfItsOwn) {
@@ -124,7 +124,7 @@ TEST_F(QtEventLoopTest, AMultimediaTimerCallsOnAThreadOfItsOwn) {
         m_Loop.Post([&Given, Id] { Given = Id; });
     });
     ASSERT_NE(Handle, 0u);
-    EXPECT_TRUE(m_Loop.RunUntil([&] { return nTicks >= 3 && Given != 0; }, c_nLong));
+    EXPECT_TRUE(m_Loop.RunUntil([&] { return nTicks >= 3 && Given != 0; }, LONG));
     EXPECT_EQ(Given, Handle);
     EXPECT_FALSE(bOwnThread);
 
@@ -140,7 +140,7 @@ TEST_F(QtEventLoopTest, AMultimediaTimerCannotBeKilledFromItsOwnCallback) {
         Answer = m_Loop.KillMultimediaTimer(Id) ? 1 : 0;
         m_Loop.Post([] {});
     });
-    EXPECT_TRUE(m_Loop.RunUntil([&] { return Answer != -1; }, c_nLong));
+    EXPECT_TRUE(m_Loop.RunUntil([&] { return Answer != -1; }, LONG));
     EXPECT_EQ(Answer, 0);
     EXPECT_TRUE(m_Loop.KillMultimediaTimer(Handle));
 }
@@ -159,7 +159,7 @@ TEST(QtEventLoopEndTest, MultimediaTimersThatStillRunAreStopped) {
             ++nTicks;
             Loop.Post([] {});  // so that the loop looks again
         });
-        EXPECT_TRUE(Loop.RunUntil([&] { return nTicks > 0; }, c_nLong));
+        EXPECT_TRUE(Loop.RunUntil([&] { return nTicks > 0; }, LONG));
     }
     const int nAfter = nTicks;
     CQtEventLoop Next;

@@ -15,12 +15,12 @@
 
 namespace {
 
-constexpr COLORREF c_Red = RGB(255, 0, 0);
+constexpr COLORREF RED = RGB(255, 0, 0);
 
 class CPage : public CWnd {
 public:
     int m_nSizes = 0;
-    COLORREF m_Color = c_Red;
+    COLORREF m_Color = RED;
 
 protected:
     LRESULT WindowProc(UINT Message, WPARAM, LPARAM) override {

@@ -175,11 +175,11 @@ int WidthOf(const std::string& rText, int nFontHeight) {
 
 // A page 600 pixels wide: fonts as the painters choose them, insets left out of the width.
 TEST_F(GetTextTest, TextsFitOneLineOfAPage600PixelsWide) {
-    constexpr int c_nWidth = 600 - 10 - 5;
-    constexpr int c_nInstructionFont = c_nWidth / 38;
-    constexpr int c_nWarningFont = c_nWidth / 46;
-    constexpr int c_nHeaderFont = 600 / 47;
-    constexpr int c_nStatusFont = 300 / 18;
+    constexpr int WIDTH = 600 - 10 - 5;
+    constexpr int INSTRUCTION_FONT = WIDTH / 38;
+    constexpr int WARNING_FONT = WIDTH / 46;
+    constexpr int HEADER_FONT = 600 / 47;
+    constexpr int STATUS_FONT = 300 / 18;
     for (const std::string& rCode : GetLanguages()) {
         ASSERT_TRUE(SetLanguage(rCode));
         for (const char* const pKey :
@@ -187,7 +187,7 @@ TEST_F(GetTextTest, TextsFitOneLineOfAPage600PixelsWide) {
               "PB_MOVE_TO_NEUTRAL_TEXTNEUTRAL", "PB_RUN_AT_SELECTED_RPM_TEXT",
               "PB_RUN_AT_DESIRED_RPM_TEXT_NEXT", "PB_UNBAL_MSRMNT_TEXT", "PB_MOVE_TO_GIVEN_POSITION_TEXT_PBA",
               "PB_MAP_WEIGHTS_TO_DISPLAY"}) {
-            EXPECT_LE(WidthOf(GetText(pKey), c_nInstructionFont), c_nWidth) << rCode << ": " << pKey;
+            EXPECT_LE(WidthOf(GetText(pKey), INSTRUCTION_FONT), WIDTH) << rCode << ": " << pKey;
         }
         for (const std::string& rWarning :
              {GetText("SET_SWITCH"), GetText("PB_CANNOT_BALANCE3"),
@@ -195,15 +195,15 @@ TEST_F(GetTextTest, TextsFitOneLineOfAPage600PixelsWide) {
               GetText("PB_REBAL_NOT_POSSIBLE") + " " + GetText("PB_CANNOT_BALANCE1"),
               GetText("PB_UNBAL_OVER_LIMIT_TEXT"), GetText("PB_TERMINATE_TEXT"),
               GetText("MODULE_STATE_CHANGED")}) {
-            EXPECT_LE(WidthOf(rWarning, c_nWarningFont), c_nWidth) << rCode << ": " << rWarning;
+            EXPECT_LE(WidthOf(rWarning, WARNING_FONT), WIDTH) << rCode << ": " << rWarning;
         }
         const std::string Header =
             GetText("PREBAL_CONFIG") + " " + GetText("SET") + " 10 / Wheel 400x60: Finishing";
         const std::string Step = GetText("STEP") + " 11/12";
-        EXPECT_LE(WidthOf(Header, c_nHeaderFont) + WidthOf(Step, c_nHeaderFont), 600 - 3 * 10) << rCode;
+        EXPECT_LE(WidthOf(Header, HEADER_FONT) + WidthOf(Step, HEADER_FONT), 600 - 3 * 10) << rCode;
         for (const char* const pKey : {"PB_CALIBRATED_RPM_TEXT", "PB_CURRENT_RPM_TEXT"}) {
             const std::string Status = GetText(pKey) + ": 60000 " + GetText("RPM");
-            EXPECT_LE(WidthOf(Status, c_nStatusFont), 300 - 2 * 10) << rCode << ": " << Status;
+            EXPECT_LE(WidthOf(Status, STATUS_FONT), 300 - 2 * 10) << rCode << ": " << Status;
         }
     }
 }

@@ -21,16 +21,16 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-constexpr std::uint32_t eFlowTopic = 0x100;
+constexpr std::uint32_t FLOW_TOPIC = 0x100;
 
 /// A publisher as a library has one: registered before main runs.
-CLogComponent* const g_pEarly = CLogComponent::Register("LogTestEarly", {{"Flow", eFlowTopic}});
+CLogComponent* const g_pEarly = CLogComponent::Register("LogTestEarly", {{"Flow", FLOW_TOPIC}});
 
 /// A publisher as a library has it before its static initialisers have run.
 CLogComponent* g_pNone = nullptr;
 
 CLogComponent* MakePublisher(const char* pName) {
-    return CLogComponent::Register(pName, {{"Flow", eFlowTopic}});
+    return CLogComponent::Register(pName, {{"Flow", FLOW_TOPIC}});
 }
 
 std::vector<std::string> Lines(const std::string& rText) {
@@ -48,7 +48,7 @@ TEST(CLogComponentTest, RegistersFromStaticInitialisers) {
     EXPECT_EQ(g_pEarly->GetName(), "LogTestEarly");
     ASSERT_THAT(g_pEarly->GetTopics(), SizeIs(1));
     EXPECT_STREQ(g_pEarly->GetTopics()[0].m_pName, "Flow");
-    EXPECT_EQ(g_pEarly->GetTopics()[0].m_Mask, eFlowTopic);
+    EXPECT_EQ(g_pEarly->GetTopics()[0].m_Mask, FLOW_TOPIC);
 }
 
 TEST(CLogComponentTest, RegisteringANameAgainGivesTheSamePublisher) {
@@ -69,7 +69,7 @@ TEST(CLogComponentTest, ErrorsAndWarningsAreOnFromTheStartAndTopicsOff) {
     RV_WARNING(pLog, "warning");
     RV_INFORMATION(pLog, "information");
     RV_DEBUG(pLog, "debug");
-    RV_LOG(pLog, eFlowTopic, "Flow", "flow");
+    RV_LOG(pLog, FLOW_TOPIC, "Flow", "flow");
     EXPECT_THAT(Capture.GetTexts("Error"), ElementsAre("error"));
     EXPECT_THAT(Capture.GetTexts("Warning"), ElementsAre("warning"));
     EXPECT_THAT(Capture.GetRecords(), SizeIs(2));
@@ -77,9 +77,9 @@ TEST(CLogComponentTest, ErrorsAndWarningsAreOnFromTheStartAndTopicsOff) {
 
 TEST(CLogComponentTest, ATopicIsLoggedOnceItsBitIsSet) {
     CLogComponent* const pLog = MakePublisher("LogTestTopic");
-    pLog->SetLevel(eFlowTopic);
+    pLog->SetLevel(FLOW_TOPIC);
     const CLogCapture Capture;
-    RV_LOG(pLog, eFlowTopic, "Flow", "step %d of %s", 3, "eleven");
+    RV_LOG(pLog, FLOW_TOPIC, "Flow", "step %d of %s", 3, "eleven");
     RV_ERROR(pLog, "not now");
     ASSERT_THAT(Capture.GetRecords(), SizeIs(1));
     const CLogRecord& rRecord = Capture.GetRecords()[0];
@@ -87,7 +87,7 @@ TEST(CLogComponentTest, ATopicIsLoggedOnceItsBitIsSet) {
     EXPECT_THAT(rRecord.m_File, EndsWith("logcomponent_test.cpp"));
     EXPECT_GT(rRecord.m_Line, 0);
     EXPECT_EQ(rRecord.m_Function, "TestBody");
-    EXPECT_EQ(rRecord.m_Mask, eFlowTopic);
+    EXPECT_EQ(rRecord.m_Mask, FLOW_TOPIC);
     EXPECT_EQ(rRecord.m_LevelName, "Flow");
     EXPECT_EQ(rRecord.m_Text, "step 3 of eleven");
     EXPECT_FALSE(rRecord.m_bAssertion);
@@ -99,7 +99,7 @@ TEST(CLogComponentTest, ArgumentsAreNotEvaluatedWhenTheLevelIsOff) {
     const auto Count = [&nCalls] { return ++nCalls; };
     RV_DEBUG(pLog, "%d", Count());
     EXPECT_EQ(nCalls, 0);
-    pLog->SetLevel(CLogComponent::eDebug);
+    pLog->SetLevel(CLogComponent::DEBUG);
     RV_DEBUG(pLog, "%d", Count());
     EXPECT_EQ(nCalls, 1);
 }
@@ -187,21 +187,21 @@ TEST(CLogComponentTest, ThreadsLogAtTheSameTime) {
     CLogComponent* const pLog = MakePublisher("LogTestThreads");
     const CTempDirectory Directory;
     ASSERT_TRUE(CLogComponent::OpenFile(Directory.At("")));
-    constexpr int c_nThreads = 4;
-    constexpr int c_nLines = 200;
+    constexpr int THREADS = 4;
+    constexpr int LINES = 200;
     const CLogCapture Capture;
     {
         std::vector<std::jthread> Threads;
-        for (int nThread = 0; nThread < c_nThreads; ++nThread) {
+        for (int nThread = 0; nThread < THREADS; ++nThread) {
             Threads.emplace_back([pLog, nThread] {
-                for (int i = 0; i < c_nLines; ++i) {
+                for (int i = 0; i < LINES; ++i) {
                     RV_ERROR(pLog, "thread %d line %d", nThread, i);
                 }
             });
         }
     }
-    EXPECT_THAT(Capture.GetRecords(), SizeIs(c_nThreads * c_nLines));
-    EXPECT_THAT(Lines(ReadTestFile(Directory.At("rotor_trim.log"))), SizeIs(c_nThreads * c_nLines));
+    EXPECT_THAT(Capture.GetRecords(), SizeIs(THREADS * LINES));
+    EXPECT_THAT(Lines(ReadTestFile(Directory.At("rotor_trim.log"))), SizeIs(THREADS * LINES));
 }
 
 TEST(CLogComponentTest, WritesLinesToTheFile) {
@@ -220,26 +220,26 @@ TEST(CLogComponentTest, WritesLinesToTheFile) {
 
 TEST(CLogComponentTest, BlocksIndentTheLinesWithinThem) {
     CLogComponent* const pLog = MakePublisher("LogTestBlocks");
-    pLog->SetLevel(CLogComponent::eError | eFlowTopic);
+    pLog->SetLevel(CLogComponent::ERROR | FLOW_TOPIC);
     const CTempDirectory Directory;
     ASSERT_TRUE(CLogComponent::OpenFile(Directory.At("")));
     const auto StartBlock = [pLog](std::uint32_t Mask, const char* pHeading) {
         pLog->LogStartBlock(__FILE__, __LINE__, "Run", Mask, "Flow", pHeading);
     };
-    StartBlock(eFlowTopic, "outer");
+    StartBlock(FLOW_TOPIC, "outer");
     RV_ERROR(pLog, "in outer");
-    StartBlock(eFlowTopic, "inner");
+    StartBlock(FLOW_TOPIC, "inner");
     RV_ERROR(pLog, "in inner");
     // A heading that the level keeps out doesn't indent, and its end doesn't end another block.
-    StartBlock(CLogComponent::eDebug, "hidden");
+    StartBlock(CLogComponent::DEBUG, "hidden");
     RV_ERROR(pLog, "in hidden");
-    pLog->LogEndBlock(CLogComponent::eDebug);
+    pLog->LogEndBlock(CLogComponent::DEBUG);
     RV_ERROR(pLog, "still inner");
-    pLog->LogEndBlock(eFlowTopic);
-    pLog->LogEndBlock(eFlowTopic);
+    pLog->LogEndBlock(FLOW_TOPIC);
+    pLog->LogEndBlock(FLOW_TOPIC);
     RV_ERROR(pLog, "behind");
     // An end too many is ignored.
-    pLog->LogEndBlock(eFlowTopic);
+    pLog->LogEndBlock(FLOW_TOPIC);
     RV_ERROR(pLog, "last");
     std::vector<std::string> Texts;
     for (const std::string& rLine : Lines(ReadTestFile(Directory.At("rotor_trim.log")))) {
@@ -253,9 +253,9 @@ TEST(CLogComponentTest, TheFileRotatesAtTwoMegabytesAndFiveFilesStay) {
     CLogComponent* const pLog = MakePublisher("LogTestRotation");
     const CTempDirectory Directory;
     ASSERT_TRUE(CLogComponent::OpenFile(Directory.At("")));
-    const std::string Text(64 * 1024, 'x');
+    const std::string Text(15 * 1024, 'x');
     // 14 MB; seven files' worth.
-    for (int i = 0; i < 14 * 16; ++i) {
+    for (int i = 0; i < 14 * 70; ++i) {
         RV_ERROR(pLog, "%s", Text.c_str());
     }
     std::vector<std::string> Names;
@@ -267,6 +267,43 @@ TEST(CLogComponentTest, TheFileRotatesAtTwoMegabytesAndFiveFilesStay) {
                                                      "rotor_trim.3.log", "rotor_trim.4.log"));
 }
 
+TEST(CLogComponentTest, ARecordIsALineOfLimitedLengthInTheFile) {
+    CLogComponent* const pLog = MakePublisher("LogTestLines");
+    const CTempDirectory Directory;
+    ASSERT_TRUE(CLogComponent::OpenFile(Directory.At("")));
+    RV_ERROR(pLog, "a name\r\n2026-01-31 forged\x1b[2J");
+    RV_ERROR(pLog, "%s", std::string(10 * CLogComponent::LONGEST_LINE, 'x').c_str());
+    const auto Written = Lines(ReadTestFile(Directory.At("rotor_trim.log")));
+    ASSERT_THAT(Written, SizeIs(2));
+    EXPECT_THAT(Written[0], EndsWith(": a name  2026-01-31 forged [2J"));
+    EXPECT_THAT(Written[1], EndsWith("xxx ..."));
+    EXPECT_LT(Written[1].size(), CLogComponent::LONGEST_LINE + 100);
+}
+
+TEST(CLogComponentTest, WhatIsChosenGoesForAllPublishersAndThoseThatComeLater) {
+    CLogComponent* const pThere = MakePublisher("LogTestThere");
+    CLogComponent::Choose({CLogComponent::ERROR | CLogComponent::INFORMATION, {"Flow", "Nobody's"}});
+    const CLogComponent* const pLater = MakePublisher("LogTestLater");
+    const CLogComponent* const pWithout = CLogComponent::Register("LogTestWithout", {{"Other", FLOW_TOPIC}});
+    constexpr std::uint32_t LEVELS = CLogComponent::ERROR | CLogComponent::INFORMATION;
+    EXPECT_EQ(pThere->GetLevel(), LEVELS | FLOW_TOPIC);
+    EXPECT_EQ(pLater->GetLevel(), LEVELS | FLOW_TOPIC);
+    EXPECT_EQ(pWithout->GetLevel(), LEVELS);
+    EXPECT_THAT(CLogComponent::GetChoice().m_Topics, ElementsAre("Flow", "Nobody's"));
+    CLogComponent::Choose({});
+    EXPECT_EQ(pThere->GetLevel(), CLogComponent::ERROR | CLogComponent::WARNING);
+}
+
+/// A program that is killed hasn't closed its files.
+TEST(CLogComponentTest, WhatHasHappenedIsInTheFileAtOnce) {
+    CLogComponent* const pLog = MakePublisher("LogTestFlush");
+    pLog->SetLevel(CLogComponent::INFORMATION);
+    const CTempDirectory Directory;
+    ASSERT_TRUE(CLogComponent::OpenFile(Directory.At("")));
+    RV_INFORMATION(pLog, "step 1");
+    EXPECT_THAT(Lines(ReadTestFile(Directory.At("rotor_trim.log"))), SizeIs(1));
+}
+
 TEST(CLogComponentTest, OpeningTheFileFailsWhereNoDirectoryCanBe) {
     const CTempDirectory Directory;
     WriteTestFile(Directory.At("file"), "in the way");
@@ -275,7 +312,7 @@ TEST(CLogComponentTest, OpeningTheFileFailsWhereNoDirectoryCanBe) {
 
 TEST(CLogComponentTest, TheConsoleShowsLinesOfItsMask) {
     CLogComponent* const pLog = MakePublisher("LogTestConsole");
-    CLogComponent::SetConsoleMask(CLogComponent::eError);
+    CLogComponent::SetConsoleMask(CLogComponent::ERROR);
     testing::internal::CaptureStderr();
     RV_ERROR(pLog, "shown");
     RV_WARNING(pLog, "not shown");

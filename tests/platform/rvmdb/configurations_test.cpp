@@ -8,6 +8,7 @@
 #include "tests/platform/rvmdb/calibrated.h"
 #include "tests/platform/rvmdb/databasefixture.h"
 #include "tests/platform/rvmdb/makematrix.h"
+#include "tests/support/casenames.h"
 #include "tests/support/logcapture.h"
 
 using namespace PreBalDB;
@@ -458,7 +459,8 @@ class CWriteFailureTest : public CStoreFileTest, public testing::WithParamInterf
 
 INSTANTIATE_TEST_SUITE_P(Tables, CWriteFailureTest,
                          testing::Values("configuration", "single_plane", "two_plane", "weight_compensation",
-                                         "screw_compensation"));
+                                         "screw_compensation"),
+                         CaseNames::BY_TEXT);
 
 TEST_P(CWriteFailureTest, AFailureInTheMiddleLeavesTheOldCalibrationIntact) {
     const auto pDatabase = Open();

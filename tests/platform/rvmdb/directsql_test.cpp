@@ -8,6 +8,7 @@
 using PreBalDB::CDirectSQL;
 using PreBalDB::CSqlError;
 using PreBalDB::CSqlValue;
+using PreBalDB::CTransaction;
 using PreBalDB::StoreFailure;
 using testing::HasSubstr;
 
@@ -87,6 +88,39 @@ TEST_F(CDirectSqlTest, NothingButTheWayBackIsDoneAfterAnInterruption) {
     m_Store.Execute("ROLLBACK");
     m_Store.Resume();
     EXPECT_EQ(Select("1").GetInteger(0), 1);
+}
+
+// EXTRA is 3, NORMAL 1: only a noting transaction waits for no disk, and nothing behind it goes without.
+TEST_F(CDirectSqlTest, ANotingTransactionAloneWaitsForNoDisk) {
+    const auto GetSynchronous = [this] { return m_Store.Query("PRAGMA synchronous").at(0).GetInteger(0); };
+    EXPECT_EQ(GetSynchronous(), 3);
+    {
+        CTransaction Noting(m_Store, CTransaction::eNoting);
+        EXPECT_EQ(GetSynchronous(), 1);
+        Noting.Commit();
+    }
+    EXPECT_EQ(GetSynchronous(), 3);
+    { const CTransaction GivenUp(m_Store, CTransaction::eNoting); }
+    EXPECT_EQ(GetSynchronous(), 3);
+    CDirectSQL Other(m_Connection, 1);
+    Other.Execute("BEGIN IMMEDIATE");
+    m_Store.Execute("PRAGMA busy_timeout = 1");
+    EXPECT_THROW(CTransaction(m_Store, CTransaction::eNoting), CSqlError);
+    EXPECT_EQ(GetSynchronous(), 3) << "refused";
+}
+
+TEST_F(CDirectSqlTest, AStoreThatSomebodyReadsTheOtherWayGoesOnWithoutTheWriteAheadLog) {
+    m_Store.Execute("CREATE TABLE T (A INTEGER)");
+    const auto GetMode = [this] { return m_Store.Query("PRAGMA journal_mode").at(0).GetText(0); };
+    {
+        CDirectSQL Other(m_Connection);
+        const CTransaction Reading(Other, CTransaction::eReading);
+        Other.Query("SELECT count(*) FROM T");
+        EXPECT_NO_THROW(m_Store.UseWriteAheadLog());
+        EXPECT_EQ(GetMode(), "delete");
+    }
+    m_Store.UseWriteAheadLog();
+    EXPECT_EQ(GetMode(), "wal");
 }
 
 }  // namespace

@@ -81,11 +81,11 @@ GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(CServerSettingsTest);
 INSTANTIATE_TEST_SUITE_P(Servers, CServerSettingsTest, testing::ValuesIn(GetServersForTests()), GetStoreName);
 
 TEST_P(CServerSettingsTest, ASlowServerSaysSoBeforeTheWindowThreadGivesUp) {
-    constexpr std::int64_t ePatience = 3000;
+    constexpr std::int64_t PATIENCE = 3000;
     for (const char* const pSetting : {"statement_timeout", "lock_timeout"}) {
         const std::int64_t Limit = GetMilliseconds(m_Connection, pSetting);
         EXPECT_GT(Limit, 0) << pSetting;
-        EXPECT_LT(Limit, ePatience) << pSetting;
+        EXPECT_LT(Limit, PATIENCE) << pSetting;
     }
     EXPECT_GT(GetMilliseconds(m_Connection, "idle_in_transaction_session_timeout"), 0);
 }

@@ -35,7 +35,7 @@ std::chrono::duration<double> Measure(T Operation) {
 }
 
 /// The patience of a window thread, and what a machine under load may add to it.
-constexpr std::chrono::duration<double> eLongest{3.0 + 5.0};
+constexpr std::chrono::duration<double> LONGEST{3.0 + 5.0};
 
 std::string GetOpeningError(const std::string& rConnection) {
     SetDatabaseConnection(rConnection);
@@ -207,7 +207,7 @@ TEST_F(CStoreFailureTest, AStoreThatIsLockedHoldsNobodyUpForLong) {
             EXPECT_EQ(m_pDatabase->WriteScrewTable(), 0);
             EXPECT_EQ(m_pDatabase->GetOutcome().m_Cause, StoreFailure::eNoAnswer);
         });
-        EXPECT_LT(Time, eLongest);
+        EXPECT_LT(Time, LONGEST);
     }
     // Nothing of what was given up is done later.
     m_pDatabase.reset();
@@ -218,13 +218,13 @@ TEST_F(CStoreFailureTest, AStoreThatIsLockedHoldsNobodyUpForLong) {
 TEST_F(CStoreFileTest, AServerThatNeverAnswersIsToldInTime) {
     const CFrozenServer Server;
     std::string Error;
-    EXPECT_LT(Measure([&] { Error = GetOpeningError(Server.GetUrl()); }), eLongest);
+    EXPECT_LT(Measure([&] { Error = GetOpeningError(Server.GetUrl()); }), LONGEST);
     // The driver gives up first, and names the server; on a machine that is very busy the patience may end
     // before.
     EXPECT_THAT(Error, AllOf(AnyOf(HasSubstr("/plant"), HasSubstr("no answer within 3 s")),
                              Not(HasSubstr("secret"))));
     // However patient the URL is.
-    EXPECT_LT(Measure([&] { Error = GetOpeningError(Server.GetUrl("?connect_timeout=20")); }), eLongest);
+    EXPECT_LT(Measure([&] { Error = GetOpeningError(Server.GetUrl("?connect_timeout=20")); }), LONGEST);
     EXPECT_THAT(Error, HasSubstr("no answer within 3 s"));
 }
 
@@ -297,7 +297,7 @@ TEST_P(CFrozenServerTest, AServerThatFreezesHoldsNobodyUpAndTheNextTrySaves) {
         EXPECT_TRUE(pDatabase->GetScrewTableNames().IsEmpty());
         EXPECT_EQ(pDatabase->WriteConfiguration(), 0);
     });
-    EXPECT_LT(Time, eLongest);
+    EXPECT_LT(Time, LONGEST);
     Signal(SIGCONT, Processes);
     EXPECT_NE(pDatabase->WriteConfiguration(), 0) << pDatabase->GetOutcome().m_Failure;
     EXPECT_EQ(Open()->ReadConfiguration("Wheel").GetSinglePlane()->GetInvA()(0, 0), 0.75);
@@ -327,7 +327,7 @@ TEST_P(CFrozenServerTest, ADatabaseOnAFrozenServerEndsInTime) {
         pDatabase->GetScrewTableNames();
         pDatabase.reset();
     });
-    EXPECT_LT(Time, eLongest);
+    EXPECT_LT(Time, LONGEST);
     Signal(SIGCONT, Processes);
 }
 
@@ -339,6 +339,6 @@ TEST_P(CFrozenServerTest, ARowThatIsLockedIsToldInTime) {
     const CTransaction Holder(Other, CTransaction::eWriting);
     Other.Execute("UPDATE configuration SET revision = revision + 1");
     MakeCalibrated(*pDatabase, "Wheel", 0.75);
-    EXPECT_LT(Measure([&] { EXPECT_EQ(pDatabase->WriteConfiguration(), 0); }), eLongest);
+    EXPECT_LT(Measure([&] { EXPECT_EQ(pDatabase->WriteConfiguration(), 0); }), LONGEST);
     EXPECT_EQ(pDatabase->GetOutcome().m_Cause, StoreFailure::eLocked);
 }

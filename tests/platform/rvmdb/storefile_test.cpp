@@ -1,6 +1,7 @@
 // The store as a file: versions, damage, rights, other processes, power loss.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -113,7 +114,7 @@ TEST_F(CStoreFile, OpeningAStoreInOrderChangesNothingInIt) {
 TEST_F(CStoreFile, AnEmptyFileIsANewStore) {
     WriteBytes(m_Path, "");
     EXPECT_EQ(GetOpeningError(), "");
-    EXPECT_EQ(GetVersion(), Schema::eCurrentVersion);
+    EXPECT_EQ(GetVersion(), Schema::CURRENT_VERSION);
 }
 
 TEST_F(CStoreFile, WithoutAConnectionNothingOpens) {
@@ -147,11 +148,11 @@ TEST_F(CStoreFile, AServerThatIsNotThereIsToldWithoutThePassword) {
 }
 
 TEST_F(CStoreFile, AnOlderVersionIsBroughtToTheCurrentOne) {
-    constexpr const char* pMachine = "0#3#255-0-4711-12-2";
+    constexpr const char* MACHINE = "0#3#255-0-4711-12-2";
     std::filesystem::copy_file(TestData("platform/rvmdb/version1.sqlite"), m_Path);
     ASSERT_EQ(GetVersion(), 1);
     {
-        CPreBalDatabase Database(pMachine);
+        CPreBalDatabase Database(MACHINE);
         const Base::CStringArray Names =
             Database.GetProcessNames(CPreBalDatabase::eModePlane1, CTypeBase::ePlane1, 3, 255);
         EXPECT_THAT(std::vector<std::string>(Names.begin(), Names.end()), ElementsAre("Default", "Wheel 7"));
@@ -177,7 +178,111 @@ TEST_F(CStoreFile, AnOlderVersionIsBroughtToTheCurrentOne) {
                   (Base::CWDArray<CScrew>{CScrew("short", 0.57), CScrew("long", 1.33)}));
         EXPECT_NE(Database.WriteConfiguration(), 0);
     }
-    EXPECT_EQ(GetVersion(), Schema::eCurrentVersion);
+    EXPECT_EQ(GetVersion(), Schema::CURRENT_VERSION);
+}
+
+TEST_F(CStoreFile, AVersionWithRadiiKeepsThem) {
+    std::filesystem::copy_file(TestData("platform/rvmdb/version2.sqlite"), m_Path);
+    ASSERT_EQ(GetVersion(), 2);
+    {
+        CPreBalDatabase Database("0#3#255-0-4711-12-2");
+        const CPreBalBaseTableEntry& rEntry = Database.ReadConfiguration("Default");
+        EXPECT_EQ(rEntry.GetCalibratedRPM(), 3000U);
+        EXPECT_EQ(rEntry.GetSinglePlane()->GetInvA()(1, 1), -2.5);
+        const CScrewCompensationTableEntry* const pScrew =
+            rEntry.GetSinglePlane()->GetScrewCompensationTableEntry();
+        ASSERT_NE(pScrew, nullptr);
+        EXPECT_EQ(pScrew->GetRadius(), 62.5);
+        EXPECT_EQ(pScrew->GetScrewTable().GetSize(), 2U);
+    }
+    EXPECT_EQ(GetVersion(), Schema::CURRENT_VERSION);
+}
+
+TEST_F(CStoreFile, AVersionWithRevisionsKeepsThem) {
+    std::filesystem::copy_file(TestData("platform/rvmdb/version3.sqlite"), m_Path);
+    ASSERT_EQ(GetVersion(), 3);
+    {
+        CPreBalDatabase Database("0#1#255-0-486107-930938880-1");
+        const CPreBalBaseTableEntry& rEntry = Database.ReadConfiguration("Default");
+        EXPECT_EQ(rEntry.IsCalibrated(), 1);
+        EXPECT_EQ(rEntry.GetCalibrationDateTime().time_since_epoch().count(), 1704067231);
+        EXPECT_EQ(rEntry.GetTargetUnbalance(), 5U);
+        EXPECT_EQ(rEntry.GetNumberOfSamples(), 40U);
+        EXPECT_EQ(rEntry.GetSinglePlane()->GetInvA()(0, 0), 0.007622840800712679);
+        EXPECT_EQ(rEntry.GetSinglePlane()->GetUA()(1, 0), 1.2659258262890682);
+        EXPECT_EQ(rEntry.GetSinglePlane()->GetScrewCompensationTableEntry()->GetReferenceWeight(), 2.5);
+    }
+    EXPECT_EQ(GetVersion(), Schema::CURRENT_VERSION);
+    CDirectSQL Sql(m_Connection);
+    EXPECT_EQ(Sql.Query("SELECT revision FROM configuration")[0].GetInteger(0), 4);
+    EXPECT_EQ(Sql.Query("SELECT unit_1 FROM iso_data")[0].GetDouble(0), 45.5);
+    EXPECT_EQ(Sql.Query("SELECT count(*) FROM run_plane")[0].GetInteger(0), 3);
+}
+
+// Whatever comes of the migration, what was there before lies beside the store.
+TEST_F(CStoreFile, AnOlderVersionIsCopiedBesideTheStoreBeforeItIsChanged) {
+    for (const int Version : {1, 2, 3}) {
+        const std::string Path = m_Path + std::to_string(Version);
+        std::filesystem::copy_file(TestData("platform/rvmdb/version" + std::to_string(Version) + ".sqlite"),
+                                   Path);
+        const auto GetContents = [](const std::string& rPath) {
+            CDirectSQL Sql("sqlite:" + rPath);
+            std::vector<std::string> Contents;
+            for (const auto& rRow :
+                 Sql.Query("SELECT version FROM schema_version UNION ALL SELECT machine || name || "
+                           "calibrated_unix_time FROM configuration UNION ALL SELECT name || weight FROM "
+                           "screw UNION ALL SELECT sql FROM sqlite_master WHERE sql IS NOT NULL")) {
+                Contents.push_back(rRow.GetText(0));
+            }
+            return Contents;
+        };
+        const auto Before = GetContents(Path);
+        SetDatabaseConnection("sqlite:" + Path);
+        EXPECT_EQ(GetOpeningError(), "");
+        const std::string Backup = Path + ".backup-schema" + std::to_string(Version) + ".sqlite";
+        ASSERT_TRUE(std::filesystem::exists(Backup));
+        EXPECT_EQ(GetContents(Backup), Before);
+        EXPECT_NE(GetContents(Path), Before);
+        EXPECT_FALSE(std::filesystem::exists(Backup + ".part"));
+    }
+}
+
+TEST_F(CStoreFile, ANewStoreIsNotCopied) {
+    EXPECT_EQ(GetOpeningError(), "");
+    for (const auto& rEntry : std::filesystem::directory_iterator(m_Directory.path().toStdString())) {
+        EXPECT_EQ(rEntry.path().string(), m_Path);
+    }
+}
+
+// No room for the copy: nothing is changed without one.
+TEST_F(CStoreFile, WithoutACopyAnOlderVersionStaysAsItIs) {
+    std::filesystem::copy_file(TestData("platform/rvmdb/version1.sqlite"), m_Path);
+    std::filesystem::create_directories(m_Path + ".backup-schema1.sqlite.part/in the way");
+    EXPECT_NE(GetOpeningError(), "");
+    EXPECT_EQ(GetVersion(), 1);
+}
+
+// Its last step never ends, so that it is caught with all the others done.
+TEST_F(CStoreFile, AKilledMigrationLeavesTheOldVersion) {
+    std::filesystem::copy_file(TestData("platform/rvmdb/version1.sqlite"), m_Path);
+    CDirectSQL(m_Connection)
+        .Execute(
+            "CREATE TRIGGER endless AFTER UPDATE ON schema_version BEGIN SELECT count(*) FROM (WITH "
+            "RECURSIVE "
+            "numbers(n) AS (SELECT 1 UNION ALL SELECT n + 1 FROM numbers) SELECT n FROM numbers); END");
+    const pid_t Pid = Fork([] { return GetOpeningError().empty() ? 0 : 1; });
+    while (!std::filesystem::exists(m_Path + ".backup-schema1.sqlite")) {
+        ASSERT_EQ(waitpid(Pid, nullptr, WNOHANG), 0) << "it ended by itself";
+        usleep(1000);
+    }
+    kill(Pid, SIGKILL);
+    EXPECT_EQ(Join(Pid), -1);
+    EXPECT_EQ(GetVersion(), 1);
+    CDirectSQL(m_Connection).Execute("DROP TRIGGER endless");
+    EXPECT_TRUE(std::filesystem::exists(m_Path + ".backup-schema1.sqlite"));
+    EXPECT_EQ(GetOpeningError(), "");
+    EXPECT_EQ(GetVersion(), Schema::CURRENT_VERSION);
+    EXPECT_EQ(CPreBalDatabase("0#3#255-0-4711-12-2").ReadConfiguration("Default").GetCalibratedRPM(), 3000U);
 }
 
 TEST_F(CStoreFile, AnOlderVersionBecomesTheSameTablesAsANewStore) {
@@ -214,7 +319,9 @@ TEST_F(CStoreFile, AMigrationThatFailsLeavesTheOldVersion) {
             "CREATE TRIGGER sabotage BEFORE UPDATE ON schema_version BEGIN SELECT RAISE(ABORT, 'disk "
             "trouble'); END");
     }
-    ExpectRefused(HasSubstr("disk trouble"));
+    const std::string Before = ReadBytes(m_Path);
+    EXPECT_THAT(GetOpeningError(), AllOf(HasSubstr(m_Path), HasSubstr("disk trouble")));
+    EXPECT_TRUE(ReadBytes(m_Path) == Before) << "the file was changed";
     EXPECT_EQ(GetVersion(), 1);
 }
 
@@ -222,11 +329,11 @@ TEST_F(CStoreFile, ANewerVersionIsRefused) {
     WriteTarget(7);
     {
         CDirectSQL Sql(m_Connection);
-        Sql.Execute("UPDATE schema_version SET version = 4");
+        Sql.Execute("UPDATE schema_version SET version = 5");
     }
-    static_assert(Schema::eCurrentVersion == 3);
+    static_assert(Schema::CURRENT_VERSION == 4);
     ExpectRefused(
-        AllOf(HasSubstr("has version 4, this program knows up to 3"), HasSubstr("update the program")));
+        AllOf(HasSubstr("has version 5, this program knows up to 4"), HasSubstr("update the program")));
 }
 
 TEST_F(CStoreFile, AFileThatIsNoDatabaseIsRefused) {
@@ -264,14 +371,14 @@ TEST_F(CStoreFile, ATruncatedFileIsRefused) {
 TEST_F(CStoreFile, ADamagedPageIsRefused) {
     WriteTarget(7);
     const std::string Whole = ReadBytes(m_Path);
-    constexpr std::size_t nPage = 4096;
-    ASSERT_EQ(Whole.size() % nPage, 0U);
+    constexpr std::size_t PAGE = 4096;
+    ASSERT_EQ(Whole.size() % PAGE, 0U);
     std::size_t nRefused = 0;
-    for (std::size_t nStart = 0; nStart < Whole.size(); nStart += nPage) {
+    for (std::size_t nStart = 0; nStart < Whole.size(); nStart += PAGE) {
         std::string Damaged = Whole;
-        Damaged.replace(nStart, nPage, std::string(nPage, '\x5A'));
+        Damaged.replace(nStart, PAGE, std::string(PAGE, '\x5A'));
         WriteBytes(m_Path, Damaged);
-        SCOPED_TRACE(nStart / nPage);
+        SCOPED_TRACE(nStart / PAGE);
         ExpectRefused(HasSubstr("backup"));
         ++nRefused;
     }
@@ -294,13 +401,13 @@ TEST_F(CStoreFile, AWriterThatFindsTheStoreLockedIsTold) {
 // Without patience most of these would fail with "database is locked"; without a transaction configurations
 // of two writers would mix.
 TEST_F(CStoreFile, SeveralProcessesMayWriteAtOnce) {
-    constexpr int nProcesses = 3;
-    constexpr std::uint32_t nWrites = 25;
+    constexpr int PROCESSES = 3;
+    constexpr std::uint32_t WRITES = 25;
     WriteTarget(0);
     std::array<int, 2> Start{};
     ASSERT_EQ(pipe(Start.data()), 0);
     std::vector<pid_t> Children;
-    for (int nProcess = 0; nProcess < nProcesses; ++nProcess) {
+    for (int nProcess = 0; nProcess < PROCESSES; ++nProcess) {
         Children.push_back(Fork([&] {
             close(Start[1]);
             char Signal = 0;
@@ -309,7 +416,7 @@ TEST_F(CStoreFile, SeveralProcessesMayWriteAtOnce) {
                 return 2;
             }
             CPreBalDatabase Database("M-1");
-            for (std::uint32_t i = 1; i <= nWrites; ++i) {
+            for (std::uint32_t i = 1; i <= WRITES; ++i) {
                 CPreBalBaseTableEntry& rEntry = Database.ReadConfiguration("Wheel");
                 if (rEntry.GetTargetUnbalance() != rEntry.GetCalibratedRPM() &&
                     rEntry.GetCalibratedRPM() != 0) {
@@ -330,7 +437,7 @@ TEST_F(CStoreFile, SeveralProcessesMayWriteAtOnce) {
     for (const pid_t Pid : Children) {
         EXPECT_EQ(Join(Pid), 0);
     }
-    EXPECT_EQ(ReadTarget() % 1000, nWrites) << "the last write of one of them";
+    EXPECT_EQ(ReadTarget() % 1000, WRITES) << "the last write of one of them";
 }
 
 // Two consoles come to a new installation at the same moment.
@@ -354,15 +461,14 @@ TEST_F(CStoreFile, SeveralProcessesMayMakeTheStoreAtOnce) {
     for (const pid_t Pid : Children) {
         EXPECT_EQ(Join(Pid), 0);
     }
-    EXPECT_EQ(GetVersion(), Schema::eCurrentVersion);
+    EXPECT_EQ(GetVersion(), Schema::CURRENT_VERSION);
 }
 
-// A process dies in the middle of a write whose pages have partly reached the file already.
+// A process dies in the middle of a write whose pages have partly reached the disk already.
 TEST_F(CStoreFile, APowerLossInTheMiddleOfAWriteLeavesTheOldContents) {
     for (int i = 0; i < 50; ++i) {
         WriteTarget(7, "Wheel " + std::to_string(i));
     }
-    const std::string Before = ReadBytes(m_Path);
     const pid_t Pid = Fork([this] {
         CDirectSQL Sql(m_Connection);
         Sql.Execute("PRAGMA cache_size = 1");
@@ -374,10 +480,10 @@ TEST_F(CStoreFile, APowerLossInTheMiddleOfAWriteLeavesTheOldContents) {
         return 0;
     });
     ASSERT_EQ(Join(Pid), 0);
-    ASSERT_TRUE(std::filesystem::exists(m_Path + "-journal"));
-    ASSERT_FALSE(ReadBytes(m_Path) == Before) << "the test must catch the file half written";
+    constexpr std::uintmax_t PAGE = 4096;
+    ASSERT_GT(std::filesystem::file_size(m_Path + "-wal"), PAGE) << "the test must catch the write half done";
     for (int i = 0; i < 50; ++i) {
         EXPECT_EQ(ReadTarget("Wheel " + std::to_string(i)), 7U);
     }
-    EXPECT_FALSE(std::filesystem::exists(m_Path + "-journal"));
+    EXPECT_FALSE(std::filesystem::exists(m_Path + "-wal"));
 }

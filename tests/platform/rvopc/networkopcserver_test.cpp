@@ -169,7 +169,7 @@ TEST_F(CNetworkOpcServerTest, ValuesOfUnknownKindCannotBeRead) {
     for (const char* pValue : {R"({"bool": true})", R"({})", R"(5)", R"({"int32": 1, "double": 1})"}) {
         Say({{"changed", {{"id", 1}, {"value", json::parse(pValue)}}}});
     }
-    EXPECT_THAT(GetTold(), ElementsAre(eUnreadable, eUnreadable, eUnreadable, eUnreadable));
+    EXPECT_THAT(GetTold(), ElementsAre(UNREADABLE, UNREADABLE, UNREADABLE, UNREADABLE));
 }
 
 TEST_F(CNetworkOpcServerTest, UnknownLinesAndAnswersNobodyAskedForArePassedOver) {

@@ -112,7 +112,7 @@ protected:
     }
     std::shared_ptr<void> Listen(const std::string& rItem) {
         return m_pServer->Subscribe(rItem, 100, [this](const COpcValue* pValue) {
-            m_Told.push_back(pValue != nullptr ? std::get<std::int32_t>(*pValue) : eUnreadable);
+            m_Told.push_back(pValue != nullptr ? std::get<std::int32_t>(*pValue) : UNREADABLE);
         });
     }
     IFOpcServer::FailureHandler Note(const std::string& rName) {
@@ -127,7 +127,7 @@ protected:
         return m_Failed;
     }
 
-    static constexpr std::int32_t eUnreadable = -999;
+    static constexpr std::int32_t UNREADABLE = -999;
 
     CVirtualEventLoop m_Loop;
     CLogCapture m_Log{true};

@@ -50,7 +50,7 @@ TEST_F(CNetworkOpcServerTest, AnItemThatCannotBeReadIsToldAndLogged) {
     Connect();
     const auto pSubscription = Listen("Request");
     Say({{"changed", {{"id", 1}, {"error", "BadNodeIdUnknown"}}}});
-    EXPECT_THAT(GetTold(), ElementsAre(eUnreadable));
+    EXPECT_THAT(GetTold(), ElementsAre(UNREADABLE));
     EXPECT_THAT(m_Log.GetTexts("Warning"), ElementsAre("Request can't be read: BadNodeIdUnknown"));
 }
 
@@ -171,7 +171,7 @@ TEST_F(CSharedOpcItemTest, AnUnreadableItemIsLookedAtWhenItCanBeRead) {
     Say({{"changed", {{"id", 1}, {"error", "BadNodeIdUnknown"}}}});
     SayConnected();
     SayChanged("Request", 3);
-    EXPECT_THAT(GetTold(), ElementsAre(eUnreadable));
+    EXPECT_THAT(GetTold(), ElementsAre(UNREADABLE));
 }
 
 TEST_F(CSharedOpcItemTest, AnAnswerThatTheServerTookIsNoNewsAfterAReconnection) {
@@ -260,6 +260,16 @@ TEST_F(CNetworkOpcServerTest, WhatWaitsFailsWhenNobodyListensAnyMore) {
     m_pServer->Write("Request", 0, Note("ready"));
     pSubscription.reset();
     EXPECT_THAT(GetFailed(), ElementsAre("ready"));
+}
+
+/// A server whose nodes are of floating point gives our own answer back as such.
+TEST_F(CSharedOpcItemTest, AnAnswerThatComesBackAsAnotherTypeOfNumberIsNoNews) {
+    m_pServer->Write("Request", -1);
+    SayWritten("Request");
+    SayLost();
+    Say({{"changed", {{"id", LastIdOf("subscribe", "Request")}, {"value", {{"double", -1.0}}}}}});
+    SayConnected();
+    EXPECT_THAT(GetTold(), IsEmpty());
 }
 
 }  // namespace

@@ -25,8 +25,8 @@ using testing::SizeIs;
 
 namespace {
 
-constexpr std::uint32_t eLong = 240000;  ///< ms; a test that waits so long has failed, on a busy machine too
-constexpr COpcGatewayTimes eImpatient{.m_Ping = 50, .m_Silence = 2000, .m_Sound = 10000};
+constexpr std::uint32_t LONG = 240000;  ///< ms; a test that waits so long has failed, on a busy machine too
+constexpr COpcGatewayTimes IMPATIENT{.m_Ping = 50, .m_Silence = 2000, .m_Sound = 10000};
 
 class COpcGatewayTest : public testing::Test {
 protected:
@@ -57,10 +57,10 @@ protected:
     void MakeObedient(const COpcGatewayTimes& rTimes = {}) { Make(GetObedient(), rTimes); }
     /// Until so many gateways have said hello.
     bool RunUntilGateways(std::size_t nCount) {
-        return m_Loop.RunUntil([&] { return m_Pids.size() >= nCount; }, eLong);
+        return m_Loop.RunUntil([&] { return m_Pids.size() >= nCount; }, LONG);
     }
     bool RunUntilLost(std::size_t nCount) {
-        return m_Loop.RunUntil([&] { return m_Lost.size() >= nCount; }, eLong);
+        return m_Loop.RunUntil([&] { return m_Lost.size() >= nCount; }, LONG);
     }
     static bool IsAlive(int Pid) { return kill(Pid, 0) == 0; }
     static unsigned GetMode(const std::filesystem::path& rPath) {
@@ -98,7 +98,7 @@ TEST_F(COpcGatewayTest, TheProgramIsStartedWithTheSocketAndLinesGoBothWays) {
     EXPECT_EQ(m_nOpened, 1);
     EXPECT_TRUE(m_pGateway->SendLine("say one"));
     EXPECT_TRUE(m_pGateway->SendLine("say two"));
-    EXPECT_TRUE(m_Loop.RunUntil([&] { return m_Lines.size() == 2; }, eLong));
+    EXPECT_TRUE(m_Loop.RunUntil([&] { return m_Lines.size() == 2; }, LONG));
     EXPECT_THAT(m_Lines, ElementsAre("one", "two"));
     EXPECT_THAT(m_Lost, IsEmpty());
     EXPECT_THAT(m_Log.GetTexts("Warning"), IsEmpty());
@@ -127,10 +127,10 @@ TEST_F(COpcGatewayTest, ASecondConnectionIsRefusedAndTheFirstGoesOn) {
     QObject::connect(&Intruder, &QLocalSocket::disconnected, [&] { bThrownOut = true; });
     Intruder.connectToServer(QString::fromStdString((GetSocketDirectory() / "gateway").string()));
     ASSERT_TRUE(Intruder.waitForConnected());
-    EXPECT_TRUE(m_Loop.RunUntil([&] { return bThrownOut; }, eLong));
+    EXPECT_TRUE(m_Loop.RunUntil([&] { return bThrownOut; }, LONG));
     EXPECT_THAT(m_Log.GetTexts("Warning"), ElementsAre(HasSubstr("refused")));
     m_pGateway->SendLine("say still here");
-    EXPECT_TRUE(m_Loop.RunUntil([&] { return !m_Lines.empty(); }, eLong));
+    EXPECT_TRUE(m_Loop.RunUntil([&] { return !m_Lines.empty(); }, LONG));
     EXPECT_EQ(m_nOpened, 1);
     EXPECT_THAT(m_Lost, IsEmpty());
 }
@@ -145,7 +145,7 @@ TEST_F(COpcGatewayTest, AKilledOneIsToldAndReplaced) {
     EXPECT_NE(m_Pids[0], m_Pids[1]);
     EXPECT_FALSE(IsAlive(m_Pids[0]));
     m_pGateway->SendLine("say new");
-    EXPECT_TRUE(m_Loop.RunUntil([&] { return !m_Lines.empty(); }, eLong));
+    EXPECT_TRUE(m_Loop.RunUntil([&] { return !m_Lines.empty(); }, LONG));
 }
 
 TEST_F(COpcGatewayTest, TheLastWordsOfOneThatEndsAreTaken) {
@@ -191,7 +191,7 @@ TEST_F(COpcGatewayTest, AfterOneThatServedWellThePauseIsTheShortest) {
 
 TEST_F(COpcGatewayTest, ASilentOneIsReplaced) {
     m_AtFirst = "hush";
-    MakeObedient(eImpatient);
+    MakeObedient(IMPATIENT);
     ASSERT_TRUE(RunUntilGateways(2));
     EXPECT_THAT(m_Lost, Contains("it doesn't answer"));
     EXPECT_FALSE(IsAlive(m_Pids[0]));
@@ -203,7 +203,7 @@ TEST_F(COpcGatewayTest, OneThatTakesLongToStartIsWaitedFor) {
     const std::string Slow = (Programs.GetPath() / "slow").string();
     std::ofstream(Slow) << "#!/bin/sh\nsleep 1\nexec '" << GetObedient() << "' \"$1\"\n";
     std::filesystem::permissions(Slow, std::filesystem::perms::owner_all);
-    Make(Slow, {.m_Ping = 50, .m_Silence = 200, .m_Start = eLong});
+    Make(Slow, {.m_Ping = 50, .m_Silence = 200, .m_Start = LONG});
     ASSERT_TRUE(RunUntilGateways(1));
     EXPECT_THAT(m_Lost, IsEmpty());
 }
@@ -213,7 +213,7 @@ TEST_F(COpcGatewayTest, OneThatNeverStartsIsReplaced) {
     const std::string Stuck = (Programs.GetPath() / "stuck").string();
     std::ofstream(Stuck) << "#!/bin/sh\nexec sleep 1000\n";
     std::filesystem::permissions(Stuck, std::filesystem::perms::owner_all);
-    Make(Stuck, {.m_Ping = 50, .m_Silence = eLong, .m_Start = 200});
+    Make(Stuck, {.m_Ping = 50, .m_Silence = LONG, .m_Start = 200});
     ASSERT_TRUE(RunUntilLost(2));
     EXPECT_THAT(m_Lost, Each("it doesn't answer"));
 }
@@ -225,17 +225,17 @@ TEST_F(COpcGatewayTest, AStandstillOfOursIsNotItsSilence) {
     for (int i = 0; i < 3; ++i) {
         m_Loop.Sleep(600);
         const std::size_t nLines = m_Lines.size();
-        ASSERT_TRUE(m_Loop.RunUntil([&] { return m_Lines.size() > nLines; }, eLong));
+        ASSERT_TRUE(m_Loop.RunUntil([&] { return m_Lines.size() > nLines; }, LONG));
     }
     EXPECT_THAT(m_Lost, IsEmpty());
 }
 
 TEST_F(COpcGatewayTest, OneThatAnswersPingsIsKept) {
-    MakeObedient(eImpatient);
+    MakeObedient(IMPATIENT);
     ASSERT_TRUE(RunUntilGateways(1));
     const auto IsPong = [](const std::string& rLine) { return rLine == "pong"; };
     // So many pings take longer than silence would be borne.
-    EXPECT_TRUE(m_Loop.RunUntil([&] { return std::ranges::count_if(m_Lines, IsPong) >= 50; }, eLong));
+    EXPECT_TRUE(m_Loop.RunUntil([&] { return std::ranges::count_if(m_Lines, IsPong) >= 50; }, LONG));
     EXPECT_THAT(m_Lost, IsEmpty());
 }
 
@@ -266,12 +266,12 @@ TEST_F(COpcGatewayTest, AProgramThatEndsWithoutConnectingIsOneWarning) {
 TEST_F(COpcGatewayTest, WaitReturnsWhenALineCame) {
     MakeObedient();
     // The first one while the program is still starting; nothing but Wait runs.
-    EXPECT_TRUE(m_pGateway->Wait(eLong));
+    EXPECT_TRUE(m_pGateway->Wait(LONG));
     EXPECT_THAT(m_Pids, SizeIs(1));
     m_pGateway->SendLine("say one");
-    EXPECT_TRUE(m_pGateway->Wait(eLong));
+    EXPECT_TRUE(m_pGateway->Wait(LONG));
     EXPECT_THAT(m_Lines, ElementsAre("one"));
-    EXPECT_LT(m_Loop.Now(), eLong);
+    EXPECT_LT(m_Loop.Now(), LONG);
 }
 
 TEST_F(COpcGatewayTest, WaitGivesUpWhenNothingComes) {
@@ -287,12 +287,12 @@ TEST_F(COpcGatewayTest, WaitEndsWithTheGateway) {
     MakeObedient();
     ASSERT_TRUE(RunUntilGateways(1));
     m_pGateway->SendLine("exit 0");
-    EXPECT_FALSE(m_pGateway->Wait(eLong));
-    EXPECT_LT(m_Loop.Now(), eLong);
+    EXPECT_FALSE(m_pGateway->Wait(LONG));
+    EXPECT_LT(m_Loop.Now(), LONG);
     EXPECT_THAT(m_Lost, SizeIs(1));
     // Until another one is started nothing can come.
-    EXPECT_FALSE(m_pGateway->Wait(eLong));
-    EXPECT_LT(m_Loop.Now(), eLong);
+    EXPECT_FALSE(m_pGateway->Wait(LONG));
+    EXPECT_LT(m_Loop.Now(), LONG);
     EXPECT_TRUE(RunUntilGateways(2));
 }
 

@@ -113,6 +113,20 @@ TEST(FilesTest, WritingLeavesNothingElseBehind) {
     EXPECT_EQ(std::distance(fs::directory_iterator(Directory.GetPath()), fs::directory_iterator()), 1);
 }
 
+// No sync, and no other file in its place.
+TEST(FilesTest, WhatIsThereAlreadyIsNotWrittenAgain) {
+    const CTempDirectory Directory;
+    ASSERT_TRUE(Files::WriteAll(Directory.At("data"), {1, 2}));
+    struct stat Before;
+    ASSERT_EQ(::stat(Directory.At("data").c_str(), &Before), 0);
+    EXPECT_TRUE(Files::WriteAll(Directory.At("data"), {1, 2}));
+    struct stat After;
+    ASSERT_EQ(::stat(Directory.At("data").c_str(), &After), 0);
+    EXPECT_EQ(After.st_ino, Before.st_ino);
+    EXPECT_TRUE(Files::WriteAll(Directory.At("data"), {1, 3}));
+    EXPECT_EQ(Files::ReadAll(Directory.At("data")), (Bytes{1, 3}));
+}
+
 TEST(FilesTest, AWriteProtectedFileIsLeftAlone) {
     const CTempDirectory Directory;
     WriteTestFile(Directory.At("data"), "old");
@@ -205,7 +219,7 @@ TEST(FilesTest, WritingKeepsTheAccessOfAnOldFileAndALinkToIt) {
 TEST(FilesTest, ANewFileIsSharedWithTheGroup) {
     const CTempDirectory Directory;
     ASSERT_TRUE(Files::WriteAll(Directory.At("data"), {}));
-    EXPECT_EQ(static_cast<unsigned>(PermissionsOf(Directory.At("data"))), 0664U);
+    EXPECT_EQ(static_cast<unsigned>(PermissionsOf(Directory.At("data"))), 0660U);
 }
 
 TEST(FilesTest, WritingFailsWithoutADirectoryOrOverOne) {
@@ -222,6 +236,11 @@ TEST(FilesTest, TheProgramsDirectoryHoldsThisProgram) {
     const std::string Directory = Files::GetProgramDirectory();
     EXPECT_THAT(Directory, testing::StartsWith("\\"));
     EXPECT_TRUE(Files::IsFile(Directory + "\\" + fs::read_symlink("/proc/self/exe").filename().string()));
+}
+
+TEST(FilesTest, WhatLiesBesideTheProgramIsFoundInThePlatformsForm) {
+    const fs::path Program = fs::read_symlink("/proc/self/exe");
+    EXPECT_EQ(Files::GetBesideProgram(Program.filename().string()), Program.string());
 }
 
 }  // namespace

@@ -232,10 +232,10 @@ TEST_F(VirtualEventLoopTest, AnExceptionFromACallbackLeavesTheLoopUsable) {
 }
 
 TEST_F(VirtualEventLoopTest, OtherThreadsMayPost) {
-    constexpr int c_nPosts = 1000;
+    constexpr int POSTS = 1000;
     int nRun = 0;
     const auto PostAll = [&] {
-        for (int i = 0; i < c_nPosts; ++i) {
+        for (int i = 0; i < POSTS; ++i) {
             m_Loop.Post([&nRun] { ++nRun; });
         }
     };
@@ -244,7 +244,7 @@ TEST_F(VirtualEventLoopTest, OtherThreadsMayPost) {
     First.join();
     Second.join();
     m_Loop.RunPosted();
-    EXPECT_EQ(nRun, 2 * c_nPosts);
+    EXPECT_EQ(nRun, 2 * POSTS);
 }
 
 }  // namespace

@@ -170,11 +170,11 @@ TEST_F(ControlsTest, AComboKeepsANumberWithEachItem) {
 
 TEST_F(ControlsTest, AFullComboRefusesAnItem) {
     CComboBox Combo;
-    for (int i = 0; i < CComboBox::eMaxItems; ++i) {
+    for (int i = 0; i < CComboBox::MAX_ITEMS; ++i) {
         ASSERT_EQ(Combo.AddString("x"), i);
     }
     EXPECT_EQ(Combo.AddString("x"), -1);
-    EXPECT_EQ(Combo.GetCount(), CComboBox::eMaxItems);
+    EXPECT_EQ(Combo.GetCount(), CComboBox::MAX_ITEMS);
     Combo.ResetContent();
     EXPECT_EQ(Combo.AddString("x"), 0);
 }

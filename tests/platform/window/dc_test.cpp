@@ -16,20 +16,20 @@
 
 namespace {
 
-constexpr COLORREF c_White = RGB(255, 255, 255);
-constexpr COLORREF c_Black = RGB(0, 0, 0);
-constexpr COLORREF c_Red = RGB(255, 0, 0);
-constexpr COLORREF c_Green = RGB(0, 255, 0);
+constexpr COLORREF WHITE = RGB(255, 255, 255);
+constexpr COLORREF BLACK = RGB(0, 0, 0);
+constexpr COLORREF RED = RGB(255, 0, 0);
+constexpr COLORREF GREEN = RGB(0, 255, 0);
 
 TEST(BitmapTest, StartsEmptyAndIsWhiteWhenMade) {
     CBitmap Bitmap;
     EXPECT_EQ(Bitmap.GetSize(), CSize());
-    EXPECT_EQ(Bitmap.GetPixel(0, 0), c_Black) << "black outside";
+    EXPECT_EQ(Bitmap.GetPixel(0, 0), BLACK) << "black outside";
     Bitmap.Create({4, 3});
     EXPECT_EQ(Bitmap.GetSize(), CSize(4, 3));
-    EXPECT_EQ(CountPixels(Bitmap, c_White), 12);
-    EXPECT_EQ(Bitmap.GetPixel(4, 0), c_Black);
-    EXPECT_EQ(Bitmap.GetPixel(-1, 0), c_Black);
+    EXPECT_EQ(CountPixels(Bitmap, WHITE), 12);
+    EXPECT_EQ(Bitmap.GetPixel(4, 0), BLACK);
+    EXPECT_EQ(Bitmap.GetPixel(-1, 0), BLACK);
     Bitmap.Create({-4, 3});
     EXPECT_EQ(Bitmap.GetSize(), CSize());
 }
@@ -37,9 +37,9 @@ TEST(BitmapTest, StartsEmptyAndIsWhiteWhenMade) {
 TEST(BitmapTest, CopiesAreIndependent) {
     CBitmap First({4, 4});
     CBitmap Second = First;
-    CDC(Second).FillSolidRect({0, 0, 1, 1}, c_Red);
-    EXPECT_EQ(First.GetPixel(0, 0), c_White);
-    EXPECT_EQ(Second.GetPixel(0, 0), c_Red);
+    CDC(Second).FillSolidRect({0, 0, 1, 1}, RED);
+    EXPECT_EQ(First.GetPixel(0, 0), WHITE);
+    EXPECT_EQ(Second.GetPixel(0, 0), RED);
     EXPECT_FALSE(First == Second);
     First = Second;
     EXPECT_TRUE(First == Second);
@@ -89,76 +89,76 @@ protected:
 };
 
 TEST_F(DcTest, AFilledRectangleEndsJustBeforeItsRightAndBottom) {
-    CDC(m_Bitmap).FillSolidRect({10, 20, 13, 22}, c_Red);
+    CDC(m_Bitmap).FillSolidRect({10, 20, 13, 22}, RED);
     EXPECT_EQ(FindInk(m_Bitmap), CRect(10, 20, 13, 22));
-    EXPECT_EQ(CountPixels(m_Bitmap, c_Red), 6);
-    CDC(m_Bitmap).FillSolidRect({50, 50, 40, 55}, c_Green);
-    EXPECT_EQ(CountPixels(m_Bitmap, c_Green), 0) << "an inverted rectangle is empty";
+    EXPECT_EQ(CountPixels(m_Bitmap, RED), 6);
+    CDC(m_Bitmap).FillSolidRect({50, 50, 40, 55}, GREEN);
+    EXPECT_EQ(CountPixels(m_Bitmap, GREEN), 0) << "an inverted rectangle is empty";
 }
 
 TEST_F(DcTest, LinesIncludeBothEnds) {
     CDC Dc(m_Bitmap);
-    Dc.SelectPen(CPen(CPen::eSolid, 1, c_Red));
+    Dc.SelectPen(CPen(CPen::eSolid, 1, RED));
     Dc.MoveTo({10, 10});
     Dc.LineTo({20, 10});
     EXPECT_EQ(FindInk(m_Bitmap), CRect(10, 10, 21, 11));
     Dc.LineTo({20, 30});  // goes on from there
     EXPECT_EQ(FindInk(m_Bitmap), CRect(10, 10, 21, 31));
-    EXPECT_EQ(CountPixels(m_Bitmap, c_Red), 11 + 20) << "sharp, and one pixel wide";
+    EXPECT_EQ(CountPixels(m_Bitmap, RED), 11 + 20) << "sharp, and one pixel wide";
 }
 
 TEST_F(DcTest, DiagonalLinesAreSharp) {
     CDC Dc(m_Bitmap);
-    Dc.SelectPen(CPen(CPen::eSolid, 1, c_Red));
+    Dc.SelectPen(CPen(CPen::eSolid, 1, RED));
     Dc.MoveTo({5, 5});
     Dc.LineTo({25, 25});
     for (int i = 5; i <= 25; ++i) {
-        EXPECT_EQ(Dc.GetPixel({i, i}), c_Red);
+        EXPECT_EQ(Dc.GetPixel({i, i}), RED);
     }
-    EXPECT_EQ(CountPixels(m_Bitmap, c_White), 100 * 60 - 21);
+    EXPECT_EQ(CountPixels(m_Bitmap, WHITE), 100 * 60 - 21);
 }
 
 TEST_F(DcTest, DottedLinesHaveGapsAndNullPensDrawNothing) {
     CDC Dc(m_Bitmap);
-    Dc.SelectPen(CPen(CPen::eNull, 1, c_Red));
+    Dc.SelectPen(CPen(CPen::eNull, 1, RED));
     Dc.MoveTo({0, 5});
     Dc.LineTo({90, 5});
     EXPECT_EQ(FindInk(m_Bitmap), std::nullopt);
-    Dc.SelectPen(CPen(CPen::eDot, 1, c_Red));
+    Dc.SelectPen(CPen(CPen::eDot, 1, RED));
     Dc.MoveTo({0, 5});
     Dc.LineTo({90, 5});
-    const int nDots = CountPixels(m_Bitmap, c_Red);
+    const int nDots = CountPixels(m_Bitmap, RED);
     EXPECT_GT(nDots, 30);
     EXPECT_LT(nDots, 60);
 }
 
 TEST_F(DcTest, APolylineConnectsItsPoints) {
     CDC Dc(m_Bitmap);
-    Dc.SelectPen(CPen(CPen::eSolid, 1, c_Red));
+    Dc.SelectPen(CPen(CPen::eSolid, 1, RED));
     Dc.Polyline(std::array{CPoint(1, 1), CPoint(1, 9), CPoint(9, 9)});
-    EXPECT_EQ(CountPixels(m_Bitmap, c_Red), 17);
+    EXPECT_EQ(CountPixels(m_Bitmap, RED), 17);
     Dc.Polyline({});
-    EXPECT_EQ(CountPixels(m_Bitmap, c_Red), 17);
+    EXPECT_EQ(CountPixels(m_Bitmap, RED), 17);
 }
 
 TEST_F(DcTest, AnEllipseLiesInsideItsRectangleOutlineIncluded) {
     CDC Dc(m_Bitmap);
-    Dc.SelectPen(CPen(CPen::eSolid, 2, c_Black));
-    Dc.SelectBrush(CBrush(c_Green));
+    Dc.SelectPen(CPen(CPen::eSolid, 2, BLACK));
+    Dc.SelectBrush(CBrush(GREEN));
     Dc.Ellipse({10, 10, 51, 51});
     EXPECT_EQ(FindInk(m_Bitmap), CRect(10, 10, 51, 51));
-    EXPECT_EQ(Dc.GetPixel({30, 30}), c_Green);
-    EXPECT_TRUE(IsAlmost(Dc.GetPixel({30, 10}), c_Black));
-    EXPECT_TRUE(IsAlmost(Dc.GetPixel({30, 11}), c_Black));
-    EXPECT_TRUE(IsAlmost(Dc.GetPixel({30, 12}), c_Green)) << "two pixels of outline, not three";
-    EXPECT_TRUE(IsAlmost(Dc.GetPixel({50, 30}), c_Black));
-    EXPECT_EQ(Dc.GetPixel({11, 11}), c_White) << "the corner stays free";
+    EXPECT_EQ(Dc.GetPixel({30, 30}), GREEN);
+    EXPECT_TRUE(IsAlmost(Dc.GetPixel({30, 10}), BLACK));
+    EXPECT_TRUE(IsAlmost(Dc.GetPixel({30, 11}), BLACK));
+    EXPECT_TRUE(IsAlmost(Dc.GetPixel({30, 12}), GREEN)) << "two pixels of outline, not three";
+    EXPECT_TRUE(IsAlmost(Dc.GetPixel({50, 30}), BLACK));
+    EXPECT_EQ(Dc.GetPixel({11, 11}), WHITE) << "the corner stays free";
 }
 
 TEST_F(DcTest, AnEmptyBrushLeavesTheInsideOfAnEllipse) {
     CDC Dc(m_Bitmap);
     Dc.Ellipse({10, 10, 51, 51});
-    EXPECT_EQ(Dc.GetPixel({30, 30}), c_White);
+    EXPECT_EQ(Dc.GetPixel({30, 30}), WHITE);
 }
 
 /// The pixel at Degrees (0 right, counter-clockwise) and Radius from the middle of the bitmap below.
@@ -171,71 +171,71 @@ CPoint At(double Degrees, double Radius) {
 TEST(DcCircleTest, AnArcRunsCounterClockwiseFromItsStart) {
     CBitmap Bitmap({101, 101});
     CDC Dc(Bitmap);
-    Dc.SelectPen(CPen(CPen::eSolid, 3, c_Red));
+    Dc.SelectPen(CPen(CPen::eSolid, 3, RED));
     Dc.Arc({50, 50}, 40, 310.0, 280.0);
     for (const int nOn : {315, 0, 90, 180, 225}) {
-        EXPECT_EQ(Dc.GetPixel(At(nOn, 40)), c_Red) << nOn;
+        EXPECT_EQ(Dc.GetPixel(At(nOn, 40)), RED) << nOn;
     }
     for (const int nOff : {235, 270, 303}) {
-        EXPECT_EQ(Dc.GetPixel(At(nOff, 40)), c_White) << nOff;
+        EXPECT_EQ(Dc.GetPixel(At(nOff, 40)), WHITE) << nOff;
     }
-    EXPECT_EQ(Dc.GetPixel(At(0, 36)), c_White);
-    EXPECT_EQ(Dc.GetPixel(At(0, 44)), c_White);
+    EXPECT_EQ(Dc.GetPixel(At(0, 36)), WHITE);
+    EXPECT_EQ(Dc.GetPixel(At(0, 44)), WHITE);
 }
 
 TEST(DcCircleTest, ASectorOfARingKeepsToItsAnglesAndRadii) {
     CBitmap Bitmap({101, 101});
     CDC Dc(Bitmap);
-    Dc.FillRing({50, 50}, 20, 40, 80.0, 20.0, c_Red);
-    EXPECT_EQ(Dc.GetPixel(At(90, 30)), c_Red);
-    EXPECT_EQ(Dc.GetPixel(At(83, 30)), c_Red);
-    EXPECT_EQ(Dc.GetPixel(At(97, 30)), c_Red);
-    EXPECT_EQ(Dc.GetPixel(At(75, 30)), c_White);
-    EXPECT_EQ(Dc.GetPixel(At(105, 30)), c_White);
-    EXPECT_EQ(Dc.GetPixel(At(90, 18)), c_White);
-    EXPECT_EQ(Dc.GetPixel(At(90, 42)), c_White);
-    EXPECT_EQ(Dc.GetPixel(At(270, 30)), c_White);
+    Dc.FillRing({50, 50}, 20, 40, 80.0, 20.0, RED);
+    EXPECT_EQ(Dc.GetPixel(At(90, 30)), RED);
+    EXPECT_EQ(Dc.GetPixel(At(83, 30)), RED);
+    EXPECT_EQ(Dc.GetPixel(At(97, 30)), RED);
+    EXPECT_EQ(Dc.GetPixel(At(75, 30)), WHITE);
+    EXPECT_EQ(Dc.GetPixel(At(105, 30)), WHITE);
+    EXPECT_EQ(Dc.GetPixel(At(90, 18)), WHITE);
+    EXPECT_EQ(Dc.GetPixel(At(90, 42)), WHITE);
+    EXPECT_EQ(Dc.GetPixel(At(270, 30)), WHITE);
 }
 
 // From 80 to 100 degrees at the inner circle, but from 60 to 120 at the outer one.
 TEST(DcCircleTest, ARingsEdgesNeedNotPointAtTheCentre) {
     CBitmap Bitmap({101, 101});
     CDC Dc(Bitmap);
-    Dc.FillRing({50, 50}, 20, 40, {80.0, 60.0}, {100.0, 120.0}, c_Red);
+    Dc.FillRing({50, 50}, 20, 40, {80.0, 60.0}, {100.0, 120.0}, RED);
     for (const int nDegrees : {83, 90, 97}) {
-        EXPECT_EQ(Dc.GetPixel(At(nDegrees, 22)), c_Red);
+        EXPECT_EQ(Dc.GetPixel(At(nDegrees, 22)), RED);
     }
     for (const int nDegrees : {65, 90, 115}) {
-        EXPECT_EQ(Dc.GetPixel(At(nDegrees, 38)), c_Red);
+        EXPECT_EQ(Dc.GetPixel(At(nDegrees, 38)), RED);
     }
     for (const int nDegrees : {65, 115}) {
-        EXPECT_EQ(Dc.GetPixel(At(nDegrees, 22)), c_White);
+        EXPECT_EQ(Dc.GetPixel(At(nDegrees, 22)), WHITE);
     }
     for (const int nDegrees : {50, 130, 270}) {
-        EXPECT_EQ(Dc.GetPixel(At(nDegrees, 38)), c_White);
+        EXPECT_EQ(Dc.GetPixel(At(nDegrees, 38)), WHITE);
     }
 }
 
 TEST(DcCircleTest, AWholeRingLeavesItsHole) {
     CBitmap Bitmap({101, 101});
     CDC Dc(Bitmap);
-    Dc.FillRing({50, 50}, 20, 40, 0.0, 360.0, c_Red);
+    Dc.FillRing({50, 50}, 20, 40, 0.0, 360.0, RED);
     for (int nDegrees = 0; nDegrees < 360; nDegrees += 30) {
-        EXPECT_EQ(Dc.GetPixel(At(nDegrees, 30)), c_Red);
-        EXPECT_EQ(Dc.GetPixel(At(nDegrees, 17)), c_White);
-        EXPECT_EQ(Dc.GetPixel(At(nDegrees, 43)), c_White);
+        EXPECT_EQ(Dc.GetPixel(At(nDegrees, 30)), RED);
+        EXPECT_EQ(Dc.GetPixel(At(nDegrees, 17)), WHITE);
+        EXPECT_EQ(Dc.GetPixel(At(nDegrees, 43)), WHITE);
     }
 }
 
 TEST(DcCircleTest, RingsWithoutAnAreaDrawNothing) {
     CBitmap Bitmap({101, 101});
     CDC Dc(Bitmap);
-    Dc.FillRing({50, 50}, 40, 40, 0.0, 360.0, c_Red);
-    Dc.FillRing({50, 50}, 40, 20, 0.0, 90.0, c_Red);
-    Dc.FillRing({50, 50}, -9, -3, 0.0, 360.0, c_Red);
+    Dc.FillRing({50, 50}, 40, 40, 0.0, 360.0, RED);
+    Dc.FillRing({50, 50}, 40, 20, 0.0, 90.0, RED);
+    Dc.FillRing({50, 50}, -9, -3, 0.0, 360.0, RED);
     EXPECT_EQ(FindInk(Bitmap), std::nullopt);
-    Dc.FillRing({50, 50}, 0, 40, 0.0, 90.0, c_Red);  // a slice of cake
-    EXPECT_EQ(Dc.GetPixel(At(45, 3)), c_Red);
+    Dc.FillRing({50, 50}, 0, 40, 0.0, 90.0, RED);  // a slice of cake
+    EXPECT_EQ(Dc.GetPixel(At(45, 3)), RED);
 }
 
 TEST_F(DcTest, ClippingOnlyEverNarrowsAndIsRestored) {
@@ -243,29 +243,29 @@ TEST_F(DcTest, ClippingOnlyEverNarrowsAndIsRestored) {
     const int Saved = Dc.SaveDC();
     Dc.IntersectClipRect({10, 10, 40, 40});
     Dc.IntersectClipRect({30, 0, 60, 60});
-    Dc.FillSolidRect({0, 0, 100, 60}, c_Red);
+    Dc.FillSolidRect({0, 0, 100, 60}, RED);
     EXPECT_EQ(FindInk(m_Bitmap), CRect(30, 10, 40, 40));
     EXPECT_TRUE(Dc.RestoreDC(Saved));
-    Dc.FillSolidRect({0, 0, 100, 60}, c_Green);
-    EXPECT_EQ(CountPixels(m_Bitmap, c_Green), 100 * 60);
+    Dc.FillSolidRect({0, 0, 100, 60}, GREEN);
+    EXPECT_EQ(CountPixels(m_Bitmap, GREEN), 100 * 60);
 }
 
 TEST_F(DcTest, RestoreBringsBackPenBrushFontAndColours) {
     CDC Dc(m_Bitmap);
-    Dc.SelectPen(CPen(CPen::eSolid, 1, c_Red));
-    Dc.SelectBrush(CBrush(c_Red));
+    Dc.SelectPen(CPen(CPen::eSolid, 1, RED));
+    Dc.SelectBrush(CBrush(RED));
     Dc.SelectFont(CFont("Arial", 20));
     const int nHeight = Dc.GetFontHeight();
     const int Saved = Dc.SaveDC();
-    Dc.SelectPen(CPen(CPen::eSolid, 5, c_Green));
-    Dc.SelectBrush(CBrush(c_Green));
+    Dc.SelectPen(CPen(CPen::eSolid, 5, GREEN));
+    Dc.SelectBrush(CBrush(GREEN));
     Dc.SelectFont(CFont("Arial", 40));
     EXPECT_NE(Dc.GetFontHeight(), nHeight);
     EXPECT_TRUE(Dc.RestoreDC(Saved));
     EXPECT_EQ(Dc.GetFontHeight(), nHeight);
     Dc.Ellipse({10, 10, 50, 50});
-    EXPECT_EQ(CountPixels(m_Bitmap, c_Green), 0);
-    EXPECT_EQ(Dc.GetPixel({30, 30}), c_Red);
+    EXPECT_EQ(CountPixels(m_Bitmap, GREEN), 0);
+    EXPECT_EQ(Dc.GetPixel({30, 30}), RED);
 }
 
 TEST_F(DcTest, RestoringAnOuterStateDropsTheInnerOnes) {
@@ -279,20 +279,20 @@ TEST_F(DcTest, RestoringAnOuterStateDropsTheInnerOnes) {
     EXPECT_FALSE(Dc.RestoreDC(Outer)) << "each state serves once";
     EXPECT_FALSE(Dc.RestoreDC(0));
     EXPECT_FALSE(Dc.RestoreDC(-1));
-    Dc.FillSolidRect({0, 0, 100, 60}, c_Red);
-    EXPECT_EQ(CountPixels(m_Bitmap, c_Red), 100 * 60);
+    Dc.FillSolidRect({0, 0, 100, 60}, RED);
+    EXPECT_EQ(CountPixels(m_Bitmap, RED), 100 * 60);
 }
 
 TEST_F(DcTest, BitBltCopiesAPartWithoutScaling) {
     CBitmap Source({20, 20});
-    CDC(Source).FillSolidRect({5, 5, 10, 10}, c_Red);
+    CDC(Source).FillSolidRect({5, 5, 10, 10}, RED);
     CDC(m_Bitmap).BitBlt({30, 30, 40, 40}, Source, {5, 5});
     EXPECT_EQ(FindInk(m_Bitmap), CRect(30, 30, 35, 35));
 }
 
 TEST_F(DcTest, BitBltOfWhatTheSourceDoesNotHaveLeavesTheTarget) {
     CBitmap Source({20, 20});
-    CDC(Source).FillSolidRect({0, 0, 20, 20}, c_Red);
+    CDC(Source).FillSolidRect({0, 0, 20, 20}, RED);
     CDC Dc(m_Bitmap);
     Dc.BitBlt({30, 30, 50, 50}, Source, {-5, -5});
     EXPECT_EQ(FindInk(m_Bitmap), CRect(35, 35, 50, 50));
@@ -303,21 +303,21 @@ TEST_F(DcTest, BitBltOfWhatTheSourceDoesNotHaveLeavesTheTarget) {
 
 TEST_F(DcTest, BitBltWithinOneBitmapMayOverlap) {
     CDC Dc(m_Bitmap);
-    Dc.FillSolidRect({10, 10, 20, 20}, c_Red);
+    Dc.FillSolidRect({10, 10, 20, 20}, RED);
     Dc.BitBlt({15, 10, 25, 20}, m_Bitmap, {10, 10});
     EXPECT_EQ(FindInk(m_Bitmap), CRect(10, 10, 25, 20));
-    EXPECT_EQ(CountPixels(m_Bitmap, c_Red), 150);
+    EXPECT_EQ(CountPixels(m_Bitmap, RED), 150);
 }
 
 TEST_F(DcTest, AnEmptyBitmapTakesAnyDrawing) {
     CBitmap Empty;
     CDC Dc(Empty);
     const int Saved = Dc.SaveDC();
-    Dc.FillSolidRect({0, 0, 5, 5}, c_Red);
+    Dc.FillSolidRect({0, 0, 5, 5}, RED);
     Dc.LineTo({9, 9});
     Dc.Ellipse({0, 0, 9, 9});
     Dc.Arc({5, 5}, 3, 0, 90);
-    Dc.FillRing({5, 5}, 1, 3, 0, 90, c_Red);
+    Dc.FillRing({5, 5}, 1, 3, 0, 90, RED);
     Dc.BitBlt({0, 0, 5, 5}, m_Bitmap, {});
     Dc.IntersectClipRect({0, 0, 2, 2});
     CRect Rect(0, 0, 5, 5);
@@ -349,7 +349,7 @@ TEST_F(DcTest, BoldTextIsWider) {
     CDC Dc(m_Bitmap);
     Dc.SelectFont(CFont("Arial", 20));
     const int nNormal = Dc.GetTextExtent("Unbalance").cx;
-    Dc.SelectFont(CFont("Arial", 20, CFont::eBold));
+    Dc.SelectFont(CFont("Arial", 20, CFont::BOLD));
     EXPECT_GT(Dc.GetTextExtent("Unbalance").cx, nNormal);
 }
 
@@ -420,8 +420,8 @@ TEST_F(DcTest, TextIsNotCutAtItsRectangle) {
 TEST_F(DcTest, OpaqueTextFillsItsBackground) {
     CDC Dc(m_Bitmap);
     Dc.SelectFont(CFont("Arial", 16));
-    Dc.SetTextColor(c_White);
-    Dc.SetBkColor(c_Green);
+    Dc.SetTextColor(WHITE);
+    Dc.SetBkColor(GREEN);
     CRect Rect(10, 10, 90, 50);
     Dc.DrawText("HH", Rect, DT_SINGLELINE);
     EXPECT_EQ(FindInk(m_Bitmap), std::nullopt) << "transparent from the start";
@@ -440,7 +440,7 @@ TEST_F(DcTest, TextOutStandsOnItsBaseLineAndTurnsWithTheEscapement) {
 
     CBitmap Turned({100, 60});
     CDC TurnedDc(Turned);
-    TurnedDc.SelectFont(CFont("Arial", 16, CFont::eNormal, 900));
+    TurnedDc.SelectFont(CFont("Arial", 16, CFont::NORMAL, 900));
     TurnedDc.TextOut({50, 50}, "HH");
     const CRect Upright = FindInk(Turned).value_or(CRect());
     EXPECT_GT(Upright.Height(), Upright.Width()) << "a quarter turn counter-clockwise";
@@ -453,7 +453,7 @@ TEST_F(DcTest, TheSameDrawingIsTheSamePicture) {
     for (CBitmap* pBitmap : {&m_Bitmap, &Second}) {
         CDC Dc(*pBitmap);
         CRect Rect(0, 0, 100, 60);
-        Dc.SelectFont(CFont("Arial", 24, CFont::eBold));
+        Dc.SelectFont(CFont("Arial", 24, CFont::BOLD));
         Dc.DrawText("123°", Rect, 38);
         Dc.Arc({50, 30}, 24, 310, 280);
     }

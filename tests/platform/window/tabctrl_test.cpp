@@ -65,7 +65,7 @@ TEST_F(TabCtrlTest, APictureShowsWhichTabIsSelected) {
     m_Loop.RunPosted();
     const auto Changed = FindDifference(First, m_Tabs.Compose());
     ASSERT_TRUE(Changed);
-    EXPECT_LE(Changed->bottom, CTabCtrl::eTabHeight);
+    EXPECT_LE(Changed->bottom, CTabCtrl::TAB_HEIGHT);
 }
 
 TEST_F(TabCtrlTest, TabsShowTheirPictures) {
@@ -84,7 +84,7 @@ TEST_F(TabCtrlTest, TabsShowTheirPictures) {
 
 TEST_F(TabCtrlTest, ThePageLiesUnderTheTabs) {
     ASSERT_TRUE(m_Tabs.Create(nullptr, CRect(0, 0, 300, 100), 1));
-    EXPECT_EQ(m_Tabs.GetDisplayArea(), CRect(0, CTabCtrl::eTabHeight, 300, 100));
+    EXPECT_EQ(m_Tabs.GetDisplayArea(), CRect(0, CTabCtrl::TAB_HEIGHT, 300, 100));
     m_Tabs.MoveWindow(CRect(0, 0, 300, 10));
     EXPECT_TRUE(m_Tabs.GetDisplayArea().IsRectEmpty());
 }

@@ -13,6 +13,7 @@
 #include "platform/window/dc.h"
 
 namespace {
+#include "tests/support/lookingpeer.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -51,6 +52,7 @@ constexpr CRect c_Rect(10, 20, 110, 70);
 
 TEST_F(WndTest, CreationSendsCreateThenSizeAndPaintsLater) {
     CTestWnd Wnd;
+    const CLookingPeer Screen(Wnd);
     EXPECT_FALSE(Wnd.IsWindow());
     ASSERT_TRUE(Wnd.Create(nullptr, c_Rect, 7));
     EXPECT_TRUE(Wnd.IsWindow());
@@ -228,6 +230,9 @@ TEST_F(WndTest, AWindowMayBeDestroyedInItsOwnHandler) {
 }
 
 TEST_F(WndTest, TheObjectMayBeDeletedInItsOwnHandlers) {
+    CWnd Top;
+    const CLookingPeer Screen(Top);
+    ASSERT_TRUE(Top.Create(nullptr, c_Rect, 0));
     for (const UINT Deadly : {WM_CREATE, WM_SIZE, WM_PAINT, WM_TIMER, WM_DESTROY, UINT{1088}}) {
         auto* pWnd = new CTestWnd;
         bool bDeleted = false;
@@ -238,7 +243,7 @@ TEST_F(WndTest, TheObjectMayBeDeletedInItsOwnHandlers) {
             }
             return 0;
         };
-        const bool bCreated = pWnd->Create(nullptr, c_Rect, 1);
+        const bool bCreated = pWnd->Create(&Top, c_Rect, 1);
         EXPECT_EQ(bCreated, Deadly != WM_CREATE && Deadly != WM_SIZE);
         if (bCreated) {
             pWnd->SetTimer(1, 10);
@@ -378,6 +383,7 @@ TEST_F(WndTest, AMessageOnlyWindowGetsNeitherCreateNorPaint) {
 
 TEST_F(WndTest, PaintComesOnceHoweverOftenItIsAskedFor) {
     CTestWnd Wnd;
+    const CLookingPeer Screen(Wnd);
     ASSERT_TRUE(Wnd.Create(nullptr, c_Rect, 1));
     m_Loop.RunPosted();
     Wnd.m_Messages.clear();
@@ -397,13 +403,62 @@ TEST_F(WndTest, APaintHandlerMayAskForTheNextPaint) {
         }
         return 0;
     };
+    const CLookingPeer Screen(Wnd);
     ASSERT_TRUE(Wnd.Create(nullptr, c_Rect, 1));
     m_Loop.RunPosted();
     EXPECT_EQ(nPaints, 3);
 }
 
+TEST_F(WndTest, NothingIsPaintedWhileNobodyLooks) {
+    CTestWnd Wnd;
+    CLookingPeer Screen(Wnd);
+    Screen.m_bLooking = false;
+    ASSERT_TRUE(Wnd.Create(nullptr, c_Rect, 1));
+    Wnd.Invalidate();
+    m_Loop.RunPosted();
+    EXPECT_THAT(Wnd.m_Messages, ElementsAre(WM_CREATE, WM_SIZE));
+    Screen.m_bLooking = true;
+    Wnd.Invalidate();
+    m_Loop.RunPosted();
+    EXPECT_EQ(Wnd.m_Messages.back(), WM_PAINT);
+}
+
+TEST_F(WndTest, WhatFellDueIsPaintedWhenSomebodyBeginsToLook) {
+    CTestWnd Top;
+    CTestWnd Child;
+    ASSERT_TRUE(Top.Create(nullptr, c_Rect, 0));
+    ASSERT_TRUE(Child.Create(&Top, c_Rect, 1));
+    m_Loop.RunPosted();
+    EXPECT_EQ(Child.m_Messages.back(), WM_SIZE);
+    const CLookingPeer Screen(Top);
+    m_Loop.RunPosted();
+    EXPECT_EQ(Top.m_Messages.back(), WM_PAINT);
+    EXPECT_EQ(Child.m_Messages.back(), WM_PAINT);
+}
+
+TEST_F(WndTest, APictureThatIsAskedForIsPaintedOnce) {
+    CTestWnd Wnd;
+    ASSERT_TRUE(Wnd.Create(nullptr, c_Rect, 1));
+    Wnd.m_Messages.clear();
+    Wnd.GetSurface();
+    EXPECT_THAT(Wnd.m_Messages, ElementsAre(WM_PAINT));
+    Wnd.Compose();
+    m_Loop.RunPosted();
+    EXPECT_THAT(Wnd.m_Messages, ElementsAre(WM_PAINT));
+}
+
+TEST_F(WndTest, AMessage15FromOutsideIsThePaintThatWasDue) {
+    CTestWnd Wnd;
+    ASSERT_TRUE(Wnd.Create(nullptr, c_Rect, 1));
+    Wnd.SendMessage(WM_PAINT);
+    Wnd.m_Messages.clear();
+    Wnd.PaintIfDue();
+    EXPECT_THAT(Wnd.m_Messages, IsEmpty());
+}
+
 TEST_F(WndTest, OnlyAChangeOfSizeSendsMessage5) {
     CTestWnd Wnd;
+    const CLookingPeer Screen(Wnd);
     ASSERT_TRUE(Wnd.Create(nullptr, c_Rect, 1));
     m_Loop.RunPosted();
     Wnd.m_Messages.clear();
@@ -446,13 +501,13 @@ private:
 };
 
 TEST_F(WndTest, ComposeLaysVisibleChildrenOverTheirParentAndCutsThemToIt) {
-    constexpr COLORREF c_Red = RGB(255, 0, 0);
-    constexpr COLORREF c_Green = RGB(0, 255, 0);
-    constexpr COLORREF c_Blue = RGB(0, 0, 255);
-    CColored Top(c_Red);
-    CColored Child(c_Green);
-    CColored Grandchild(c_Blue);
-    CColored Hidden(c_Blue);
+    constexpr COLORREF RED = RGB(255, 0, 0);
+    constexpr COLORREF GREEN = RGB(0, 255, 0);
+    constexpr COLORREF BLUE = RGB(0, 0, 255);
+    CColored Top(RED);
+    CColored Child(GREEN);
+    CColored Grandchild(BLUE);
+    CColored Hidden(BLUE);
     ASSERT_TRUE(Top.Create(nullptr, CRect(100, 100, 140, 140), 0));
     ASSERT_TRUE(Child.Create(&Top, CRect(10, 10, 30, 30), 1));
     ASSERT_TRUE(Grandchild.Create(&Child, CRect(15, 15, 60, 60), 2));
@@ -460,16 +515,16 @@ TEST_F(WndTest, ComposeLaysVisibleChildrenOverTheirParentAndCutsThemToIt) {
     m_Loop.RunPosted();
     const CBitmap Picture = Top.Compose();
     EXPECT_EQ(Picture.GetSize(), CSize(40, 40));
-    EXPECT_EQ(Picture.GetPixel(2, 2), c_Red) << "hidden";
-    EXPECT_EQ(Picture.GetPixel(9, 9), c_Red);
-    EXPECT_EQ(Picture.GetPixel(10, 10), c_Green);
-    EXPECT_EQ(Picture.GetPixel(24, 24), c_Green);
-    EXPECT_EQ(Picture.GetPixel(25, 25), c_Blue);
-    EXPECT_EQ(Picture.GetPixel(29, 29), c_Blue);
-    EXPECT_EQ(Picture.GetPixel(30, 30), c_Red) << "cut off at the child's edge";
+    EXPECT_EQ(Picture.GetPixel(2, 2), RED) << "hidden";
+    EXPECT_EQ(Picture.GetPixel(9, 9), RED);
+    EXPECT_EQ(Picture.GetPixel(10, 10), GREEN);
+    EXPECT_EQ(Picture.GetPixel(24, 24), GREEN);
+    EXPECT_EQ(Picture.GetPixel(25, 25), BLUE);
+    EXPECT_EQ(Picture.GetPixel(29, 29), BLUE);
+    EXPECT_EQ(Picture.GetPixel(30, 30), RED) << "cut off at the child's edge";
     Child.ShowWindow(false);
-    EXPECT_EQ(Top.Compose().GetPixel(10, 10), c_Red);
-    EXPECT_EQ(Top.GetSurface().GetPixel(10, 10), c_Red) << "the surface itself is never drawn over";
+    EXPECT_EQ(Top.Compose().GetPixel(10, 10), RED);
+    EXPECT_EQ(Top.GetSurface().GetPixel(10, 10), RED) << "the surface itself is never drawn over";
 }
 
 class CPeer : public IFWindowPeer {

@@ -152,9 +152,9 @@ TEST(Matrix, SelfAssignmentIsHarmless) {
 TEST(Matrix, SubtractionOfDifferentSizesThrows) {
     Matrix Vector = Make({{1.0}, {2.0}});
     const Matrix Block = Make({{1.0, 2.0}, {3.0, 4.0}});
-    constexpr const char* eText = "matrixT::operator-= : Inconsistent matrix sizes in subtraction!";
-    EXPECT_EQ(ErrorOf([&] { Vector -= Block; }), eText);
-    EXPECT_EQ(ErrorOf([&] { (void)(Block - Vector); }), eText);
+    constexpr const char* TEXT = "matrixT::operator-= : Inconsistent matrix sizes in subtraction!";
+    EXPECT_EQ(ErrorOf([&] { Vector -= Block; }), TEXT);
+    EXPECT_EQ(ErrorOf([&] { (void)(Block - Vector); }), TEXT);
     EXPECT_EQ(Vector, Make({{1.0}, {2.0}}));
 }
 

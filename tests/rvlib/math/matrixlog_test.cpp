@@ -61,7 +61,7 @@ TEST(MatrixLog, WritesNothingWithTheTopicOffOrWithoutPublisher) {
     const CLogCapture Capture(true);
     pPublisher->SetLevel(0);
     LOG_MATRIX(pPublisher, "UA", Block(1, 2, 3, 4));
-    pPublisher->SetLevel(CLogComponent::eError | CLogComponent::eWarning);
+    pPublisher->SetLevel(CLogComponent::ERROR | CLogComponent::WARNING);
     LOG_MATRIX(pPublisher, "UA", Block(1, 2, 3, 4));
     LOG_MATRIX(static_cast<CLogComponent*>(nullptr), "UA", Block(1, 2, 3, 4));
     EXPECT_TRUE(Capture.GetRecords().empty());

@@ -6,20 +6,20 @@
 
 namespace {
 
-constexpr std::array Names{"zero", "one"};
+constexpr std::array NAMES{"zero", "one"};
 
 }  // namespace
 
-TEST(Names, NameOfAPlaceInTheTableOrBehindIt) {
-    EXPECT_STREQ(Comm::NameOf(Names, 0, "other"), "zero");
-    EXPECT_STREQ(Comm::NameOf(Names, 1, "other"), "one");
-    EXPECT_STREQ(Comm::NameOf(Names, 2, "other"), "other");
-    EXPECT_STREQ(Comm::NameOf(Names, 0xFFFFFFFF, "other"), "other");
+TEST(NAMES, NameOfAPlaceInTheTableOrBehindIt) {
+    EXPECT_STREQ(Comm::NameOf(NAMES, 0, "other"), "zero");
+    EXPECT_STREQ(Comm::NameOf(NAMES, 1, "other"), "one");
+    EXPECT_STREQ(Comm::NameOf(NAMES, 2, "other"), "other");
+    EXPECT_STREQ(Comm::NameOf(NAMES, 0xFFFFFFFF, "other"), "other");
 }
 
-TEST(Names, AdaptionsWithoutANameOfTheirOwnReadAsPrefixAndNumber) {
-    EXPECT_EQ(Comm::AdaptionName(Names, "Value", 1), "one");
-    EXPECT_EQ(Comm::AdaptionName(Names, "Value", 2), "Value2");
-    EXPECT_EQ(Comm::AdaptionName(Names, "", 31), "31");
-    EXPECT_EQ(Comm::AdaptionName(Names, "Value", 32), std::nullopt);
+TEST(NAMES, AdaptionsWithoutANameOfTheirOwnReadAsPrefixAndNumber) {
+    EXPECT_EQ(Comm::AdaptionName(NAMES, "Value", 1), "one");
+    EXPECT_EQ(Comm::AdaptionName(NAMES, "Value", 2), "Value2");
+    EXPECT_EQ(Comm::AdaptionName(NAMES, "", 31), "31");
+    EXPECT_EQ(Comm::AdaptionName(NAMES, "Value", 32), std::nullopt);
 }

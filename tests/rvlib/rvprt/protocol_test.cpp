@@ -11,6 +11,7 @@
 #include "platform/rvcom/rvcom.h"
 #include "platform/system/virtualeventloop.h"
 #include "platform/window/messagebox.h"
+#include "tests/support/casenames.h"
 #include "tests/support/frames.h"
 #include "tests/support/logcapture.h"
 
@@ -91,29 +92,28 @@ TEST_P(CProtocolRetries, SendsAndReportsAtTheExactInstants) {
 
 namespace {
 
-constexpr const char* eGood = "1C 05 01 B8 0B";
+constexpr const char* GOOD = "1C 05 01 B8 0B";
 
 INSTANTIATE_TEST_SUITE_P(
     Table, CProtocolRetries,
     testing::Values(
-        CRetryCase{
-            "AnsweredAtFirstSending", {{30, eGood}}, {"0: sent 1C 01 05", "30: answer 1C 05 01 B8 0B"}},
+        CRetryCase{"AnsweredAtFirstSending", {{30, GOOD}}, {"0: sent 1C 01 05", "30: answer 1C 05 01 B8 0B"}},
         CRetryCase{"AnsweredJustBeforeTheSecondSending",
-                   {{499, eGood}},
+                   {{499, GOOD}},
                    {"0: sent 1C 01 05", "499: answer 1C 05 01 B8 0B"}},
         CRetryCase{"AnsweredAtSecondSending",
-                   {{530, eGood}},
+                   {{530, GOOD}},
                    {"0: sent 1C 01 05", "500: sent 1C 01 05", "530: answer 1C 05 01 B8 0B"}},
         CRetryCase{
             "AnsweredAtThirdSending",
-            {{1030, eGood}},
+            {{1030, GOOD}},
             {"0: sent 1C 01 05", "500: sent 1C 01 05", "1000: sent 1C 01 05", "1030: answer 1C 05 01 B8 0B"}},
         CRetryCase{"AnsweredAtFourthSending",
-                   {{1530, eGood}},
+                   {{1530, GOOD}},
                    {"0: sent 1C 01 05", "500: sent 1C 01 05", "1000: sent 1C 01 05", "1500: sent 1C 01 05",
                     "1530: answer 1C 05 01 B8 0B"}},
         CRetryCase{"AnsweredAt1999",
-                   {{1999, eGood}},
+                   {{1999, GOOD}},
                    {"0: sent 1C 01 05", "500: sent 1C 01 05", "1000: sent 1C 01 05", "1500: sent 1C 01 05",
                     "1999: answer 1C 05 01 B8 0B"}},
         CRetryCase{"Silence",
@@ -121,32 +121,32 @@ INSTANTIATE_TEST_SUITE_P(
                    {"0: sent 1C 01 05", "500: sent 1C 01 05", "1000: sent 1C 01 05", "1500: sent 1C 01 05",
                     "2000: timeout"}},
         CRetryCase{"LateAnswerIsAnIndication",
-                   {{2001, eGood}},
+                   {{2001, GOOD}},
                    {"0: sent 1C 01 05", "500: sent 1C 01 05", "1000: sent 1C 01 05", "1500: sent 1C 01 05",
                     "2000: timeout", "2001: indication"}},
         CRetryCase{"SecondAnswerIsAnIndication",
-                   {{30, eGood}, {31, eGood}},
+                   {{30, GOOD}, {31, GOOD}},
                    {"0: sent 1C 01 05", "30: answer 1C 05 01 B8 0B", "31: indication"}},
         CRetryCase{
             "AnswersToBothSendingsCountOnce",
-            {{510, eGood}, {520, eGood}},
+            {{510, GOOD}, {520, GOOD}},
             {"0: sent 1C 01 05", "500: sent 1C 01 05", "510: answer 1C 05 01 B8 0B", "520: indication"}},
         CRetryCase{"DestinationZeroIsAccepted",
                    {{30, "1C 05 00 B8 0B"}},
                    {"0: sent 1C 01 05", "30: answer 1C 05 00 B8 0B"}},
         CRetryCase{"AnotherDestinationIsNot",
-                   {{30, "1C 05 02 B8 0B"}, {40, eGood}},
+                   {{30, "1C 05 02 B8 0B"}, {40, GOOD}},
                    {"0: sent 1C 01 05", "30: indication", "40: answer 1C 05 01 B8 0B"}},
         CRetryCase{"AnotherModuleIsNot",
-                   {{30, "1C 06 01 B8 0B"}, {40, eGood}},
+                   {{30, "1C 06 01 B8 0B"}, {40, GOOD}},
                    {"0: sent 1C 01 05", "30: indication", "40: answer 1C 05 01 B8 0B"}},
         CRetryCase{"AnotherCommandIsNot",
-                   {{30, "1E 05 01 B8 0B"}, {40, eGood}},
+                   {{30, "1E 05 01 B8 0B"}, {40, GOOD}},
                    {"0: sent 1C 01 05", "30: indication", "40: answer 1C 05 01 B8 0B"}},
         CRetryCase{
             "ThreeByteFrameAnswersTypeZero", {{30, "1C 05 01"}}, {"0: sent 1C 01 05", "30: answer 1C 05 01"}},
         CRetryCase{"FramesBelowTheHeaderAreNoAnswer",
-                   {{30, "1C 05"}, {31, "1C"}, {32, ""}, {40, eGood}},
+                   {{30, "1C 05"}, {31, "1C"}, {32, ""}, {40, GOOD}},
                    {"0: sent 1C 01 05", "30: indication", "31: indication", "32: indication",
                     "40: answer 1C 05 01 B8 0B"}},
         CRetryCase{"WrongFramesDoNotPutOffTheRepetition",
@@ -279,7 +279,12 @@ INSTANTIATE_TEST_SUITE_P(Table, CProtocolSizes,
                                          CSizeCase{1, "10 CD 05", false}, CSizeCase{1, "10 CD 05 00", true},
                                          CSizeCase{2, "12 CD 05 00", false},
                                          CSizeCase{2, "12 CD 05 00 00", true},
-                                         CSizeCase{3, "12 CD 05 00 00 00", false}));
+                                         CSizeCase{3, "12 CD 05 00 00 00", false}),
+                         [](const auto& rInfo) {
+                             return CaseNames::FromText(
+                                 "Type" + std::to_string(rInfo.param.m_Type) + " " + rInfo.param.m_pFrame,
+                                 rInfo.index);
+                         });
 
 TEST(CProtocol, RefusedTimerSendsNothing) {
     CVirtualEventLoop Loop;
@@ -306,9 +311,9 @@ TEST(CProtocol, TwoEqualRequestsAreAnsweredInOrder) {
     const std::uint32_t First = Protocol.Ask("1C CD 05");
     const std::uint32_t Second = Protocol.Ask("1C CD 05");
     EXPECT_NE(First, Second);
-    EXPECT_EQ(Put(Protocol, eGood), 1);
-    EXPECT_EQ(Put(Protocol, eGood), 1);
-    EXPECT_EQ(Put(Protocol, eGood), 0);
+    EXPECT_EQ(Put(Protocol, GOOD), 1);
+    EXPECT_EQ(Put(Protocol, GOOD), 1);
+    EXPECT_EQ(Put(Protocol, GOOD), 0);
     EXPECT_THAT(Protocol.m_Ids, ElementsAre(First, Second));
 }
 
@@ -319,7 +324,7 @@ TEST(CProtocol, RequestsOfSeveralKindsWaitSideBySide) {
     Loop.Advance(100);
     const std::uint32_t RPM = Protocol.Ask("1C CD 05");
     Loop.Advance(100);
-    EXPECT_EQ(Put(Protocol, eGood), 1);
+    EXPECT_EQ(Put(Protocol, GOOD), 1);
     Loop.Advance(1800);
     EXPECT_THAT(Protocol.m_Ids, ElementsAre(RPM, State));
     EXPECT_THAT(
@@ -333,7 +338,7 @@ TEST(CProtocol, TransactionIdStaysOverRepetitionsAndChangesWithTheNextRequest) {
     CTestProtocol Protocol;
     const std::uint32_t First = Protocol.Ask("1C CD 05");
     Loop.Advance(1200);
-    Put(Protocol, eGood);
+    Put(Protocol, GOOD);
     const std::uint32_t Second = Protocol.Ask("1C CD 05");
     EXPECT_THAT(Protocol.m_Ids, ElementsAre(First));
     EXPECT_NE(First, Second);
@@ -352,7 +357,7 @@ TEST(CProtocol, RetirementDrawsTheRecordsNextId) {
     CVirtualEventLoop Loop;
     CTestProtocol Protocol;
     const std::uint32_t First = Protocol.Ask("1C CD 05");
-    Put(Protocol, eGood);  // draws First + 1
+    Put(Protocol, GOOD);  // draws First + 1
     CTestProtocol Other;
     EXPECT_EQ(Other.Ask("1C CD 06"), First + 2);
     EXPECT_EQ(Protocol.Ask("1C CD 05"), First + 1);
@@ -373,11 +378,11 @@ TEST(CProtocol, RequestFromWithinOnResponseTakesAnotherRecord) {
     };
     const std::uint32_t First = Protocol.Ask("1C CD 05");
     Loop.Advance(100);
-    EXPECT_EQ(Put(Protocol, eGood), 1);
+    EXPECT_EQ(Put(Protocol, GOOD), 1);
     EXPECT_NE(Next, 0U);
     EXPECT_NE(Next, First);
     Loop.Advance(700);
-    EXPECT_EQ(Put(Protocol, eGood), 1);
+    EXPECT_EQ(Put(Protocol, GOOD), 1);
     Loop.Advance(5000);
     EXPECT_THAT(Protocol.m_Ids, ElementsAre(First, Next));
     EXPECT_THAT(Protocol.m_Events,
@@ -443,7 +448,7 @@ TEST(CProtocol, FrameOfZerosMatchesARetiredRecord) {
     EXPECT_EQ(Put(Protocol, "00 00 00"), 0);
     Protocol.Ask("1C CD 05");
     EXPECT_EQ(Put(Protocol, "00 00 00"), 0);
-    Put(Protocol, eGood);
+    Put(Protocol, GOOD);
     EXPECT_EQ(Put(Protocol, "00 00 00"), 1);
 }
 
@@ -467,7 +472,7 @@ TEST(CProtocol, LogsFramesAndRepetitions) {
     const CLogCapture Log(true);
     const std::uint32_t Id = Protocol.Ask("1C CD 05");
     Loop.Advance(500);
-    Put(Protocol, eGood);
+    Put(Protocol, GOOD);
     EXPECT_THAT(Log.GetTexts("ProtocolData"),
                 ElementsAre("PC --> Module: sending data", "1C 01 05", "PC --> Module: sending data",
                             "1C 01 05", "Module --> PC: Data received", "1C 05 01 B8 0B"));

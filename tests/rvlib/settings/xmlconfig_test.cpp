@@ -13,13 +13,13 @@ protected:
     CRVXMLConfig m_Config;
 };
 
-constexpr const char* c_pDocument =
+constexpr const char* DOCUMENT =
     "<?xml version=\"1.0\"?><Corvane><system_falconet On=\"1\" Off=\"0\" Minus=\"-1\" Text=\"abc\" "
     "Many=\"42\">"
     "<inner Depth=\"2\"></inner></system_falconet></Corvane>";
 
 TEST_F(CRVXMLConfigTest, ReadsNumbersByPath) {
-    InstallSettings(c_pDocument);
+    InstallSettings(DOCUMENT);
     ASSERT_TRUE(m_Config.Open());
     EXPECT_FALSE(m_Config.IsNew());
     EXPECT_TRUE(m_Config.GetFileName().IsEmpty());
@@ -30,7 +30,7 @@ TEST_F(CRVXMLConfigTest, ReadsNumbersByPath) {
 }
 
 TEST_F(CRVXMLConfigTest, ASectionThatNamesNoNodeGivesTheDefault) {
-    InstallSettings(c_pDocument);
+    InstallSettings(DOCUMENT);
     ASSERT_TRUE(m_Config.Open());
     EXPECT_EQ(m_Config.GetInt("system_falconet\\outer", "Many", 7), 7);
     EXPECT_EQ(m_Config.GetInt("", "Many", 7), 7);
@@ -40,7 +40,7 @@ TEST_F(CRVXMLConfigTest, ASectionThatNamesNoNodeGivesTheDefault) {
 }
 
 TEST_F(CRVXMLConfigTest, ReadsTruthValues) {
-    InstallSettings(c_pDocument);
+    InstallSettings(DOCUMENT);
     ASSERT_TRUE(m_Config.Open());
     bool bValue = false;
     EXPECT_TRUE(m_Config.GetBool("system_falconet", "On", &bValue));
@@ -52,7 +52,7 @@ TEST_F(CRVXMLConfigTest, ReadsTruthValues) {
 }
 
 TEST_F(CRVXMLConfigTest, ATruthValueOfMinusOneCountsAsAbsent) {
-    InstallSettings(c_pDocument);
+    InstallSettings(DOCUMENT);
     ASSERT_TRUE(m_Config.Open());
     for (const char* const pName : {"Minus", "Missing"}) {
         bool bValue = false;
@@ -83,7 +83,7 @@ TEST_F(CRVXMLConfigTest, AMissingFileGivesANewEmptyDocument) {
 }
 
 TEST_F(CRVXMLConfigTest, ASecondOpenIsRefused) {
-    InstallSettings(c_pDocument);
+    InstallSettings(DOCUMENT);
     ASSERT_TRUE(m_Config.Open());
     EXPECT_FALSE(m_Config.Open());
     EXPECT_EQ(m_Config.GetInt("system_falconet", "Many", 7), 42);
@@ -107,7 +107,7 @@ TEST_F(CRVXMLConfigTest, AFileThatCannotBeReadIsTriedFiveTimes) {
 }
 
 TEST_F(CRVXMLConfigTest, ReadsAWideDocument) {
-    const std::string Narrow = c_pDocument;
+    const std::string Narrow = DOCUMENT;
     std::string Wide = "\xFF\xFE";
     for (const char Character : Narrow) {
         Wide += Character;

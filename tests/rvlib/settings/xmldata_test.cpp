@@ -12,12 +12,12 @@ using testing::NotNull;
 using CNode = CWKXMLData::CNode;
 using CSection = CWKXMLData::CSection;
 
-constexpr const char* c_pHeader = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>";
+constexpr const char* HEADER = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>";
 
 /// Parses a text behind a header and tells the error, empty for success.
 std::string ErrorOf(const std::string& rBody) {
     CWKXMLData Data;
-    const bool bParsed = Data.ParseString(c_pHeader + rBody);
+    const bool bParsed = Data.ParseString(HEADER + rBody);
     EXPECT_EQ(bParsed, Data.GetLastError().empty()) << rBody;
     // A failed parse keeps no partial tree.
     EXPECT_TRUE(bParsed || Data.IsEmpty()) << rBody;
@@ -208,13 +208,13 @@ TEST(CWKXMLDataTest, ALongerLastTagPassesTheHeaderAndFailsInTheBody) {
 }
 
 TEST(CWKXMLDataTest, CommentsAndFurtherHeadersInFrontOfTheRootAreSkipped) {
-    CDocument Document(std::string(c_pHeader) + "<!-- one --><?xml again?><!-- two\nlines --><a></a>");
+    CDocument Document(std::string(HEADER) + "<!-- one --><?xml again?><!-- two\nlines --><a></a>");
     EXPECT_THAT(Document.Root(), NotNull());
 }
 
 TEST(CWKXMLDataTest, ADocumentOfNothingButCommentsIsASuccessWithoutATree) {
     CWKXMLData Data;
-    EXPECT_TRUE(Data.ParseString(std::string(c_pHeader) + "<!-- nothing -->"));
+    EXPECT_TRUE(Data.ParseString(std::string(HEADER) + "<!-- nothing -->"));
     EXPECT_TRUE(Data.IsEmpty());
 }
 
@@ -315,7 +315,7 @@ TEST(CWKXMLDataTest, EntitiesAreNotDecoded) {
 
 /// Nested nDepth deep: <n0><n1>...</n1></n0>.
 std::string Nested(int nDepth) {
-    std::string Text = c_pHeader;
+    std::string Text = HEADER;
     for (int i = 0; i < nDepth; ++i) {
         Text += "<n" + std::to_string(i) + ">";
     }

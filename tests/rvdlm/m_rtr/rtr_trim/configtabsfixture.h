@@ -96,7 +96,7 @@ protected:
     void ClickCell(unsigned Row, unsigned Column) {
         ClickAt(ScrewDlg().GetTable(), ScrewDlg().GetTable().GetCellRect(Row, Column).CenterPoint());
     }
-    CEdit* GetBox() { return dynamic_cast<CEdit*>(ScrewDlg().GetTable().GetDlgItem(CFlexTable::eBoxId)); }
+    CEdit* GetBox() { return dynamic_cast<CEdit*>(ScrewDlg().GetTable().GetDlgItem(CFlexTable::BOX_ID)); }
     /// Into the cell that has the cursor.
     void TypeCell(const std::string& rText) {
         const auto nLength = static_cast<int>(rText.size());

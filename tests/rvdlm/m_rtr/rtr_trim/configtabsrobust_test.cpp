@@ -214,7 +214,7 @@ TEST_F(CConfigTabsRobustTest, KilledWhileItSavesThePagesLeaveOldOrNewAndNoMixtur
     OpenScrewPage();
     const std::string Key = m_pWnd->GetMachineName();
     m_pWnd->SendMessage(WM_RV_DESTROYPENDING);
-    constexpr int nScrews = 30;
+    constexpr int SCREWS = 30;
     for (int nRound = 0; nRound < 25; ++nRound) {
         const pid_t Pid = fork();
         if (Pid == 0) {
@@ -224,7 +224,7 @@ TEST_F(CConfigTabsRobustTest, KilledWhileItSavesThePagesLeaveOldOrNewAndNoMixtur
             for (std::uint32_t i = 1;; ++i) {
                 const std::string Name = std::to_string(nRound) + "-" + std::to_string(i);
                 Base::CWDArray<CScrew> Screws;
-                for (int n = 1; n <= nScrews; ++n) {
+                for (int n = 1; n <= SCREWS; ++n) {
                     Screws.Add(CScrew(Name, n));
                 }
                 ScrewDlg().SetScrewTable(Screws);
@@ -265,7 +265,7 @@ TEST_F(CConfigTabsRobustTest, KilledWhileItSavesThePagesLeaveOldOrNewAndNoMixtur
             const auto Screws = Elements(Database.ReadScrewTable(rTable).GetScrewArray());
             EXPECT_FALSE(Screws.empty()) << rTable;
             if (rTable.front() == 'T') {
-                EXPECT_EQ(Screws.size(), static_cast<std::size_t>(nScrews)) << rTable;
+                EXPECT_EQ(Screws.size(), static_cast<std::size_t>(SCREWS)) << rTable;
                 for (const CScrew& rScrew : Screws) {
                     EXPECT_EQ("T" + rScrew.GetScrewName(), rTable);
                 }

@@ -17,6 +17,7 @@
 #include "tests/rvdlm/m_rtr/rtr_trim/fakemodule.h"
 #include "tests/rvdlm/m_rtr/rtr_trim/fakesequence.h"
 #include "tests/support/logcapture.h"
+#include "tests/support/lookingpeer.h"
 #include "tests/support/opcstate.h"
 #include "tests/support/recordinghost.h"
 #include "tests/support/testinstallation.h"
@@ -25,10 +26,10 @@
 /// without module and procedures without steps. OPC items are linked by LinkOpc before Create.
 class CMainWndFixture : public testing::Test {
 protected:
-    static constexpr LPARAM eKestrelPlane1 = 0x010000;
-    static constexpr LPARAM eKestrelTwoPlane = 0x010602;  ///< slave 6
-    static constexpr LPARAM eLannerPlane2 = 0x090001;
-    static constexpr WPARAM eAddress = 5;
+    static constexpr LPARAM KESTREL_PLANE1 = 0x010000;
+    static constexpr LPARAM KESTREL_TWO_PLANE = 0x010602;  ///< slave 6
+    static constexpr LPARAM LANNER_PLANE2 = 0x090001;
+    static constexpr WPARAM ADDRESS = 5;
 
     CMainWndFixture() {
         PreBalDB::SetDatabaseConnection("");
@@ -48,6 +49,9 @@ protected:
 
     CMainWndMakers FakeMakers() {
         CMainWndMakers Makers;
+        Makers.m_Now = [this] {
+            return CDisplayRate::CClock::time_point(std::chrono::milliseconds(m_Loop.Now()));
+        };
         Makers.m_MakeMapper = [this](IFFromCommunication&, std::uint32_t Address, const CInitFlags&) {
             m_MapperAddresses.push_back(Address);
             return std::make_unique<CFakeModule>(m_Module);
@@ -70,8 +74,8 @@ protected:
         ASSERT_TRUE(m_pWnd->Create(&m_Host, CRect(0, 0, 601, 440), 1));
         m_Loop.RunPosted();
     }
-    LRESULT Init(LPARAM Flags = eKestrelPlane1) {
-        return m_pWnd->SendMessage(WM_RV_INITWINDOW, eAddress, Flags);
+    LRESULT Init(LPARAM Flags = KESTREL_PLANE1) {
+        return m_pWnd->SendMessage(WM_RV_INITWINDOW, ADDRESS, Flags);
     }
     void Identify(Reason Why = Comm::eSuccess, const std::string& rArticle = "123456",
                   std::uint32_t Serial = 4711) {
@@ -90,7 +94,7 @@ protected:
         m_pWnd->OnRPMData(Why, &Plane, &RPM);
     }
     /// The way to a configuration: window, identification, set, database.
-    void Open(LPARAM Flags = eKestrelPlane1) {
+    void Open(LPARAM Flags = KESTREL_PLANE1) {
         Create();
         Init(Flags);
         Identify();
@@ -98,7 +102,7 @@ protected:
         Forget();
     }
     /// The same, and a calibrated configuration.
-    void OpenCalibrated(LPARAM Flags = eKestrelPlane1) {
+    void OpenCalibrated(LPARAM Flags = KESTREL_PLANE1) {
         Open(Flags);
         ChangeOnPage([](PreBalDB::CPreBalBaseTableEntry& rEntry) { rEntry.SetIsCalibrated(1); });
         Forget();
@@ -158,6 +162,7 @@ protected:
     CCleanOpcState m_Opc;
     CLogCapture m_Log{true};
     CRecordingHost m_Host;
+    CLookingPeer m_Screen{m_Host};
     CFakeModuleRecord m_Module;
     CFakeSequenceRecord m_Sequence;
     std::vector<std::uint32_t> m_MapperAddresses;

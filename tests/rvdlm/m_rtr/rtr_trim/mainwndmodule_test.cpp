@@ -47,6 +47,37 @@ TEST_F(CMainWndModuleTest, SpeedIsPaintedInTheStatusLine) {
     EXPECT_THAT(m_Sequence.m_Calls, ElementsAre("CurrentRPM 2999", "Paint 4"));
 }
 
+// The second one comes a period later, with the speed that is then the last.
+TEST_F(CMainWndModuleTest, SpeedsThatComeQuickerThanADisplayShowsThemArePaintedOnce) {
+    Open();
+    Act(102);
+    ReportRPM(0, 2989);
+    m_Sequence.m_Calls.clear();
+    for (std::uint32_t RPM = 2990; RPM < 3000; ++RPM) {
+        ReportRPM(0, RPM);
+    }
+    EXPECT_THAT(m_Sequence.m_Calls, testing::Not(testing::Contains("Paint 4")));
+    m_Sequence.m_Calls.clear();
+    m_Loop.Advance(CDisplayRate::PERIOD.count());
+    EXPECT_THAT(m_Sequence.m_Calls, ElementsAre("Paint 4"));
+    m_Loop.Advance(1000);
+    EXPECT_THAT(m_Sequence.m_Calls, ElementsAre("Paint 4"));
+}
+
+TEST_F(CMainWndModuleTest, NothingIsPaintedWhileNobodyLooks) {
+    Open();
+    Act(102);
+    m_Screen.m_bLooking = false;
+    m_Sequence.m_Calls.clear();
+    ReportRPM(0, 2999);
+    m_pWnd->RepaintAll();
+    m_pWnd->RepaintMeasurement();
+    m_Loop.RunPosted();
+    EXPECT_THAT(m_Sequence.m_Calls, ElementsAre("CurrentRPM 2999"));
+    m_Host.Compose();
+    EXPECT_THAT(m_Sequence.m_Calls, ElementsAre("CurrentRPM 2999", "Paint 15"));
+}
+
 TEST_F(CMainWndModuleTest, ReadingsAreAskedForOnDemand) {
     Open();
     m_pWnd->PleaseQueryXYValuesNOW();

@@ -104,7 +104,7 @@ TEST_F(CMainWndRunControlTest, ScrewsThatCantBeUsedKeepARunFromStartingButNotAnA
 }
 
 TEST_F(CMainWndRunControlTest, TheProcedureGetsTheModeAndTheSetName) {
-    Open(eLannerPlane2);
+    Open(LANNER_PLANE2);
     Act(102);
     EXPECT_THAT(m_ProcedureModes, ElementsAre(1));
     EXPECT_EQ(m_pWnd->GetSequence()->GetSetName(), "WHEEL");
@@ -174,7 +174,7 @@ TEST_F(CMainWndRunControlTest, AfterDestroyPendingTheWindowMayBeInitialisedAnew)
     Open();
     DestroyPending();
     Forget();
-    Init(eLannerPlane2);
+    Init(LANNER_PLANE2);
     EXPECT_THAT(m_Module.m_Calls, ElementsAre("identification"));
     EXPECT_THAT(m_Log.GetTexts("Information"), Contains("using existing mapper."));
     Identify(Comm::eSuccess, "222222", 8);

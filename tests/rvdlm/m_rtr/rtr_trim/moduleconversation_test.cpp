@@ -1,5 +1,6 @@
 // What the conversation makes of the module's answers and reports.
 #include <gmock/gmock.h>
+#include <array>
 
 #include "tests/rvdlm/m_rtr/rtr_trim/conversationfixture.h"
 
@@ -148,7 +149,7 @@ TEST_F(ModuleConversation, ASetThatLacksASensorIsAssertedAndUsed) {
 // unknown.
 TEST_F(ModuleConversation, AModeNeedsItsOwnSensorsAndInputOnly) {
     using Field = std::uint8_t CSet::*;
-    constexpr std::array<Field, 4> Fields{&CSet::RPMInputPlane1, &CSet::SensorAdaptionPlane1,
+    constexpr std::array<Field, 4> FIELDS{&CSet::RPMInputPlane1, &CSet::SensorAdaptionPlane1,
                                           &CSet::RPMInputPlane2, &CSet::SensorAdaptionPlane2};
     struct CNeed {
         CPreBalDatabase::BalancingMode m_Mode;
@@ -157,18 +158,18 @@ TEST_F(ModuleConversation, AModeNeedsItsOwnSensorsAndInputOnly) {
     for (const CNeed& rNeed :
          {CNeed{ePlane1, {true, true, false, false}}, CNeed{ePlane2, {false, false, true, true}},
           CNeed{eTwoPlane, {true, true, false, true}}}) {
-        for (std::size_t i = 0; i <= Fields.size(); ++i) {
+        for (std::size_t i = 0; i <= FIELDS.size(); ++i) {
             Start(rNeed.m_Mode);
             Identify();
             CSet Set = MakeSet();
-            if (i < Fields.size()) {
-                Set.*Fields[i] = 255;
+            if (i < FIELDS.size()) {
+                Set.*FIELDS[i] = 255;
             }
             ReportSet(Set);
             const std::vector<std::string> Assertions = m_Log.GetAssertions();
             EXPECT_EQ(
                 std::ranges::count(Assertions, "current set configuration does not fit with balancing mode!"),
-                i < Fields.size() && rNeed.m_bNeeded[i] ? 1 : 0)
+                i < FIELDS.size() && rNeed.m_bNeeded[i] ? 1 : 0)
                 << "mode " << rNeed.m_Mode << ", field " << i;
         }
     }
@@ -214,7 +215,20 @@ TEST_P(CChangedSetTest, Aborts) {
     EXPECT_THAT(m_Log.GetTexts("Error"), ElementsAre("Set has been changed! calling AbortBalancing()..."));
 }
 
-INSTANTIATE_TEST_SUITE_P(Fields, CChangedSetTest, testing::Range(0, 9));
+std::string GetFieldName(const testing::TestParamInfo<int>& rInfo) {
+    constexpr std::array NAMES{"Number",
+                               "Mode",
+                               "RPMInputPlane1",
+                               "RPMInputPlane2",
+                               "RPMFactorPlane1",
+                               "RPMFactorPlane2",
+                               "SensorAdaptionPlane1",
+                               "SensorAdaptionPlane2",
+                               "Swap"};
+    return NAMES.at(static_cast<std::size_t>(rInfo.param));
+}
+
+INSTANTIATE_TEST_SUITE_P(Fields, CChangedSetTest, testing::Range(0, 9), GetFieldName);
 
 TEST_F(ModuleConversation, TheChainGoesOnAfterAChangedSet) {
     Run();

@@ -15,8 +15,8 @@ using testing::Not;
 
 namespace {
 
-constexpr std::uint8_t eMaster = 5;
-constexpr std::uint8_t eSlave = 6;
+constexpr std::uint8_t MASTER = 5;
+constexpr std::uint8_t SLAVE = 6;
 
 class ModuleWatch : public CMainWndFixture {
 protected:
@@ -38,9 +38,9 @@ protected:
         Makers.m_MakeMapper = ::MakeMapper;
         Create(Makers);
         Init(Flags);
-        m_Modules = {eMaster};
-        if (Flags == eKestrelTwoPlane) {
-            m_Modules.push_back(eSlave);
+        m_Modules = {MASTER};
+        if (Flags == KESTREL_TWO_PLANE) {
+            m_Modules.push_back(SLAVE);
         }
         Identify();
         ReportSet(MakeSet());
@@ -68,7 +68,7 @@ protected:
     }
     void Answer(std::uint8_t Module, bool bInLock) { State(Module, bInLock, 1); }
     void Speed(std::uint16_t RPM) {
-        Put({0x1C, eMaster, 0, static_cast<std::uint8_t>(RPM & 0xFFU), static_cast<std::uint8_t>(RPM >> 8U)});
+        Put({0x1C, MASTER, 0, static_cast<std::uint8_t>(RPM & 0xFFU), static_cast<std::uint8_t>(RPM >> 8U)});
     }
     void Reading(std::uint8_t Module) { Put({0x1E, Module, 0, 1, 0, 2, 0}); }
     /// Lets time pass while modules report readings every 50 ms; those that answer a question for their state
@@ -108,7 +108,7 @@ protected:
 }  // namespace
 
 TEST_F(ModuleWatch, AsksForAStateThatIsASecondOldAndTheAnswerHasNoEffect) {
-    StartRun(eKestrelPlane1);
+    StartRun(KESTREL_PLANE1);
     Pass(5000, m_Modules, m_Modules);
     EXPECT_THAT(m_Questions, testing::SizeIs(testing::AllOf(testing::Ge(3U), testing::Le(5U))));
     EXPECT_THAT(m_Questions, testing::Each("08 01 05"));
@@ -117,9 +117,9 @@ TEST_F(ModuleWatch, AsksForAStateThatIsASecondOldAndTheAnswerHasNoEffect) {
 }
 
 TEST_F(ModuleWatch, AsksWhenSamplingBeginsHoweverNewTheStateIs) {
-    StartRun(eKestrelPlane1);
+    StartRun(KESTREL_PLANE1);
     Pass(100, m_Modules);
-    State(eMaster, true);
+    State(MASTER, true);
     m_Loop.Advance(1);
     ASSERT_THAT(m_Questions, IsEmpty());
     m_pWnd->PleaseQueryXYValuesNOW();
@@ -128,103 +128,103 @@ TEST_F(ModuleWatch, AsksWhenSamplingBeginsHoweverNewTheStateIs) {
 }
 
 TEST_F(ModuleWatch, LockWhoseReturnWasReportedInALostFrameIsFoundByAsking) {
-    StartRun(eKestrelPlane1);
-    State(eMaster, false);
+    StartRun(KESTREL_PLANE1);
+    State(MASTER, false);
     Pass(3000, m_Modules, m_Modules);
     EXPECT_THAT(GetLockCalls(), ElementsAre("OutOfLock 1", "OutOfLock 0"));
 }
 
 TEST_F(ModuleWatch, LossWhoseReportIsLostIsFoundByAsking) {
-    StartRun(eKestrelPlane1);
+    StartRun(KESTREL_PLANE1);
     Pass(1500, m_Modules);
     ASSERT_THAT(m_Questions, Not(IsEmpty()));
-    Answer(eMaster, false);
+    Answer(MASTER, false);
     EXPECT_THAT(GetLockCalls(), ElementsAre("OutOfLock 1"));
 }
 
 // Both have been seen once; from then on neither waits for the other.
 TEST_F(ModuleWatch, ReportsOfTheMasterReachTheProcedureAtOnceWhateverTheSlaveLeavesUnanswered) {
-    StartRun(eKestrelTwoPlane);
+    StartRun(KESTREL_TWO_PLANE);
     for (int i = 0; i < 50; ++i) {
         m_Sequence.m_Calls.clear();
-        State(eMaster, false);
+        State(MASTER, false);
         EXPECT_THAT(GetSequenceCalls(), ElementsAre("OutOfLock 1", "InvalidRPM 0"));
         m_Sequence.m_Calls.clear();
-        State(eMaster, true);
+        State(MASTER, true);
         EXPECT_THAT(GetSequenceCalls(), ElementsAre("OutOfLock 0", "InvalidRPM 0"));
-        Pass(550, m_Modules, {eMaster});
+        Pass(550, m_Modules, {MASTER});
     }
     EXPECT_THAT(m_Questions, Contains("08 01 06"));
     EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
 }
 
 TEST_F(ModuleWatch, AnswerThatAReportHasOvertakenCountsForNothing) {
-    StartRun(eKestrelPlane1);
+    StartRun(KESTREL_PLANE1);
     Pass(1500, m_Modules);
     ASSERT_THAT(m_Questions, Not(IsEmpty()));
-    State(eMaster, false);
+    State(MASTER, false);
     m_Sequence.m_Calls.clear();
-    Answer(eMaster, true);
+    Answer(MASTER, true);
     EXPECT_THAT(GetSequenceCalls(), IsEmpty());
 }
 
 TEST_F(ModuleWatch, AnswerOfBeforeTheSpindleStoppedCountsForNothing) {
-    StartRun(eKestrelPlane1);
-    State(eMaster, false);
+    StartRun(KESTREL_PLANE1);
+    State(MASTER, false);
     Pass(1500, m_Modules);
     ASSERT_THAT(m_Questions, Not(IsEmpty()));
     Speed(0);
     m_Sequence.m_Calls.clear();
-    Answer(eMaster, true);
+    Answer(MASTER, true);
     EXPECT_THAT(GetSequenceCalls(), IsEmpty());
 }
 
 TEST_F(ModuleWatch, SilentPlaneCountsAsOutOfLockWhateverTheOtherModuleSays) {
-    StartRun(eKestrelTwoPlane);
+    StartRun(KESTREL_TWO_PLANE);
     Pass(1000, m_Modules, m_Modules);
-    Pass(1500, {eMaster}, {eMaster});
+    Pass(1500, {MASTER}, {MASTER});
     EXPECT_THAT(GetLockCalls(), ElementsAre("OutOfLock 1"));
-    State(eMaster, true);
+    State(MASTER, true);
     EXPECT_THAT(GetLockCalls(), ElementsAre("OutOfLock 1", "OutOfLock 1"));
-    Pass(20000, {eMaster}, {eMaster});
+    Pass(20000, {MASTER}, {MASTER});
     EXPECT_EQ(GetLockCalls().size(), 2U);
     EXPECT_THAT(m_Log.GetTexts("Warning"), ElementsAre("readings stay away: measuring waits"));
 }
 
 // No readings are expected there, so only the missing answers tell.
 TEST_F(ModuleWatch, ModuleThatAnswersNoMoreIsSilentOutOfLockToo) {
-    StartRun(eKestrelPlane1);
+    StartRun(KESTREL_PLANE1);
     Pass(1500, m_Modules, m_Modules);
-    State(eMaster, false);
+    State(MASTER, false);
     Pass(6000, {});
     EXPECT_THAT(GetLockCalls(), ElementsAre("OutOfLock 1", "OutOfLock 1"));
     EXPECT_THAT(m_Log.GetTexts("Warning"), ElementsAre("readings stay away: measuring waits"));
 }
 
 TEST_F(ModuleWatch, BehindASilenceTheStateIsHeardOfFirst) {
-    StartRun(eKestrelTwoPlane);
+    StartRun(KESTREL_TWO_PLANE);
     Pass(1000, m_Modules, m_Modules);
-    Pass(3000, {eMaster}, {eMaster});
+    Pass(3000, {MASTER}, {MASTER});
     m_Sequence.m_Calls.clear();
-    Pass(500, m_Modules, {eMaster});
+    Pass(500, m_Modules, {MASTER});
     EXPECT_THAT(GetLockCalls(), IsEmpty());
     Pass(600, m_Modules, m_Modules);
     EXPECT_THAT(GetLockCalls(), ElementsAre("OutOfLock 0"));
 }
 
 TEST_F(ModuleWatch, ModuleThatReportsAgainButAnswersNothingIsBelievedAfterTwoSeconds) {
-    StartRun(eKestrelTwoPlane);
-    Pass(1000, m_Modules, {eMaster});
-    Pass(3000, {eMaster}, {eMaster});
+    StartRun(KESTREL_TWO_PLANE);
+    Pass(1000, m_Modules, {MASTER});
+    Pass(3000, {MASTER}, {MASTER});
     m_Sequence.m_Calls.clear();
-    Pass(1900, m_Modules, {eMaster});
+    Pass(1900, m_Modules, {MASTER});
     EXPECT_THAT(GetLockCalls(), IsEmpty());
-    Pass(500, m_Modules, {eMaster});
+    Pass(500, m_Modules, {MASTER});
     EXPECT_THAT(GetLockCalls(), ElementsAre("OutOfLock 0"));
 }
 
 TEST_F(ModuleWatch, SecondRunOnTheSameDeadLineIsToldToo) {
-    StartRun(eKestrelPlane1);
+    StartRun(KESTREL_PLANE1);
     Pass(1000, m_Modules, m_Modules);
     for (int nRun = 0; nRun < 2; ++nRun) {
         Pass(5000, {});
@@ -237,7 +237,7 @@ TEST_F(ModuleWatch, SecondRunOnTheSameDeadLineIsToldToo) {
 
 // What the run before left unanswered is no sign of a dead line in this one.
 TEST_F(ModuleWatch, RunBehindADeadLineIsNotSilentFromItsBeginning) {
-    StartRun(eKestrelPlane1);
+    StartRun(KESTREL_PLANE1);
     Pass(1000, m_Modules, m_Modules);
     Pass(5000, {});
     Act(4501);
@@ -249,7 +249,7 @@ TEST_F(ModuleWatch, RunBehindADeadLineIsNotSilentFromItsBeginning) {
 }
 
 TEST_F(ModuleWatch, SpindleAtRestMayBeSilentAndIsNotAskedFor) {
-    StartRun(eKestrelPlane1);
+    StartRun(KESTREL_PLANE1);
     Speed(0);
     ForgetQuestions();
     Pass(60000, {});
@@ -258,14 +258,14 @@ TEST_F(ModuleWatch, SpindleAtRestMayBeSilentAndIsNotAskedFor) {
 }
 
 TEST_F(ModuleWatch, NothingIsAskedWhereTheStateDoesNotMatter) {
-    StartRun(eKestrelPlane1);
+    StartRun(KESTREL_PLANE1);
     m_Sequence.m_bDependsOnModuleState = false;
     Pass(10000, m_Modules);
     EXPECT_THAT(m_Questions, IsEmpty());
 }
 
 TEST_F(ModuleWatch, NothingIsAskedOnceTheHostHasEndedTheRun) {
-    StartRun(eKestrelPlane1);
+    StartRun(KESTREL_PLANE1);
     m_pWnd->SendMessage(WM_RV_DESTROYPENDING);
     ForgetQuestions();
     Pass(10000, m_Modules);

@@ -265,13 +265,13 @@ TEST_F(NCDesk, ARequestThatFailsInTheMiddleIsRefused) {
 TEST_F(NCDesk, AStepAloneIsFollowedByZeros) {
     Open();
     m_pDesk->SendStep(CPreBalNotification::eParameterWithReBal);
-    EXPECT_EQ(m_Opc.GetServer().Read(ms_pNotifications),
+    EXPECT_EQ(m_Opc.GetServer().Read(NOTIFICATIONS),
               COpcValue(std::vector<std::int32_t>{2, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}));
 }
 
 TEST_F(NCDesk, AStepThatIsRefusedAtOnceIsAsserted) {
     Open();
-    m_Opc.GetServer().SetFailing(ms_pNotifications, true);
+    m_Opc.GetServer().SetFailing(NOTIFICATIONS, true);
     m_pDesk->SendStep(CPreBalNotification::eInactive);
     EXPECT_THAT(m_Log.GetAssertions(), ElementsAre("SetNCData failed!"));
 }

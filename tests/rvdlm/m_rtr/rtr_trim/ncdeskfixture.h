@@ -19,15 +19,15 @@ class NCDesk : public testing::Test, private CPreBalFromNCInterface {
 protected:
     inline static const COpcValue eDone{0};
     inline static const COpcValue eRefused{-1};
-    static constexpr const char* ms_pRequests = "PreBalInterfaceFromNC";
-    static constexpr const char* ms_pNotifications = "PreBalInterfaceToNC";
-    static constexpr const char* ms_pWarnings = "PreBalInterfaceToNCWarnings";
+    static constexpr const char* REQUESTS = "PreBalInterfaceFromNC";
+    static constexpr const char* NOTIFICATIONS = "PreBalInterfaceToNC";
+    static constexpr const char* WARNINGS = "PreBalInterfaceToNCWarnings";
 
     static void Link(const char* pKey, const char* pItem) {
         COpcDatabase::GetInstance()->SetOpcLinkItem(pKey, pItem);
     }
     static void LinkAll() {
-        for (const char* pKey : {ms_pRequests, ms_pNotifications, ms_pWarnings}) {
+        for (const char* pKey : {REQUESTS, NOTIFICATIONS, WARNINGS}) {
             Link(pKey, pKey);
         }
     }
@@ -79,10 +79,10 @@ protected:
         m_Log.Clear();
     }
     void Request(std::int32_t Value) {
-        m_Opc.GetServer().Write(ms_pRequests, Value);
+        m_Opc.GetServer().Write(REQUESTS, Value);
         m_Loop.RunPosted();
     }
-    COpcValue GetAnswer() const { return m_Opc.GetServer().Read(ms_pRequests).value_or(-999); }
+    COpcValue GetAnswer() const { return m_Opc.GetServer().Read(REQUESTS).value_or(-999); }
     std::vector<std::string> GetCalls() { return m_Procedure.TakeCalls(); }
 
     CTestInstallation m_Installation;

@@ -48,7 +48,7 @@ protected:
         COPCConnection::CreateInstance()->SetConnector([this](const std::string&, int) { return m_pServer; });
         Open();
     }
-    const std::vector<COpcValue>& GetAnswers() { return m_pServer->m_Written[ms_pRequests]; }
+    const std::vector<COpcValue>& GetAnswers() { return m_pServer->m_Written[REQUESTS]; }
 
     const std::shared_ptr<CDistantOpcServer> m_pServer = std::make_shared<CDistantOpcServer>();
 };

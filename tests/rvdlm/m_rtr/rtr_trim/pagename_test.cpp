@@ -38,7 +38,7 @@ protected:
     std::vector<std::string> m_Taken;
     std::vector<int> m_Steps;
     int m_nFocus = 0;
-    CPageName m_Name{CPageName::c_SettingsStyle,
+    CPageName m_Name{CPageName::SETTINGS_STYLE,
                      {[this] { m_Taken.push_back(m_Name.GetName()); },
                       [this](int nDelta) { m_Steps.push_back(nDelta); }, [this] { ++m_nFocus; }}};
 };
@@ -48,7 +48,7 @@ TEST_F(CPageNameTest, FieldAndUpDownControlAreChildrenOfTheTitle) {
     EXPECT_EQ(m_Name.GetDlgItem(8002), &m_Name.GetField());
     EXPECT_EQ(m_Name.GetDlgItem(8003), &m_Name.GetSpin());
     EXPECT_EQ(m_Name.GetText(), "Title");
-    EXPECT_EQ(m_Name.GetFont(), CFont("Arial", 14, CFont::eBold));
+    EXPECT_EQ(m_Name.GetFont(), CFont("Arial", 14, CFont::BOLD));
 }
 
 TEST_F(CPageNameTest, TheWindowsLieOverTheWidthOfThePage) {
@@ -141,7 +141,7 @@ TEST_F(CPageNameTest, ANameThatIsShownTellsNobodyAndEndsTheEdit) {
 }
 
 TEST_F(CPageNameTest, ARefusedNameIsReplacedByTheOneThatHolds) {
-    CPageName Refusing(CPageName::c_SettingsStyle, {[&Refusing] { Refusing.SetName("Wheel"); }, {}, [] {}});
+    CPageName Refusing(CPageName::SETTINGS_STYLE, {[&Refusing] { Refusing.SetName("Wheel"); }, {}, [] {}});
     Refusing.CreateOn(m_Page, "Title");
     Refusing.SetName("Wheel");
     Refusing.FocusField();
@@ -165,7 +165,7 @@ TEST_F(CPageNameTest, StepsStayAtTheEndsOrWrapAsThePageWants) {
     m_Name.GetSpin().SetRange(0, 2);
     EXPECT_EQ(m_Name.GetStepTarget(-1), 0);
     EXPECT_EQ(m_Name.GetStepTarget(5), 2);
-    CPageName Wrapping(CPageName::c_ScrewTableStyle, {});
+    CPageName Wrapping(CPageName::SCREW_TABLE_STYLE, {});
     Wrapping.GetSpin().SetRange(0, 2);
     EXPECT_EQ(Wrapping.GetStepTarget(-1), 2);
     EXPECT_EQ(Wrapping.GetStepTarget(1), 1);

@@ -7,6 +7,7 @@
 #include "platform/window/wnd.h"
 #include "rvdlm/m_rtr/rtr_trim/pagestyle.h"
 #include "tests/rvdlm/m_rtr/rtr_trim/lonesequence.h"
+#include "tests/support/lookingpeer.h"
 #include "tests/support/testinstallation.h"
 
 using testing::ElementsAre;
@@ -14,25 +15,17 @@ using testing::IsEmpty;
 
 namespace {
 
-constexpr COLORREF ePanel = RGB(0xEC, 0xE9, 0xD8);
-constexpr COLORREF eScreen = RGB(7, 7, 7);
+constexpr COLORREF PANEL = RGB(0xEC, 0xE9, 0xD8);
+constexpr COLORREF SCREEN = RGB(7, 7, 7);
 
 class PagePainter : public testing::Test {
 protected:
-    class CChanges : public IFWindowPeer {
-    public:
-        void OnWindowChanged(CWnd&) override { ++m_nChanges; }
-        int m_nChanges = 0;
-    };
-
     PagePainter() {
-        m_Wnd.SetPeer(&m_Peer);
         m_Wnd.Create(nullptr, CRect(0, 0, 60, 40), 1);
-        CDC(m_Wnd.GetSurface()).FillSolidRect(m_Wnd.GetClientRect(), eScreen);
+        CDC(m_Wnd.GetSurface()).FillSolidRect(m_Wnd.GetClientRect(), SCREEN);
         m_Procedure.Begin();
         m_Peer.m_nChanges = 0;
     }
-    ~PagePainter() override { m_Wnd.SetPeer(nullptr); }
     std::vector<std::string> Repaint(unsigned Mask) {
         RepaintPage(m_Wnd, m_Procedure.Get(), Mask);
         return m_Procedure.TakeCalls();
@@ -41,42 +34,42 @@ protected:
 
     CTestInstallation m_Installation;
     CVirtualEventLoop m_Loop;
-    CChanges m_Peer;
     CWnd m_Wnd;
+    CLookingPeer m_Peer{m_Wnd};
     CLoneSequence m_Procedure;
 };
 
 TEST_F(PagePainter, ARepaintOfAllBeginsWithAClearPane) {
     EXPECT_THAT(Repaint(CPreBalancing::ePaintAll), ElementsAre("Paint 15"));
     EXPECT_EQ(GetPixel(5, 5), m_Procedure.m_Record.m_Color);
-    EXPECT_EQ(GetPixel(50, 30), ePanel);
+    EXPECT_EQ(GetPixel(50, 30), PANEL);
     EXPECT_EQ(m_Peer.m_nChanges, 1) << "whoever shows the window is told";
 }
 
 TEST_F(PagePainter, ARepaintOfAPartKeepsTheRestOfTheScreen) {
     EXPECT_THAT(Repaint(CPreBalancing::ePaintMeasurement), ElementsAre("Paint 8"));
-    EXPECT_EQ(GetPixel(5, 5), eScreen);
+    EXPECT_EQ(GetPixel(5, 5), SCREEN);
     EXPECT_EQ(m_Peer.m_nChanges, 1);
 }
 
 TEST_F(PagePainter, WithoutProcedureThePaneIsClear) {
     m_Procedure.End();
     Repaint(CPreBalancing::ePaintAll);
-    EXPECT_EQ(GetPixel(5, 5), ePanel);
-    EXPECT_EQ(GetPixel(59, 39), ePanel);
+    EXPECT_EQ(GetPixel(5, 5), PANEL);
+    EXPECT_EQ(GetPixel(59, 39), PANEL);
 }
 
 TEST_F(PagePainter, WithoutProcedureAPartIsNotPainted) {
     m_Procedure.End();
     Repaint(CPreBalancing::ePaintStatus);
-    EXPECT_EQ(GetPixel(5, 5), eScreen);
+    EXPECT_EQ(GetPixel(5, 5), SCREEN);
     EXPECT_EQ(m_Peer.m_nChanges, 0);
 }
 
 TEST_F(PagePainter, AWindowThatNobodySeesIsNotPainted) {
     m_Wnd.ShowWindow(false);
     EXPECT_THAT(Repaint(CPreBalancing::ePaintAll), IsEmpty());
-    EXPECT_EQ(GetPixel(5, 5), eScreen);
+    EXPECT_EQ(GetPixel(5, 5), SCREEN);
 }
 
 TEST_F(PagePainter, AWindowOfNoSizeIsNotPainted) {

@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 
+#include "contract/arrivedreadings.h"
 #include "contract/hostmessages.h"
 #include "contract/prebalprogress.h"
 #include "platform/rvcom/bytelink.h"
@@ -19,7 +20,7 @@ using testing::Not;
 
 namespace {
 
-constexpr COLORREF ePanel = RGB(0xEC, 0xE9, 0xD8);
+constexpr COLORREF PANEL = RGB(0xEC, 0xE9, 0xD8);
 
 /// A window that keeps the buffers of its frames.
 class CBufferKeeper : public CWnd {
@@ -88,9 +89,9 @@ TEST_F(CPreBalancingMainWndTest, InitWindowShowsTheFirstPage) {
 
 TEST_F(CPreBalancingMainWndTest, HardwareTypeFiveIsPlaneTwo) {
     Create();
-    Init(eKestrelPlane1 | (LPARAM{5} << 24));
+    Init(KESTREL_PLANE1 | (LPARAM{5} << 24));
     EXPECT_EQ(m_pWnd->GetTabs().GetConfigDlg().GetPlane(), 1);
-    Init(eKestrelPlane1 | (LPARAM{6} << 24));
+    Init(KESTREL_PLANE1 | (LPARAM{6} << 24));
     EXPECT_EQ(m_pWnd->GetTabs().GetConfigDlg().GetPlane(), 0);
 }
 
@@ -115,7 +116,7 @@ TEST_F(CPreBalancingMainWndTest, InitWindowWithAKnownMachineTouchesNothingButThe
     WriteTestFile(m_Installation.GetRoot() / "cnf" / "speedctrl.ini",
                   "[Configuration]\nRPM=1000\nINCREMENT=15\nINCREMENT_BELOW=45\n");
     const std::string Key = m_pWnd->GetMachineName();
-    EXPECT_EQ(m_pWnd->SendMessage(WM_RV_INITWINDOW, 77, eLannerPlane2), 1);
+    EXPECT_EQ(m_pWnd->SendMessage(WM_RV_INITWINDOW, 77, LANNER_PLANE2), 1);
     m_Loop.RunPosted();
     EXPECT_EQ(m_pWnd->GetModuleAddress(), 5U);
     EXPECT_EQ(m_pWnd->GetMachineName(), Key);
@@ -190,7 +191,7 @@ TEST_F(CPreBalancingMainWndTest, FramesOfTheModuleArriveAndTheirBuffersComeBack)
     Pair.m_pSecond->Open();
     m_Loop.RunPosted();
     Create();
-    Init(eKestrelTwoPlane);
+    Init(KESTREL_TWO_PLANE);
     m_Module.m_Calls.clear();
     for (const std::uint8_t Source : std::initializer_list<std::uint8_t>{5, 6, 7}) {
         Pair.m_pSecond->Write(LineDiscipline::Encode(std::vector<std::uint8_t>{0x1C, Source, 1, 2}));
@@ -216,8 +217,8 @@ TEST_F(CPreBalancingMainWndTest, FramesOfTheModuleArriveAndTheirBuffersComeBack)
 }
 
 TEST_F(CPreBalancingMainWndTest, NobodyButTheModuleAndAKestrelsSlaveIsListenedTo) {
-    constexpr LPARAM eSlaveSix = LPARAM{6} << 8;
-    for (const LPARAM Flags : {eKestrelPlane1, eLannerPlane2 | eSlaveSix}) {
+    constexpr LPARAM SLAVE_SIX = LPARAM{6} << 8;
+    for (const LPARAM Flags : {KESTREL_PLANE1, LANNER_PLANE2 | SLAVE_SIX}) {
         CLinkPair Pair = MakeLinkPair();
         rvCOM::SetLink(std::move(Pair.m_pFirst));
         Pair.m_pSecond->Open();
@@ -299,8 +300,8 @@ TEST_F(CPreBalancingMainWndTest, AProcedureEndsAPendingHelp) {
 TEST_F(CPreBalancingMainWndTest, PaintFillsThePaneWithThePanelColour) {
     Create();
     m_pWnd->SendMessage(WM_PAINT);
-    EXPECT_EQ(m_pWnd->GetSurface().GetPixel(0, 0), ePanel);
-    EXPECT_EQ(m_pWnd->GetSurface().GetPixel(600, 439), ePanel);
+    EXPECT_EQ(m_pWnd->GetSurface().GetPixel(0, 0), PANEL);
+    EXPECT_EQ(m_pWnd->GetSurface().GetPixel(600, 439), PANEL);
 }
 
 // A repaint of all begins with a clear pane; a part is drawn over what is on the screen.
@@ -309,7 +310,7 @@ TEST_F(CPreBalancingMainWndTest, RepaintsOfAPartKeepTheRestOfTheScreen) {
     Act(102);
     m_pWnd->RepaintAll();
     EXPECT_EQ(m_pWnd->GetSurface().GetPixel(5, 5), m_Sequence.m_Color);
-    EXPECT_EQ(m_pWnd->GetSurface().GetPixel(50, 50), ePanel);
+    EXPECT_EQ(m_pWnd->GetSurface().GetPixel(50, 50), PANEL);
     m_Sequence.m_Calls.clear();
     m_pWnd->RepaintMeasurement();
     EXPECT_THAT(m_Sequence.m_Calls, ElementsAre("Paint 8"));
@@ -355,6 +356,15 @@ TEST_F(CPreBalancingMainWndTest, ProgressIsThatOfTheProcedureWithTheMenu) {
     EXPECT_EQ(Progress.m_State, "eFake");
     EXPECT_EQ(Progress.m_Menu, 8);
     EXPECT_EQ(m_pWnd->SendMessage(WM_RV_QUERYPROGRESS, 0, 0), 0);
+}
+
+TEST_F(CPreBalancingMainWndTest, ReadingsAreToldOfAProcedureThatRuns) {
+    Open();
+    CArrivedReadings Readings;
+    EXPECT_EQ(m_pWnd->SendMessage(WM_RV_QUERYREADINGS, 0, reinterpret_cast<LPARAM>(&Readings)), 0);
+    Act(102);
+    EXPECT_EQ(m_pWnd->SendMessage(WM_RV_QUERYREADINGS, 0, reinterpret_cast<LPARAM>(&Readings)), 1);
+    EXPECT_EQ(m_pWnd->SendMessage(WM_RV_QUERYREADINGS, 0, 0), 0);
 }
 
 TEST_F(CPreBalancingMainWndTest, AnExceptionNeverReachesTheHost) {

@@ -25,8 +25,8 @@ namespace {
 constexpr const char* ROTATION = "Direction of rotation";
 constexpr const char* METHOD = "Balancing method";
 constexpr const char* TARGET = "Unbalance target";
-constexpr int ePrevious = 1;
-constexpr int eNext = 2;
+constexpr int PREVIOUS = 1;
+constexpr int NEXT = 2;
 
 class CPreBalConfigDlgTest : public CMainWndFixture {
 protected:
@@ -89,7 +89,7 @@ TEST_F(CPreBalConfigDlgTest, HeadStateAndTreeFillThePage) {
     Open();
     const int nBottom = Dlg().GetClientRect().bottom;
     EXPECT_EQ(Dlg().GetDlgItem(8001)->GetRect(), CRect(10, 8, 296, 32));
-    EXPECT_EQ(Dlg().GetDlgItem(CPreBalConfigDlg::eStateId)->GetRect(), CRect(10, 40, 290, 66));
+    EXPECT_EQ(Dlg().GetDlgItem(CPreBalConfigDlg::STATE_ID)->GetRect(), CRect(10, 40, 290, 66));
     EXPECT_EQ(Tree().GetRect(), CRect(0, 66, 300, nBottom));
     EXPECT_TRUE(Tree().IsInfoShown());
     EXPECT_EQ(Tree().GetMode(), CPropTree::eNormalMode);
@@ -216,7 +216,7 @@ TEST_F(CPreBalConfigDlgTest, AnInvalidValueKeepsThePageFromBeingLeft) {
 }
 
 TEST_F(CPreBalConfigDlgTest, AnInvalidItemIsScrolledToSelectedAndEdited) {
-    Open(eKestrelTwoPlane);
+    Open(KESTREL_TWO_PLANE);
     Entry().CreateTwoPlane().CreatePlane2ScrewCompensationTableEntry().SetScrewTableName("Gone");
     ShowAgain();
     Dlg().GetPageName().FocusField();
@@ -257,13 +257,13 @@ TEST_F(CPreBalConfigDlgTest, ANameIsTakenWholeAndMakesAFurtherConfiguration) {
 
 TEST_F(CPreBalConfigDlgTest, ItemsAreWalkedAndTheTopLeadsToTheName) {
     Open();
-    EXPECT_TRUE(Dlg().Navigate(Actions::eItem, eNext));
+    EXPECT_TRUE(Dlg().Navigate(Actions::eItem, NEXT));
     EXPECT_EQ(Tree().GetFocusedItem(), Tree().GetFirstVisible());
     EXPECT_TRUE(Tree().HasListFocus());
-    Dlg().Navigate(Actions::eItem, eNext);
+    Dlg().Navigate(Actions::eItem, NEXT);
     EXPECT_EQ(Tree().GetFocusedItem(), Find("Speed tolerance"));
-    Dlg().Navigate(Actions::eItem, ePrevious);
-    Dlg().Navigate(Actions::eItem, ePrevious);
+    Dlg().Navigate(Actions::eItem, PREVIOUS);
+    Dlg().Navigate(Actions::eItem, PREVIOUS);
     EXPECT_EQ(Tree().GetFocusedItem(), nullptr);
     EXPECT_TRUE(Dlg().GetPageName().HasFocus());
 }
@@ -271,14 +271,14 @@ TEST_F(CPreBalConfigDlgTest, ItemsAreWalkedAndTheTopLeadsToTheName) {
 TEST_F(CPreBalConfigDlgTest, TheLastItemStays) {
     Open();
     Tree().SetFocusedItem(Tree().GetLastVisible());
-    Dlg().Navigate(Actions::eItem, eNext);
+    Dlg().Navigate(Actions::eItem, NEXT);
     EXPECT_EQ(Tree().GetFocusedItem(), Tree().GetLastVisible());
 }
 
 TEST_F(CPreBalConfigDlgTest, LeavingAnItemTakesItsValue) {
     Open();
     TypeTarget("61");
-    Dlg().Navigate(Actions::eItem, eNext);
+    Dlg().Navigate(Actions::eItem, NEXT);
     EXPECT_FALSE(Find(TARGET)->IsActive());
     EXPECT_EQ(Find(TARGET)->GetValueText(), "61 µm/s");
 }
@@ -286,10 +286,10 @@ TEST_F(CPreBalConfigDlgTest, LeavingAnItemTakesItsValue) {
 TEST_F(CPreBalConfigDlgTest, ValuesAreSteppedAndRepeatWhileTheKeyIsHeld) {
     Open();
     Tree().SetFocusedItem(Find(TARGET));
-    Dlg().Navigate(Actions::eValue, eNext);
+    Dlg().Navigate(Actions::eValue, NEXT);
     EXPECT_EQ(Find(TARGET)->GetValueText(), "6 µm/s");
     Dlg().Navigate(Actions::eValue, Actions::eNone);
-    Dlg().Navigate(Actions::eValue, ePrevious);
+    Dlg().Navigate(Actions::eValue, PREVIOUS);
     EXPECT_EQ(Find(TARGET)->GetValueText(), "5 µm/s");
     m_Loop.Advance(1000);
     const std::string Held = Find(TARGET)->GetValueText();
@@ -302,10 +302,10 @@ TEST_F(CPreBalConfigDlgTest, ValuesAreSteppedAndRepeatWhileTheKeyIsHeld) {
 TEST_F(CPreBalConfigDlgTest, WithoutAnItemTheValueKeysStepTheNames) {
     Open();
     Dlg().SetBalancingConfigurations({"Default", "Wheel A", "Wheel B"}, true);
-    Dlg().Navigate(Actions::eValue, ePrevious);  // the upper one of the two buttons: a step on
+    Dlg().Navigate(Actions::eValue, PREVIOUS);  // the upper one of the two buttons: a step on
     EXPECT_EQ(Dlg().GetConfigurationName(), "Wheel A");
     EXPECT_EQ(Dlg().GetSpinPos(), 1);
-    Dlg().Navigate(Actions::eValue, eNext);
+    Dlg().Navigate(Actions::eValue, NEXT);
     EXPECT_EQ(Dlg().GetConfigurationName(), "Default");
 }
 
@@ -334,7 +334,7 @@ TEST_F(CPreBalConfigDlgTest, WhileANameIsTypedTheKeysDoNothing) {
     Open();
     TypeName("Whe");
     for (const int Action : {Actions::eValue, Actions::eAccept, Actions::eItem, Actions::eExpand}) {
-        EXPECT_TRUE(Dlg().Navigate(Action, eNext));
+        EXPECT_TRUE(Dlg().Navigate(Action, NEXT));
     }
     EXPECT_TRUE(Dlg().GetPageName().HasFocus());
     EXPECT_EQ(Tree().GetFocusedItem(), nullptr);
@@ -377,8 +377,8 @@ TEST_F(CPreBalConfigDlgTest, ClosingTheDatabaseEmptiesThePage) {
 }
 
 TEST_F(CPreBalConfigDlgTest, TheTitleHasItsColoursByTheDisplay) {
-    EXPECT_EQ(CPageName::c_SettingsStyle.m_Color, RGB(255, 204, 133));
-    EXPECT_EQ(CPageName::c_SettingsStyle.m_PlainColor, RGB(255, 128, 0));
+    EXPECT_EQ(CPageName::SETTINGS_STYLE.m_Color, RGB(255, 204, 133));
+    EXPECT_EQ(CPageName::SETTINGS_STYLE.m_PlainColor, RGB(255, 128, 0));
 }
 
 TEST_F(CPreBalConfigDlgTest, AThousandSwitchesLeaveNoWindowAndNoItemBehind) {

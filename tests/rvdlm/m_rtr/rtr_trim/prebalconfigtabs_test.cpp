@@ -35,7 +35,7 @@ TEST_F(CPreBalConfigTabsTest, CreationMakesBothPagesAndBothTabs) {
 
 TEST_F(CPreBalConfigTabsTest, PagesLieUnderTheTabs) {
     Create();
-    const CRect Area(0, CTabCtrl::eTabHeight, 300, 440);
+    const CRect Area(0, CTabCtrl::TAB_HEIGHT, 300, 440);
     EXPECT_EQ(Dlg().GetRect(), Area);
     EXPECT_EQ(ScrewDlg().GetRect(), Area);
 }
@@ -86,13 +86,13 @@ TEST_F(CPreBalConfigTabsTest, TheEntryGetsSensorInputAndPlane) {
 }
 
 TEST_F(CPreBalConfigTabsTest, PlaneTwoHasItsOwnSensorAndInput) {
-    Open(eLannerPlane2);
+    Open(LANNER_PLANE2);
     EXPECT_EQ(Entry().GetSinglePlane()->GetSensorAdaption(), 4);
     EXPECT_EQ(Entry().GetSinglePlane()->GetProximitySwitchInput(), CTypeBase::ePlane2);
 }
 
 TEST_F(CPreBalConfigTabsTest, TwoPlanesGetBothSensorsAndBothCompensations) {
-    Open(eKestrelTwoPlane);
+    Open(KESTREL_TWO_PLANE);
     const CTwoPlaneBalancingTableEntry* const pPlanes = Entry().GetTwoPlane();
     ASSERT_NE(pPlanes, nullptr);
     EXPECT_EQ(pPlanes->GetPlane1SensorAdaption(), 3);
@@ -106,7 +106,7 @@ TEST_F(CPreBalConfigTabsTest, TwoPlanesGetBothSensorsAndBothCompensations) {
 
 TEST_F(CPreBalConfigTabsTest, UnknownSourcesAreAsserted) {
     Create();
-    Init(eKestrelTwoPlane);
+    Init(KESTREL_TWO_PLANE);
     Identify();
     CSet Set = MakeSet();
     Set.RPMInputPlane1 = 255;

@@ -16,7 +16,7 @@ namespace {
 
 class CScrewTableDlgTest : public CConfigTabsFixture {
 protected:
-    static constexpr unsigned eNone = CFlexTable::eNone;
+    static constexpr unsigned NONE = CFlexTable::NONE;
 
     CFlexTable& Table() { return ScrewDlg().GetTable(); }
     CPageName& Name() { return ScrewDlg().GetPageName(); }
@@ -152,7 +152,7 @@ TEST_F(CScrewTableDlgTest, ThePageOpensInItsListModeWithTheNameSelected) {
     Name().GetField().GetSel(nStart, nEnd);
     EXPECT_EQ(nStart, 0);
     EXPECT_EQ(nEnd, 7);
-    EXPECT_THAT(GetCursor(), Pair(eNone, eNone));
+    EXPECT_THAT(GetCursor(), Pair(NONE, NONE));
 }
 
 TEST_F(CScrewTableDlgTest, AClickIntoTheTableIsTheEditMode) {
@@ -165,7 +165,7 @@ TEST_F(CScrewTableDlgTest, AClickIntoTheTableIsTheEditMode) {
     Forget();
     Name().FocusField();
     EXPECT_TRUE(ScrewDlg().IsListMode());
-    EXPECT_THAT(GetCursor(), Pair(eNone, eNone));
+    EXPECT_THAT(GetCursor(), Pair(NONE, NONE));
     EXPECT_THAT(m_Host.Get(1122), ElementsAre(Message{1122, 12, 12}));
 }
 
@@ -217,7 +217,7 @@ TEST_F(CScrewTableDlgTest, ItemsGoOnThroughTheCellsAndLeaveTheTableAtItsEnd) {
     Forget();
     Act(4, 1);
     EXPECT_TRUE(ScrewDlg().IsListMode());
-    EXPECT_THAT(GetCursor(), Pair(eNone, eNone));
+    EXPECT_THAT(GetCursor(), Pair(NONE, NONE));
     EXPECT_TRUE(Name().HasFocus());
     EXPECT_THAT(m_Host.Get(1122), Contains(Message{1122, 12, 12}));
     EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());

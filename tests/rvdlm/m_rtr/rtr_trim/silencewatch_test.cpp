@@ -1,10 +1,11 @@
 #include "rvdlm/m_rtr/rtr_trim/silencewatch.h"
+#include "tests/support/casenames.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-constexpr std::uint64_t eTick = 250;
+constexpr std::uint64_t TICK = 250;
 
 /// A plane whose module reports with a period, watched four times a second.
 class SilenceWatch : public testing::TestWithParam<std::uint64_t> {
@@ -17,7 +18,7 @@ protected:
             if (Period != 0 && m_Now % Period == 0) {
                 m_Watch.OnReading(m_Now, true);
             }
-            if (m_Now % eTick == 0) {
+            if (m_Now % TICK == 0) {
                 bEverSilent = m_Watch.Tick(m_Now) || bEverSilent;
             }
         }
@@ -52,7 +53,8 @@ TEST_P(SilenceWatch, ModuleOfThisPeriodIsSilentWhenAReportIsOverdue) {
     EXPECT_LE(Silent, Last + std::max<std::uint64_t>(1000, GetParam() + GetParam() / 4 + 500));
 }
 
-INSTANTIATE_TEST_SUITE_P(Periods, SilenceWatch, testing::Values(50, 200, 1000, 2000, 5000));
+INSTANTIATE_TEST_SUITE_P(Periods, SilenceWatch, testing::Values(50, 200, 1000, 2000, 5000),
+                         CaseNames::ByNumber("Ms"));
 
 using SilenceWatchOnce = SilenceWatch;
 
@@ -94,7 +96,7 @@ TEST_F(SilenceWatchOnce, RestIsNoPeriod) {
     m_Now = 4000;
     Turn();
     m_Watch.OnReading(m_Now, true);
-    EXPECT_EQ(m_Watch.GetLimit(), CSilenceWatch::eShortestLimit);
+    EXPECT_EQ(m_Watch.GetLimit(), CSilenceWatch::SHORTEST_LIMIT);
 }
 
 TEST_F(SilenceWatchOnce, NothingIsExpectedOutOfLock) {
@@ -108,7 +110,7 @@ TEST_F(SilenceWatchOnce, FirstReadingInLockMustComeBeforeSamplingHasGotFar) {
     PassTo(30001, 5000);
     m_Now = 30010;
     Turn();
-    EXPECT_EQ(FindSilence(), 30010U + CSilenceWatch::eFirstReading);
+    EXPECT_EQ(FindSilence(), 30010U + CSilenceWatch::FIRST_READING);
 }
 
 TEST_F(SilenceWatchOnce, RunOnADeadLineIsSilentHoweverFastTheModuleWasBefore) {
@@ -118,7 +120,7 @@ TEST_F(SilenceWatchOnce, RunOnADeadLineIsSilentHoweverFastTheModuleWasBefore) {
     m_Now = 50000;
     Turn();
     EXPECT_FALSE(m_Watch.IsSilent());
-    EXPECT_EQ(FindSilence(), 50000U + CSilenceWatch::eFirstReading);
+    EXPECT_EQ(FindSilence(), 50000U + CSilenceWatch::FIRST_READING);
 }
 
 // The answer to a question comes between two reports and makes neither gap a period.
@@ -146,12 +148,12 @@ TEST_F(SilenceWatchOnce, OutageIsNoPeriod) {
     PassTo(1000, 50);
     m_Now = 9000;
     PassTo(9001, 50);
-    EXPECT_EQ(m_Watch.GetLimit(), CSilenceWatch::eShortestLimit);
+    EXPECT_EQ(m_Watch.GetLimit(), CSilenceWatch::SHORTEST_LIMIT);
 }
 
 TEST_F(SilenceWatchOnce, ModuleThatBecomesFasterIsKnownAsSuch) {
     Turn();
     PassTo(20001, 5000);
     PassTo(22001, 200);
-    EXPECT_EQ(m_Watch.GetLimit(), CSilenceWatch::eShortestLimit);
+    EXPECT_EQ(m_Watch.GetLimit(), CSilenceWatch::SHORTEST_LIMIT);
 }

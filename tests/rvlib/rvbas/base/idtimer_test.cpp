@@ -54,7 +54,7 @@ TEST(CIDTimer, OneShotSignalsOnceWithItsId) {
 TEST(CIDTimer, EndlessRepeatsUntilStopped) {
     CVirtualEventLoop Loop;
     CTestIDTimer Timers;
-    const std::int32_t Id = Timers.Start(100, Base::CIDTimer::eEndless);
+    const std::int32_t Id = Timers.Start(100, Base::CIDTimer::ENDLESS);
     Loop.Advance(300);
     Timers.Stop(Id);
     Loop.Advance(300);
@@ -128,8 +128,8 @@ TEST(CIDTimer, MayBeDestroyedInItsCallback) {
         ++nCalls;
         pTimers.reset();
     };
-    pTimers->Start(100, Base::CIDTimer::eEndless);
-    pTimers->Start(150, Base::CIDTimer::eEndless);
+    pTimers->Start(100, Base::CIDTimer::ENDLESS);
+    pTimers->Start(150, Base::CIDTimer::ENDLESS);
     Loop.Advance(1000);
     EXPECT_EQ(nCalls, 1);
     EXPECT_EQ(Loop.GetTimerCount(), 0U);

@@ -37,7 +37,7 @@ TEST_F(FlexTableTest, EachRowHasTheColumnsCellsWithTheDefaultValues) {
 
 TEST_F(FlexTableTest, WithoutColumnsThereAreNoRows) {
     m_Table.SetColumns({});
-    EXPECT_EQ(m_Table.AddRow(), eNone);
+    EXPECT_EQ(m_Table.AddRow(), NONE);
     EXPECT_EQ(m_Table.GetRowCount(), 0u);
     Click(5, 5);
     EXPECT_FALSE(m_Table.MoveTo(0, 0));
@@ -53,7 +53,7 @@ TEST_F(FlexTableTest, ACellThatIsNotThereOrOfAnotherTypeHasNoValue) {
     EXPECT_FALSE(m_Table.GetItemData(0, 2, Number));
     EXPECT_FALSE(m_Table.SetItemData(0, 1, std::string("3")));
     EXPECT_FALSE(m_Table.SetItemData(0, 0, 3.0));
-    EXPECT_FALSE(m_Table.SetItemData(eNone, eNone, 3.0));
+    EXPECT_FALSE(m_Table.SetItemData(NONE, NONE, 3.0));
     EXPECT_EQ(Text, "unchanged");
     EXPECT_EQ(Number, 7.0);
     EXPECT_EQ(GetNumber(0), 1.0);
@@ -139,7 +139,7 @@ TEST_F(FlexTableTest, RowsArePaintedWhereAClickFindsThem) {
     const CBitmap& rSurface = m_Table.GetSurface();
     for (unsigned Row = 1; Row < 5; ++Row) {
         // The grid line is the first pixel at which a click finds the row.
-        const int nTop = static_cast<int>(Row) * ePitch - 7;
+        const int nTop = static_cast<int>(Row) * PITCH - 7;
         EXPECT_EQ(rSurface.GetPixel(1, nTop - 1), RGB(255, 255, 255)) << Row;
         EXPECT_EQ(rSurface.GetPixel(1, nTop), GetSysColor(SysColor::eShadow)) << Row;
         EXPECT_EQ(rSurface.GetPixel(1, nTop + 1), RGB(255, 255, 255)) << Row;
@@ -161,13 +161,13 @@ TEST_F(FlexTableTest, AClicksColumnIsAnEqualShareOfTheWidth) {
 
 TEST_F(FlexTableTest, AClickThatFindsNoCellLeavesTheCursorWhereItStood) {
     AddRows(2);
-    Click(5, 2 * ePitch);
-    EXPECT_THAT(GetCursor(), Pair(eNone, eNone));
-    Click(105, 2 * ePitch - 1);
+    Click(5, 2 * PITCH);
+    EXPECT_THAT(GetCursor(), Pair(NONE, NONE));
+    Click(105, 2 * PITCH - 1);
     EXPECT_THAT(GetCursor(), Pair(1, 1));
     Type("5");
     m_Page.m_Codes.clear();
-    Click(5, 2 * ePitch);
+    Click(5, 2 * PITCH);
     EXPECT_THAT(GetCursor(), Pair(1, 1));
     EXPECT_THAT(m_Page.m_Codes, IsEmpty());
     EXPECT_EQ(GetNumber(1), 5.0) << "the edit is finished";
@@ -179,7 +179,7 @@ TEST_F(FlexTableTest, ATableTooNarrowForItsColumnsCanBeClicked) {
     AddRows(2);
     m_Table.MoveWindow(CRect(0, 0, 21, 100));
     Click(0, 5);
-    EXPECT_THAT(GetCursor(), Pair(eNone, eNone));
+    EXPECT_THAT(GetCursor(), Pair(NONE, NONE));
     m_Table.MoveWindow(CRect(0, 0, 5, 0));
     m_Loop.RunPosted();
 }
@@ -221,7 +221,7 @@ TEST_F(FlexTableTest, TheViewScrollsSoThatTheCursorStaysInSight) {
         ASSERT_THAT(GetCursor(), Pair(Row, 0));
         ASSERT_TRUE(IsInSight()) << Row;
     }
-    EXPECT_EQ(m_Table.GetScrollPos(), 50 * ePitch - 100) << "no further than needed";
+    EXPECT_EQ(m_Table.GetScrollPos(), 50 * PITCH - 100) << "no further than needed";
     Scroll(SB_TOP);
     Press(VK_RIGHT);
     EXPECT_TRUE(IsInSight()) << "also from where the wheel has gone";
@@ -239,7 +239,7 @@ TEST_F(FlexTableTest, TheViewScrollsSoThatTheCursorStaysInSight) {
 
 TEST_F(FlexTableTest, WithTheCursorOffAnArrowPutsItOnTheFirstCell) {
     EXPECT_TRUE(Press(VK_DOWN));
-    EXPECT_THAT(GetCursor(), Pair(eNone, eNone)) << "an empty table";
+    EXPECT_THAT(GetCursor(), Pair(NONE, NONE)) << "an empty table";
     AddRows(3);
     EXPECT_TRUE(Press(VK_DOWN));
     EXPECT_THAT(GetCursor(), Pair(0, 0));
@@ -343,7 +343,7 @@ TEST_F(FlexTableTest, TheParentIsToldWhenTheCursorMoves) {
     EXPECT_FALSE(m_Table.MoveTo(0, 2));
     EXPECT_THAT(CountTold(), IsEmpty()) << "it hasn't moved";
     m_Table.MoveOff();
-    EXPECT_THAT(GetCursor(), Pair(eNone, eNone));
+    EXPECT_THAT(GetCursor(), Pair(NONE, NONE));
     EXPECT_THAT(CountTold(), ElementsAre(-1101)) << "taken off";
     m_Table.MoveOff();
     EXPECT_THAT(CountTold(), IsEmpty());
@@ -359,7 +359,7 @@ TEST_F(FlexTableTest, TheParentFindsTheCursorInItsNewPlace) {
     Click(105, 25);
     EXPECT_THAT(Told, Pair(1, 1));
     m_Table.MoveOff();
-    EXPECT_THAT(Told, Pair(eNone, eNone));
+    EXPECT_THAT(Told, Pair(NONE, NONE));
 }
 
 TEST_F(FlexTableTest, TheParentMayMoveTheCursorOnOrEndTheTableWhenItIsTold) {
@@ -375,7 +375,7 @@ TEST_F(FlexTableTest, TheParentMayMoveTheCursorOnOrEndTheTableWhenItIsTold) {
         return 0;
     };
     Click(5, 5);
-    EXPECT_THAT(GetCursor(), Pair(eNone, eNone));
+    EXPECT_THAT(GetCursor(), Pair(NONE, NONE));
     for (const bool bByKey : {false, true}) {
         auto pTable = std::make_unique<CFlexTable>();
         pTable->SetColumns({{CFlexTable::eString, "", ""}});
@@ -401,7 +401,7 @@ TEST_F(FlexTableTest, ACursorThatIsOnWaitsForARowWhenTheTableIsEmptied) {
     m_Page.m_Codes.clear();
     m_Table.RemoveAllRows();
     EXPECT_EQ(m_Table.GetRowCount(), 0u);
-    EXPECT_THAT(GetCursor(), Pair(eNone, eNone));
+    EXPECT_THAT(GetCursor(), Pair(NONE, NONE));
     EXPECT_FALSE(GetBox()->IsWindowVisible());
     EXPECT_EQ(CWnd::GetFocus(), &m_Table) << "one has it";
     AddRows(2);
@@ -412,7 +412,7 @@ TEST_F(FlexTableTest, ACursorThatIsOnWaitsForARowWhenTheTableIsEmptied) {
     m_Table.MoveOff();
     m_Table.RemoveAllRows();
     AddRows(2);
-    EXPECT_THAT(GetCursor(), Pair(eNone, eNone)) << "one that is off stays off";
+    EXPECT_THAT(GetCursor(), Pair(NONE, NONE)) << "one that is off stays off";
 }
 
 TEST_F(FlexTableTest, TheCursorTakesTheFocusAlongButDoesNotTakeItAway) {
@@ -452,7 +452,7 @@ TEST_F(FlexTableTest, ATableThatEndsKeepsWhatWasTypedAndCanBeMadeAnew) {
     Type("9");
     m_Table.DestroyWindow();
     EXPECT_EQ(GetNumber(1), 9.0);
-    EXPECT_THAT(GetCursor(), Pair(eNone, eNone));
+    EXPECT_THAT(GetCursor(), Pair(NONE, NONE));
     EXPECT_FALSE(m_Table.MoveTo(0, 0)) << "no window";
     m_Table.Create(&m_Page, CRect(10, 20, 230, 120), 101);
     EXPECT_TRUE(m_Table.MoveTo(0, 1));

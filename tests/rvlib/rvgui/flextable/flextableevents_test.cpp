@@ -13,7 +13,7 @@ using testing::Pair;
 TEST_F(ShownFlexTableTest, ACellIsClickedTypedIntoAndLeftByEnter) {
     AddRows(3);
     Show();
-    ClickAt(105, ePitch + 5);
+    ClickAt(105, PITCH + 5);
     ASSERT_THAT(GetCursor(), Pair(1, 1));
     EXPECT_TRUE(GetBoxWidget()->hasFocus());
     EXPECT_EQ(GetBoxWidget()->selectedText(), "2.00");
@@ -101,11 +101,11 @@ TEST_F(ShownFlexTableTest, EscapeGivesTheOldValueBack) {
 TEST_F(ShownFlexTableTest, TheWheelScrollsEverywhereAndChangesNoValue) {
     AddRows(30);
     Show();
-    ClickAt(105, 2 * ePitch + 5);
+    ClickAt(105, 2 * PITCH + 5);
     Write("8");
     TurnWheelAt(5, 90, -120);
     EXPECT_EQ(m_Table.GetScrollPos(), 20) << "over a cell";
-    TurnWheelAt(150, ePitch + 10, -120);
+    TurnWheelAt(150, PITCH + 10, -120);
     EXPECT_EQ(m_Table.GetScrollPos(), 40) << "over the box";
     TurnWheelAt(210, 50, -120);
     EXPECT_EQ(m_Table.GetScrollPos(), 60) << "over the scroll bar";
@@ -117,7 +117,7 @@ TEST_F(ShownFlexTableTest, TheWheelScrollsEverywhereAndChangesNoValue) {
 TEST_F(ShownFlexTableTest, TheBoxScrollsIsCutOffAndHidesWithItsCell) {
     AddRows(30);
     Show();
-    ClickAt(105, 2 * ePitch + 5);
+    ClickAt(105, 2 * PITCH + 5);
     EXPECT_EQ(GetBoxWidget()->geometry(), QRect(100, 40, 98, 17));
     TurnWheelAt(5, 90, -240);
     EXPECT_EQ(GetBoxWidget()->geometry().top(), 0);
@@ -139,7 +139,7 @@ TEST_F(ShownFlexTableTest, TheScrollBarIsPressedAndDragged) {
     AddRows(30);
     Show();
     auto* const pBar =
-        dynamic_cast<QScrollBar*>(m_pView->FindWidget(*m_Table.GetDlgItem(CFlexTable::eScrollBarId)));
+        dynamic_cast<QScrollBar*>(m_pView->FindWidget(*m_Table.GetDlgItem(CFlexTable::SCROLL_BAR_ID)));
     ASSERT_NE(pBar, nullptr);
     QTest::mouseClick(pBar, Qt::LeftButton, Qt::NoModifier, QPoint(10, 98));
     EXPECT_EQ(m_Table.GetScrollPos(), 20) << "the arrow: one row height";
@@ -225,17 +225,17 @@ TEST_F(ShownFlexTableTest, ADisabledTableTakesNoClickAndNoKey) {
     ClickAt(105, 5);
     m_Table.EnableWindow(false);
     EXPECT_NE(CWnd::GetFocus(), GetBox());
-    ClickAt(5, ePitch + 5);
+    ClickAt(5, PITCH + 5);
     EXPECT_THAT(GetCursor(), Pair(0, 1));
     m_Table.EnableWindow(true);
-    ClickAt(5, ePitch + 5);
+    ClickAt(5, PITCH + 5);
     EXPECT_THAT(GetCursor(), Pair(1, 0));
 }
 
 TEST_F(ShownFlexTableTest, TheComposedPictureIsTheOneOnTheScreen) {
     AddRows(30);
     Show();
-    ClickAt(105, 2 * ePitch + 5);
+    ClickAt(105, 2 * PITCH + 5);
     TurnWheelAt(5, 90, -240);
     m_Loop.RunPosted();
     CBitmap Screen;

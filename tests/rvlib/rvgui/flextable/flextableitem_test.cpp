@@ -14,19 +14,19 @@ protected:
     /// The cell's text on white, as a plain drawing of it looks.
     CBitmap DrawExpected(const std::string& rText, COLORREF Color) {
         CBitmap Result;
-        Result.Create(CSize(99, ePitch - 1));
+        Result.Create(CSize(99, PITCH - 1));
         CDC DC(Result);
         DC.SelectFont(m_Table.GetFont());
         DC.SetTextColor(Color);
-        CRect Rect(3, 0, 99, ePitch - 1);
+        CRect Rect(3, 0, 99, PITCH - 1);
         DC.DrawText(rText, Rect, DT_SINGLELINE | DT_VCENTER | DT_LEFT);
         return Result;
     }
     CBitmap GetPainted(unsigned Row, unsigned Column) {
         m_Loop.RunPosted();
         CBitmap Result;
-        Result.Create(CSize(99, ePitch - 1));
-        CDC(Result).BitBlt(CRect(0, 0, 99, ePitch - 1), m_Table.GetSurface(),
+        Result.Create(CSize(99, PITCH - 1));
+        CDC(Result).BitBlt(CRect(0, 0, 99, PITCH - 1), m_Table.GetSurface(),
                            m_Table.GetCellRect(Row, Column).TopLeft() + CPoint(0, 1));
         return Result;
     }
@@ -92,9 +92,9 @@ TEST_F(FlexTableItemTest, TheBoxMovesAndScrollsWithItsCell) {
     AddRows(20);
     m_Table.MoveTo(3, 0);
     Scroll(SB_THUMBPOSITION, 65);
-    EXPECT_EQ(GetBox()->GetRect().top, 3 * ePitch + 2 - 65) << "partly above the edge";
+    EXPECT_EQ(GetBox()->GetRect().top, 3 * PITCH + 2 - 65) << "partly above the edge";
     Scroll(SB_THUMBPOSITION, 300);
-    EXPECT_EQ(GetBox()->GetRect().top, 3 * ePitch + 2 - 300);
+    EXPECT_EQ(GetBox()->GetRect().top, 3 * PITCH + 2 - 300);
     EXPECT_TRUE(GetBox()->IsWindowVisible());
     Type("back");
     EXPECT_EQ(GetBox()->GetRect().top, 2) << "typing brings it into sight";

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/sequences/tablesequence.h"
+#include "tests/support/casenames.h"
 
 namespace {
 
@@ -20,6 +21,6 @@ TEST_P(RandomFlexTableTest, FocusCursorAndTheLastRowAreInOrderWhateverHappens) {
     EXPECT_GT(nMostRows, 3u) << "else the sequence would test little";
 }
 
-INSTANTIATE_TEST_SUITE_P(Seeds, RandomFlexTableTest, testing::Range(1u, 9u));
+INSTANTIATE_TEST_SUITE_P(Seeds, RandomFlexTableTest, testing::Range(1u, 9u), CaseNames::ByNumber("Seed"));
 
 }  // namespace

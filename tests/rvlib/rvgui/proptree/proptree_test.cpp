@@ -71,7 +71,7 @@ TEST_F(PropTreeTest, AParentOfAnotherTreeIsAnAssertionAndTheItemGoesToTheTop) {
 }
 
 TEST_F(PropTreeTest, WithoutTheStyleBitNothingIsTold) {
-    m_pTree->ModifyStyle(CPropTree::eNotifyParent, 0);
+    m_pTree->ModifyStyle(CPropTree::NOTIFY_PARENT, 0);
     OnTold = [](int, CPropTreeItem*) -> LRESULT { return 1; };
     m_pTree->Insert(std::make_unique<CPropTreeItemStatic>("New"));
     EXPECT_TRUE(m_pTree->ToggleExpanded(*m_pGroup));
@@ -398,7 +398,7 @@ TEST_F(PropTreeTest, FontsAreSharedAndGoWithTheLastTree) {
     EXPECT_EQ(CPropTree::FindNormalFont(), pShared);
     m_pTree.reset();
     EXPECT_EQ(CPropTree::FindNormalFont(), pShared);
-    EXPECT_EQ(CPropTree::GetBoldFont().m_Weight, CFont::eBold);
+    EXPECT_EQ(CPropTree::GetBoldFont().m_Weight, CFont::BOLD);
     pSecond.reset();
     EXPECT_EQ(CPropTree::FindNormalFont(), nullptr);
     EXPECT_EQ(CPropTree::FindBoldFont(), nullptr);
@@ -464,10 +464,10 @@ TEST_F(PropTreeTest, ArrowsWalkAndOpenAndClose) {
 }
 
 TEST_F(PropTreeTest, WithoutARowAStepComesFromItsEndAndHomeAndEndMeanWhatTheySay) {
-    const std::vector<std::pair<UINT, CPropTreeItem*>> c_Keys{{VK_DOWN, m_pGroup}, {VK_UP, m_pResult},
-                                                              {VK_HOME, m_pGroup}, {VK_END, m_pResult},
-                                                              {VK_NEXT, m_pGroup}, {VK_PRIOR, m_pResult}};
-    for (const auto& [VirtualKey, pExpected] : c_Keys) {
+    const std::vector<std::pair<UINT, CPropTreeItem*>> KEYS{{VK_DOWN, m_pGroup}, {VK_UP, m_pResult},
+                                                            {VK_HOME, m_pGroup}, {VK_END, m_pResult},
+                                                            {VK_NEXT, m_pGroup}, {VK_PRIOR, m_pResult}};
+    for (const auto& [VirtualKey, pExpected] : KEYS) {
         List().SetFocus();
         m_pTree->SetFocusedItem(nullptr);
         Key(VirtualKey);
@@ -539,7 +539,7 @@ TEST_F(PropTreeTest, TheParentMayEndTheTreeInAnyNotification) {
         m_Loop.Advance(2000);
         OnTold = nullptr;
         m_pTree = std::make_unique<CPropTree>();
-        m_pTree->ModifyStyle(0, CPropTree::eNotifyParent);
+        m_pTree->ModifyStyle(0, CPropTree::NOTIFY_PARENT);
         m_pTree->Create(&m_Page, CRect(10, 10, 310, 210), 7);
         m_pSpeed = m_pTree->Insert(std::make_unique<CLongItem>(1UL, 400UL, 100UL, 1UL));
     }

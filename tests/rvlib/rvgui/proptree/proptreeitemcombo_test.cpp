@@ -75,13 +75,13 @@ TEST(PropTreeItemComboTest, AValueThatCanNotBeShownIsNotLost) {
 
 TEST(PropTreeItemComboTest, AControlThatIsFullIsAnAssertion) {
     CPropTreeItemCombo Combo(0, 20000);
-    for (int i = 0; i < CComboBox::eMaxItems; ++i) {
+    for (int i = 0; i < CComboBox::MAX_ITEMS; ++i) {
         Combo.AddString("x");
     }
     const CLogCapture Log;
     EXPECT_EQ(Combo.AddString("one too many"), -1);
     EXPECT_THAT(Log.GetAssertions(), ElementsAre("CPropTreeItemCombo::AddString failed!"));
-    EXPECT_EQ(Combo.GetNextData(), CComboBox::eMaxItems + 1);
+    EXPECT_EQ(Combo.GetNextData(), CComboBox::MAX_ITEMS + 1);
 }
 
 class ComboInTreeTest : public CTreeFixture {

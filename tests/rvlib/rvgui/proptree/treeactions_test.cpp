@@ -126,13 +126,13 @@ TEST_F(TreeActionsTest, KeysEditToo) {
 
 TEST_F(TreeActionsTest, ThereIsAFrameInsteadOfTheGutter) {
     m_Loop.RunPosted();
-    constexpr COLORREF c_Grey = RGB(134, 134, 134);
+    constexpr COLORREF GREY = RGB(134, 134, 134);
     const CBitmap& rPicture = List().GetSurface();
     for (const int i : {0, 2}) {
-        EXPECT_EQ(rPicture.GetPixel(150, i), c_Grey);
-        EXPECT_EQ(rPicture.GetPixel(i, 150), c_Grey);
-        EXPECT_EQ(rPicture.GetPixel(299 - i, 150), c_Grey);
-        EXPECT_EQ(rPicture.GetPixel(150, 199 - i), c_Grey);
+        EXPECT_EQ(rPicture.GetPixel(150, i), GREY);
+        EXPECT_EQ(rPicture.GetPixel(i, 150), GREY);
+        EXPECT_EQ(rPicture.GetPixel(299 - i, 150), GREY);
+        EXPECT_EQ(rPicture.GetPixel(150, 199 - i), GREY);
     }
     EXPECT_EQ(rPicture.GetPixel(1, 1), GetSysColor(SysColor::eFace));
 }

@@ -50,7 +50,7 @@ protected:
         m_pTree = std::make_unique<CPropTree>();
         m_pTree->SetMode(Mode);
         m_pTree->ShowInfo(false);
-        m_pTree->ModifyStyle(0, CPropTree::eNotifyParent);
+        m_pTree->ModifyStyle(0, CPropTree::NOTIFY_PARENT);
         m_pTree->Create(&m_Page, CRect(10, 10, 310, 210), 7);
         m_pGroup = m_pTree->Insert(std::make_unique<CPropTreeItemStatic>("Group"));
         m_pGroup->Expand();

@@ -11,9 +11,9 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr COLORREF c_White = RGB(255, 255, 255);
-constexpr COLORREF c_Panel = RGB(236, 233, 216);
-constexpr COLORREF c_Red = RGB(255, 0, 0);
+constexpr COLORREF WHITE = RGB(255, 255, 255);
+constexpr COLORREF PANEL = RGB(236, 233, 216);
+constexpr COLORREF RED = RGB(255, 0, 0);
 
 class TextRectTest : public testing::Test {
 protected:
@@ -134,19 +134,19 @@ TEST_F(TextRectTest, WithoutWidthNothingIsDrawnEither) {
 
 TEST_F(TextRectTest, PaintFillsTheBackgroundAndDrawsInTheTextColour) {
     m_Text.SetText("8");
-    m_Text.SetTextColor(c_Red);
+    m_Text.SetTextColor(RED);
     const CRect Rect(10, 20, 110, 60);
     Paint(Rect);
     EXPECT_EQ(FindInk(m_Bitmap), Rect);
-    EXPECT_EQ(m_Bitmap.GetPixel(109, 59), c_Panel) << "the panel's colour from the start";
-    EXPECT_GT(CountPixels(m_Bitmap, c_Red), 50);
-    EXPECT_EQ(CountPixels(m_Bitmap, Rect, c_White), 0);
+    EXPECT_EQ(m_Bitmap.GetPixel(109, 59), PANEL) << "the panel's colour from the start";
+    EXPECT_GT(CountPixels(m_Bitmap, RED), 50);
+    EXPECT_EQ(CountPixels(m_Bitmap, Rect, WHITE), 0);
 }
 
 TEST_F(TextRectTest, ATextThatIsEmptyLeavesTheBackground) {
-    m_Text.SetBackgroundColor(c_Red);
+    m_Text.SetBackgroundColor(RED);
     Paint(CRect(10, 20, 110, 60));
-    EXPECT_EQ(CountPixels(m_Bitmap, c_Red), 100 * 40);
+    EXPECT_EQ(CountPixels(m_Bitmap, RED), 100 * 40);
 }
 
 TEST_F(TextRectTest, TheTextStandsByItsAlignment) {
@@ -155,7 +155,7 @@ TEST_F(TextRectTest, TheTextStandsByItsAlignment) {
     const auto Ink = [&](int Alignment) {
         m_Text.SetAlignment(Alignment);
         Paint(Rect);
-        return FindInk(m_Bitmap, Rect, c_Panel).value_or(CRect());
+        return FindInk(m_Bitmap, Rect, PANEL).value_or(CRect());
     };
     EXPECT_NEAR(Ink(0).left, Rect.left, 4);
     EXPECT_NEAR(Ink(1).CenterPoint().x, Rect.CenterPoint().x, 2);
@@ -167,20 +167,20 @@ TEST_F(TextRectTest, TheTextStandsByItsAlignment) {
 TEST_F(TextRectTest, TheShadowIsWhiteAndLiesBelowTheText) {
     const CRect Rect(10, 20, 110, 60);
     m_Text.SetText("8");
-    m_Text.SetTextColor(c_Red);
+    m_Text.SetTextColor(RED);
     // Brighter than the background, which the text itself never is.
     const auto FindShadow = [&] {
         return FindPixels(m_Bitmap, Rect, [](COLORREF Pixel) {
-            return GetGValue(Pixel) > GetGValue(c_Panel) + 3 && GetBValue(Pixel) > GetBValue(c_Panel) + 6;
+            return GetGValue(Pixel) > GetGValue(PANEL) + 3 && GetBValue(Pixel) > GetBValue(PANEL) + 6;
         });
     };
     Paint(Rect);
     EXPECT_EQ(FindShadow(), std::nullopt);
-    CDC(m_Bitmap).FillSolidRect(Rect, c_Panel);
+    CDC(m_Bitmap).FillSolidRect(Rect, PANEL);
     m_Text.SetShadow(true);
     Paint(Rect);
     const auto Shadow = FindShadow();
-    const auto Text = FindColor(m_Bitmap, Rect, c_Red);
+    const auto Text = FindColor(m_Bitmap, Rect, RED);
     ASSERT_TRUE(Shadow && Text);
     EXPECT_GE(Shadow->right, Text->right + 1);
     EXPECT_GE(Shadow->bottom, Text->bottom + 1);

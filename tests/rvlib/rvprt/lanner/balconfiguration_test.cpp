@@ -11,9 +11,9 @@ using testing::ElementsAre;
 
 namespace {
 
-constexpr std::uint32_t eNoSwap = 0;
-constexpr std::uint32_t eSwapped = 1;
-constexpr const char* eGood = "06 EE 10 27 11 12 13 14 21 22 23 24 5A 66";
+constexpr std::uint32_t NO_SWAP = 0;
+constexpr std::uint32_t SWAPPED = 1;
+constexpr const char* GOOD = "06 EE 10 27 11 12 13 14 21 22 23 24 5A 66";
 
 }  // namespace
 
@@ -30,7 +30,7 @@ TEST(LannerBalConfiguration, NewOneHasNoFlagsAndUnknownRates) {
 
 TEST(LannerBalConfiguration, DecodesAllFields) {
     CBalConfiguration Message("PreBal");
-    EXPECT_EQ(Decode(Message, eGood, eNoSwap), 14U);
+    EXPECT_EQ(Decode(Message, GOOD, NO_SWAP), 14U);
     EXPECT_EQ(Message.Plane1Input, 0U);
     EXPECT_EQ(Message.Plane2Input, 1U);
     EXPECT_EQ(Message.RPMLimitLocked, 1U);
@@ -49,7 +49,7 @@ TEST(LannerBalConfiguration, DecodesAllFields) {
 
 TEST(LannerBalConfiguration, WithSwapTheRatesGoToTheOtherPlaneAndTheInputsStay) {
     CBalConfiguration Message("PreBal");
-    EXPECT_EQ(Decode(Message, eGood, eSwapped), 14U);
+    EXPECT_EQ(Decode(Message, GOOD, SWAPPED), 14U);
     EXPECT_EQ(Message.Plane1Input, 0U);
     EXPECT_EQ(Message.Plane2Input, 1U);
     EXPECT_EQ(Message.Plane1MaxRPMDataRate, 0x21);
@@ -64,11 +64,11 @@ TEST(LannerBalConfiguration, WithSwapTheRatesGoToTheOtherPlaneAndTheInputsStay) 
 
 TEST(LannerBalConfiguration, FlagsStandInTheirBits) {
     CBalConfiguration First("PreBal");
-    Decode(First, Cut("01", 14), eNoSwap);
+    Decode(First, Cut("01", 14), NO_SWAP);
     EXPECT_EQ(First.Plane1Input, 1U);
     EXPECT_EQ(First.Plane2Input + First.RPMLimitLocked, 0U);
     CBalConfiguration Others("PreBal");
-    Decode(Others, Cut("F8", 14), eNoSwap);
+    Decode(Others, Cut("F8", 14), NO_SWAP);
     EXPECT_EQ(Others.Plane1Input + Others.Plane2Input + Others.RPMLimitLocked, 0U);
 }
 
@@ -76,7 +76,7 @@ TEST(LannerBalConfiguration, ShortOrMissingDataFailsWithAWarning) {
     for (std::size_t nSize = 0; nSize < 14; ++nSize) {
         const CLogCapture Log;
         CBalConfiguration Message("PreBal");
-        EXPECT_EQ(Decode(Message, Cut(eGood, nSize), eNoSwap), 0U);
+        EXPECT_EQ(Decode(Message, Cut(GOOD, nSize), NO_SWAP), 0U);
         EXPECT_EQ(Message.Plane1MaxRPMDataRate, 0xFF);
         EXPECT_THAT(Log.GetTexts("Warning"), ElementsAre("not enough data to decode"));
     }
@@ -91,7 +91,7 @@ TEST(LannerBalConfiguration, InputsHaveNames) {
 // The labels begin with a blank, and the limit has none; both are meant.
 TEST(LannerBalConfiguration, LogsItsFieldsAsABlock) {
     CBalConfiguration Message("PreBal");
-    Decode(Message, eGood, eNoSwap);
+    Decode(Message, GOOD, NO_SWAP);
     const CLogCapture Log(true);
     Message.Log();
     EXPECT_THAT(Log.GetTexts("ProtocolDetail"),

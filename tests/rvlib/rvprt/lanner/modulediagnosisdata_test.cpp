@@ -11,13 +11,13 @@ using testing::ElementsAre;
 
 namespace {
 
-constexpr const char* eFixedPart = "2D 37 00 04 05 01 06 01 07 01 08 01 09 01 FF FF";
+constexpr const char* FIXED_PART = "2D 37 00 04 05 01 06 01 07 01 08 01 09 01 FF FF";
 
 }  // namespace
 
 TEST(LannerModuleDiagnosisData, DecodesAllFields) {
     CModuleDiagnosisData Message("PreBal");
-    EXPECT_EQ(Decode(Message, eFixedPart), 16U);
+    EXPECT_EQ(Decode(Message, FIXED_PART), 16U);
     EXPECT_EQ(Message.CurrentTemperature, 45);
     EXPECT_EQ(Message.MaxTemperature, 55);
     EXPECT_EQ(Message.DiagByte4, 4);
@@ -48,13 +48,13 @@ TEST(LannerModuleDiagnosisData, ReservedFlagsStandInTheirBits) {
 
 TEST(LannerModuleDiagnosisData, TextEndsWithAZeroByte) {
     CModuleDiagnosisData Message("PreBal");
-    EXPECT_EQ(Decode(Message, std::string(eFixedPart) + "4F 4B 00 58"), 19U);
+    EXPECT_EQ(Decode(Message, std::string(FIXED_PART) + "4F 4B 00 58"), 19U);
     EXPECT_EQ(Message.DiagText, "OK");
 }
 
 TEST(LannerModuleDiagnosisData, TextEndsWithTheFrame) {
     CModuleDiagnosisData Message("PreBal");
-    EXPECT_EQ(Decode(Message, std::string(eFixedPart) + "4F 4B"), 18U);
+    EXPECT_EQ(Decode(Message, std::string(FIXED_PART) + "4F 4B"), 18U);
     EXPECT_EQ(Message.DiagText, "OK");
 }
 
@@ -62,7 +62,7 @@ TEST(LannerModuleDiagnosisData, ShortOrMissingDataFailsWithAWarning) {
     for (std::size_t nSize = 0; nSize < 16; ++nSize) {
         const CLogCapture Log;
         CModuleDiagnosisData Message("PreBal");
-        EXPECT_EQ(Decode(Message, Cut(eFixedPart, nSize)), 0U);
+        EXPECT_EQ(Decode(Message, Cut(FIXED_PART, nSize)), 0U);
         EXPECT_EQ(Message.CurrentTemperature, 0);
         EXPECT_THAT(Log.GetTexts("Warning"), ElementsAre("invalid message length"));
     }
@@ -70,7 +70,7 @@ TEST(LannerModuleDiagnosisData, ShortOrMissingDataFailsWithAWarning) {
 
 TEST(LannerModuleDiagnosisData, LogsItsFieldsAsABlock) {
     CModuleDiagnosisData Message("PreBal");
-    Decode(Message, std::string(eFixedPart) + "4F 4B");
+    Decode(Message, std::string(FIXED_PART) + "4F 4B");
     Message.ReservedDiagValue4 = 3;
     const CLogCapture Log(true);
     Message.Log();

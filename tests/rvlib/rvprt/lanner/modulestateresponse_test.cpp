@@ -14,8 +14,8 @@ using testing::IsEmpty;
 
 namespace {
 
-constexpr std::uint32_t eNoSwap = 0;
-constexpr std::uint32_t eSwapped = 1;
+constexpr std::uint32_t NO_SWAP = 0;
+constexpr std::uint32_t SWAPPED = 1;
 
 /// A flag's place in the frame when planes are not swapped, and the flag of the other plane.
 struct CFlagCase {
@@ -74,7 +74,7 @@ TEST(LannerModuleStateResponse, NewOneIsInvalid) {
 TEST(LannerModuleStateResponse, EachFlagStandsInItsBit) {
     for (const CFlagCase& rFlag : Flags) {
         CModuleStateResponse Message("PreBal");
-        EXPECT_EQ(Decode(Message, Payload(rFlag.m_Byte, rFlag.m_Bit), eNoSwap), 7U);
+        EXPECT_EQ(Decode(Message, Payload(rFlag.m_Byte, rFlag.m_Bit), NO_SWAP), 7U);
         EXPECT_EQ(Message.*rFlag.m_pFlag, 1U) << rFlag.m_Byte << "." << rFlag.m_Bit;
         EXPECT_EQ(Sum(Message), 1U) << rFlag.m_Byte << "." << rFlag.m_Bit;
     }
@@ -83,14 +83,14 @@ TEST(LannerModuleStateResponse, EachFlagStandsInItsBit) {
 TEST(LannerModuleStateResponse, WithSwapEachFlagGoesToTheOtherPlane) {
     for (const CFlagCase& rFlag : Flags) {
         CModuleStateResponse Message("PreBal");
-        EXPECT_EQ(Decode(Message, Payload(rFlag.m_Byte, rFlag.m_Bit), eSwapped), 7U);
+        EXPECT_EQ(Decode(Message, Payload(rFlag.m_Byte, rFlag.m_Bit), SWAPPED), 7U);
         EXPECT_EQ(Message.*rFlag.m_pOther, 1U) << rFlag.m_Byte << "." << rFlag.m_Bit;
         EXPECT_EQ(Sum(Message), 1U) << rFlag.m_Byte << "." << rFlag.m_Bit;
     }
 }
 
 TEST(LannerModuleStateResponse, UILockedIsNotOfAPlane) {
-    for (const std::uint32_t Swap : {eNoSwap, eSwapped}) {
+    for (const std::uint32_t Swap : {NO_SWAP, SWAPPED}) {
         CModuleStateResponse Message("PreBal");
         Decode(Message, Payload(2, 7), Swap);
         EXPECT_EQ(Message.UILocked, 1U);
@@ -100,13 +100,13 @@ TEST(LannerModuleStateResponse, UILockedIsNotOfAPlane) {
 
 TEST(LannerModuleStateResponse, OtherBitsAreNotRead) {
     CModuleStateResponse Message("PreBal");
-    Decode(Message, "01 FF 7F F0 F0 F0 F0", eNoSwap);
+    Decode(Message, "01 FF 7F F0 F0 F0 F0", NO_SWAP);
     EXPECT_EQ(Sum(Message), 0U);
 }
 
 TEST(LannerModuleStateResponse, ParameterIsNeverRead) {
     CModuleStateResponse Message("PreBal");
-    Decode(Message, "01 05 00 00 00 00 00", eNoSwap);
+    Decode(Message, "01 05 00 00 00 00 00", NO_SWAP);
     EXPECT_EQ(Message.m_ModuleState, 1U);
     EXPECT_EQ(Message.m_Parameter, -1);
 }
@@ -115,7 +115,7 @@ TEST(LannerModuleStateResponse, AnyStateButSupervisionModeFailsWithTwoWarnings) 
     for (const char* pState : {"00", "02", "07", "FF"}) {
         const CLogCapture Log;
         CModuleStateResponse Message("PreBal");
-        EXPECT_EQ(Decode(Message, std::string(pState) + "00 80 0F 0F 0F 0F", eNoSwap), 0U);
+        EXPECT_EQ(Decode(Message, std::string(pState) + "00 80 0F 0F 0F 0F", NO_SWAP), 0U);
         EXPECT_EQ(Message.m_ModuleState, 255U);
         EXPECT_EQ(Sum(Message), 0U);
         EXPECT_THAT(Log.GetTexts("Warning"),
@@ -126,23 +126,23 @@ TEST(LannerModuleStateResponse, AnyStateButSupervisionModeFailsWithTwoWarnings) 
 TEST(LannerModuleStateResponse, ShortOrMissingDataFails) {
     for (std::size_t nSize = 0; nSize < 7; ++nSize) {
         CModuleStateResponse Message("PreBal");
-        EXPECT_EQ(Decode(Message, Cut("01 00 80 0F 0F 0F 0F", nSize), eNoSwap), 0U);
+        EXPECT_EQ(Decode(Message, Cut("01 00 80 0F 0F 0F 0F", nSize), NO_SWAP), 0U);
         EXPECT_EQ(Sum(Message), 0U);
     }
     CModuleStateResponse Message("PreBal");
     std::uint32_t nUsed = 99;
-    EXPECT_EQ(Message.Decode(nullptr, 7, &nUsed, eNoSwap), 0);
+    EXPECT_EQ(Message.Decode(nullptr, 7, &nUsed, NO_SWAP), 0);
     EXPECT_EQ(nUsed, 0U);
 }
 
 TEST(LannerModuleStateResponse, FurtherBytesAreLeft) {
     CModuleStateResponse Message("PreBal");
-    EXPECT_EQ(Decode(Message, "01 00 00 00 00 00 00 AA BB", eNoSwap), 7U);
+    EXPECT_EQ(Decode(Message, "01 00 00 00 00 00 00 AA BB", NO_SWAP), 7U);
 }
 
 TEST(LannerModuleStateResponse, LogsItsFieldsAsABlock) {
     CModuleStateResponse Message("PreBal");
-    Decode(Message, "01 00 80 05 02 08 01", eNoSwap);
+    Decode(Message, "01 00 80 05 02 08 01", NO_SWAP);
     const CLogCapture Log(true);
     Message.Log();
     EXPECT_THAT(Log.GetTexts("ProtocolDetail"),

@@ -13,7 +13,7 @@ using testing::MatchesRegex;
 
 namespace {
 
-constexpr const char* eGood = "02 0C 01 01 05 90 01 20 03 10 27 05";
+constexpr const char* GOOD = "02 0C 01 01 05 90 01 20 03 10 27 05";
 
 }  // namespace
 
@@ -26,7 +26,7 @@ TEST(LannerPlane, NewOneIsNotKnown) {
 
 TEST(LannerPlane, DecodesAllFields) {
     CPlane Plane("PreBal");
-    EXPECT_EQ(Decode(Plane, eGood), 12U);
+    EXPECT_EQ(Decode(Plane, GOOD), 12U);
     EXPECT_EQ(Plane.ID, 1);
     EXPECT_EQ(Plane.RPMInput, 1);
     EXPECT_EQ(Plane.SensorAdaption, 5);
@@ -92,7 +92,7 @@ TEST(LannerPlane, FewerThanTwelveBytesAssertInTheNameOfTheSetParams) {
     for (std::size_t nSize = 1; nSize < 12; ++nSize) {
         const CLogCapture Log;
         CPlane Plane("PreBal");
-        EXPECT_EQ(Decode(Plane, Cut(eGood, nSize)), 0U);
+        EXPECT_EQ(Decode(Plane, Cut(GOOD, nSize)), 0U);
         EXPECT_THAT(
             Log.GetAssertions(),
             ElementsAre(MatchesRegex(R"(CSetParams::Decode: not enough data \(pData=0x[0-9A-F]+\)!)")));

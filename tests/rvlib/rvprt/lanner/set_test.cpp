@@ -13,11 +13,11 @@ using testing::MatchesRegex;
 
 namespace {
 
-constexpr const char* eParams = "01 08 00 00 04 01 01 41";
-constexpr const char* eParamsWithSwap = "01 08 00 00 06 01 01 41";
+constexpr const char* PARAMS = "01 08 00 00 04 01 01 41";
+constexpr const char* PARAMS_WITH_SWAP = "01 08 00 00 06 01 01 41";
 /// Adaptions 1 and 4.
-constexpr const char* ePlane0 = "02 0C 00 00 01 90 01 20 03 10 27 05";
-constexpr const char* ePlane1 = "02 0C 01 01 04 91 01 21 03 11 27 06";
+constexpr const char* PLANE0 = "02 0C 00 00 01 90 01 20 03 10 27 05";
+constexpr const char* PLANE1 = "02 0C 01 01 04 91 01 21 03 11 27 06";
 
 /// A set with number 3 of those blocks.
 std::string Set(std::initializer_list<std::string> Blocks) {
@@ -68,7 +68,7 @@ TEST(LannerSet, MayEndAfterItsNumber) {
 
 TEST(LannerSet, BlocksComeInAnyOrder) {
     Lanner::CSet Message("PreBal");
-    EXPECT_EQ(Decode(Message, Set({ePlane1, eParams, ePlane0})), 33U);
+    EXPECT_EQ(Decode(Message, Set({PLANE1, PARAMS, PLANE0})), 33U);
     EXPECT_EQ(Message.GetPlane1()->SensorAdaption, 1);
     EXPECT_EQ(Message.GetPlane2()->SensorAdaption, 4);
     EXPECT_EQ(Message.GetSetParams()->SetName, "A");
@@ -76,14 +76,14 @@ TEST(LannerSet, BlocksComeInAnyOrder) {
 
 TEST(LannerSet, WithSwapPlane1IsThePlaneWithID1) {
     Lanner::CSet Message("PreBal");
-    Decode(Message, Set({eParamsWithSwap, ePlane0, ePlane1}));
+    Decode(Message, Set({PARAMS_WITH_SWAP, PLANE0, PLANE1}));
     EXPECT_EQ(Message.GetPlane1()->ID, 1);
     EXPECT_EQ(Message.GetPlane2()->ID, 0);
 }
 
 TEST(LannerSet, ModeByteFiveSwapsBothIndependentPlanes) {
     Lanner::CSet Message("PreBal");
-    Decode(Message, Set({"01 07 00 00 05 00 00", ePlane0, ePlane1}));
+    Decode(Message, Set({"01 07 00 00 05 00 00", PLANE0, PLANE1}));
     EXPECT_EQ(Message.GetSetParams()->Mode, Lanner::CSetParams::eBothIndependent);
     EXPECT_EQ(Message.GetSetParams()->Swap, 1U);
     EXPECT_EQ(Message.GetPlane1()->ID, 1);
@@ -91,7 +91,7 @@ TEST(LannerSet, ModeByteFiveSwapsBothIndependentPlanes) {
 
 TEST(LannerSet, WithoutParamsPlanesAreNotSwappedAndTheOperatorSeesIt) {
     Lanner::CSet Message("PreBal");
-    Decode(Message, Set({ePlane0, ePlane1}));
+    Decode(Message, Set({PLANE0, PLANE1}));
     TakeShownMessages();
     const CLogCapture Log;
     EXPECT_EQ(Message.GetPlane1()->ID, 0);
@@ -105,20 +105,20 @@ TEST(LannerSet, WithoutParamsPlanesAreNotSwappedAndTheOperatorSeesIt) {
 
 TEST(LannerSet, SecondPlaneBlockOfAnIDReplacesTheFirst) {
     Lanner::CSet Message("PreBal");
-    EXPECT_NE(Decode(Message, Set({eParams, ePlane0, "02 0C 00 01 07 00 00 00 00 00 00 00"})), 0U);
+    EXPECT_NE(Decode(Message, Set({PARAMS, PLANE0, "02 0C 00 01 07 00 00 00 00 00 00 00"})), 0U);
     EXPECT_EQ(Message.GetPlane1()->SensorAdaption, 7);
     EXPECT_EQ(Message.GetPlane2(), nullptr);
 }
 
 TEST(LannerSet, SecondParamsReplaceTheFirst) {
     Lanner::CSet Message("PreBal");
-    Decode(Message, Set({eParamsWithSwap, eParams}));
+    Decode(Message, Set({PARAMS_WITH_SWAP, PARAMS}));
     EXPECT_EQ(Message.GetSetParams()->Swap, 0U);
 }
 
 TEST(LannerSet, NextDecodeForgetsTheParts) {
     Lanner::CSet Message("PreBal");
-    Decode(Message, Set({eParams, ePlane0}));
+    Decode(Message, Set({PARAMS, PLANE0}));
     Decode(Message, "04");
     EXPECT_EQ(Message.m_Set, 4);
     EXPECT_EQ(Message.GetSetParams(), nullptr);
@@ -149,7 +149,7 @@ TEST(LannerSet, BlockOfAnotherTypeFails) {
     for (const char* pType : {"00", "03", "FF"}) {
         const CLogCapture Log;
         Lanner::CSet Message("PreBal");
-        EXPECT_EQ(Decode(Message, Set({eParams, pType})), 0U);
+        EXPECT_EQ(Decode(Message, Set({PARAMS, pType})), 0U);
         EXPECT_THAT(Log.GetAssertions(), ElementsAre("CSet::Decode: unknown type!", "No bytes decoded!"));
     }
 }
@@ -157,7 +157,7 @@ TEST(LannerSet, BlockOfAnotherTypeFails) {
 TEST(LannerSet, PlaneWithAnotherIDFails) {
     const CLogCapture Log;
     Lanner::CSet Message("PreBal");
-    EXPECT_EQ(Decode(Message, Set({eParams, "02 0C 02 00 01 00 00 00 00 00 00 00"})), 0U);
+    EXPECT_EQ(Decode(Message, Set({PARAMS, "02 0C 02 00 01 00 00 00 00 00 00 00"})), 0U);
     EXPECT_THAT(Log.GetTexts("Warning"), ElementsAre("invalid PlaneID"));
     EXPECT_THAT(Log.GetAssertions(), ElementsAre("No bytes decoded!"));
 }
@@ -166,7 +166,7 @@ TEST(LannerSet, PlaneWithAnotherIDFails) {
 TEST(LannerSet, PlaneBlockWithLengthTwentyFailsByItsFiller) {
     const CLogCapture Log;
     Lanner::CSet Message("PreBal");
-    EXPECT_EQ(Decode(Message, Set({eParams, "02 14 00 00 01 90 01 20 03 10 27 05 00 00 00 00 00 00 00 00"})),
+    EXPECT_EQ(Decode(Message, Set({PARAMS, "02 14 00 00 01 90 01 20 03 10 27 05 00 00 00 00 00 00 00 00"})),
               0U);
     EXPECT_THAT(Log.GetAssertions(), ElementsAre("CSet::Decode: unknown type!", "No bytes decoded!"));
 }
@@ -174,7 +174,7 @@ TEST(LannerSet, PlaneBlockWithLengthTwentyFailsByItsFiller) {
 // Unless they happen to form a block.
 TEST(LannerSet, PlaneBlockWithLengthTwentyIsGoodIfItsFillerIsABlock) {
     Lanner::CSet Message("PreBal");
-    EXPECT_NE(Decode(Message, Set({"02 14 00 00 01 90 01 20 03 10 27 05", eParams})), 0U);
+    EXPECT_NE(Decode(Message, Set({"02 14 00 00 01 90 01 20 03 10 27 05", PARAMS})), 0U);
     ASSERT_NE(Message.GetSetParams(), nullptr);
     EXPECT_EQ(Message.GetSetParams()->SetName, "A");
 }
@@ -182,7 +182,7 @@ TEST(LannerSet, PlaneBlockWithLengthTwentyIsGoodIfItsFillerIsABlock) {
 TEST(LannerSet, NameThatOverrunsItsBlockFailsWithoutAnAssertion) {
     const CLogCapture Log;
     Lanner::CSet Message("PreBal");
-    EXPECT_EQ(Decode(Message, Set({"01 08 00 00 04 01 02 41", ePlane0})), 0U);
+    EXPECT_EQ(Decode(Message, Set({"01 08 00 00 04 01 02 41", PLANE0})), 0U);
     EXPECT_THAT(Log.GetRecords(), IsEmpty());
 }
 
@@ -195,13 +195,13 @@ TEST(LannerSet, BlockThatIsCutOffFailsWithItsOwnAssertion) {
     }
     const CLogCapture Log;
     Lanner::CSet Message("PreBal");
-    EXPECT_EQ(Decode(Message, Set({eParams, Cut(ePlane0, 11)})), 0U);
+    EXPECT_EQ(Decode(Message, Set({PARAMS, Cut(PLANE0, 11)})), 0U);
     EXPECT_THAT(Log.GetAssertions(), ElementsAre(testing::StartsWith("CSetParams::Decode: not enough data")));
 }
 
 TEST(LannerSet, LogsItsPartsWithThePlanesAfterSwap) {
     Lanner::CSet Message("PreBal");
-    Decode(Message, Set({eParamsWithSwap, ePlane0, ePlane1}));
+    Decode(Message, Set({PARAMS_WITH_SWAP, PLANE0, PLANE1}));
     const CLogCapture Log(true);
     Message.Log();
     EXPECT_THAT(
@@ -217,7 +217,7 @@ TEST(LannerSet, LogsItsPartsWithThePlanesAfterSwap) {
 // Logging must not bother the operator.
 TEST(LannerSet, LogsWhatIsThereWithoutAnAssertion) {
     Lanner::CSet Message("PreBal");
-    Decode(Message, Set({ePlane1}));
+    Decode(Message, Set({PLANE1}));
     TakeShownMessages();
     const CLogCapture Log(true);
     Message.Log();

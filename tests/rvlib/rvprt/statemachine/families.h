@@ -140,7 +140,7 @@ struct CKestrelFamily {
     using CommonStates = Kestrel::CCommonStates;
     template <class Machine>
     using Completed = Machine;
-    static constexpr const char* eSendingSet = "<-- Sending QuerySet (0x10)";
+    static constexpr const char* SENDING_SET = "<-- Sending QuerySet (0x10)";
 
     /// In the order of the main window's chain of queries.
     static std::vector<CExchange<Protocol>> GetExchanges() {
@@ -163,7 +163,7 @@ struct CLannerFamily {
     using ModuleStates = Lanner::CModuleStates;
     using SetStates = Lanner::CSetStates;
     using CommonStates = Lanner::CCommonStates;
-    static constexpr const char* eSendingSet = "<-- Sending ActiveSet (0x10)";
+    static constexpr const char* SENDING_SET = "<-- Sending ActiveSet (0x10)";
     /// The machines need to be told of swapped planes.
     template <class Machine>
     class Completed : public Machine {

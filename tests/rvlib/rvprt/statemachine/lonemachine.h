@@ -7,7 +7,7 @@
 #include "tests/support/frames.h"
 
 /// The transaction that every request gets.
-constexpr std::uint32_t eLoneTransaction = 77;
+constexpr std::uint32_t LONE_TRANSACTION = 77;
 
 /// What a machine needs around it.
 template <class Family, class Machine>
@@ -20,7 +20,7 @@ public:
 private:
     std::uint32_t SendRequestToProtocol(std::uint32_t, std::uint8_t*, std::uint32_t, std::uint32_t,
                                         std::int32_t, CWnd*) override {
-        return eLoneTransaction;
+        return LONE_TRANSACTION;
     }
     std::uint8_t GetModuleAddress() const override { return 5; }
     const char* GetLogID() const override { return "Lone"; }
@@ -49,7 +49,7 @@ private:
 };
 
 template <class Machine>
-int PutAnswer(Machine& rMachine, const std::string& rHex, std::uint32_t Id = eLoneTransaction) {
+int PutAnswer(Machine& rMachine, const std::string& rHex, std::uint32_t Id = LONE_TRANSACTION) {
     const std::vector<std::uint8_t> Frame = Bytes(rHex);
     return rMachine.PutResponseFromProtocol(Id, Frame.data(), static_cast<std::uint32_t>(Frame.size()));
 }

@@ -53,8 +53,8 @@ protected:
 };
 TYPED_TEST_SUITE(CModuleProtocolTest, BothFamilies);
 
-constexpr std::size_t eSource = 1;
-constexpr std::size_t eDestination = 2;
+constexpr std::size_t SOURCE = 1;
+constexpr std::size_t DESTINATION = 2;
 
 }  // namespace
 
@@ -153,9 +153,9 @@ TYPED_TEST(CModuleProtocolTest, SilenceEndsAsTimeoutAfterFourSendings) {
 
 // Instant of the answer, and the sendings up to then.
 TYPED_TEST(CModuleProtocolTest, AnswerToAnySendingIsASuccess) {
-    constexpr std::pair<std::uint32_t, std::size_t> Cases[] = {{0, 1},    {499, 1},  {500, 2}, {999, 2},
+    constexpr std::pair<std::uint32_t, std::size_t> CASES[] = {{0, 1},    {499, 1},  {500, 2}, {999, 2},
                                                                {1000, 3}, {1500, 4}, {1999, 4}};
-    for (const auto& [Instant, nSent] : Cases) {
+    for (const auto& [Instant, nSent] : CASES) {
         this->ForEachQuery([&](CVirtualEventLoop& rLoop, auto& rModule, const auto& rExchange) {
             SCOPED_TRACE(Instant);
             this->Ask(rModule, rExchange);
@@ -198,7 +198,7 @@ TYPED_TEST(CModuleProtocolTest, SecondAnswerIsAnIndication) {
 TYPED_TEST(CModuleProtocolTest, AnswerToAnyDestinationIsAccepted) {
     this->ForEachQuery([&](CVirtualEventLoop&, auto& rModule, const auto& rExchange) {
         this->Ask(rModule, rExchange);
-        EXPECT_NE(Put(rModule, this->With(rExchange.m_Answer, eDestination, 0)), 0);
+        EXPECT_NE(Put(rModule, this->With(rExchange.m_Answer, DESTINATION, 0)), 0);
         EXPECT_THAT(rModule.m_Calls, ElementsAre(this->Success(rExchange)));
     });
 }
@@ -206,7 +206,7 @@ TYPED_TEST(CModuleProtocolTest, AnswerToAnyDestinationIsAccepted) {
 TYPED_TEST(CModuleProtocolTest, AnswerToAnotherComputerIsNotOurs) {
     this->ForEachQuery([&](CVirtualEventLoop&, auto& rModule, const auto& rExchange) {
         this->Ask(rModule, rExchange);
-        Put(rModule, this->With(rExchange.m_Answer, eDestination, 2));
+        Put(rModule, this->With(rExchange.m_Answer, DESTINATION, 2));
         EXPECT_EQ(this->Ask(rModule, rExchange), 0);  // still open
         Put(rModule, rExchange.m_Answer);
         EXPECT_EQ(rModule.m_Calls.back(), this->Success(rExchange));
@@ -216,9 +216,9 @@ TYPED_TEST(CModuleProtocolTest, AnswerToAnotherComputerIsNotOurs) {
 TYPED_TEST(CModuleProtocolTest, FramesOfAnotherModuleFallThrough) {
     this->ForEachQuery([&](CVirtualEventLoop&, auto& rModule, const auto& rExchange) {
         const CLogCapture Log;
-        EXPECT_EQ(Put(rModule, this->With(rExchange.m_Answer, eSource, 6)), 0);
+        EXPECT_EQ(Put(rModule, this->With(rExchange.m_Answer, SOURCE, 6)), 0);
         this->Ask(rModule, rExchange);
-        EXPECT_EQ(Put(rModule, this->With(rExchange.m_Answer, eSource, 6)), 0);
+        EXPECT_EQ(Put(rModule, this->With(rExchange.m_Answer, SOURCE, 6)), 0);
         EXPECT_THAT(rModule.m_Calls, IsEmpty());
         EXPECT_THAT(Log.GetRecords(), IsEmpty());
     });
@@ -261,7 +261,7 @@ TYPED_TEST(CModuleProtocolTest, ModuleStateIndicationDuringAQueryIsDeliveredAndT
     typename TypeParam::Protocol Module;
     this->Ask(Module, Query);
     const CLogCapture Log;
-    Put(Module, this->With(Query.m_Answer, eDestination, 2));
+    Put(Module, this->With(Query.m_Answer, DESTINATION, 2));
     EXPECT_THAT(Log.GetTexts("Warning"), ElementsAre("Indication in invalid state received"));
     EXPECT_EQ(this->Ask(Module, Query), 0);
     Put(Module, Query.m_Answer);
@@ -410,7 +410,7 @@ TYPED_TEST(CModuleProtocolTest, LogsFramesSentAndTaken) {
     EXPECT_THAT(
         Log.GetTexts("Protocol"),
         ElementsAre("<-- Sending QueryModuleIdentification (0x11-8)",
-                    "--> ModuleIdentificationResponse(0x11-8)", TypeParam::eSendingSet,
+                    "--> ModuleIdentificationResponse(0x11-8)", TypeParam::SENDING_SET,
                     "--> SetResponse (0x10)", "--> SetIndication (0x10)",
                     "<-- Sending QueryModuleState (0x08)", "--> ModuleStateResponse (0x08)",
                     "--> ModuleStateResponseIndication received (0x08)", "<-- Sending QueryRPMData (0x1C)",

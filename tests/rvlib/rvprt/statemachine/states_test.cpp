@@ -21,24 +21,24 @@ protected:
 };
 TYPED_TEST_SUITE(CStatesTest, BothFamilies);
 
-constexpr std::size_t eSet = 1;
-constexpr std::size_t eModuleState = 2;
-constexpr std::size_t eRPM = 3;
+constexpr std::size_t SET = 1;
+constexpr std::size_t MODULE_STATE = 2;
+constexpr std::size_t RPM = 3;
 
 }  // namespace
 
 TYPED_TEST(CStatesTest, ModuleStateInIdleStateIsTakenWithAWarning) {
-    this->m_ModuleStates.SetTransaction(eLoneTransaction);
+    this->m_ModuleStates.SetTransaction(LONE_TRANSACTION);
     const CLogCapture Log;
-    EXPECT_EQ(PutAnswer(this->m_ModuleStates, this->Answer(eModuleState)), 1);
+    EXPECT_EQ(PutAnswer(this->m_ModuleStates, this->Answer(MODULE_STATE)), 1);
     EXPECT_THAT(Log.GetTexts("Warning"), ElementsAre("invalid state"));
     EXPECT_THAT(this->m_ModuleStates.m_Reasons, IsEmpty());
 }
 
 TYPED_TEST(CStatesTest, ModuleStateTimeoutInIdleStateAsserts) {
-    this->m_ModuleStates.SetTransaction(eLoneTransaction);
+    this->m_ModuleStates.SetTransaction(LONE_TRANSACTION);
     const CLogCapture Log;
-    EXPECT_EQ(this->m_ModuleStates.PutRequestTimeoutProtocol(eLoneTransaction), 1);
+    EXPECT_EQ(this->m_ModuleStates.PutRequestTimeoutProtocol(LONE_TRANSACTION), 1);
     EXPECT_THAT(Log.GetAssertions(), ElementsAre("invalid state"));
     EXPECT_THAT(this->m_ModuleStates.m_Reasons, ElementsAre(Comm::eTimeout));
 }
@@ -47,12 +47,12 @@ TYPED_TEST(CStatesTest, ForeignTransactionIsNotTaken) {
     this->m_ModuleStates.QueryModuleState();
     this->m_SetStates.QueryActiveSet();
     this->m_CommonStates.QueryRPMData();
-    EXPECT_EQ(PutAnswer(this->m_ModuleStates, this->Answer(eModuleState), eLoneTransaction + 1), 0);
-    EXPECT_EQ(PutAnswer(this->m_SetStates, this->Answer(eSet), eLoneTransaction + 1), 0);
-    EXPECT_EQ(PutAnswer(this->m_CommonStates, this->Answer(eRPM), eLoneTransaction + 1), 0);
-    EXPECT_EQ(this->m_ModuleStates.PutRequestTimeoutProtocol(eLoneTransaction + 1), 0);
-    EXPECT_EQ(this->m_SetStates.PutRequestTimeoutProtocol(eLoneTransaction + 1), 0);
-    EXPECT_EQ(this->m_CommonStates.PutRequestTimeoutProtocol(eLoneTransaction + 1), 0);
+    EXPECT_EQ(PutAnswer(this->m_ModuleStates, this->Answer(MODULE_STATE), LONE_TRANSACTION + 1), 0);
+    EXPECT_EQ(PutAnswer(this->m_SetStates, this->Answer(SET), LONE_TRANSACTION + 1), 0);
+    EXPECT_EQ(PutAnswer(this->m_CommonStates, this->Answer(RPM), LONE_TRANSACTION + 1), 0);
+    EXPECT_EQ(this->m_ModuleStates.PutRequestTimeoutProtocol(LONE_TRANSACTION + 1), 0);
+    EXPECT_EQ(this->m_SetStates.PutRequestTimeoutProtocol(LONE_TRANSACTION + 1), 0);
+    EXPECT_EQ(this->m_CommonStates.PutRequestTimeoutProtocol(LONE_TRANSACTION + 1), 0);
     EXPECT_THAT(this->m_ModuleStates.m_Reasons, IsEmpty());
     EXPECT_THAT(this->m_SetStates.m_Reasons, IsEmpty());
     EXPECT_NE(this->m_CommonStates.GetState(), 0U);
@@ -61,32 +61,32 @@ TYPED_TEST(CStatesTest, ForeignTransactionIsNotTaken) {
 // Deliberate: the other two machines keep their transaction.
 TYPED_TEST(CStatesTest, TheModuleStatesTransactionIsForgottenAfterItsEnd) {
     this->m_ModuleStates.QueryModuleState();
-    EXPECT_EQ(PutAnswer(this->m_ModuleStates, this->Answer(eModuleState)), 1);
-    EXPECT_EQ(PutAnswer(this->m_ModuleStates, this->Answer(eModuleState)), 0);
+    EXPECT_EQ(PutAnswer(this->m_ModuleStates, this->Answer(MODULE_STATE)), 1);
+    EXPECT_EQ(PutAnswer(this->m_ModuleStates, this->Answer(MODULE_STATE)), 0);
     EXPECT_THAT(this->m_ModuleStates.m_Reasons, ElementsAre(Comm::eSuccess));
 }
 
 TYPED_TEST(CStatesTest, SetInIdleStateAsserts) {
-    this->m_SetStates.SetTransaction(eLoneTransaction);
+    this->m_SetStates.SetTransaction(LONE_TRANSACTION);
     const CLogCapture Log;
-    EXPECT_EQ(PutAnswer(this->m_SetStates, this->Answer(eSet)), 1);
+    EXPECT_EQ(PutAnswer(this->m_SetStates, this->Answer(SET)), 1);
     EXPECT_THAT(Log.GetAssertions(), ElementsAre("impossible", "Failure in Idle state ?!?"));
     EXPECT_THAT(this->m_SetStates.m_Reasons, IsEmpty());
 }
 
 TYPED_TEST(CStatesTest, SetInAnUnknownStateAsserts) {
-    this->m_SetStates.SetTransaction(eLoneTransaction);
+    this->m_SetStates.SetTransaction(LONE_TRANSACTION);
     this->m_SetStates.SetState(5);
     const CLogCapture Log;
-    EXPECT_EQ(PutAnswer(this->m_SetStates, this->Answer(eSet)), 1);
+    EXPECT_EQ(PutAnswer(this->m_SetStates, this->Answer(SET)), 1);
     EXPECT_THAT(Log.GetAssertions(), testing::Contains("invalid state"));
     EXPECT_THAT(this->m_SetStates.m_Reasons, IsEmpty());
 }
 
 TYPED_TEST(CStatesTest, ValueInIdleStateAsserts) {
-    this->m_CommonStates.SetTransaction(eLoneTransaction);
+    this->m_CommonStates.SetTransaction(LONE_TRANSACTION);
     const CLogCapture Log;
-    EXPECT_EQ(PutAnswer(this->m_CommonStates, this->Answer(eRPM)), 1);
+    EXPECT_EQ(PutAnswer(this->m_CommonStates, this->Answer(RPM)), 1);
     EXPECT_THAT(Log.GetAssertions(), ElementsAre("impossible", "impossible"));
     EXPECT_THAT(Log.GetTexts("Warning"), ElementsAre("Invalid response received"));
 }
@@ -94,7 +94,7 @@ TYPED_TEST(CStatesTest, ValueInIdleStateAsserts) {
 TYPED_TEST(CStatesTest, AnswerOfAnotherCommandAssertsAndIsReadAllTheSame) {
     this->m_CommonStates.QueryRPMData();
     const CLogCapture Log;
-    EXPECT_EQ(PutAnswer(this->m_CommonStates, "1E" + this->Answer(eRPM).substr(2)), 1);
+    EXPECT_EQ(PutAnswer(this->m_CommonStates, "1E" + this->Answer(RPM).substr(2)), 1);
     EXPECT_THAT(Log.GetAssertions(), ElementsAre("invalid response"));
     EXPECT_THAT(Log.GetTexts("Warning"), IsEmpty());
 }

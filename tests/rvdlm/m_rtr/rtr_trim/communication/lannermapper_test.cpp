@@ -14,8 +14,8 @@ using testing::IsEmpty;
 
 namespace {
 
-constexpr const char* ePlane0 = " 02 0C 00 00 03 90 01 20 03 10 27 05";
-constexpr const char* ePlane1 = " 02 0C 01 01 04 90 01 20 03 10 27 05";
+constexpr const char* PLANE0 = " 02 0C 00 00 03 90 01 20 03 10 27 05";
+constexpr const char* PLANE1 = " 02 0C 01 01 04 90 01 20 03 10 27 05";
 
 /// A set answer: number 3, params with that mode byte and the name "A", further blocks.
 std::string SetFrame(const std::string& rMode, const std::string& rBlocks) {
@@ -62,7 +62,7 @@ protected:
     const std::uint32_t m_Value = 1;
 };
 
-constexpr auto eNoReason = static_cast<Reason>(4);
+constexpr auto NO_REASON = static_cast<Reason>(4);
 
 }  // namespace
 
@@ -95,7 +95,7 @@ TEST_F(CLannerMapperTest, IdentificationWithoutAModuleIsImpossibleAndCallsNothin
 TEST_F(CLannerMapperTest, TranslatesTheSet) {
     EXPECT_EQ(m_Mapper.QueryActiveSet(), 1);
     EXPECT_THAT(m_Window.m_Sent, ElementsAre("10 01 09 02"));
-    Put(m_Mapper, SetFrame("04", std::string(ePlane0) + ePlane1));
+    Put(m_Mapper, SetFrame("04", std::string(PLANE0) + PLANE1));
     EXPECT_THAT(m_Window.m_Calls, ElementsAre("Set eSuccess 3"));
     const CSet& rSet = m_Window.m_Sets.at(0);
     EXPECT_EQ(rSet.Name, "A");
@@ -112,7 +112,7 @@ TEST_F(CLannerMapperTest, TranslatesTheSet) {
 
 TEST_F(CLannerMapperTest, PlanesOfTheSetComeAfterSwap) {
     m_Mapper.QueryActiveSet();
-    Put(m_Mapper, SetFrame("06", std::string(ePlane0) + ePlane1));
+    Put(m_Mapper, SetFrame("06", std::string(PLANE0) + PLANE1));
     const CSet& rSet = m_Window.m_Sets.at(0);
     EXPECT_EQ(rSet.Mode, CSet::eTwoPlane);
     EXPECT_EQ(rSet.Swap, 1U);
@@ -136,13 +136,13 @@ TEST_F(CLannerMapperTest, PlaneThatTheSetLacksIsNotKnown) {
 }
 
 TEST_F(CLannerMapperTest, SetIndicationIsPassedUpAsOne) {
-    Put(m_Mapper, SetFrame("01", ePlane0));
+    Put(m_Mapper, SetFrame("01", PLANE0));
     EXPECT_THAT(m_Window.m_Calls, ElementsAre("Set eIndication 3"));
 }
 
 // Nothing is known of such a set; it goes up all the same.
 TEST_F(CLannerMapperTest, SetWithoutParamsAssertsAndIsPassedUp) {
-    Put(m_Mapper, std::string("10 09 00 02 03") + ePlane0);
+    Put(m_Mapper, std::string("10 09 00 02 03") + PLANE0);
     EXPECT_THAT(m_Log.GetAssertions(), ElementsAre("pSet && pSet->GetSetParams()"));
     EXPECT_THAT(m_Window.m_Calls, ElementsAre("Set eIndication 255"));
     EXPECT_THAT(TakeShownMessages(), IsEmpty());
@@ -162,7 +162,7 @@ TEST_F(CLannerMapperTest, TranslatesTheModuleState) {
 }
 
 TEST_F(CLannerMapperTest, ModuleStateComesAfterSwap) {
-    Put(m_Mapper, SetFrame("06", ePlane0));
+    Put(m_Mapper, SetFrame("06", PLANE0));
     m_Window.m_Calls.clear();
     Put(m_Mapper, "08 09 00 01 00 00 00 00 08 02");
     EXPECT_THAT(m_Window.m_Calls, ElementsAre("ModuleState eIndication locked 0 lock 0 1 rpm 1 0 wrong 0"));
@@ -251,15 +251,15 @@ TEST_F(CLannerMapperTest, FailuresGoUpWithNullValues) {
 }
 
 TEST_F(CLannerMapperTest, AnyOtherReasonIsImpossibleAndCallsNothing) {
-    m_Mapper.OnQueryModuleIdentification(eNoReason, nullptr);
+    m_Mapper.OnQueryModuleIdentification(NO_REASON, nullptr);
     ExpectImpossible(true);
-    m_Mapper.OnSetRequest(eNoReason, nullptr);
+    m_Mapper.OnSetRequest(NO_REASON, nullptr);
     ExpectImpossible(true);
-    m_Mapper.OnModuleState(eNoReason, nullptr);
+    m_Mapper.OnModuleState(NO_REASON, nullptr);
     ExpectImpossible(true);
-    m_Mapper.OnRPMData(eNoReason, &m_Value, &m_Value);
+    m_Mapper.OnRPMData(NO_REASON, &m_Value, &m_Value);
     ExpectImpossible(true);
-    m_Mapper.OnUnbalanceXYValues(eNoReason, &m_Value, &m_Value, &m_Value);
+    m_Mapper.OnUnbalanceXYValues(NO_REASON, &m_Value, &m_Value, &m_Value);
     ExpectImpossible(true);
     EXPECT_THAT(m_Window.m_Calls, IsEmpty());
 }
@@ -308,7 +308,7 @@ TEST_F(CLannerMapperTest, WholeChainFromCallbackToCallback) {
     };
     m_Mapper.QueryModuleIdentification();
     Put(m_Mapper, Identification());
-    Put(m_Mapper, SetFrame("06", std::string(ePlane0) + ePlane1));
+    Put(m_Mapper, SetFrame("06", std::string(PLANE0) + PLANE1));
     Put(m_Mapper, "08 09 01 01 00 00 00 00 08 00");
     Put(m_Mapper, "1C 09 01 00 B8 0B");
     Put(m_Mapper, "1E 09 01 00 01 00 02 00");

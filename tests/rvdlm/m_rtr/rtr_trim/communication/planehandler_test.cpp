@@ -15,11 +15,11 @@ using testing::IsEmpty;
 
 namespace {
 
-constexpr std::uint8_t eMaster = 5;
-constexpr std::uint8_t eSlave = 6;
+constexpr std::uint8_t MASTER = 5;
+constexpr std::uint8_t SLAVE = 6;
 /// Article and serial number: 1 (0x10000 once it has gone into the upper half) and 7.
-constexpr const char* eMasterArticle = "12 AB 0F 01 00 00 00";
-constexpr const char* eSlaveArticle = "34 56 78 07 00 00 00";
+constexpr const char* MASTER_ARTICLE = "12 AB 0F 01 00 00 00";
+constexpr const char* SLAVE_ARTICLE = "34 56 78 07 00 00 00";
 
 /// An identification answer of a module: article and serial number as given.
 std::string Identification(std::uint8_t Address, const std::string& rArticleAndSerial) {
@@ -34,14 +34,14 @@ class COneModule : public testing::Test {
 protected:
     CVirtualEventLoop m_Loop;
     CFakeFromCommunication m_Window;
-    CPlaneHandler m_Handler{&m_Window, eMaster, CPlaneHandler::eNoSlave};
+    CPlaneHandler m_Handler{&m_Window, MASTER, CPlaneHandler::NO_SLAVE};
 };
 
 class CTwoModules : public testing::Test {
 protected:
     CVirtualEventLoop m_Loop;
     CFakeFromCommunication m_Window;
-    CPlaneHandler m_Handler{&m_Window, eMaster, eSlave};
+    CPlaneHandler m_Handler{&m_Window, MASTER, SLAVE};
 };
 
 }  // namespace
@@ -52,7 +52,7 @@ TEST_F(COneModule, ReportsArticleAndShiftedSerial) {
     const CLogCapture Log;
     EXPECT_EQ(m_Handler.QueryModuleIdentification(), 1);
     EXPECT_THAT(m_Window.m_Sent, ElementsAre("11 01 05 08"));
-    Put(m_Handler, Identification(eMaster, eMasterArticle));
+    Put(m_Handler, Identification(MASTER, MASTER_ARTICLE));
     EXPECT_THAT(m_Window.m_Calls, ElementsAre("Identification eSuccess 12AB0F 65536"));
     EXPECT_THAT(Log.GetAssertions(), IsEmpty());
 }
@@ -61,7 +61,7 @@ TEST_F(COneModule, ReportsArticleAndShiftedSerial) {
 TEST_F(COneModule, SerialThatVanishesInTheShiftAssertsAndIsReported) {
     const CLogCapture Log;
     m_Handler.QueryModuleIdentification();
-    Put(m_Handler, Identification(eMaster, "12 AB 0F 00 00 01 00"));
+    Put(m_Handler, Identification(MASTER, "12 AB 0F 00 00 01 00"));
     EXPECT_THAT(m_Window.m_Calls, ElementsAre("Identification eSuccess 12AB0F 0"));
     EXPECT_THAT(Log.GetAssertions(), ElementsAre("Invalid serial number!"));
     EXPECT_EQ(Log.GetRecords().at(0).m_Expression, "m_SerialNumber&0xFFFF0000");
@@ -71,7 +71,7 @@ TEST_F(COneModule, ArticleOfAnotherLengthAssertsAndIsReported) {
     const CLogCapture Log;
     const std::string Article = "12";
     const std::uint32_t Serial = 1;
-    m_Handler.OnQueryModuleIdentification(eMaster, Comm::eSuccess, &Article, &Serial);
+    m_Handler.OnQueryModuleIdentification(MASTER, Comm::eSuccess, &Article, &Serial);
     EXPECT_THAT(m_Window.m_Calls, ElementsAre("Identification eSuccess 12 65536"));
     EXPECT_THAT(Log.GetAssertions(), ElementsAre("Incorrect F-Number!"));
     EXPECT_EQ(Log.GetRecords().at(0).m_Expression, "m_ArticleNumber.GetLength() == 6");
@@ -80,7 +80,7 @@ TEST_F(COneModule, ArticleOfAnotherLengthAssertsAndIsReported) {
 TEST_F(COneModule, SecondIdentificationBeginsAfresh) {
     for (int i = 0; i < 2; ++i) {
         m_Handler.QueryModuleIdentification();
-        Put(m_Handler, Identification(eMaster, eMasterArticle));
+        Put(m_Handler, Identification(MASTER, MASTER_ARTICLE));
     }
     EXPECT_THAT(m_Window.m_Calls,
                 ElementsAre("Identification eSuccess 12AB0F 65536", "Identification eSuccess 12AB0F 65536"));
@@ -89,13 +89,13 @@ TEST_F(COneModule, SecondIdentificationBeginsAfresh) {
 TEST_F(COneModule, IdentificationIndicationIsIgnored) {
     const std::string Article = "12AB0F";
     const std::uint32_t Serial = 1;
-    m_Handler.OnQueryModuleIdentification(eMaster, Comm::eIndication, &Article, &Serial);
+    m_Handler.OnQueryModuleIdentification(MASTER, Comm::eIndication, &Article, &Serial);
     EXPECT_THAT(m_Window.m_Calls, IsEmpty());
 }
 
 TEST_F(COneModule, UnusableIdentificationIsReportedAsError) {
     m_Handler.QueryModuleIdentification();
-    std::vector<std::uint8_t> Frame = Bytes(Identification(eMaster, eMasterArticle));
+    std::vector<std::uint8_t> Frame = Bytes(Identification(MASTER, MASTER_ARTICLE));
     Frame.resize(48);
     Put(m_Handler, Hex(Frame));
     EXPECT_THAT(m_Window.m_Calls, ElementsAre("Identification eError null null"));
@@ -104,17 +104,17 @@ TEST_F(COneModule, UnusableIdentificationIsReportedAsError) {
 TEST_F(CTwoModules, MasterArticleFirst) {
     EXPECT_EQ(m_Handler.QueryModuleIdentification(), 1);
     EXPECT_THAT(m_Window.m_Sent, ElementsAre("11 01 05 08", "11 01 06 08"));
-    Put(m_Handler, Identification(eMaster, eMasterArticle));
+    Put(m_Handler, Identification(MASTER, MASTER_ARTICLE));
     EXPECT_THAT(m_Window.m_Calls, IsEmpty());
-    Put(m_Handler, Identification(eSlave, eSlaveArticle));
+    Put(m_Handler, Identification(SLAVE, SLAVE_ARTICLE));
     EXPECT_THAT(m_Window.m_Calls, ElementsAre("Identification eSuccess 12AB0F-345678 65543"));
 }
 
 TEST_F(CTwoModules, SlaveArticleFirst) {
     m_Handler.QueryModuleIdentification();
-    Put(m_Handler, Identification(eSlave, eSlaveArticle));
+    Put(m_Handler, Identification(SLAVE, SLAVE_ARTICLE));
     EXPECT_THAT(m_Window.m_Calls, IsEmpty());
-    Put(m_Handler, Identification(eMaster, eMasterArticle));
+    Put(m_Handler, Identification(MASTER, MASTER_ARTICLE));
     EXPECT_THAT(m_Window.m_Calls, ElementsAre("Identification eSuccess 12AB0F-345678 65543"));
 }
 
@@ -122,14 +122,14 @@ TEST_F(CTwoModules, SlaveArticleFirst) {
 // complete: its article has seven characters by the dash.
 TEST_F(CTwoModules, SlaveSerialIsNotMasked) {
     m_Handler.QueryModuleIdentification();
-    Put(m_Handler, Identification(eSlave, "34 56 78 07 00 01 00"));
+    Put(m_Handler, Identification(SLAVE, "34 56 78 07 00 01 00"));
     EXPECT_THAT(m_Window.m_Calls, ElementsAre("Identification eSuccess -345678 65543"));
 }
 
 TEST_F(CTwoModules, SerialWithoutALowerHalfIsNeverReported) {
     m_Handler.QueryModuleIdentification();
-    Put(m_Handler, Identification(eMaster, eMasterArticle));
-    Put(m_Handler, Identification(eSlave, "34 56 78 00 00 00 00"));
+    Put(m_Handler, Identification(MASTER, MASTER_ARTICLE));
+    Put(m_Handler, Identification(SLAVE, "34 56 78 00 00 00 00"));
     EXPECT_THAT(m_Window.m_Calls, IsEmpty());
 }
 
@@ -310,7 +310,7 @@ TEST_F(CTwoModules, StateWithoutValuesOrOfAnUnknownAddressIsImpossible) {
     TakeShownMessages();
     const CLogCapture Log;
     const std::uint32_t Flag = 0;
-    m_Handler.OnModuleState(eMaster, Comm::eSuccess, &Flag, nullptr, &Flag, nullptr, nullptr, &Flag);
+    m_Handler.OnModuleState(MASTER, Comm::eSuccess, &Flag, nullptr, &Flag, nullptr, nullptr, &Flag);
     m_Handler.OnModuleState(77, Comm::eSuccess, &Flag, &Flag, &Flag, nullptr, nullptr, &Flag);
     EXPECT_THAT(Log.GetAssertions(), ElementsAre("impossible", "impossible"));
     EXPECT_EQ(TakeShownMessages().size(), 2U);
@@ -320,7 +320,7 @@ TEST_F(CTwoModules, StateWithoutValuesOrOfAnUnknownAddressIsImpossible) {
 TEST_F(COneModule, StateReportWithoutAStateAsserts) {
     TakeShownMessages();
     const CLogCapture Log;
-    m_Handler.OnModuleState(eMaster, Comm::eSuccess, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
+    m_Handler.OnModuleState(MASTER, Comm::eSuccess, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
     EXPECT_THAT(Log.GetAssertions(), ElementsAre("impossible", "must be received!"));
     EXPECT_EQ(m_Window.m_Calls.size(), 1U);  // an assertion doesn't change the flow
     EXPECT_EQ(TakeShownMessages().size(), 1U);
@@ -388,7 +388,7 @@ TEST(CPlaneHandler, MasterAddressZeroIsRefusedWithAMessage) {
     CFakeFromCommunication Window;
     TakeShownMessages();
     const CLogCapture Log;
-    CPlaneHandler Handler(&Window, 0, CPlaneHandler::eNoSlave);
+    CPlaneHandler Handler(&Window, 0, CPlaneHandler::NO_SLAVE);
     EXPECT_THAT(Log.GetAssertions(), ElementsAre("Incorrect master module address!"));
     const std::vector<CShownMessage> Shown = TakeShownMessages();
     ASSERT_EQ(Shown.size(), 1U);
@@ -399,7 +399,7 @@ TEST(CPlaneHandler, MasterAddressZeroIsRefusedWithAMessage) {
 TEST(CPlaneHandler, RpmQueryWithoutMasterAnswersOneAndSendsNothing) {
     CVirtualEventLoop Loop;
     CFakeFromCommunication Window;
-    CPlaneHandler Handler(&Window, 0, CPlaneHandler::eNoSlave);
+    CPlaneHandler Handler(&Window, 0, CPlaneHandler::NO_SLAVE);
     EXPECT_EQ(Handler.QueryRPMData(), 1);
     EXPECT_THAT(Window.m_Sent, IsEmpty());
     TakeShownMessages();
@@ -408,7 +408,7 @@ TEST(CPlaneHandler, RpmQueryWithoutMasterAnswersOneAndSendsNothing) {
 TEST(CPlaneHandler, EveryOperationWithoutMasterIsHarmless) {
     CVirtualEventLoop Loop;
     CFakeFromCommunication Window;
-    CPlaneHandler Handler(&Window, 0, CPlaneHandler::eNoSlave);
+    CPlaneHandler Handler(&Window, 0, CPlaneHandler::NO_SLAVE);
     Handler.QueryModuleIdentification();
     Handler.QueryActiveSet();
     Handler.QueryModuleState();
@@ -443,8 +443,8 @@ TEST_F(CTwoModules, WholeChainFromCallbackToCallback) {
         }
     };
     m_Handler.QueryModuleIdentification();
-    Put(m_Handler, Identification(eMaster, eMasterArticle));
-    Put(m_Handler, Identification(eSlave, eSlaveArticle));
+    Put(m_Handler, Identification(MASTER, MASTER_ARTICLE));
+    Put(m_Handler, Identification(SLAVE, SLAVE_ARTICLE));
     Put(m_Handler, "10 05 01 00 02 01 00 00 07");
     Put(m_Handler, "10 06 01 00 02 01 00 00 07");
     Put(m_Handler, "08 05 01 07 00 00 00 00");

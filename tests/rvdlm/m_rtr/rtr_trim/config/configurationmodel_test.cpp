@@ -16,9 +16,9 @@ using testing::IsEmpty;
 
 namespace {
 
-constexpr CModuleSet Plane1 = {CPreBalDatabase::eModePlane1, 3, 255, CTypeBase::ePlane1};
-constexpr CModuleSet Plane2 = {CPreBalDatabase::eModePlane2, 4, 255, CTypeBase::ePlane2};
-constexpr CModuleSet TwoPlane = {CPreBalDatabase::eModeTwoPlane, 3, 4, CTypeBase::ePlane1};
+constexpr CModuleSet PLANE1 = {CPreBalDatabase::eModePlane1, 3, 255, CTypeBase::ePlane1};
+constexpr CModuleSet PLANE2 = {CPreBalDatabase::eModePlane2, 4, 255, CTypeBase::ePlane2};
+constexpr CModuleSet TWO_PLANE = {CPreBalDatabase::eModeTwoPlane, 3, 4, CTypeBase::ePlane1};
 
 class CConfigurationModelTest : public testing::Test {
 protected:
@@ -41,7 +41,7 @@ TEST_F(CConfigurationModelTest, NoEntryAndANewOneAreNotCalibrated) {
 }
 
 TEST_F(CConfigurationModelTest, OnePlaneGetsItsSensorInputAndWeights) {
-    EXPECT_FALSE(Prepare(m_Entry, Plane1));
+    EXPECT_FALSE(Prepare(m_Entry, PLANE1));
     EXPECT_EQ(Get("single_plane.sensor_adaption"), CDirectSQL::CValue(std::int64_t{3}));
     EXPECT_EQ(Get("single_plane.proximity_switch_input"), CDirectSQL::CValue(std::int64_t{0}));
     EXPECT_EQ(Get("weight_compensation.single.plane"), CDirectSQL::CValue(std::int64_t{0}));
@@ -51,7 +51,7 @@ TEST_F(CConfigurationModelTest, OnePlaneGetsItsSensorInputAndWeights) {
 
 TEST_F(CConfigurationModelTest, PlaneTwoIsToldToItsMeans) {
     m_Entry.CreateSinglePlane().CreateScrewCompensationTableEntry();
-    EXPECT_TRUE(Prepare(m_Entry, Plane2)) << "screws";
+    EXPECT_TRUE(Prepare(m_Entry, PLANE2)) << "screws";
     EXPECT_EQ(Get("single_plane.sensor_adaption"), CDirectSQL::CValue(std::int64_t{4}));
     EXPECT_EQ(Get("single_plane.proximity_switch_input"), CDirectSQL::CValue(std::int64_t{1}));
     EXPECT_EQ(Get("screw_compensation.single.plane"), CDirectSQL::CValue(std::int64_t{1}));
@@ -60,7 +60,7 @@ TEST_F(CConfigurationModelTest, PlaneTwoIsToldToItsMeans) {
 
 TEST_F(CConfigurationModelTest, TwoPlanesGetBothSensorsAndEachItsMeans) {
     m_Entry.CreateTwoPlane().CreatePlane2ScrewCompensationTableEntry();
-    EXPECT_TRUE(Prepare(m_Entry, TwoPlane)) << "screws in one of them";
+    EXPECT_TRUE(Prepare(m_Entry, TWO_PLANE)) << "screws in one of them";
     EXPECT_EQ(Get("two_plane.plane1_sensor_adaption"), CDirectSQL::CValue(std::int64_t{3}));
     EXPECT_EQ(Get("two_plane.plane2_sensor_adaption"), CDirectSQL::CValue(std::int64_t{4}));
     EXPECT_EQ(Get("weight_compensation.plane1.plane"), CDirectSQL::CValue(std::int64_t{0}));
@@ -70,9 +70,9 @@ TEST_F(CConfigurationModelTest, TwoPlanesGetBothSensorsAndEachItsMeans) {
 }
 
 TEST_F(CConfigurationModelTest, TwoPlanesWithWeightsUseNoScrews) {
-    EXPECT_FALSE(Prepare(m_Entry, TwoPlane));
+    EXPECT_FALSE(Prepare(m_Entry, TWO_PLANE));
     m_Entry.GetTwoPlane()->CreatePlane1ScrewCompensationTableEntry();
-    EXPECT_TRUE(Prepare(m_Entry, TwoPlane));
+    EXPECT_TRUE(Prepare(m_Entry, TWO_PLANE));
 }
 
 TEST_F(CConfigurationModelTest, WhatThePagesHaveSetStays) {
@@ -80,7 +80,7 @@ TEST_F(CConfigurationModelTest, WhatThePagesHaveSetStays) {
     m_Entry.CreateSinglePlane().SetRotationDirection(CTypeBase::eCounterClockwise);
     m_Entry.GetSinglePlane()->CreateScrewCompensationTableEntry().SetNumberOfHoles(18);
     CFieldValues Expected = ConfigurationFields::Read(m_Entry);
-    Prepare(m_Entry, Plane1);
+    Prepare(m_Entry, PLANE1);
     Expected["single_plane.sensor_adaption"] = std::int64_t{3};
     Expected["single_plane.proximity_switch_input"] = std::int64_t{0};
     Expected["screw_compensation.single.plane"] = std::int64_t{0};

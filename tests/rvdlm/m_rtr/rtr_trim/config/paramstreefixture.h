@@ -16,7 +16,7 @@
 class CTreePage : public CWnd, public CBaseParamsTree {
 public:
     CTreePage() {
-        GetTree().ModifyStyle(0, PropTree::CPropTree::eNotifyParent);
+        GetTree().ModifyStyle(0, PropTree::CPropTree::NOTIFY_PARENT);
         Create(nullptr, CRect(0, 0, 300, 350), 0);
         GetTree().Create(this, GetClientRect(), 1);
     }

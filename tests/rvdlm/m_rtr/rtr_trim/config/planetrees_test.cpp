@@ -16,8 +16,8 @@ constexpr const char* METHOD = "Balancing method";
 constexpr const char* SCALE = "Direction of the scale";
 constexpr const char* METHOD1 = "Balancing method Plane 1";
 constexpr const char* METHOD2 = "Balancing method Plane 2";
-constexpr int eWeights = 0;
-constexpr int eScrews = 1;
+constexpr int WEIGHTS = 0;
+constexpr int SCREWS = 1;
 
 class SinglePlaneTree : public CParamsTreeFixture {
 protected:
@@ -109,13 +109,13 @@ TEST_F(SinglePlaneTree, AScaleThatIsNoneIsAsserted) {
 
 TEST_F(SinglePlaneTree, TheRowsOfTheMethodFollowItsChoice) {
     ShowWeights();
-    Choose(METHOD, eScrews);
+    Choose(METHOD, SCREWS);
     const std::vector<std::string> Labels = GetLabels();
     EXPECT_THAT(
         std::vector(Labels.end() - 6, Labels.end()),
         ElementsAre(METHOD, "Screw table", "Number of holes", "Number of screws", SCALE, "Reference weight"));
     EXPECT_TRUE(m_Page.HasScrewCompensation());
-    Choose(METHOD, eWeights);
+    Choose(METHOD, WEIGHTS);
     EXPECT_EQ(GetLabels().back(), SCALE);
     EXPECT_EQ(GetLabels().size(), Labels.size() - 4);
     EXPECT_FALSE(m_Page.HasScrewCompensation());
@@ -124,7 +124,7 @@ TEST_F(SinglePlaneTree, TheRowsOfTheMethodFollowItsChoice) {
 
 TEST_F(SinglePlaneTree, AChangedMethodIsWrittenOnDemandOnly) {
     ShowWeights();
-    Choose(METHOD, eScrews);
+    Choose(METHOD, SCREWS);
     EXPECT_EQ(Single().GetUsedCompensationMethod(), CCompensationTableEntry::eWeights);
     EXPECT_EQ(m_Page.GetConfig(m_Entry), nullptr);
     EXPECT_EQ(Single().GetUsedCompensationMethod(), CCompensationTableEntry::eScrews);
@@ -146,9 +146,9 @@ TEST_F(SinglePlaneTree, MethodScaleAndRotationClearTheCalibrationAndChangingBack
 // New items begin with the default sense: that isn't the one of this entry.
 TEST_F(SinglePlaneTree, ChangingTheMethodBackKeepsTheCalibrationOfAnyScale) {
     ShowCalibrated(Type::eCounterClockwise);
-    Choose(METHOD, eScrews);
+    Choose(METHOD, SCREWS);
     EXPECT_FALSE(StaysCalibrated());
-    Choose(METHOD, eWeights);
+    Choose(METHOD, WEIGHTS);
     EXPECT_TRUE(StaysCalibrated());
     EXPECT_EQ(GetValue(SCALE), "Counter-clockwise");
 }
@@ -234,18 +234,18 @@ TEST_F(TwoPlaneTree, AMissingEntryAndAnotherModeAreAsserted) {
 TEST_F(TwoPlaneTree, EitherPlanesScrewsCount) {
     ShowTwoWeights();
     EXPECT_FALSE(m_Page.HasScrewCompensation());
-    Choose(METHOD2, eScrews);
+    Choose(METHOD2, SCREWS);
     EXPECT_TRUE(m_Page.HasScrewCompensation());
-    Choose(METHOD1, eScrews);
-    Choose(METHOD2, eWeights);
+    Choose(METHOD1, SCREWS);
+    Choose(METHOD2, WEIGHTS);
     EXPECT_TRUE(m_Page.HasScrewCompensation());
-    Choose(METHOD1, eWeights);
+    Choose(METHOD1, WEIGHTS);
     EXPECT_FALSE(m_Page.HasScrewCompensation());
 }
 
 TEST_F(TwoPlaneTree, EachMethodsRowsStandBelowIt) {
     ShowTwoWeights();
-    Choose(METHOD1, eScrews);
+    Choose(METHOD1, SCREWS);
     const std::vector<std::string> Labels = GetLabels();
     EXPECT_THAT(std::vector(Labels.end() - 8, Labels.end()),
                 ElementsAre(METHOD1, "Screw table", "Number of holes", "Number of screws", SCALE,
@@ -263,7 +263,7 @@ TEST_F(TwoPlaneTree, WhatIsShownOfTheOtherPlaneOutlastsAChangeOfMethod) {
     Choose("Screw table", 1);
     TypeInto<unsigned long>("Number of holes", "18");
     Choose(SCALE, 1, 1);
-    Choose(METHOD1, eScrews);
+    Choose(METHOD1, SCREWS);
     EXPECT_EQ(GetValue("Screw table", 1), "Brass");
     EXPECT_EQ(GetValue("Number of holes", 1), "18 ");
     EXPECT_EQ(GetValue(SCALE, 1), "Counter-clockwise");
@@ -280,7 +280,7 @@ TEST_F(TwoPlaneTree, ATableThatIsGoneStaysToldWhenTheOtherPlanesMethodChanges) {
     Two().CreatePlane1WeightCompensationTableEntry();
     Two().CreatePlane2ScrewCompensationTableEntry().SetScrewTableName("Gone");
     ShowTwo();
-    Choose(METHOD1, eScrews);
+    Choose(METHOD1, SCREWS);
     EXPECT_EQ(GetValue("Screw table", 1), "<Gone>");
     EXPECT_EQ(m_Page.GetConfig(m_Entry), Find("Screw table", 1));
 }
@@ -308,7 +308,7 @@ TEST_F(TwoPlaneTree, EachPlanesMethodAndScaleAndTheRotationCountForTheCalibratio
 TEST_F(TwoPlaneTree, BothPlanesAreWritten) {
     ShowTwoWeights();
     Choose(SCALE, 1, 0);
-    Choose(METHOD2, eScrews);
+    Choose(METHOD2, SCREWS);
     Choose("Direction of rotation Plane 1", 1);
     EXPECT_EQ(m_Page.GetConfig(m_Entry), nullptr);
     EXPECT_EQ(Two().GetRotationDirection(), Type::eCounterClockwise);
@@ -404,7 +404,7 @@ TEST_F(ScrewTree, TheTablesFollowTheList) {
 
 TEST_F(ScrewTree, AChosenMethodBeginsWithTheFirstTable) {
     ShowWeights();
-    Choose(METHOD, eScrews);
+    Choose(METHOD, SCREWS);
     EXPECT_EQ(GetValue("Screw table"), "Default");
     EXPECT_EQ(GetValue("Number of holes"), "12 ");
     EXPECT_EQ(GetValue("Number of screws"), "2 ");

@@ -13,14 +13,14 @@
 
 namespace {
 
-using PageColors::c_Black;
-using PageColors::c_FinalBad;
-using PageColors::c_FinalGood;
-using PageColors::c_Ink;
-using PageColors::c_Panel;
-using PageColors::c_Ring;
-using PageColors::c_Stale;
-using PageColors::c_White;
+using PageColors::BLACK;
+using PageColors::FINAL_BAD;
+using PageColors::FINAL_GOOD;
+using PageColors::INK;
+using PageColors::PANEL;
+using PageColors::RING;
+using PageColors::STALE;
+using PageColors::WHITE;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -71,17 +71,17 @@ protected:
 
     /// Makes the view anew, as it reads the feature flag once.
     void Renew() { m_pView = std::make_unique<CTestView>(); }
-    void Measure(int State, double Magnitude, double Angle, double LastMagnitude, int Size = c_nSize) {
+    void Measure(int State, double Magnitude, double Angle, double LastMagnitude, int Size = SIZE) {
         m_Bitmap.Create({300, 500});
         CDC Dc(m_Bitmap);
         m_pView->DrawMeasurementValue(&Dc, {150, 150}, Size, State, Magnitude, Angle, LastMagnitude);
     }
     /// Colour of number and unit: the one of the palette that is seen most above the gauge.
     COLORREF GetValueColor() const {
-        COLORREF Best = c_Panel;
+        COLORREF Best = PANEL;
         int nBest = 0;
-        for (const COLORREF Color : {c_Ink, c_FinalGood, c_FinalBad, c_Stale}) {
-            const int nCount = CountPixels(m_Bitmap, c_ValueArea, Color);
+        for (const COLORREF Color : {INK, FINAL_GOOD, FINAL_BAD, STALE}) {
+            const int nCount = CountPixels(m_Bitmap, VALUE_AREA, Color);
             if (nCount > nBest) {
                 nBest = nCount;
                 Best = Color;
@@ -92,10 +92,10 @@ protected:
 
     // With D = 120: H 60, Q 30, E 15, T 40, C 2; Left 90, Top 150 + 12 - 55 = 107; so the number stands in
     // rows 107 to 137, the gauge from 137 to 177 and from 90 to 210, the angle from 177 to 192.
-    static constexpr int c_nSize = 120;
-    static constexpr CRect c_ValueArea{90, 107, 210, 137};
-    static constexpr CRect c_GaugeArea{90, 137, 210, 177};
-    static constexpr CRect c_AngleArea{90, 177, 210, 192};
+    static constexpr int SIZE = 120;
+    static constexpr CRect VALUE_AREA{90, 107, 210, 137};
+    static constexpr CRect GAUGE_AREA{90, 137, 210, 177};
+    static constexpr CRect ANGLE_AREA{90, 177, 210, 192};
 
     CTestInstallation m_Installation;
     CBitmap m_Bitmap{CSize(300, 500)};
@@ -107,13 +107,13 @@ TEST_F(BalancingViewTest, TheBaseIsARingBetweenTwoBlackCirclesOnThePanel) {
     CDC Dc(m_Bitmap);
     CTestView::DrawBase(&Dc, CTestView::CGeometry::InRect(CRect(0, 0, 300, 500)));
     EXPECT_EQ(FindInk(m_Bitmap), CRect(10, 10, 290, 290)) << "the square and nothing else";
-    EXPECT_EQ(Dc.GetPixel({12, 12}), c_Panel);
-    EXPECT_EQ(Dc.GetPixel({150, 150}), c_Panel);
+    EXPECT_EQ(Dc.GetPixel({12, 12}), PANEL);
+    EXPECT_EQ(Dc.GetPixel({150, 150}), PANEL);
     for (const int nDegrees : {0, 90, 180, 270}) {
-        EXPECT_EQ(Dc.GetPixel(PolarPoint({150, 150}, 122, nDegrees)), c_Ring) << nDegrees;
-        EXPECT_TRUE(IsAlmost(Dc.GetPixel(PolarPoint({150, 150}, 105, nDegrees)), c_Black)) << nDegrees;
-        EXPECT_TRUE(IsAlmost(Dc.GetPixel(PolarPoint({150, 150}, 139, nDegrees)), c_Black)) << nDegrees;
-        EXPECT_TRUE(IsAlmost(Dc.GetPixel(PolarPoint({150, 150}, 103, nDegrees)), c_Panel))
+        EXPECT_EQ(Dc.GetPixel(PolarPoint({150, 150}, 122, nDegrees)), RING) << nDegrees;
+        EXPECT_TRUE(IsAlmost(Dc.GetPixel(PolarPoint({150, 150}, 105, nDegrees)), BLACK)) << nDegrees;
+        EXPECT_TRUE(IsAlmost(Dc.GetPixel(PolarPoint({150, 150}, 139, nDegrees)), BLACK)) << nDegrees;
+        EXPECT_TRUE(IsAlmost(Dc.GetPixel(PolarPoint({150, 150}, 103, nDegrees)), PANEL))
             << "two pixels wide " << nDegrees;
     }
 }
@@ -121,13 +121,13 @@ TEST_F(BalancingViewTest, TheBaseIsARingBetweenTwoBlackCirclesOnThePanel) {
 TEST_F(BalancingViewTest, TheMeasurementKeepsToItsSquare) {
     Measure(CPlaneBalancingMethod::eNormal, 123.0, 45.0, 123.0);
     EXPECT_EQ(FindInk(m_Bitmap), CRect(90, 90, 210, 210));
-    EXPECT_EQ(m_Bitmap.GetPixel(91, 91), c_Panel);
+    EXPECT_EQ(m_Bitmap.GetPixel(91, 91), PANEL);
 }
 
 TEST_F(BalancingViewTest, WithoutTheFlagAllValidStatesAreInk) {
     for (const int nState : {0, 2, 3}) {
         Measure(nState, 123.0, 45.0, 123.0);
-        EXPECT_EQ(GetValueColor(), c_Ink) << nState;
+        EXPECT_EQ(GetValueColor(), INK) << nState;
     }
 }
 
@@ -135,17 +135,17 @@ TEST_F(BalancingViewTest, WithTheFlagAFinalValueIsGreenWithinAndRedOverTheTarget
     m_Installation.EnableFeature("PreBalancingColorizeFinalUnbalance");
     Renew();
     Measure(CPlaneBalancingMethod::eNormal, 123.0, 45.0, 123.0);
-    EXPECT_EQ(GetValueColor(), c_Ink);
+    EXPECT_EQ(GetValueColor(), INK);
     Measure(CPlaneBalancingMethod::eWithinTarget, 123.0, 45.0, 123.0);
-    EXPECT_EQ(GetValueColor(), c_FinalGood);
+    EXPECT_EQ(GetValueColor(), FINAL_GOOD);
     Measure(CPlaneBalancingMethod::eOverTarget, 123.0, 45.0, 123.0);
-    EXPECT_EQ(GetValueColor(), c_FinalBad);
+    EXPECT_EQ(GetValueColor(), FINAL_BAD);
 }
 
 TEST_F(BalancingViewTest, TheFlagIsReadWhenTheViewIsMade) {
     m_Installation.EnableFeature("PreBalancingColorizeFinalUnbalance");
     Measure(CPlaneBalancingMethod::eOverTarget, 123.0, 45.0, 123.0);
-    EXPECT_EQ(GetValueColor(), c_Ink);
+    EXPECT_EQ(GetValueColor(), INK);
 }
 
 TEST_F(BalancingViewTest, ValuesThatAreNotValidShowTheLastSampleInGreyWithAShadow) {
@@ -156,7 +156,7 @@ TEST_F(BalancingViewTest, ValuesThatAreNotValidShowTheLastSampleInGreyWithAShado
         }
         Measure(CPlaneBalancingMethod::eNotValid, 123.0, 45.0, 88.0);
         const CBitmap Stale = m_Bitmap;
-        EXPECT_EQ(GetValueColor(), c_Stale);
+        EXPECT_EQ(GetValueColor(), STALE);
         Measure(CPlaneBalancingMethod::eNotValid, 145.0, 45.0, 88.0);
         EXPECT_TRUE(m_Bitmap == Stale) << "the average plays no part";
         Measure(CPlaneBalancingMethod::eNotValid, 123.0, 45.0, 89.0);
@@ -187,8 +187,8 @@ TEST_F(BalancingViewTest, TheUnitGivesWayToTheDigitsOfTheNumber) {
         Measure(0, Magnitude, 45.0, 0.0);
         for (int x = 209; x > 90; --x) {
             // From the right: the unit, then at least two free columns before the number.
-            if (!FindInk(m_Bitmap, CRect(x - 2, 107, x, 137), c_Panel) &&
-                FindInk(m_Bitmap, CRect(x, 107, 210, 137), c_Panel)) {
+            if (!FindInk(m_Bitmap, CRect(x - 2, 107, x, 137), PANEL) &&
+                FindInk(m_Bitmap, CRect(x, 107, 210, 137), PANEL)) {
                 return x;
             }
         }
@@ -206,17 +206,17 @@ TEST_F(BalancingViewTest, FiveDigitsAreAssertedAndDrawnAllTheSame) {
     Measure(0, 10'000.0, 45.0, 0.0);
     EXPECT_THAT(m_Log.GetAssertions(), ElementsAre("impossible"));
     EXPECT_EQ(m_Log.GetRecords().back().m_Expression, "FALSE");
-    EXPECT_EQ(GetValueColor(), c_Ink);
-    EXPECT_TRUE(FindColor(m_Bitmap, c_AngleArea, c_Stale)) << "the drawing goes on to its end";
+    EXPECT_EQ(GetValueColor(), INK);
+    EXPECT_TRUE(FindColor(m_Bitmap, ANGLE_AREA, STALE)) << "the drawing goes on to its end";
 }
 
 TEST_F(BalancingViewTest, TheAngleIsGreyAndCentredUnderTheGauge) {
     Measure(0, 9.0, 123.0, 9.0);
-    const auto Angle = FindInk(m_Bitmap, c_AngleArea, c_Panel);
+    const auto Angle = FindInk(m_Bitmap, ANGLE_AREA, PANEL);
     ASSERT_TRUE(Angle);
     EXPECT_NEAR(Angle->CenterPoint().x, 150, 3);
-    EXPECT_TRUE(FindColor(m_Bitmap, c_AngleArea, c_Stale));
-    EXPECT_FALSE(FindColor(m_Bitmap, c_AngleArea, c_Ink));
+    EXPECT_TRUE(FindColor(m_Bitmap, ANGLE_AREA, STALE));
+    EXPECT_FALSE(FindColor(m_Bitmap, ANGLE_AREA, INK));
 }
 
 /// The gauge's bar: margin 20, so it runs from 110 to 190, Span 80; axis at 137 + 20 = 157, ticks to 137 + 26
@@ -225,9 +225,9 @@ class GaugeTest : public BalancingViewTest {
 protected:
     CRect GetBar(double Value) {
         Measure(0, 0.0, 0.0, Value);
-        return FindColor(m_Bitmap, CRect(90, 137, 210, 157), c_Ink).value_or(CRect());
+        return FindColor(m_Bitmap, CRect(90, 137, 210, 157), INK).value_or(CRect());
     }
-    static constexpr CRect c_LabelArea{90, 164, 210, 177};
+    static constexpr CRect LABEL_AREA{90, 164, 210, 177};
 };
 
 TEST_F(GaugeTest, TheBarStandsOnTheAxisAndIsAsLongAsItsValue) {
@@ -265,23 +265,23 @@ TEST_F(GaugeTest, AValueAboveTheFullScaleEndsAtTheEndOfTheAxis) {
 
 TEST_F(GaugeTest, TheAxisHasThreeLongAndTwoShortTicks) {
     Measure(0, 0.0, 0.0, 0.0);
-    EXPECT_EQ(CountPixels(m_Bitmap, CRect(90, 157, 210, 158), c_Ink), 81);
+    EXPECT_EQ(CountPixels(m_Bitmap, CRect(90, 157, 210, 158), INK), 81);
     for (const int x : {110, 150, 190}) {
-        EXPECT_EQ(CountPixels(m_Bitmap, CRect(x, 157, x + 1, 164), c_Ink), 7) << x;
+        EXPECT_EQ(CountPixels(m_Bitmap, CRect(x, 157, x + 1, 164), INK), 7) << x;
     }
     for (const int x : {130, 170}) {
-        EXPECT_EQ(CountPixels(m_Bitmap, CRect(x, 157, x + 1, 164), c_Ink), 4) << x;
+        EXPECT_EQ(CountPixels(m_Bitmap, CRect(x, 157, x + 1, 164), INK), 4) << x;
     }
-    EXPECT_EQ(CountPixels(m_Bitmap, CRect(90, 158, 210, 164), c_Ink), 3 * 6 + 2 * 3);
+    EXPECT_EQ(CountPixels(m_Bitmap, CRect(90, 158, 210, 164), INK), 3 * 6 + 2 * 3);
 }
 
 TEST_F(GaugeTest, TheLabelsStandUnderTheEndsOfTheScale) {
     Measure(0, 0.0, 0.0, 0.0);
-    const CRect Fine = FindInk(m_Bitmap, c_LabelArea, c_Panel).value_or(CRect());
+    const CRect Fine = FindInk(m_Bitmap, LABEL_AREA, PANEL).value_or(CRect());
     EXPECT_NEAR(Fine.left, 108, 2);
     EXPECT_NEAR(Fine.right, 190 - 8 + 19, 3);
     Measure(0, 0.0, 0.0, 500.0);
-    const CRect Coarse = FindInk(m_Bitmap, c_LabelArea, c_Panel).value_or(CRect());
+    const CRect Coarse = FindInk(m_Bitmap, LABEL_AREA, PANEL).value_or(CRect());
     EXPECT_NEAR(Coarse.right, 190 - 12 + 26, 3);
     EXPECT_LE(Coarse.right, 210) << "inside the square";
 }
@@ -300,7 +300,7 @@ TEST_F(ArrowTest, TheArcHasItsGapAtTheBottom) {
     DrawArrow(7);
     const auto HasInkAt = [this](int Degrees) {
         const CPoint Point = PolarPoint({150, 150}, 24, Degrees);
-        return FindColor(m_Bitmap, CRect(Point.x - 1, Point.y - 1, Point.x + 2, Point.y + 2), c_Ink)
+        return FindColor(m_Bitmap, CRect(Point.x - 1, Point.y - 1, Point.x + 2, Point.y + 2), INK)
             .has_value();
     };
     for (const int nDegrees : {0, 45, 90, 135, 180, 225, 315}) {
@@ -309,8 +309,8 @@ TEST_F(ArrowTest, TheArcHasItsGapAtTheBottom) {
     for (const int nDegrees : {245, 270, 295}) {
         EXPECT_FALSE(HasInkAt(nDegrees)) << nDegrees;
     }
-    EXPECT_EQ(m_Bitmap.GetPixel(150, 150 - 21), c_White) << "three pixels wide";
-    EXPECT_EQ(m_Bitmap.GetPixel(150, 150 - 27), c_White);
+    EXPECT_EQ(m_Bitmap.GetPixel(150, 150 - 21), WHITE) << "three pixels wide";
+    EXPECT_EQ(m_Bitmap.GetPixel(150, 150 - 27), WHITE);
 }
 
 TEST_F(ArrowTest, TheHeadLiesWhereTheRotationGoes) {
@@ -336,20 +336,20 @@ TEST_F(BalancingViewTest, TheHatchCoversEverySecondPixelOfItsRectangleOnly) {
     for (const CRect& rRect : {CRect(20, 30, 81, 121), CRect(20, 30, 120, 62), CRect(0, 0, 300, 500)}) {
         m_Bitmap.Create({300, 500});
         CDC Dc(m_Bitmap);
-        Dc.FillSolidRect(GetWhole(m_Bitmap), c_Black);
+        Dc.FillSolidRect(GetWhole(m_Bitmap), BLACK);
         CBalancingView::DrawInactive(&Dc, rRect);
-        EXPECT_EQ(FindColor(m_Bitmap, GetWhole(m_Bitmap), c_Panel), rRect);
+        EXPECT_EQ(FindColor(m_Bitmap, GetWhole(m_Bitmap), PANEL), rRect);
         int nWrong = 0;
-        const bool bFirst = Dc.GetPixel({rRect.left, rRect.top}) == c_Panel;
+        const bool bFirst = Dc.GetPixel({rRect.left, rRect.top}) == PANEL;
         for (int y = rRect.top; y < rRect.bottom; ++y) {
             for (int x = rRect.left; x < rRect.right; ++x) {
                 const bool bEven = (x - rRect.left + y - rRect.top) % 2 == 0;
-                nWrong += Dc.GetPixel({x, y}) == (bEven == bFirst ? c_Panel : c_Black) ? 0 : 1;
+                nWrong += Dc.GetPixel({x, y}) == (bEven == bFirst ? PANEL : BLACK) ? 0 : 1;
             }
         }
         EXPECT_EQ(nWrong, 0);
-        Dc.FillSolidRect(GetWhole(m_Bitmap), c_Black);
-        EXPECT_EQ(CountPixels(m_Bitmap, c_Black), 300 * 500) << "the clipping has ended";
+        Dc.FillSolidRect(GetWhole(m_Bitmap), BLACK);
+        EXPECT_EQ(CountPixels(m_Bitmap, BLACK), 300 * 500) << "the clipping has ended";
     }
 }
 
@@ -363,7 +363,7 @@ TEST_F(BalancingViewTest, ThePlanesTitleStandsAtTheLowerLeftOfTheDrawing) {
     EXPECT_LE(Title.bottom, 290);
     EXPECT_GE(Title.bottom, 290 - 4);
     EXPECT_LE(Title.Height(), 11);
-    EXPECT_TRUE(FindPixels(m_Bitmap, Title, [](COLORREF Pixel) { return IsAlmost(Pixel, c_Black, 100); }));
+    EXPECT_TRUE(FindPixels(m_Bitmap, Title, [](COLORREF Pixel) { return IsAlmost(Pixel, BLACK, 100); }));
     CBitmap Other({300, 500});
     CDC OtherDc(Other);
     PaintPlaneTitleText(OtherDc, CRect(0, 0, 300, 500), 1);

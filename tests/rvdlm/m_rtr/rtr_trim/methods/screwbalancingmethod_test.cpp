@@ -54,7 +54,7 @@ protected:
         return (*pMethod->GetScrews())[0].m_Name;
     }
     void LinkTestWeight(const COpcValue& rValue) {
-        COpcDatabase::GetInstance()->SetOpcLinkItem(CPreBalInterfaceFromNcTestWeight::ms_pKey, "weight");
+        COpcDatabase::GetInstance()->SetOpcLinkItem(CPreBalInterfaceFromNcTestWeight::KEY, "weight");
         COPCConnection::CreateInstance()->Connect("", 0);
         m_Opc.GetServer().Write("weight", rValue);
     }
@@ -252,8 +252,8 @@ TEST_F(ScrewBalancingMethod, AnglesAndWeightsAreRounded) {
     pMethod->FillNotification(Notification);
     for (std::size_t i = 0; i < 3; ++i) {
         const int nHole = (*pMethod->GetScrews())[i].m_Hole;
-        constexpr int Angles[] = {0, 51, 103, 154, 206, 257, 309};
-        EXPECT_EQ(Notification.m_AnglesPlane2[i], Angles[nHole - 1]);
+        constexpr int ANGLES[] = {0, 51, 103, 154, 206, 257, 309};
+        EXPECT_EQ(Notification.m_AnglesPlane2[i], ANGLES[nHole - 1]);
         EXPECT_EQ(Notification.m_WeightsPlane2[i], 113);
     }
 }
@@ -286,11 +286,11 @@ TEST_F(ScrewBalancingMethod, TheScrewsAreDrawnInTheirHoles) {
         CBitmap Bitmap(CSize(300, 300));
         CDC DC(Bitmap);
         Screws.Paint(&DC, CRect(0, 0, 300, 300), true);
-        EXPECT_EQ(Bitmap.GetPixel(150 - 8, 150 - 122), PageColors::c_Ink) << "1 at the top";
-        EXPECT_EQ(Bitmap.GetPixel(150 + 86 - 8, 150 - 86), PageColors::c_Panel) << "the next is empty";
-        EXPECT_EQ(Bitmap.GetPixel(150 + 122 - 8, 150), PageColors::c_Ink) << "3 to the right";
-        EXPECT_EQ(Bitmap.GetPixel(150 - 8, 150 + 122), PageColors::c_Panel) << "5 is empty";
-        EXPECT_EQ(Bitmap.GetPixel(150 - 122 - 8, 150), PageColors::c_Panel) << "7 is empty";
+        EXPECT_EQ(Bitmap.GetPixel(150 - 8, 150 - 122), PageColors::INK) << "1 at the top";
+        EXPECT_EQ(Bitmap.GetPixel(150 + 86 - 8, 150 - 86), PageColors::PANEL) << "the next is empty";
+        EXPECT_EQ(Bitmap.GetPixel(150 + 122 - 8, 150), PageColors::INK) << "3 to the right";
+        EXPECT_EQ(Bitmap.GetPixel(150 - 8, 150 + 122), PageColors::PANEL) << "5 is empty";
+        EXPECT_EQ(Bitmap.GetPixel(150 - 122 - 8, 150), PageColors::PANEL) << "7 is empty";
         return Bitmap;
     };
     const CBitmap Clockwise = PaintOn(CTypeBase::eClockwise);
@@ -306,7 +306,7 @@ TEST_F(ScrewBalancingMethod, TheArrowShowsTheRotation) {
         CBitmap Bitmap(CSize(300, 300));
         CDC DC(Bitmap);
         pMethod->Paint(&DC, CRect(0, 0, 300, 300), true);
-        EXPECT_EQ(Bitmap.GetPixel(150, 150 - 24), PageColors::c_Ink);
+        EXPECT_EQ(Bitmap.GetPixel(150, 150 - 24), PageColors::INK);
         return Bitmap;
     };
     EXPECT_FALSE(PaintArrow(CTypeBase::eClockwise) == PaintArrow(CTypeBase::eCounterClockwise));
@@ -330,9 +330,9 @@ TEST_F(ScrewBalancingMethod, OnlyTheMeasurementMayBePaintedWithoutTheRest) {
         m_Log.Clear();
     }
     pMethod->SetDisplayMode(Method::eMeasurementValues);
-    constexpr CPoint c_Ring(150, 14);
-    EXPECT_EQ(Paint(false).GetPixel(c_Ring.x, c_Ring.y), PageColors::c_White) << "not drawn";
-    EXPECT_EQ(Paint(true).GetPixel(c_Ring.x, c_Ring.y), PageColors::c_Ring);
+    constexpr CPoint RING(150, 14);
+    EXPECT_EQ(Paint(false).GetPixel(RING.x, RING.y), PageColors::WHITE) << "not drawn";
+    EXPECT_EQ(Paint(true).GetPixel(RING.x, RING.y), PageColors::RING);
     EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
 }
 

@@ -12,9 +12,9 @@
 
 namespace {
 
-using PageColors::c_Ink;
-using PageColors::c_Panel;
-using PageColors::c_Ring;
+using PageColors::INK;
+using PageColors::PANEL;
+using PageColors::RING;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -32,31 +32,31 @@ public:
 /// radii 139 and 105, the holes' circle (139 + 105) / 2 = 122, a hole the diameter 34 / 3 * 2 = 22.
 class ScrewBalancingViewTest : public testing::Test {
 protected:
-    static constexpr CRect c_Pane{0, 0, 300, 500};
-    static constexpr CPoint c_Center{150, 150};
-    static constexpr int c_nRing = 122;
-    static constexpr int c_nHole = 22;
+    static constexpr CRect PANE{0, 0, 300, 500};
+    static constexpr CPoint CENTER{150, 150};
+    static constexpr int RADIUS = 122;
+    static constexpr int HOLE = 22;
 
     void Paint(bool bRedrawAll = true) {
         CDC Dc(m_Bitmap);
-        m_View.Paint(&Dc, c_Pane, nullptr, nullptr, nullptr, bRedrawAll, 0);
+        m_View.Paint(&Dc, PANE, nullptr, nullptr, nullptr, bRedrawAll, 0);
     }
     void PaintMeasurement(double Magnitude, bool bRedrawAll) {
         const double Angle = 45.0;
         CDC Dc(m_Bitmap);
-        m_View.Paint(&Dc, c_Pane, &Magnitude, &Angle, &Magnitude, bRedrawAll, 0);
+        m_View.Paint(&Dc, PANE, &Magnitude, &Angle, &Magnitude, bRedrawAll, 0);
     }
     /// Colour inside the hole in that direction (clockwise from the top, degrees), at its upper edge.
     COLORREF AtHole(int Clockwise) const {
-        const CPoint Point = PolarPoint(c_Center, c_nRing, 90 - Clockwise);
-        return m_Bitmap.GetPixel(Point.x, Point.y - c_nHole * 4 / 11);
+        const CPoint Point = PolarPoint(CENTER, RADIUS, 90 - Clockwise);
+        return m_Bitmap.GetPixel(Point.x, Point.y - HOLE * 4 / 11);
     }
     /// Ink of a text inside the inner circle, in a sector of 20 degrees.
     bool HasTextAt(int Clockwise) const {
         for (int nRadius = 60; nRadius < 95; ++nRadius) {
             for (int nOffset = -5; nOffset <= 5; ++nOffset) {
-                const CPoint Point = PolarPoint(c_Center, nRadius, 90 - Clockwise + nOffset);
-                if (m_Bitmap.GetPixel(Point.x, Point.y) != c_Panel) {
+                const CPoint Point = PolarPoint(CENTER, nRadius, 90 - Clockwise + nOffset);
+                if (m_Bitmap.GetPixel(Point.x, Point.y) != PANEL) {
                     return true;
                 }
             }
@@ -77,9 +77,9 @@ protected:
 TEST_F(ScrewBalancingViewTest, ThereAreTwelveHolesFromTheStart) {
     Paint();
     for (int nAngle = 0; nAngle < 360; nAngle += 30) {
-        EXPECT_EQ(AtHole(nAngle), c_Panel) << nAngle;
-        const CPoint Between = PolarPoint(c_Center, c_nRing, nAngle + 15);
-        EXPECT_EQ(m_Bitmap.GetPixel(Between.x, Between.y), c_Ring) << nAngle;
+        EXPECT_EQ(AtHole(nAngle), PANEL) << nAngle;
+        const CPoint Between = PolarPoint(CENTER, RADIUS, nAngle + 15);
+        EXPECT_EQ(m_Bitmap.GetPixel(Between.x, Between.y), RING) << nAngle;
     }
     EXPECT_EQ(FindInk(m_Bitmap), CRect(10, 10, 290, 290)) << "only the square is drawn";
 }
@@ -87,24 +87,24 @@ TEST_F(ScrewBalancingViewTest, ThereAreTwelveHolesFromTheStart) {
 TEST_F(ScrewBalancingViewTest, HolesAreFilledWhereTheScrewsAre) {
     m_View.Set(12, {{1, 2.5, ""}, {4, 2.5, ""}});
     Paint();
-    EXPECT_EQ(AtHole(0), c_Ink) << "hole 1 is at the top";
-    EXPECT_EQ(AtHole(90), c_Ink) << "hole 4 at the right";
-    EXPECT_EQ(AtHole(30), c_Panel);
-    EXPECT_EQ(AtHole(270), c_Panel);
+    EXPECT_EQ(AtHole(0), INK) << "hole 1 is at the top";
+    EXPECT_EQ(AtHole(90), INK) << "hole 4 at the right";
+    EXPECT_EQ(AtHole(30), PANEL);
+    EXPECT_EQ(AtHole(270), PANEL);
 }
 
 // Screws always count clockwise, the numbers in the circles in the sense of the rotor.
 TEST_F(ScrewBalancingViewTest, WithDirectionOneTheScrewOfHoleTwoCarriesTheNumberTwelve) {
     m_View.Set(12, {{2, 2.5, ""}}, PreBalDB::CTypeBase::eCounterClockwise);
     Paint();
-    EXPECT_EQ(AtHole(30), c_Ink) << "at the same place";
-    EXPECT_EQ(AtHole(330), c_Panel);
+    EXPECT_EQ(AtHole(30), INK) << "at the same place";
+    EXPECT_EQ(AtHole(330), PANEL);
     EXPECT_TRUE(HasTextAt(30));
     EXPECT_FALSE(HasTextAt(330));
 
     // The circle is that of the last hole of a clockwise ring that has its twelfth hole there.
     const auto CutHole = [](const CBitmap& rSource, int Clockwise) {
-        const CPoint Middle = PolarPoint(c_Center, c_nRing, 90 - Clockwise);
+        const CPoint Middle = PolarPoint(CENTER, RADIUS, 90 - Clockwise);
         CBitmap Hole({16, 16});
         CDC(Hole).BitBlt(CRect(0, 0, 16, 16), rSource, {Middle.x - 8, Middle.y - 8});
         return Hole;
@@ -129,24 +129,24 @@ TEST_F(ScrewBalancingViewTest, HoleOneIsAtTheTopInBothSenses) {
     for (const auto Scaling : {PreBalDB::CTypeBase::eClockwise, PreBalDB::CTypeBase::eCounterClockwise}) {
         m_View.Set(7, {{1, 2.5, ""}}, Scaling);
         Paint();
-        EXPECT_EQ(AtHole(0), c_Ink);
+        EXPECT_EQ(AtHole(0), INK);
     }
 }
 
 TEST_F(ScrewBalancingViewTest, TwentyFourHolesAreAllDrawn) {
     m_View.Set(24, {{3, 2.5, ""}});
     Paint();
-    EXPECT_EQ(AtHole(30), c_Ink);
-    EXPECT_EQ(AtHole(0), c_Panel);
-    EXPECT_EQ(AtHole(345), c_Panel);
+    EXPECT_EQ(AtHole(30), INK);
+    EXPECT_EQ(AtHole(0), PANEL);
+    EXPECT_EQ(AtHole(345), PANEL);
 }
 
 TEST_F(ScrewBalancingViewTest, OfTwentyFiveHolesOnlyThoseWithScrewsAreDrawn) {
     m_View.Set(25, {{1, 2.5, ""}});
     Paint();
-    EXPECT_EQ(AtHole(0), c_Ink);
+    EXPECT_EQ(AtHole(0), INK);
     for (int k = 1; k < 25; ++k) {
-        EXPECT_EQ(AtHole(k * 360 / 25), c_Ring) << k;
+        EXPECT_EQ(AtHole(k * 360 / 25), RING) << k;
     }
 }
 
@@ -173,7 +173,7 @@ TEST_F(ScrewBalancingViewTest, OfTwoScrewsInAHoleTheLastOneWithAWeightCounts) {
 TEST_F(ScrewBalancingViewTest, AScrewOfNoWeightHasACircleButNoText) {
     m_View.Set(12, {{2, 0.0, "M6"}});
     Paint();
-    EXPECT_EQ(AtHole(30), c_Ink);
+    EXPECT_EQ(AtHole(30), INK);
     EXPECT_FALSE(HasTextAt(30));
     EXPECT_THAT(m_Log.GetAssertions(), ElementsAre("Empty string"));
     EXPECT_EQ(m_Log.GetRecords().back().m_Expression, "!WeightString.IsEmpty()");
@@ -182,7 +182,7 @@ TEST_F(ScrewBalancingViewTest, AScrewOfNoWeightHasACircleButNoText) {
 TEST_F(ScrewBalancingViewTest, AScrewThatIsNotPlacedIsNotDrawn) {
     m_View.Set(12, {{0, 2.5, "M6"}});
     Paint();
-    EXPECT_EQ(CountPixels(m_Bitmap, CRect(10, 10, 290, 45), c_Ink), 0);
+    EXPECT_EQ(CountPixels(m_Bitmap, CRect(10, 10, 290, 45), INK), 0);
     EXPECT_THAT(m_Log.GetAssertions(), IsEmpty());
 }
 
@@ -203,7 +203,7 @@ TEST_F(ScrewBalancingViewTest, LongNamesAreShortenedAndStayLegible) {
          {"M6x12-A2-70", "ISO 4762 M6x12-12.9 zinc", "Schraube für die Außenseite hinten"}) {
         m_View.Set(12, {{4, 2.5, pName}});
         Paint();
-        const auto Text = FindInk(m_Bitmap, CRect(150 + 30, 150 - 12, 150 + 100, 150 + 13), c_Panel);
+        const auto Text = FindInk(m_Bitmap, CRect(150 + 30, 150 - 12, 150 + 100, 150 + 13), PANEL);
         ASSERT_TRUE(Text) << pName;
         EXPECT_GE(Text->Height(), 7) << pName;
         EXPECT_GE(Text->left, 150 + 31) << pName << " keeps clear of the arrow";
@@ -213,15 +213,15 @@ TEST_F(ScrewBalancingViewTest, LongNamesAreShortenedAndStayLegible) {
 
 TEST_F(ScrewBalancingViewTest, ThereAreNoScaleLabels) {
     Paint();
-    EXPECT_EQ(FindInk(m_Bitmap, CRect(140, 50, 170, 70), c_Panel), std::nullopt);
+    EXPECT_EQ(FindInk(m_Bitmap, CRect(140, 50, 170, 70), PANEL), std::nullopt);
 }
 
 TEST_F(ScrewBalancingViewTest, AMeasurementTakesThePlaceOfArrowAndTexts) {
     m_View.Set(12, {{2, 2.5, ""}, {6, 2.5, ""}});
     PaintMeasurement(123.0, true);
-    EXPECT_EQ(AtHole(30), c_Ink) << "the screws stay";
+    EXPECT_EQ(AtHole(30), INK) << "the screws stay";
     EXPECT_FALSE(HasTextAt(30) || HasTextAt(150));
-    EXPECT_TRUE(FindColor(m_Bitmap, CRect(98, 98, 202, 202), c_Ink));
+    EXPECT_TRUE(FindColor(m_Bitmap, CRect(98, 98, 202, 202), INK));
 }
 
 TEST_F(ScrewBalancingViewTest, WithoutRedrawAllOnlyTheMiddleIsDrawn) {
@@ -240,17 +240,17 @@ TEST_F(ScrewBalancingViewTest, WithoutRedrawAllOnlyTheMiddleIsDrawn) {
 
 TEST_F(ScrewBalancingViewTest, WithoutRedrawAllTheTextsAreDrawnAllTheSame) {
     m_View.Set(12, {{2, 2.5, ""}});
-    CDC(m_Bitmap).FillSolidRect(GetWhole(m_Bitmap), c_Panel);
+    CDC(m_Bitmap).FillSolidRect(GetWhole(m_Bitmap), PANEL);
     Paint(false);
     EXPECT_TRUE(HasTextAt(30));
-    EXPECT_EQ(AtHole(30), c_Panel) << "but no hole";
+    EXPECT_EQ(AtHole(30), PANEL) << "but no hole";
 }
 
 TEST_F(ScrewBalancingViewTest, ARingWithoutHolesIsJustARing) {
     for (const int nHoles : {0, -1}) {
         m_View.Set(nHoles, {{1, 2.5, ""}});
         Paint();
-        EXPECT_EQ(AtHole(0), c_Ring);
+        EXPECT_EQ(AtHole(0), RING);
     }
 }
 

@@ -103,7 +103,7 @@ TEST(ScrewCompensation, CapacityOfTwoScrews) {
 
 TEST(ScrewCompensation, TheLastEntryCountsAsTheLargestWhateverTheOrder) {
     CCompensation Compensation({{"", 5.0}, {"", 1.0}}, 2, 12, 0, 100.0);
-    const double Capacity = 2.0 * std::cos(15.0 * math::ePi / 180.0);
+    const double Capacity = 2.0 * std::cos(15.0 * math::PI / 180.0);
     EXPECT_NEAR(Solve(Compensation, 4.0, 0.0).m_Percent, (4.0 - Capacity) / Capacity * 100, 1e-10);
 }
 

@@ -21,7 +21,7 @@ struct CCase {
     int m_nHoles = 0;
     double m_X = 0.0;
     double m_Y = 0.0;
-    std::size_t m_nRoom = CScrewSearch::eRoom;
+    std::size_t m_nRoom = CScrewSearch::ROOM;
 };
 
 std::string Describe(const CCase& rCase) {

@@ -10,14 +10,14 @@
 
 namespace {
 
-constexpr std::size_t eEntries = 200;
-constexpr int eHoles = 24;
-constexpr std::size_t eLimit = 1024 * 1024;
+constexpr std::size_t ENTRIES = 200;
+constexpr int HOLES = 24;
+constexpr std::size_t LIMIT = 1024 * 1024;
 
 /// The most bytes of a search from its construction to its result, the object itself included.
 std::size_t Measure(const std::vector<double>& rTable, CScrewSearch::CVector Target) {
     const CHeapCount Count;
-    CScrewSearch Search(rTable, true, eHoles);
+    CScrewSearch Search(rTable, true, HOLES);
     EXPECT_TRUE(Search.Find(Target));
     return Count.GetPeak() + sizeof(CScrewSearch);
 }
@@ -44,14 +44,14 @@ TEST(ScrewSearchMemory, StaysBelowOneMegabyteWithARealTable) {
         GTEST_SKIP() << "the sanitizer counts for itself";
     }
     std::vector<double> Table;
-    for (std::size_t i = 0; i < eEntries; ++i) {
+    for (std::size_t i = 0; i < ENTRIES; ++i) {
         Table.push_back(0.5 + 0.05 * static_cast<double>(i));
     }
     // From nothing to far out of reach, towards a hole and between two.
     for (const double Length : {0.0, 1e-6, 0.3, 7.0, 20.0, 29.3, 30.0, 45.0, 1e5}) {
         for (const double Angle : {0.0, 7.5, 123.0}) {
             const double a = Angle * std::numbers::pi / 180.0;
-            EXPECT_LT(Measure(Table, {Length * std::cos(a), Length * std::sin(a)}), eLimit)
+            EXPECT_LT(Measure(Table, {Length * std::cos(a), Length * std::sin(a)}), LIMIT)
                 << Length << " g at " << Angle;
         }
     }
@@ -64,8 +64,8 @@ TEST(ScrewSearchMemory, StaysBelowOneMegabyteWithWeightsOfNothing) {
         GTEST_SKIP() << "the sanitizer counts for itself";
     }
     std::vector<double> Table;
-    for (std::size_t i = 0; i < eEntries; ++i) {
+    for (std::size_t i = 0; i < ENTRIES; ++i) {
         Table.push_back(1e-7 * std::pow(0.999, static_cast<double>(i)));
     }
-    EXPECT_LT(Measure(Table, {0.0, 0.0}), eLimit);
+    EXPECT_LT(Measure(Table, {0.0, 0.0}), LIMIT);
 }

@@ -13,17 +13,17 @@ class WeightMethodKeys : public WeightMethodTest {};
 
 TEST_F(WeightMethodKeys, ChangeMenusFollowTheSelection) {
     const auto pMethod = Make();
-    constexpr int eMenus[2][4] = {{24, 25, 26, 27}, {20, 21, 22, 23}};
+    constexpr int MENUS[2][4] = {{24, 25, 26, 27}, {20, 21, 22, 23}};
     for (m_Selection = 0; m_Selection < 4; ++m_Selection) {
-        EXPECT_EQ(pMethod->GetChangeWeightsMenu(0), eMenus[0][m_Selection]);
-        EXPECT_EQ(pMethod->GetChangeWeightsMenu(1), eMenus[1][m_Selection]);
-        EXPECT_EQ(pMethod->GetNeutralPositionMenu(1), eMenus[0][m_Selection]);
-        EXPECT_EQ(pMethod->GetNeutralPositionMenu(2), eMenus[1][m_Selection]);
-        EXPECT_EQ(pMethod->GetCommitChangeMenu(1), eMenus[0][m_Selection]);
-        EXPECT_EQ(pMethod->GetCommitChangeMenu(2), eMenus[1][m_Selection]);
-        EXPECT_EQ(pMethod->GetCheckWeightsMenu(1), eMenus[0][m_Selection]);
-        EXPECT_EQ(pMethod->GetCheckWeightsMenu(2), eMenus[1][m_Selection]);
-        EXPECT_EQ(pMethod->GetTestUnbalanceChangeMenu(), eMenus[0][m_Selection]);
+        EXPECT_EQ(pMethod->GetChangeWeightsMenu(0), MENUS[0][m_Selection]);
+        EXPECT_EQ(pMethod->GetChangeWeightsMenu(1), MENUS[1][m_Selection]);
+        EXPECT_EQ(pMethod->GetNeutralPositionMenu(1), MENUS[0][m_Selection]);
+        EXPECT_EQ(pMethod->GetNeutralPositionMenu(2), MENUS[1][m_Selection]);
+        EXPECT_EQ(pMethod->GetCommitChangeMenu(1), MENUS[0][m_Selection]);
+        EXPECT_EQ(pMethod->GetCommitChangeMenu(2), MENUS[1][m_Selection]);
+        EXPECT_EQ(pMethod->GetCheckWeightsMenu(1), MENUS[0][m_Selection]);
+        EXPECT_EQ(pMethod->GetCheckWeightsMenu(2), MENUS[1][m_Selection]);
+        EXPECT_EQ(pMethod->GetTestUnbalanceChangeMenu(), MENUS[0][m_Selection]);
         EXPECT_EQ(pMethod->GetTestUnbalanceMenu(), 32);
     }
 }

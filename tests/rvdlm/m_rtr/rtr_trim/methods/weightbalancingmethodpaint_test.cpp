@@ -66,12 +66,12 @@ TEST_F(WeightMethodPaint, WeightsAreDrawnWhereTheyStand) {
     const CBitmap Picture = Paint(*pMethod, true);
     // Square of 280 at (10, 10), ring from 105 to 140: on a clockwise scale 0 is at the top, 90 to the right.
     // Off the middle, where the white number stands.
-    constexpr COLORREF eInk = RGB(0x00, 0x38, 0x68);
-    constexpr COLORREF eRing = RGB(0xC0, 0xC0, 0xC0);
-    EXPECT_EQ(Picture.GetPixel(150, 150 - 136), eRing);
-    EXPECT_EQ(Picture.GetPixel(150 + 136, 150), eInk);
-    EXPECT_EQ(Picture.GetPixel(150, 150 + 136), eInk);
-    EXPECT_EQ(Picture.GetPixel(150 - 136, 150), eRing);
+    constexpr COLORREF INK = RGB(0x00, 0x38, 0x68);
+    constexpr COLORREF RING = RGB(0xC0, 0xC0, 0xC0);
+    EXPECT_EQ(Picture.GetPixel(150, 150 - 136), RING);
+    EXPECT_EQ(Picture.GetPixel(150 + 136, 150), INK);
+    EXPECT_EQ(Picture.GetPixel(150, 150 + 136), INK);
+    EXPECT_EQ(Picture.GetPixel(150 - 136, 150), RING);
 }
 
 TEST_F(WeightMethodPaint, MeasurementIsRedrawnInTheMiddleOnly) {

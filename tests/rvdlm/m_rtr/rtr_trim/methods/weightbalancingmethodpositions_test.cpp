@@ -13,7 +13,7 @@ namespace {
 using math::MakeVector;
 using Matrix = math::matrix<double>;
 
-constexpr const char* eConsistentOrder = "PreBalancingConsistentWeightOrder";
+constexpr const char* CONSISTENT_ORDER = "PreBalancingConsistentWeightOrder";
 
 class WeightMethodPositions : public WeightMethodTest {
 protected:
@@ -205,7 +205,7 @@ TEST_F(WeightMethodPositions, MirroredPositionsAreWarnedOfByDefault) {
 }
 
 TEST_F(WeightMethodPositions, FlagTakesThePositionsThatProduceTheVector) {
-    m_Installation.EnableFeature(eConsistentOrder);
+    m_Installation.EnableFeature(CONSISTENT_ORDER);
     const auto pMethod = Make(CCW);
     const CLogCapture Capture;
     EXPECT_TRUE(pMethod->SetUA(VectorOfTheRawRule(), nullptr, true));
@@ -216,7 +216,7 @@ TEST_F(WeightMethodPositions, FlagTakesThePositionsThatProduceTheVector) {
 
 TEST_F(WeightMethodPositions, FlagIsReadAtConstruction) {
     const auto pBefore = Make(CCW);
-    m_Installation.EnableFeature(eConsistentOrder);
+    m_Installation.EnableFeature(CONSISTENT_ORDER);
     pBefore->SetUA(VectorOfTheRawRule(), nullptr, true);
     EXPECT_EQ(At(*pBefore), Positions(40, 250));
 }
@@ -224,7 +224,7 @@ TEST_F(WeightMethodPositions, FlagIsReadAtConstruction) {
 TEST_F(WeightMethodPositions, LackOfCapacityIsNoWrongPosition) {
     const CLogCapture Capture;
     Make(CCW)->SetUA(MakeVector(3, 1), nullptr, true);
-    m_Installation.EnableFeature(eConsistentOrder);
+    m_Installation.EnableFeature(CONSISTENT_ORDER);
     Make(CCW)->SetUA(MakeVector(3, 1), nullptr, true);
     EXPECT_TRUE(Capture.GetTexts("Warning").empty());
 }
@@ -243,7 +243,7 @@ TEST_F(WeightMethodPositions, ThreeHundredSixtyOfTheSecondPlaneStaysWithoutTheFl
 }
 
 TEST_F(WeightMethodPositions, ThreeHundredSixtyBecomesZeroWithTheFlag) {
-    m_Installation.EnableFeature(eConsistentOrder);
+    m_Installation.EnableFeature(CONSISTENT_ORDER);
     const double a = 300.0 * std::numbers::pi / 180.0;
     const Matrix UA = MakeVector(std::cos(a), std::sin(a));
     const auto pMethod = Make(CCW, 1);

@@ -12,9 +12,9 @@
 
 namespace {
 
-using PageColors::c_Ink;
-using PageColors::c_Panel;
-using PageColors::c_Ring;
+using PageColors::INK;
+using PageColors::PANEL;
+using PageColors::RING;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -34,33 +34,33 @@ public:
 /// the ring lies at 180 + 29.
 class WeightBalancingViewTest : public testing::Test {
 protected:
-    static constexpr CRect c_Pane{0, 0, 500, 600};
-    static constexpr CPoint c_Center{250, 250};
-    static constexpr int c_nRing = 209;
+    static constexpr CRect PANE{0, 0, 500, 600};
+    static constexpr CPoint CENTER{250, 250};
+    static constexpr int RADIUS = 209;
 
     void Paint(bool bRedrawAll = true) {
         CDC Dc(m_Bitmap);
-        m_View.Paint(&Dc, c_Pane, nullptr, nullptr, nullptr, bRedrawAll, 0);
+        m_View.Paint(&Dc, PANE, nullptr, nullptr, nullptr, bRedrawAll, 0);
     }
     void PaintMeasurement(double Magnitude, bool bRedrawAll) {
         const double Angle = 45.0;
         CDC Dc(m_Bitmap);
-        m_View.Paint(&Dc, c_Pane, &Magnitude, &Angle, &Magnitude, bRedrawAll, 0);
+        m_View.Paint(&Dc, PANE, &Magnitude, &Angle, &Magnitude, bRedrawAll, 0);
     }
     COLORREF At(int Radius, int Degrees) const {
-        const CPoint Point = PolarPoint(c_Center, Radius, Degrees);
+        const CPoint Point = PolarPoint(CENTER, Radius, Degrees);
         return m_Bitmap.GetPixel(Point.x, Point.y);
     }
     /// Whether a weight's sector lies around that direction (0 to the right, counter-clockwise): its ink
     /// close to both edges of the sector and of the ring, where no number stands, and none beyond.
     bool HasWeightAt(int Degrees) const {
-        return At(186, Degrees) == c_Ink && At(232, Degrees - 8) == c_Ink && At(232, Degrees + 8) == c_Ink;
+        return At(186, Degrees) == INK && At(232, Degrees - 8) == INK && At(232, Degrees + 8) == INK;
     }
     /// How many degrees of the ring's outer part are inked.
     int CountInkedDegrees() const {
         int nCount = 0;
         for (int nDegrees = 0; nDegrees < 360; ++nDegrees) {
-            nCount += At(232, nDegrees) != c_Ring ? 1 : 0;
+            nCount += At(232, nDegrees) != RING ? 1 : 0;
         }
         return nCount;
     }
@@ -100,14 +100,14 @@ TEST_F(WeightBalancingViewTest, AWeightIsTwentyDegreesWide) {
     m_View.Set(0, 180);
     Paint();
     EXPECT_NEAR(CountInkedDegrees(), 2 * 20, 3);
-    EXPECT_EQ(At(c_nRing, 90 + 12), c_Ring);
-    EXPECT_EQ(At(c_nRing, 90 - 12), c_Ring);
+    EXPECT_EQ(At(RADIUS, 90 + 12), RING);
+    EXPECT_EQ(At(RADIUS, 90 - 12), RING);
 }
 
 // The edges' lines end at whole pixels, so that they lie up to a pixel beside the radius; the ink keeps to
 // them, whichever way they lie. A smooth line of one pixel reaches 1.25 pixels from its middle at most.
 TEST_F(WeightBalancingViewTest, TheInkEndsAtTheEdgesLinesAndLeavesNoGap) {
-    constexpr double c_Reach = 1.25;
+    constexpr double REACH = 1.25;
     for (int nAngle = 0; nAngle < 180; ++nAngle) {
         m_View.Set(nAngle, nAngle + 180, PreBalDB::CTypeBase::eCounterClockwise);
         Paint();
@@ -115,21 +115,21 @@ TEST_F(WeightBalancingViewTest, TheInkEndsAtTheEdgesLinesAndLeavesNoGap) {
         int nGaps = 0;
         for (const int nSide : {-1, 1}) {
             const int nEdge = nAngle + 90 + nSide * 10;
-            const CPoint Near = PolarPoint(c_Center, 180, nEdge);
-            const CPoint Along = PolarPoint(c_Center, 239, nEdge) - Near;
+            const CPoint Near = PolarPoint(CENTER, 180, nEdge);
+            const CPoint Along = PolarPoint(CENTER, 239, nEdge) - Near;
             const double Length = std::hypot(Along.x, Along.y);
             for (int y = Near.y - 70; y <= Near.y + 70; ++y) {
                 for (int x = Near.x - 70; x <= Near.x + 70; ++x) {
                     const CPoint Point = CPoint(x, y) - Near;
-                    const double Radius = std::hypot(x - c_Center.x, y - c_Center.y);
+                    const double Radius = std::hypot(x - CENTER.x, y - CENTER.y);
                     // Beyond the line, seen from the weight's middle; y grows downwards.
                     const double Beyond = -nSide * (Along.x * Point.y - Along.y * Point.x) / Length;
-                    if (Radius < 184 || Radius > 234 || std::abs(Beyond) < c_Reach || std::abs(Beyond) > 5) {
+                    if (Radius < 184 || Radius > 234 || std::abs(Beyond) < REACH || std::abs(Beyond) > 5) {
                         continue;
                     }
                     const COLORREF Color = m_Bitmap.GetPixel(x, y);
-                    nOutside += Beyond > 0 && Color != c_Ring ? 1 : 0;
-                    nGaps += Beyond < 0 && Color != c_Ink ? 1 : 0;
+                    nOutside += Beyond > 0 && Color != RING ? 1 : 0;
+                    nGaps += Beyond < 0 && Color != INK ? 1 : 0;
                 }
             }
         }
@@ -142,7 +142,7 @@ TEST_F(WeightBalancingViewTest, EachWeightCarriesItsNumberInWhite) {
     m_View.Set(0, 180);
     Paint();
     for (const int nDegrees : {90, 270}) {
-        const CPoint Middle = PolarPoint(c_Center, c_nRing, nDegrees);
+        const CPoint Middle = PolarPoint(CENTER, RADIUS, nDegrees);
         // Thick is 60, so Q is 14 and the number 19 pixels high.
         const CRect Place(Middle.x - 28, Middle.y - 10, Middle.x + 28, Middle.y + 10);
         const auto Number =
@@ -168,7 +168,7 @@ TEST_F(WeightBalancingViewTest, EqualAnglesAreBothLabelledWithTheCommonAngle) {
     m_View.Set(50, 50);
     Paint();
     const auto CutNumber = [](const CBitmap& rSource, int Degrees) {
-        const CPoint Middle = PolarPoint(c_Center, c_nRing, Degrees);
+        const CPoint Middle = PolarPoint(CENTER, RADIUS, Degrees);
         CBitmap Number({36, 20});
         CDC(Number).BitBlt(CRect(0, 0, 36, 20), rSource, {Middle.x - 18, Middle.y - 10});
         return Number;
@@ -195,7 +195,7 @@ int CountMarks(const CBitmap& rBitmap, int Degrees) {
     int nCount = 0;
     for (int nRadius = 36; nRadius < 148; ++nRadius) {
         const CPoint Point = PolarPoint({250, 250}, nRadius, Degrees);
-        nCount += rBitmap.GetPixel(Point.x, Point.y) != c_Panel ? 1 : 0;
+        nCount += rBitmap.GetPixel(Point.x, Point.y) != PANEL ? 1 : 0;
     }
     return nCount;
 }
@@ -208,7 +208,7 @@ TEST_F(WeightBalancingViewTest, ADottedLinePointsAtEachWeight) {
         EXPECT_LT(CountMarks(m_Bitmap, nDegrees), 90) << "dotted " << nDegrees;
     }
     EXPECT_EQ(CountMarks(m_Bitmap, 180), 0);
-    EXPECT_EQ(At(152, 0), c_Panel) << "it ends at the inner radius less 30";
+    EXPECT_EQ(At(152, 0), PANEL) << "it ends at the inner radius less 30";
 }
 
 TEST_F(WeightBalancingViewTest, OneDottedLinePointsAtTheCommonAngle) {
@@ -228,14 +228,14 @@ TEST_F(WeightBalancingViewTest, TheScaleIsLabelledInsideTheCircleAndLabelsTouchN
     const CRect Left(73, 240, 100, 260);
     const CRect Right(400, 240, 427, 260);
     for (const CRect& rPlace : {Top, Bottom, Left, Right}) {
-        const auto Label = FindInk(m_Bitmap, rPlace, c_Panel);
+        const auto Label = FindInk(m_Bitmap, rPlace, PANEL);
         ASSERT_TRUE(Label) << rPlace.left << " " << rPlace.top;
     }
     // "0°" and "180°" stand around Cx + 2 and clear of the circle's line.
-    const CRect Zero = *FindInk(m_Bitmap, Top, c_Panel);
+    const CRect Zero = *FindInk(m_Bitmap, Top, PANEL);
     EXPECT_NEAR(Zero.CenterPoint().x, 252, 2);
     EXPECT_GT(Zero.top, Top.top);
-    const CRect Opposite = *FindInk(m_Bitmap, Bottom, c_Panel);
+    const CRect Opposite = *FindInk(m_Bitmap, Bottom, PANEL);
     EXPECT_NEAR(Opposite.CenterPoint().x, 252, 2);
     EXPECT_LT(Opposite.bottom, Bottom.bottom);
 }
@@ -249,15 +249,15 @@ TEST_F(WeightBalancingViewTest, TheLabelsChangeSidesWithTheScale) {
     const CRect Left(72, 244, 105, 258);
     const CRect Right(395, 244, 428, 258);
     // "270°" is wider than "90°".
-    EXPECT_GT(FindInk(Clockwise, Left, c_Panel)->Width(), FindInk(m_Bitmap, Left, c_Panel)->Width());
-    EXPECT_LT(FindInk(Clockwise, Right, c_Panel)->Width(), FindInk(m_Bitmap, Right, c_Panel)->Width());
+    EXPECT_GT(FindInk(Clockwise, Left, PANEL)->Width(), FindInk(m_Bitmap, Left, PANEL)->Width());
+    EXPECT_LT(FindInk(Clockwise, Right, PANEL)->Width(), FindInk(m_Bitmap, Right, PANEL)->Width());
 }
 
 TEST_F(WeightBalancingViewTest, TheArrowShowsTheRotation) {
     m_View.Set(0, 180);
     Paint();
     const CBitmap Clockwise = m_Bitmap;
-    EXPECT_EQ(At(24, 180), c_Ink);
+    EXPECT_EQ(At(24, 180), INK);
     m_View.SetRotation(PreBalDB::CTypeBase::eCounterClockwise);
     Paint();
     const auto Changed = FindDifference(Clockwise, m_Bitmap);
@@ -271,10 +271,10 @@ TEST_F(WeightBalancingViewTest, AMeasurementTakesThePlaceOfLabelsLinesAndArrow) 
     PaintMeasurement(123.0, true);
     EXPECT_TRUE(HasWeightAt(90)) << "the weights stay";
     EXPECT_TRUE(HasWeightAt(0));
-    EXPECT_EQ(FindInk(m_Bitmap, CRect(238, 73, 267, 90), c_Panel), std::nullopt) << "no label";
-    EXPECT_EQ(FindInk(m_Bitmap, CRect(342, 240, 427, 260), c_Panel), std::nullopt) << "no line, no label";
+    EXPECT_EQ(FindInk(m_Bitmap, CRect(238, 73, 267, 90), PANEL), std::nullopt) << "no label";
+    EXPECT_EQ(FindInk(m_Bitmap, CRect(342, 240, 427, 260), PANEL), std::nullopt) << "no line, no label";
     // The measurement's square has the side Inner = 180.
-    EXPECT_TRUE(FindColor(m_Bitmap, CRect(160, 160, 340, 340), c_Ink));
+    EXPECT_TRUE(FindColor(m_Bitmap, CRect(160, 160, 340, 340), INK));
 }
 
 TEST_F(WeightBalancingViewTest, WithoutRedrawAllOnlyTheMiddleIsDrawn) {
@@ -319,7 +319,7 @@ TEST_F(WeightBalancingViewTest, AnAngleLineForAShownAngleIsAssertedAndDrawnAllTh
     m_View.DrawWeight(&Dc, CRect(10, 10, 490, 490), 60, false, true, &nShown);
     EXPECT_THAT(m_Log.GetAssertions(), ElementsAre("impossible"));
     EXPECT_EQ(m_Log.GetRecords().back().m_Expression, "!DrawAngleLine");
-    EXPECT_EQ(At(186, 30), c_Ink);
+    EXPECT_EQ(At(186, 30), INK);
     EXPECT_GT(CountMarks(m_Bitmap, 30), 0);
 }
 

@@ -23,7 +23,7 @@ using Positions = std::pair<int, int>;
 
 constexpr auto CW = CTypeBase::eClockwise;
 constexpr auto CCW = CTypeBase::eCounterClockwise;
-constexpr double eDegree = std::numbers::pi / 180.0;
+constexpr double DEGREE = std::numbers::pi / 180.0;
 
 Positions PositionsOf(CTypeBase::Direction Scaling, unsigned Plane, const Matrix& rUA) {
     int Angle1 = -1;
@@ -35,8 +35,8 @@ Positions PositionsOf(CTypeBase::Direction Scaling, unsigned Plane, const Matrix
 /// The vector of two weights Half degrees to each side of Angle: the raw positions are Angle + Half and Angle
 /// - Half.
 Matrix Pair(double Angle, double Half) {
-    const double Length = 2.0 * std::cos(Half * eDegree);
-    return MakeVector(Length * std::cos(Angle * eDegree), Length * std::sin(Angle * eDegree));
+    const double Length = 2.0 * std::cos(Half * DEGREE);
+    return MakeVector(Length * std::cos(Angle * DEGREE), Length * std::sin(Angle * DEGREE));
 }
 
 TEST(WeightCompensation, NoVectorOpposesTheWeights) {
@@ -187,13 +187,13 @@ TEST(WeightCompensation, ThereAndBackReproducesTheVectorOnAClockwiseScale) {
     std::uniform_real_distribution<double> Length(0.0, 1.95);
     for (int i = 0; i < 2000; ++i) {
         const double l = Length(Generator);
-        const double a = Angle(Generator) * eDegree;
+        const double a = Angle(Generator) * DEGREE;
         const Matrix UA = MakeVector(l * std::cos(a), l * std::sin(a));
         const auto [Angle1, Angle2] = PositionsOf(CW, 0, UA);
         Matrix Back = MakeVector(0, 0);
         CWeightCompensation(CW, 0).Angles2UA(Angle1, Angle2, Back);
         // Each position off by half a degree at most: a chord of 2 sin(0.25 degrees) each.
-        EXPECT_LE((Back - UA).Norm(), 4.0 * std::sin(0.25 * eDegree) + 1e-12);
+        EXPECT_LE((Back - UA).Norm(), 4.0 * std::sin(0.25 * DEGREE) + 1e-12);
     }
 }
 

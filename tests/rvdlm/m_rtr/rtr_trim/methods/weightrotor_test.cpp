@@ -24,13 +24,13 @@ using Matrix = math::matrix<double>;
 
 constexpr auto CW = CTypeBase::eClockwise;
 constexpr auto CCW = CTypeBase::eCounterClockwise;
-constexpr double eDegree = std::numbers::pi / 180.0;
-constexpr std::uint32_t eSamples = 2;
-constexpr int eRotors = 200;
+constexpr double DEGREE = std::numbers::pi / 180.0;
+constexpr std::uint32_t SAMPLES = 2;
+constexpr int ROTORS = 200;
 
 /// Two positions rounded to whole degrees: each of the unit vectors is turned by half a degree at most, so
 /// its end moves by a chord of at most 2 sin(0.25 degrees).
-const double g_PositionBound = 2.0 * 2.0 * std::sin(0.25 * eDegree);
+const double g_PositionBound = 2.0 * 2.0 * std::sin(0.25 * DEGREE);
 /// X and Y of a reading are each off by half a count at most.
 const double g_CountError = std::sqrt(0.5);
 
@@ -44,7 +44,7 @@ struct CRotor {
     Direction m_Scale = CW;
 
     /// A weight at s degrees on the scale.
-    Complex GetWeight(double s) const { return std::polar(1.0, (m_Scale == CW ? -s : s) * eDegree); }
+    Complex GetWeight(double s) const { return std::polar(1.0, (m_Scale == CW ? -s : s) * DEGREE); }
     Complex GetSum(CWeightBalancingMethod& rMethod) const {
         int s1 = 0;
         int s2 = 0;
@@ -153,12 +153,12 @@ bool WeightRotor::PreBalance(const CRotor& rRotor, CSinglePlaneBalancingMath& rM
     Matrix UA(2, 1);
     rMethod.SetDisplayMode(CPlaneBalancingMethod::eTestUnbalance);
     // Where the test weights show too little effect the operator tries other positions.
-    constexpr int eTurns[][2] = {{60, 0}, {0, 60}, {-90, 0}, {0, -90}};
-    for (std::size_t nTry = 0; Status != 0 && nTry <= std::size(eTurns); ++nTry) {
+    constexpr int TURNS[][2] = {{60, 0}, {0, 60}, {-90, 0}, {0, -90}};
+    for (std::size_t nTry = 0; Status != 0 && nTry <= std::size(TURNS); ++nTry) {
         if (nTry > 0) {
             Matrix Other(2, 1);
-            Other(0, 0) = (static_cast<int>(First(0, 0)) + eTurns[nTry - 1][0] + 360) % 360;
-            Other(1, 0) = (static_cast<int>(First(1, 0)) + eTurns[nTry - 1][1] + 360) % 360;
+            Other(0, 0) = (static_cast<int>(First(0, 0)) + TURNS[nTry - 1][0] + 360) % 360;
+            Other(1, 0) = (static_cast<int>(First(1, 0)) + TURNS[nTry - 1][1] + 360) % 360;
             rMethod.SetTestUnbalanceVectorInDeg(Other);
         }
         rMath.SetTestUnbalanceVector(rMethod.GetTestUnbalanceVectorInDeg(), rMethod.GetScalingDirection());
@@ -197,15 +197,15 @@ void WeightRotor::BalanceRotors(bool bFromStoredPositions) {
     const auto [Rotation, Scale] = GetParam();
     PreBalDB::CWeightCompensationTableEntry Entry;
     Entry.SetScalingDirection(Scale);
-    for (int i = 0; i < eRotors; ++i) {
+    for (int i = 0; i < ROTORS; ++i) {
         CRotor Rotor{RandomVector(1.6),
                      std::polar(100.0 + 900.0 * m_Uniform(m_Generator),
                                 2.0 * std::numbers::pi * m_Uniform(m_Generator)),
                      Rotation, Scale};
-        CWeightBalancingMethod Method(Entry, &m_MainWnd, 0, eSamples, 0, &m_Selection, false);
+        CWeightBalancingMethod Method(Entry, &m_MainWnd, 0, SAMPLES, 0, &m_Selection, false);
         CCalibration Calibration;
         {
-            CSinglePlaneBalancingMath Math(eSamples);
+            CSinglePlaneBalancingMath Math(SAMPLES);
             Method.SetDisplayMode(CPlaneBalancingMethod::eNeutralPosition);
             if (bFromStoredPositions) {
                 Matrix Stored(2, 1);
@@ -217,7 +217,7 @@ void WeightRotor::BalanceRotors(bool bFromStoredPositions) {
         }
         // The rotor changes in use, and is balanced again and again with what is stored.
         for (int nRound = 0; nRound < 3; ++nRound) {
-            CSinglePlaneBalancingMath Math(eSamples);
+            CSinglePlaneBalancingMath Math(SAMPLES);
             Math.SetRotationDirection(Rotation);
             Rotor.m_Unbalance = RandomVector(1.6);
             ReBalance(Rotor, Math, Method, Calibration);
@@ -226,7 +226,7 @@ void WeightRotor::BalanceRotors(bool bFromStoredPositions) {
             FAIL() << "rotor " << i;
         }
     }
-    EXPECT_EQ(m_nSettings, 4 * eRotors);
+    EXPECT_EQ(m_nSettings, 4 * ROTORS);
 }
 
 TEST_P(WeightRotor, IsBalancedWithTheFlag) {
@@ -275,7 +275,7 @@ protected:
         }
         PreBalDB::CWeightCompensationTableEntry Entry;
         Entry.SetScalingDirection(std::get<0>(GetParam()));
-        CWeightBalancingMethod Method(Entry, &m_MainWnd, std::get<1>(GetParam()), eSamples, 0, &m_Selection,
+        CWeightBalancingMethod Method(Entry, &m_MainWnd, std::get<1>(GetParam()), SAMPLES, 0, &m_Selection,
                                       false);
         std::mt19937 Generator(99);
         std::uniform_real_distribution<double> Uniform(0.0, 1.0);

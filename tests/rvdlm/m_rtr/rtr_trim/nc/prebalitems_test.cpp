@@ -35,9 +35,9 @@ class COpcItemsTest : public testing::Test {
 protected:
     COpcItemsTest() {
         for (const char* pKey :
-             {CPreBalInterfaceFromNC::ms_pKey, CPreBalInterfaceToNC::ms_pKey,
-              CPreBalInterfaceToNCWarnings::ms_pKey, CPreBalInterfaceFromNcTargetUnbalance::ms_pKey,
-              CPreBalInterfaceFromNcRotationDirection::ms_pKey, CPreBalInterfaceFromNcTestWeight::ms_pKey}) {
+             {CPreBalInterfaceFromNC::KEY, CPreBalInterfaceToNC::KEY, CPreBalInterfaceToNCWarnings::KEY,
+              CPreBalInterfaceFromNcTargetUnbalance::KEY, CPreBalInterfaceFromNcRotationDirection::KEY,
+              CPreBalInterfaceFromNcTestWeight::KEY}) {
             COpcDatabase::GetInstance()->SetOpcLinkItem(pKey, std::string("item.") + pKey);
         }
         COPCConnection::CreateInstance()->Connect("", 0);

@@ -25,8 +25,8 @@ std::set<std::string> CheckStates(const States& rStates) {
 }
 
 TEST(HelpTopicsOfARun, EachStateOfBothSequencesHasItsOwnAndNoneIsLeftOver) {
-    std::set<std::string> Used = CheckStates(SinglePlane::g_States);
-    Used.merge(CheckStates(TwoPlane::g_States));
+    std::set<std::string> Used = CheckStates(SinglePlane::STATES);
+    Used.merge(CheckStates(TwoPlane::STATES));
     for (const HelpTopics::CStep& rStep : HelpTopics::STEPS) {
         EXPECT_TRUE(Used.contains(rStep.m_pTopic)) << rStep.m_pTopic << " is the topic of no state";
     }

@@ -16,11 +16,11 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr COLORREF c_White = RGB(255, 255, 255);
-constexpr COLORREF c_Panel = RGB(0xEC, 0xE9, 0xD8);
-constexpr COLORREF c_Line = RGB(0x71, 0x6F, 0x64);
-constexpr COLORREF c_Black = RGB(0, 0, 0);
-constexpr COLORREF c_Warning = RGB(206, 0, 0);
+constexpr COLORREF WHITE = RGB(255, 255, 255);
+constexpr COLORREF PANEL = RGB(0xEC, 0xE9, 0xD8);
+constexpr COLORREF LINE = RGB(0x71, 0x6F, 0x64);
+constexpr COLORREF BLACK = RGB(0, 0, 0);
+constexpr COLORREF WARNING = RGB(206, 0, 0);
 
 class CTestView : public CInstructionView {
 public:
@@ -186,27 +186,27 @@ protected:
         return FindInk(m_Bitmap, rWithin, Background).value_or(CRect());
     }
 
-    static constexpr CRect c_Pane{20, 10, 960, 109};
+    static constexpr CRect PANE{20, 10, 960, 109};
     CBitmap m_Bitmap;
 };
 
 TEST_F(InstructionViewPaintTest, AThirdIsTheHeaderAndBothPartsHaveTheirFrameLine) {
-    Paint(c_Pane);
+    Paint(PANE);
     EXPECT_EQ(FindInk(m_Bitmap), CRect(20, 10, 960, 109)) << "nothing outside";
-    EXPECT_EQ(m_Bitmap.GetPixel(22, 12), c_Panel);
-    EXPECT_EQ(m_Bitmap.GetPixel(22, 45), c_White);
+    EXPECT_EQ(m_Bitmap.GetPixel(22, 12), PANEL);
+    EXPECT_EQ(m_Bitmap.GetPixel(22, 45), WHITE);
     for (const int y : {42, 108}) {
-        EXPECT_EQ(CountPixels(m_Bitmap, CRect(20, y, 960, y + 1), c_Line), 940) << "bottom line at " << y;
+        EXPECT_EQ(CountPixels(m_Bitmap, CRect(20, y, 960, y + 1), LINE), 940) << "bottom line at " << y;
     }
-    EXPECT_EQ(CountPixels(m_Bitmap, CRect(959, 10, 960, 109), c_Line), 99);
-    EXPECT_EQ(CountPixels(m_Bitmap, CRect(20, 10, 21, 42), c_Line), 0) << "none at the left";
-    EXPECT_EQ(CountPixels(m_Bitmap, CRect(20, 10, 959, 11), c_Line), 0) << "none at the top";
+    EXPECT_EQ(CountPixels(m_Bitmap, CRect(959, 10, 960, 109), LINE), 99);
+    EXPECT_EQ(CountPixels(m_Bitmap, CRect(20, 10, 21, 42), LINE), 0) << "none at the left";
+    EXPECT_EQ(CountPixels(m_Bitmap, CRect(20, 10, 959, 11), LINE), 0) << "none at the top";
 }
 
 TEST_F(InstructionViewPaintTest, TheHeaderHasTheTitleAtTheLeftAndTheStepAtTheRight) {
-    Paint(c_Pane);
-    const CRect Title = FindText(CRect(20, 10, 500, 42), c_Panel);
-    const CRect Step = FindText(CRect(500, 10, 959, 42), c_Panel);
+    Paint(PANE);
+    const CRect Title = FindText(CRect(20, 10, 500, 42), PANEL);
+    const CRect Step = FindText(CRect(500, 10, 959, 42), PANEL);
     EXPECT_NEAR(Title.left, 30, 2);
     EXPECT_NEAR(Step.right, 950, 2);
     EXPECT_NEAR(Title.CenterPoint().y, 26, 3);
@@ -216,32 +216,32 @@ TEST_F(InstructionViewPaintTest, TheHeaderHasTheTitleAtTheLeftAndTheStepAtTheRig
 }
 
 TEST_F(InstructionViewPaintTest, TheInstructionIsBlackAtTheTopLeftOfTheBody) {
-    Paint(c_Pane);
+    Paint(PANE);
     const CRect Body(21, 43, 959, 108);
-    const CRect Text = FindText(Body, c_White);
+    const CRect Text = FindText(Body, WHITE);
     EXPECT_NEAR(Text.left, 30, 3);
     EXPECT_GE(Text.top, 48);
     EXPECT_LT(Text.bottom, 48 + 24);
-    EXPECT_GT(CountPixels(m_Bitmap, Body, c_Black), 0);
-    EXPECT_EQ(CountPixels(m_Bitmap, Body, c_Warning), 0);
+    EXPECT_GT(CountPixels(m_Bitmap, Body, BLACK), 0);
+    EXPECT_EQ(CountPixels(m_Bitmap, Body, WARNING), 0);
     CDC Dc(m_Bitmap);
     Dc.SelectFont(CFont("Arial", 24));  // (940 - 15) / 38
     EXPECT_NEAR(Text.Width(), Dc.GetTextExtent(m_View.GetInstructionText()).cx, 4);
 }
 
 TEST_F(InstructionViewPaintTest, AWarningIsRedAtTheBottomLeftAndLeavesTheInstruction) {
-    Paint(c_Pane);
+    Paint(PANE);
     const CBitmap Without = m_Bitmap;
     m_View.SetWarningMode(3);
-    Paint(c_Pane);
+    Paint(PANE);
     const auto Changed = FindDifference(Without, m_Bitmap);
     ASSERT_TRUE(Changed);
     EXPECT_NEAR(Changed->left, 30, 3);
     EXPECT_GE(Changed->top, 99 - 20) << "(940 - 15) / 46 high, ending 10 above the bottom";
     EXPECT_LE(Changed->bottom, 99);
-    EXPECT_GT(CountPixels(m_Bitmap, *Changed, c_Warning), 0);
+    EXPECT_GT(CountPixels(m_Bitmap, *Changed, WARNING), 0);
     m_View.SetWarningMode(0);
-    Paint(c_Pane);
+    Paint(PANE);
     EXPECT_TRUE(m_Bitmap == Without);
 }
 
@@ -259,8 +259,8 @@ TEST_F(InstructionViewPaintTest, TheTextsOfTheBodyKeepItsMargins) {
         CRect Inner(20, 48, 970, 99);
         Dc.DrawText(rText, Inner, Format | DT_SINGLELINE | DT_LEFT);
     };
-    Draw(m_View.GetWarningText(), 20, c_Warning, DT_BOTTOM);
-    Draw(m_View.GetInstructionText(), 25, c_Black, DT_TOP);
+    Draw(m_View.GetWarningText(), 20, WARNING, DT_BOTTOM);
+    Draw(m_View.GetInstructionText(), 25, BLACK, DT_TOP);
     const CRect Body(10, 43, 974, 108);  // but for the frame line
     CBitmap Painted(CSize(Body.Width(), Body.Height()));
     CBitmap Wanted(CSize(Body.Width(), Body.Height()));
@@ -272,9 +272,9 @@ TEST_F(InstructionViewPaintTest, TheTextsOfTheBodyKeepItsMargins) {
 TEST_F(InstructionViewPaintTest, TextsAreNoHigherThanTheirArea) {
     const CRect Low(20, 10, 960, 46);  // header 12, body 24, of which 9 for text
     Paint(Low);
-    const CRect Title = FindText(CRect(20, 10, 500, 21), c_Panel);
+    const CRect Title = FindText(CRect(20, 10, 500, 21), PANEL);
     EXPECT_LE(Title.Height(), 12);
-    const CRect Text = FindText(CRect(21, 22, 959, 45), c_White);
+    const CRect Text = FindText(CRect(21, 22, 959, 45), WHITE);
     EXPECT_GE(Text.top, 27);
     EXPECT_LE(Text.bottom, 36);
 }
@@ -312,7 +312,7 @@ TEST_F(InstructionViewPaintTest, TheDeviceContextIsLeftAsItWas) {
     CDC Dc(m_Bitmap);
     Dc.SelectFont(CFont("Arial", 40));
     const int nBefore = Dc.GetFontHeight();
-    m_View.Paint(&Dc, c_Pane);
+    m_View.Paint(&Dc, PANE);
     EXPECT_EQ(Dc.GetFontHeight(), nBefore);
 }
 

@@ -17,8 +17,8 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr std::uint32_t eTarget = 3000;
-constexpr std::uint32_t eTolerance = 50;
+constexpr std::uint32_t TARGET = 3000;
+constexpr std::uint32_t TOLERANCE = 50;
 
 /// Hands out the callback of the multimedia timer that was started last.
 class CCapturingLoop : public CVirtualEventLoop {
@@ -36,7 +36,7 @@ public:
 /// Notes what the sub-state asks its owner for. Repaints and ticks are counted apart.
 class COwner : public CMeasurementSubState {
 public:
-    explicit COwner(std::uint32_t Target = eTarget, std::uint32_t Tolerance = eTolerance)
+    explicit COwner(std::uint32_t Target = TARGET, std::uint32_t Tolerance = TOLERANCE)
         : CMeasurementSubState(Target, Tolerance) {}
 
     void OnIDTimeout(std::int32_t TimerID) override { CMeasurementSubState::OnIDTimeout(TimerID); }
@@ -74,14 +74,14 @@ protected:
         WriteTestFile(m_Installation.GetRoot() / "cnf" / "mcon.xdb",
                       "<Corvane><system_falconet " + rAttributes + "></system_falconet></Corvane>");
     }
-    COwner& Make(std::uint32_t Target = eTarget, std::uint32_t Tolerance = eTolerance) {
+    COwner& Make(std::uint32_t Target = TARGET, std::uint32_t Tolerance = TOLERANCE) {
         m_pOwner = std::make_unique<COwner>(Target, Tolerance);
         return *m_pOwner;
     }
     /// Starts in a good condition and lets it settle; the first tick comes 50 ms later.
     COwner& MakeMeasuring() {
         COwner& rOwner = Make();
-        rOwner.StartMeasurement(eTarget, 0, 1);
+        rOwner.StartMeasurement(TARGET, 0, 1);
         m_Loop.Advance(3000);
         rOwner.m_Calls.clear();
         return rOwner;
@@ -104,7 +104,7 @@ TEST_F(MeasurementSubStateTest, NothingRunsBeforeTheStart) {
 
 TEST_F(MeasurementSubStateTest, SamplingBeginsAfter3000msOfStableConditions) {
     COwner& rOwner = Make();
-    EXPECT_EQ(rOwner.StartMeasurement(eTarget, 0, 1), 1);
+    EXPECT_EQ(rOwner.StartMeasurement(TARGET, 0, 1), 1);
     EXPECT_THAT(rOwner.Take(), ElementsAre("OK"));
     m_Loop.Advance(2999);
     EXPECT_EQ(rOwner.CanMeasure(), 0);
@@ -119,6 +119,34 @@ TEST_F(MeasurementSubStateTest, SamplesComeEvery50msFromThenOn) {
     COwner& rOwner = MakeMeasuring();
     m_Loop.Advance(200);
     EXPECT_THAT(rOwner.m_Ticks, ElementsAre(3050U, 3100U, 3150U, 3200U));
+}
+
+TEST_F(MeasurementSubStateTest, TheLogTellsThatSamplesCameLate) {
+    COwner& rOwner = MakeMeasuring();
+    m_Loop.Advance(200);
+    // The clock's thread isn't let run for a while.
+    const std::uint32_t Handle = m_Loop.m_Handle;
+    m_Loop.KillMultimediaTimer(Handle);
+    m_Loop.Advance(130);
+    m_Loop.m_Proc(Handle);
+    m_Loop.RunPosted();
+    rOwner.StopMeasurement();
+    EXPECT_THAT(
+        m_Log.GetTexts("Warning"),
+        ElementsAre(
+            "The computer was too busy for this measurement: 5 samples, the longest pause between two "
+            "130 ms in place of 50"));
+}
+
+TEST_F(MeasurementSubStateTest, TheLogIsSilentOfSamplesALittleLate) {
+    COwner& rOwner = MakeMeasuring();
+    const std::uint32_t Handle = m_Loop.m_Handle;
+    m_Loop.KillMultimediaTimer(Handle);
+    m_Loop.Advance(75);
+    m_Loop.m_Proc(Handle);
+    m_Loop.RunPosted();
+    rOwner.StopMeasurement();
+    EXPECT_THAT(m_Log.GetTexts("Warning"), IsEmpty());
 }
 
 TEST_F(MeasurementSubStateTest, RepaintsEvery250msFromTheStartEvenWhileWaiting) {
@@ -147,7 +175,7 @@ TEST_F(MeasurementSubStateTest, ShowsTheReasonWhyItWaits) {
 // Each report of speed or lock runs the rule again: the operator sees the reason, the timer isn't renewed.
 TEST_F(MeasurementSubStateTest, SettlingTimeIsNotRenewedByFurtherGoodReports) {
     COwner& rOwner = Make();
-    rOwner.StartMeasurement(eTarget, 0, 1);
+    rOwner.StartMeasurement(TARGET, 0, 1);
     rOwner.Take();
     for (int i = 0; i < 5; ++i) {
         m_Loop.Advance(500);
@@ -161,7 +189,7 @@ TEST_F(MeasurementSubStateTest, SettlingTimeIsNotRenewedByFurtherGoodReports) {
 
 TEST_F(MeasurementSubStateTest, LeavingTheConditionWhileSettlingStartsTheTimeAfresh) {
     COwner& rOwner = Make();
-    rOwner.StartMeasurement(eTarget, 0, 1);
+    rOwner.StartMeasurement(TARGET, 0, 1);
     m_Loop.Advance(2999);
     rOwner.UpdateOutOfLock(1);
     rOwner.UpdateOutOfLock(0);
@@ -178,7 +206,7 @@ TEST_F(MeasurementSubStateTest, DipOutOfTheWindowForOneUpdateRestartsFromNothing
     rOwner.UpdateRPM(2900);
     EXPECT_EQ(rOwner.CanMeasure(), 0);
     EXPECT_THAT(rOwner.Take(), ElementsAre("WrongRPM", "Lost"));
-    rOwner.UpdateRPM(eTarget);
+    rOwner.UpdateRPM(TARGET);
     EXPECT_THAT(rOwner.Take(), ElementsAre("OK"));
     m_Loop.Advance(3000);
     EXPECT_THAT(rOwner.Take(), ElementsAre("Restart", "Query"));
@@ -198,7 +226,7 @@ TEST_F(MeasurementSubStateTest, LossOfLockEndsTheSampling) {
 
 TEST_F(MeasurementSubStateTest, WithoutNotifyOnLostTheOwnerIsOnlyShownTheReason) {
     COwner& rOwner = Make();
-    rOwner.StartMeasurement(eTarget, 0, 0);
+    rOwner.StartMeasurement(TARGET, 0, 0);
     m_Loop.Advance(3000);
     rOwner.Take();
     rOwner.UpdateRPM(0);
@@ -221,10 +249,10 @@ TEST_F(MeasurementSubStateTest, StopEndsAllFromAnyState) {
     rOwner.StartMeasurement(0, 1, 1);        // waiting
     rOwner.StopMeasurement();
     EXPECT_EQ(m_Loop.GetTimerCount(), 0U);
-    rOwner.StartMeasurement(eTarget, 0, 1);  // settling
+    rOwner.StartMeasurement(TARGET, 0, 1);  // settling
     rOwner.StopMeasurement();
     EXPECT_EQ(m_Loop.GetTimerCount(), 0U);
-    rOwner.StartMeasurement(eTarget, 0, 1);  // measuring
+    rOwner.StartMeasurement(TARGET, 0, 1);  // measuring
     m_Loop.Advance(3000);
     rOwner.StopMeasurement();
     EXPECT_EQ(m_Loop.GetTimerCount(), 0U);
@@ -241,7 +269,7 @@ TEST_F(MeasurementSubStateTest, DestructionStopsARunningMeasurement) {
 TEST_F(MeasurementSubStateTest, StartWhileRunningAssertsAndStartsAnew) {
     m_Expected = ElementsAre("timer not stopped before");
     COwner& rOwner = MakeMeasuring();
-    rOwner.StartMeasurement(eTarget, 0, 1);
+    rOwner.StartMeasurement(TARGET, 0, 1);
     EXPECT_EQ(rOwner.CanMeasure(), 0);
     m_Loop.Advance(2999);
     EXPECT_EQ(rOwner.CanMeasure(), 0);
@@ -250,7 +278,7 @@ TEST_F(MeasurementSubStateTest, StartWhileRunningAssertsAndStartsAnew) {
 }
 
 TEST_F(MeasurementSubStateTest, TargetMayBeMoved) {
-    COwner& rOwner = Make(0, eTolerance);
+    COwner& rOwner = Make(0, TOLERANCE);
     rOwner.SetTargetRPM(1500);
     rOwner.StartMeasurement(1450, 0, 1);
     EXPECT_THAT(rOwner.Take(), ElementsAre("OK"));
@@ -274,14 +302,14 @@ TEST_F(MeasurementSubStateTest, ToleranceAboveTheTargetMakesTheWindowEmpty) {
 TEST_F(MeasurementSubStateTest, RefusedMultimediaTimerLeavesMeasuringWithoutSamples) {
     COwner& rOwner = Make();
     m_Loop.FailMultimediaTimers(1);
-    rOwner.StartMeasurement(eTarget, 0, 1);
+    rOwner.StartMeasurement(TARGET, 0, 1);
     m_Loop.Advance(20000);
     EXPECT_EQ(rOwner.CanMeasure(), 1);
     EXPECT_THAT(rOwner.m_Ticks, IsEmpty());
     EXPECT_EQ(m_Loop.GetTimerCount(), 1U) << "the paint timer alone";
     // Losing the condition and coming back tries again.
     rOwner.UpdateRPM(0);
-    rOwner.UpdateRPM(eTarget);
+    rOwner.UpdateRPM(TARGET);
     m_Loop.Advance(3050);
     EXPECT_EQ(rOwner.m_Ticks.size(), 1U);
 }
@@ -290,10 +318,10 @@ TEST_F(MeasurementSubStateTest, RefusedSettlingTimerIsTriedAgainAtTheNextReport)
     COwner& rOwner = Make();
     rOwner.StartMeasurement(0, 0, 1);
     m_Loop.FailTimers(1);
-    rOwner.UpdateRPM(eTarget);
+    rOwner.UpdateRPM(TARGET);
     m_Loop.Advance(4000);
     EXPECT_EQ(rOwner.CanMeasure(), 0);
-    rOwner.UpdateRPM(eTarget);
+    rOwner.UpdateRPM(TARGET);
     m_Loop.Advance(3000);
     EXPECT_EQ(rOwner.CanMeasure(), 1);
 }
@@ -313,7 +341,7 @@ TEST_F(MeasurementSubStateTest, StaleTickAfterRestartIsDropped) {
     const auto FormerProc = m_Loop.m_Proc;
     const std::uint32_t FormerHandle = m_Loop.m_Handle;
     rOwner.StopMeasurement();
-    rOwner.StartMeasurement(eTarget, 0, 1);
+    rOwner.StartMeasurement(TARGET, 0, 1);
     m_Loop.Advance(3000);
     ASSERT_NE(m_Loop.m_Handle, FormerHandle);
     FormerProc(FormerHandle);
@@ -371,9 +399,9 @@ TEST_F(MeasurementSubStateTest, IgnoreOutOfLockSamplesWithTheWarningShown) {
     WriteSettings("IgnoreOutOfLock=\"1\"");
     COwner& rOwner = Make();
     EXPECT_THAT(m_Log.GetTexts("Warning"), ElementsAre("IgnoreOutOfLock is active !!!"));
-    rOwner.StartMeasurement(eTarget, 1, 1);
+    rOwner.StartMeasurement(TARGET, 1, 1);
     EXPECT_THAT(rOwner.Take(), ElementsAre("OK", "OutOfLock"));
-    rOwner.UpdateRPM(eTarget);
+    rOwner.UpdateRPM(TARGET);
     EXPECT_THAT(rOwner.Take(), ElementsAre("OutOfLock")) << "the timer runs";
     m_Loop.Advance(3050);
     EXPECT_EQ(rOwner.CanMeasure(), 1);
@@ -391,12 +419,12 @@ TEST_F(MeasurementSubStateTest, IgnoreOutOfLockStillNeedsTheSpeed) {
     COwner& rOwner = Make();
     rOwner.StartMeasurement(2000, 1, 1);
     EXPECT_THAT(rOwner.Take(), ElementsAre("WrongRPMAndOutOfLock"));
-    rOwner.UpdateRPM(eTarget);
+    rOwner.UpdateRPM(TARGET);
     m_Loop.Advance(1000);
     rOwner.Take();
     rOwner.UpdateRPM(2000);  // while settling
     EXPECT_THAT(rOwner.Take(), ElementsAre("WrongRPMAndOutOfLock"));
-    rOwner.UpdateRPM(eTarget);
+    rOwner.UpdateRPM(TARGET);
     m_Loop.Advance(3000);
     EXPECT_EQ(rOwner.CanMeasure(), 1);
     rOwner.Take();

@@ -153,7 +153,7 @@ TEST_F(NeutralPositionTest, RPMStartFollowsLockAndValidity) {
 TEST_F(NeutralPositionTest, RPMStartIgnoresTheSpeedItself) {
     Reach(S::eNeutralPosRPMStart);
     TakeCalls();
-    m_pSequence->CurrentRPM(eSpeed);
+    m_pSequence->CurrentRPM(SPEED);
     EXPECT_THAT(TakeCalls(), IsEmpty());
     EXPECT_EQ(GetState(), S::eNeutralPosRPMStart);
 }

@@ -22,7 +22,7 @@ using Matrix = math::matrix<double>;
 
 constexpr auto CW = CTypeBase::eClockwise;
 constexpr auto CCW = CTypeBase::eCounterClockwise;
-constexpr std::uint32_t eSamples = 3;
+constexpr std::uint32_t SAMPLES = 3;
 
 Complex ToComplex(const Matrix& rVector) {
     return {rVector(0, 0), rVector(1, 0)};
@@ -32,7 +32,7 @@ Complex ToComplex(const Matrix& rVector) {
 /// mirror it.
 void Read(CPlane& rPlane, CPlane::UnbalanceType Type, int x, int y) {
     rPlane.RestartMeasurement();
-    for (std::uint32_t i = 0; i <= eSamples; ++i) {
+    for (std::uint32_t i = 0; i <= SAMPLES; ++i) {
         rPlane.AddXYValue(static_cast<std::int16_t>(x), static_cast<std::int16_t>(y));
     }
     rPlane.SetUnbalance(Type);
@@ -58,8 +58,8 @@ protected:
         }
     }
     CLogCapture m_Log;
-    CMasterPlane m_Master{eSamples};
-    CSlavePlane m_Slave{eSamples};
+    CMasterPlane m_Master{SAMPLES};
+    CSlavePlane m_Slave{SAMPLES};
 };
 
 TEST_F(PlaneTest, StartsWithoutInfluenceAndWithUnitFactors) {
@@ -110,7 +110,7 @@ TEST_F(PlaneTest, SecondFirstReadingInvalidatesTheRunButKeepsTheCrossInfluence) 
     EXPECT_EQ(m_Master.IsValid(1), 0);
     EXPECT_EQ(m_Master.IsValid(2), 0);
     EXPECT_EQ(ToComplex(m_Master.GetCrossWeightUnbalance()), Complex(0, 50));
-    EXPECT_EQ(m_Master.GetOwnWeightUnbalance()(0, 0), math::eInvalidValue);
+    EXPECT_EQ(m_Master.GetOwnWeightUnbalance()(0, 0), math::INVALID_VALUE);
 }
 
 // Readings 10, 30, 30+50i: the master's own weights come with the second, the other plane's with the third.

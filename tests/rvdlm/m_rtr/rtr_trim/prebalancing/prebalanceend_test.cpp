@@ -62,7 +62,7 @@ TEST_F(PreBalanceEndTest, NothingLeadsOutOfAFailure) {
             EXPECT_EQ(Key(static_cast<K::KeyAction>(i)), 1);
         }
         m_pSequence->CurrentRPM(0);
-        m_pSequence->CurrentRPM(eSpeed);
+        m_pSequence->CurrentRPM(SPEED);
         m_pSequence->InvalidRPM(0);
         m_pSequence->OutOfLock(0);
         m_pSequence->CurrentXYValuePlane1(1, 1);

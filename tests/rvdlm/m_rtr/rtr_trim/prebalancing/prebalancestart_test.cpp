@@ -97,7 +97,7 @@ TEST_F(PreBalanceStartTest, StoredPositionsOfASinglePlaneRunAreOffered) {
     m_pSequence->StartPreBalancing(0, 1, 1);
     EXPECT_EQ(m_Wnd.GetMenu(), 19);
     Make();
-    m_pSequence->StartPreBalancing(eSpeed, 0, 0);
+    m_pSequence->StartPreBalancing(SPEED, 0, 0);
     EXPECT_EQ(m_Wnd.GetMenu(), 29);
 }
 
@@ -108,16 +108,16 @@ TEST_F(PreBalanceStartTest, InvalidPositionsAndThoseOfATwoPlaneRunAreNotOffered)
         m_pSequence->StartPreBalancing(0, 1, 1);
         EXPECT_EQ(m_Wnd.GetMenu(), 30);
         Make();
-        m_pSequence->StartPreBalancing(eSpeed, 0, 0);
+        m_pSequence->StartPreBalancing(SPEED, 0, 0);
         EXPECT_EQ(m_Wnd.GetMenu(), 28);
     }
 }
 
 // An NC would send the weights there.
 TEST_F(PreBalanceStartTest, AnglesThatAreNoneOfAScaleAreNotOffered) {
-    constexpr double eNan = std::numeric_limits<double>::quiet_NaN();
-    constexpr double eInfinite = std::numeric_limits<double>::infinity();
-    for (const double Angle : {eNan, eInfinite, -eInfinite, -1.0, 360.0, -2147483258.0, 359.5}) {
+    constexpr double NOT_A_NUMBER = std::numeric_limits<double>::quiet_NaN();
+    constexpr double INFINITE = std::numeric_limits<double>::infinity();
+    for (const double Angle : {NOT_A_NUMBER, INFINITE, -INFINITE, -1.0, 360.0, -2147483258.0, 359.5}) {
         for (const std::uint32_t Weight : {0U, 1U}) {
             WeightPos2Plane Record;
             Record.m_PositionsValid = true;
@@ -135,7 +135,7 @@ TEST_F(PreBalanceStartTest, AnglesThatAreNoneOfAScaleAreNotOffered) {
     WeightPos2Plane Record;
     Record.m_PositionsValid = true;
     Record.m_PositionsPlane1 = MakeVector(0, 359);
-    Record.m_PositionsPlane2 = MakeVector(eNan, eNan);
+    Record.m_PositionsPlane2 = MakeVector(NOT_A_NUMBER, NOT_A_NUMBER);
     CWeightPositionStore::Set("000005_WHEEL1", Record);
     Make();
     m_pSequence->StartPreBalancing(0, 1, 1);

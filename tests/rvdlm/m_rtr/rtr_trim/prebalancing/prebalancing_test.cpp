@@ -139,19 +139,19 @@ TEST_F(PreBalancingTest, MaskChoosesWhatIsPainted) {
           CMaskRow{1, false, false, false}}) {
         CBitmap Bitmap(CSize(300, 504));
         CDC DC(Bitmap);
-        constexpr COLORREF eUntouched = RGB(1, 2, 3);
-        DC.FillSolidRect(CRect(0, 0, 300, 504), eUntouched);
+        constexpr COLORREF UNTOUCHED = RGB(1, 2, 3);
+        DC.FillSolidRect(CRect(0, 0, 300, 504), UNTOUCHED);
         m_pMethod->m_Paints.clear();
         m_pSequence->Paint(&DC, CRect(0, 0, 300, 504), rRow.m_Mask);
         ASSERT_EQ(m_pMethod->m_Paints.size(), rRow.m_bMethod ? 1U : 0U) << rRow.m_Mask;
         if (rRow.m_bMethod) {
             EXPECT_EQ(m_pMethod->m_Paints[0].second, rRow.m_bRedrawAll) << rRow.m_Mask;
         }
-        EXPECT_NE(Bitmap.GetPixel(2, 2), eUntouched) << "the instruction is always painted";
-        EXPECT_NE(Bitmap.GetPixel(2, 82), eUntouched);
-        EXPECT_EQ(Bitmap.GetPixel(2, 85), eUntouched) << "nothing but the method paints here";
-        EXPECT_EQ(Bitmap.GetPixel(2, 485), eUntouched);
-        EXPECT_EQ(Bitmap.GetPixel(2, 487) != eUntouched, rRow.m_bStatus) << rRow.m_Mask;
+        EXPECT_NE(Bitmap.GetPixel(2, 2), UNTOUCHED) << "the instruction is always painted";
+        EXPECT_NE(Bitmap.GetPixel(2, 82), UNTOUCHED);
+        EXPECT_EQ(Bitmap.GetPixel(2, 85), UNTOUCHED) << "nothing but the method paints here";
+        EXPECT_EQ(Bitmap.GetPixel(2, 485), UNTOUCHED);
+        EXPECT_EQ(Bitmap.GetPixel(2, 487) != UNTOUCHED, rRow.m_bStatus) << rRow.m_Mask;
     }
 }
 

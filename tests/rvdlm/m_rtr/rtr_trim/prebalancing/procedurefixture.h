@@ -58,7 +58,7 @@ struct CWay {
     Sequence::Role m_Before;
     Deed m_Deed;
 };
-inline constexpr CWay g_Ways[] = {
+inline constexpr CWay WAYS[] = {
     {Sequence::eFailureWithReset, Sequence::eTestUnbalanceMeasurement, CWay::eConfirmUnusable},
     {Sequence::eNeutralPosRPMStart, Sequence::eNeutralPosRemoveWeights, CWay::eConfirm},
     {Sequence::eNeutralPosMeasurement, Sequence::eNeutralPosRPMStart, CWay::eConfirmAtSpeed},
@@ -86,7 +86,7 @@ template <typename Probe, typename Math>
 class ProcedureTest : public testing::Test {
 protected:
     using Nc = CPreBalNotification;
-    static constexpr std::uint16_t eSpeed = 3000;
+    static constexpr std::uint16_t SPEED = 3000;
 
     explicit ProcedureTest(const Sequence::CTables& rTables, std::size_t nLegs)
         : m_rTables(rTables), m_nLegs(nLegs) {
@@ -150,14 +150,14 @@ protected:
     }
     void Calibrate() {
         m_Entry.SetIsCalibrated(1);
-        m_Entry.SetCalibratedRPM(eSpeed);
+        m_Entry.SetCalibratedRPM(SPEED);
     }
 
     /// Brings a new procedure to the state before State, and returns what is to be done to enter it.
     std::function<void()> Approach(int State) {
         const Sequence::CState* const pRow = m_rTables.FindState(State);
-        const auto* const pWay = std::ranges::find(g_Ways, pRow->m_Role, &CWay::m_Role);
-        if (pWay == std::end(g_Ways)) {
+        const auto* const pWay = std::ranges::find(WAYS, pRow->m_Role, &CWay::m_Role);
+        if (pWay == std::end(WAYS)) {
             return ApproachFirst(pRow->m_Role);
         }
         Reach(FindBefore(*pRow, *pWay));
@@ -178,7 +178,7 @@ private:
         TakeCalls();
         switch (Role) {
             case Sequence::eNeutralPosSpindleStop:
-                return [this] { m_pSequence->StartPreBalancing(eSpeed, 0, 0); };
+                return [this] { m_pSequence->StartPreBalancing(SPEED, 0, 0); };
             case Sequence::eNeutralPosRemoveWeights:
                 return [this] { m_pSequence->StartPreBalancing(0, 1, 1); };
             case Sequence::eReBalanceCommitWeights:
@@ -204,7 +204,7 @@ private:
             case CWay::eConfirm:
                 break;
             case CWay::eConfirmAtSpeed:
-                m_pSequence->CurrentRPM(eSpeed);
+                m_pSequence->CurrentRPM(SPEED);
                 m_pSequence->OutOfLock(0);
                 m_pSequence->InvalidRPM(0);
                 break;
@@ -223,7 +223,7 @@ private:
                 Enter = [this] { StopSpindle(); };
                 break;
             case CWay::eSpinUp:
-                Enter = [this] { m_pSequence->CurrentRPM(eSpeed); };
+                Enter = [this] { m_pSequence->CurrentRPM(SPEED); };
                 break;
         }
         TakeCalls();

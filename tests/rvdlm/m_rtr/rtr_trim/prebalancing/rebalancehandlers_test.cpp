@@ -37,28 +37,28 @@ protected:
 
 TEST_F(ReBalanceTest, UncalibratedConfigurationIsRefused) {
     m_Entry.SetIsCalibrated(0);
-    EXPECT_EQ(m_pSequence->StartReBalancing(eSpeed, 0, 0), 0);
+    EXPECT_EQ(m_pSequence->StartReBalancing(SPEED, 0, 0), 0);
     EXPECT_EQ(GetState(), S::eIdle);
     EXPECT_THAT(TakeCalls(), IsEmpty());
     EXPECT_THAT(m_Log.GetTexts("Warning"), ElementsAre("Invalid Event eStartReBal in state eIdle received"));
 }
 
 TEST_F(ReBalanceTest, ValidSpeedStartsWithTheMeasurementIn5Steps) {
-    EXPECT_EQ(m_pSequence->StartReBalancing(eSpeed, 0, 0), 1);
+    EXPECT_EQ(m_pSequence->StartReBalancing(SPEED, 0, 0), 1);
     EXPECT_EQ(GetState(), S::eReBalanceMeasurement1);
     EXPECT_EQ(GetSteps(), std::make_pair(1U, 5U));
     EXPECT_EQ(m_Entry.IsCalibrated(), 1) << "unlike a pre-balancing";
 }
 
 TEST_F(ReBalanceTest, InvalidSpeedStartsWithTheWeightsIn7Steps) {
-    EXPECT_EQ(m_pSequence->StartReBalancing(eSpeed, 0, 1), 1);
+    EXPECT_EQ(m_pSequence->StartReBalancing(SPEED, 0, 1), 1);
     EXPECT_EQ(GetState(), S::eReBalanceCommitWeights);
     EXPECT_EQ(GetSteps(), std::make_pair(1U, 7U));
 }
 
 TEST_F(ReBalanceTest, TheCalibratedSpeedIsNeitherChangedNorHidden) {
     m_Entry.SetCalibratedRPM(2000);
-    m_pSequence->StartReBalancing(eSpeed, 0, 0);
+    m_pSequence->StartReBalancing(SPEED, 0, 0);
     EXPECT_EQ(m_Entry.GetCalibratedRPM(), 2000U);
     EXPECT_THAT(m_pSequence->GetCalibratedText(), HasSubstr("2000"));
     Make();
@@ -136,7 +136,7 @@ TEST_F(ReBalanceTest, IgnoreRebalWeightsLetsTheRunGoOnInCommit) {
 // --- eReBalanceMeasurement1 ---
 
 TEST_F(ReBalanceTest, TheMeasurementTestsTheStoredCorrection) {
-    m_pSequence->StartReBalancing(eSpeed, 0, 0);
+    m_pSequence->StartReBalancing(SPEED, 0, 0);
     ASSERT_EQ(m_pMethod->m_SetUAs.size(), 1U);
     EXPECT_TRUE(m_pMethod->m_SetUAs[0].m_UA == MakeVector(1.5, -0.25));
     EXPECT_TRUE(m_pMethod->m_SetUAs[0].m_bPercent);
@@ -146,7 +146,7 @@ TEST_F(ReBalanceTest, TheMeasurementTestsTheStoredCorrection) {
 TEST_F(ReBalanceTest, CorrectionBeyondTheCapacityRefusesTheRunInTheMeasurement) {
     LackCapacity(33.333);
     TakeWarnings();
-    m_pSequence->StartReBalancing(eSpeed, 0, 0);
+    m_pSequence->StartReBalancing(SPEED, 0, 0);
     EXPECT_EQ(GetState(), S::eFailureWithReset);
     EXPECT_THAT(TakeWarnings(), ElementsAre(0U, 6U, 0U, 7U));
     EXPECT_THAT(TakeNotifications(), ElementsAre(std::make_pair(4, 5), std::make_pair(5, 0)));
@@ -159,7 +159,7 @@ TEST_F(ReBalanceTest, CorrectionBeyondTheCapacityRefusesTheRunInTheMeasurement) 
 TEST_F(ReBalanceTest, IgnoreRebalWeightsLetsTheRunGoOnInTheMeasurement) {
     IgnoreRebalWeights();
     LackCapacity(12.6);
-    m_pSequence->StartReBalancing(eSpeed, 0, 0);
+    m_pSequence->StartReBalancing(SPEED, 0, 0);
     EXPECT_EQ(GetState(), S::eReBalanceMeasurement1);
     EXPECT_THAT(m_Log.GetTexts("Warning"),
                 Contains("IGNORING: Compensation SetUA failed not enough capacity !!!!!!!!"));
@@ -328,7 +328,7 @@ TEST_F(ReBalanceTest, MayBeRepeatedWithoutEnd) {
         StopSpindle();
         EXPECT_EQ(GetSteps(), std::make_pair(3U, 5U));
         Next();
-        m_pSequence->CurrentRPM(eSpeed);
+        m_pSequence->CurrentRPM(SPEED);
         EXPECT_EQ(GetState(), S::eReBalanceMeasurement2);
         EXPECT_EQ(GetSteps(), std::make_pair(5U, 5U));
     }

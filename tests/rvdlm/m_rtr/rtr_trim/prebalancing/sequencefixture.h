@@ -109,7 +109,7 @@ class SequenceTest : public ProcedureTest<CSequenceProbe, CFakeMath> {
 protected:
     using S = CSinglePlaneBalancing;
 
-    SequenceTest() : ProcedureTest(SinglePlane::g_Tables, 1) {
+    SequenceTest() : ProcedureTest(SinglePlane::TABLES, 1) {
         m_Entry.CreateSinglePlane().CreateWeightCompensationTableEntry();
         m_Entry.CreateSinglePlane().SetRotationDirection(PreBalDB::CTypeBase::eCounterClockwise);
         m_Entry.CreateSinglePlane().SetInvA(FakeStoredInvA());

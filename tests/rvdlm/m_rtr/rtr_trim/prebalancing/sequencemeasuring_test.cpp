@@ -23,14 +23,14 @@ protected:
     void Read(std::int16_t Amplitude) { m_pSequence->CurrentXYValuePlane1(Amplitude, 0); }
 };
 
-constexpr int g_AllMeasuring[] = {S::eNeutralPosMeasurement, S::eTestUnbalanceMeasurement,
-                                  S::ePreBalanceMeasurement, S::eReBalanceMeasurement1,
-                                  S::eReBalanceMeasurement2};
-constexpr int g_WaitingForValues[] = {S::eNeutralPosMeasurement, S::eTestUnbalanceMeasurement,
+constexpr int ALL_MEASURING[] = {S::eNeutralPosMeasurement, S::eTestUnbalanceMeasurement,
+                                 S::ePreBalanceMeasurement, S::eReBalanceMeasurement1,
+                                 S::eReBalanceMeasurement2};
+constexpr int WAITING_FOR_VALUES[] = {S::eNeutralPosMeasurement, S::eTestUnbalanceMeasurement,
                                       S::eReBalanceMeasurement1};
 
 TEST_F(MeasuringTest, EntryShowsTheLastReadingAsNotValid) {
-    for (const int State : g_AllMeasuring) {
+    for (const int State : ALL_MEASURING) {
         const auto EnterIt = Approach(State);
         Read(12);
         EnterIt();
@@ -40,7 +40,7 @@ TEST_F(MeasuringTest, EntryShowsTheLastReadingAsNotValid) {
 }
 
 TEST_F(MeasuringTest, WhileWaitingReadingsGoToTheDisplayOnly) {
-    for (const int State : g_AllMeasuring) {
+    for (const int State : ALL_MEASURING) {
         Reach(State);
         m_pMath->m_Samples.clear();
         m_Loop.Advance(2900);
@@ -114,7 +114,7 @@ TEST_F(MeasuringTest, CompleteValuesShowTheMenuAndTellTheNCOnce) {
 }
 
 TEST_F(MeasuringTest, LeavingTheWindowShowsMenu4AndTheWarningAndDiscardsAll) {
-    for (const int State : g_WaitingForValues) {
+    for (const int State : WAITING_FOR_VALUES) {
         Reach(State);
         CompleteMeasurement();
         TakeCalls();
@@ -127,7 +127,7 @@ TEST_F(MeasuringTest, LeavingTheWindowShowsMenu4AndTheWarningAndDiscardsAll) {
                     ElementsAre("WarningModeChanged 2", "SetMenu 4", "PreBalNotification " + Step + " 5"));
         Next();
         EXPECT_EQ(GetState(), State) << "what was complete doesn't count any more";
-        m_pSequence->CurrentRPM(eSpeed);
+        m_pSequence->CurrentRPM(SPEED);
         EXPECT_EQ(m_pSequence->GetWarningMode(), 0U);
         TakeCalls();
         m_Loop.Advance(2999);
@@ -146,7 +146,7 @@ TEST_F(MeasuringTest, LossOfLockWarnsWith3AndWithSpeedWith4) {
     m_pSequence->OutOfLock(1);
     m_pSequence->CurrentRPM(0);
     m_pSequence->OutOfLock(0);
-    m_pSequence->CurrentRPM(eSpeed);
+    m_pSequence->CurrentRPM(SPEED);
     EXPECT_THAT(TakeWarnings(), ElementsAre(3U, 4U, 2U, 0U));
 }
 
@@ -199,7 +199,7 @@ TEST_F(MeasuringTest, SecondPlaneIsFedByItsOwnReadings) {
     Make(false, 1);
     m_pSequence->StartPreBalancing(0, 0, 1);
     m_pSequence->InvalidRPM(0);
-    m_pSequence->CurrentRPM(eSpeed);
+    m_pSequence->CurrentRPM(SPEED);
     Next();
     ASSERT_EQ(GetState(), S::eNeutralPosMeasurement);
     m_pSequence->CurrentXYValuePlane1(100, 0);
@@ -286,7 +286,7 @@ TEST_P(VerdictTest, BeginsAfreshWhenTheConditionWasLost) {
     m_pSequence->CurrentRPM(0);
     Read(2);
     EXPECT_EQ(m_pMethod->m_MeasurementDisplayState, Method::eNotValid);
-    m_pSequence->CurrentRPM(eSpeed);
+    m_pSequence->CurrentRPM(SPEED);
     m_Loop.Advance(3100);
     EXPECT_EQ(m_pMethod->m_MeasurementDisplayState, Method::eWithinTarget);
     EXPECT_EQ(GetAmplitude(), 2.0) << "nothing of the former samples is left";
@@ -343,7 +343,7 @@ TEST_P(VerdictTest, IsNoMeasurementOnceTheSpeedHasLeftItsWindow) {
     ASSERT_TRUE(IsMeasured());
     m_pSequence->CurrentRPM(2949);
     EXPECT_FALSE(IsMeasured());
-    m_pSequence->CurrentRPM(eSpeed);
+    m_pSequence->CurrentRPM(SPEED);
     EXPECT_FALSE(IsMeasured());
 }
 

@@ -27,13 +27,13 @@ using testing::IsEmpty;
 
 namespace {
 
-constexpr std::uint32_t eSamples = 3;
+constexpr std::uint32_t SAMPLES = 3;
 
 class SequencePartsTest : public testing::Test {
 protected:
     CFakeMethod& AddPlane(Entry::CompensationMethod Means = Entry::eWeights) {
         const int Plane = static_cast<int>(m_Planes.GetCount()) + 1;
-        auto pMethod = std::make_unique<CFakeMethod>(eSamples, m_Wnd.m_Calls, Plane);
+        auto pMethod = std::make_unique<CFakeMethod>(SAMPLES, m_Wnd.m_Calls, Plane);
         CFakeMethod& rMethod = *pMethod;
         CSequencePlane Added;
         Added.m_pMethod = std::move(pMethod);
@@ -58,7 +58,7 @@ protected:
     CLogCapture m_Log;
     CFakeMainWnd m_Wnd;
     CSequencePlanes m_Planes;
-    CSequenceMeasuring m_Measuring{m_Planes, eSamples};
+    CSequenceMeasuring m_Measuring{m_Planes, SAMPLES};
     CSequencePositions m_Positions{m_Planes, m_Wnd, "WHEEL1"};
     CSequenceEntry m_Entry{m_Planes, m_Positions,
                            [this]() -> CPlaneBalancingMethod& { return *m_Planes.Get(0).m_pMethod; }};

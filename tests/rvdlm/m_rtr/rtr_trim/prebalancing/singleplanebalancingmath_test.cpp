@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "rvlib/math/vector.h"
+#include "tests/support/casenames.h"
 #include "tests/support/logcapture.h"
 #include "tests/support/testinstallation.h"
 
@@ -24,16 +25,16 @@ using Complex = std::complex<double>;
 
 constexpr auto CW = CTypeBase::eClockwise;
 constexpr auto CCW = CTypeBase::eCounterClockwise;
-constexpr std::uint32_t eSamples = 3;
+constexpr std::uint32_t SAMPLES = 3;
 
 Complex ToComplex(const Matrix& rVector) {
     return {rVector(0, 0), rVector(1, 0)};
 }
 
 void Fill(CSinglePlaneBalancingMath& rMath, int x, int y) {
-    for (std::uint32_t i = 0; i <= eSamples; ++i) {
+    for (std::uint32_t i = 0; i <= SAMPLES; ++i) {
         const int bComplete = rMath.AddXYValue(static_cast<std::int16_t>(x), static_cast<std::int16_t>(y));
-        EXPECT_EQ(bComplete, i == eSamples ? 1 : 0);
+        EXPECT_EQ(bComplete, i == SAMPLES ? 1 : 0);
     }
 }
 
@@ -57,7 +58,7 @@ CResult RunWithUnit(CSinglePlaneBalancingMath& rMath, int FirstX, int FirstY, in
 }
 
 std::uint32_t StatusOf(int FirstX, int FirstY, int SecondX, int SecondY) {
-    CSinglePlaneBalancingMath Math(eSamples);
+    CSinglePlaneBalancingMath Math(SAMPLES);
     return RunWithUnit(Math, FirstX, FirstY, SecondX, SecondY).m_Status;
 }
 
@@ -95,7 +96,7 @@ TEST(SinglePlaneBalancingMath, NothingTwiceIsTooLittle) {
 }
 
 TEST(SinglePlaneBalancingMath, KnownUnitTakesTheDifferenceAsInfluence) {
-    CSinglePlaneBalancingMath Math(eSamples);
+    CSinglePlaneBalancingMath Math(SAMPLES);
     const CResult Result = RunWithUnit(Math, 30, 40, 30, 60);
     EXPECT_EQ(Result.m_Status, 0U);
     // Influence 20i, its inverse -0.05i, UA = -(30 + 40i) / 20i = -2 + 1.5i.
@@ -109,7 +110,7 @@ TEST(SinglePlaneBalancingMath, KnownUnitTakesTheDifferenceAsInfluence) {
 
 TEST(SinglePlaneBalancingMath, KnownUnitLeavesAUnitTransformation) {
     const CLogCapture Capture(true);
-    CSinglePlaneBalancingMath Math(eSamples);
+    CSinglePlaneBalancingMath Math(SAMPLES);
     const Matrix TestWeights = MakeVector(30, 180);
     Math.SetTestUnbalanceVector(&TestWeights, CW);
     Math.SetTestUnbalanceVector(nullptr, CW);
@@ -120,7 +121,7 @@ TEST(SinglePlaneBalancingMath, KnownUnitLeavesAUnitTransformation) {
 }
 
 TEST(SinglePlaneBalancingMath, TooLittleEffectLeavesTheFormerResult) {
-    CSinglePlaneBalancingMath Math(eSamples);
+    CSinglePlaneBalancingMath Math(SAMPLES);
     const CResult Good = RunWithUnit(Math, 100, 0, 0, 100);
     ASSERT_EQ(Good.m_Status, 0U);
     const CResult Poor = RunWithUnit(Math, 50, 0, 51, 0);
@@ -148,7 +149,7 @@ TEST(SinglePlaneBalancingMath, InfluenceBelowTheFloorIsRefusedButOverwritesTheRe
 
 TEST(SinglePlaneBalancingMath, NeutralWeightsLeaveTheReadingAsItIs) {
     const CLogCapture Capture(true);
-    CSinglePlaneBalancingMath Math(eSamples);
+    CSinglePlaneBalancingMath Math(SAMPLES);
     Math.SetRotationDirection(CCW);
     Math.SetRawUnbalanceVector(MakeVector(0, 180), CCW);
     Fill(Math, 300, -400);
@@ -164,7 +165,7 @@ TEST(SinglePlaneBalancingMath, NeutralWeightsLeaveTheReadingAsItIs) {
 }
 
 TEST(SinglePlaneBalancingMath, WeightsThatDidNotMoveGiveNoNumber) {
-    CSinglePlaneBalancingMath Math(eSamples);
+    CSinglePlaneBalancingMath Math(SAMPLES);
     Math.SetRotationDirection(CCW);
     Math.SetRawUnbalanceVector(MakeVector(40, 100), CCW);
     Fill(Math, 100, 0);
@@ -179,7 +180,7 @@ TEST(SinglePlaneBalancingMath, WeightsThatDidNotMoveGiveNoNumber) {
 }
 
 TEST(SinglePlaneBalancingMath, ClockwiseScaleStoresZeroAs360) {
-    CSinglePlaneBalancingMath Math(eSamples);
+    CSinglePlaneBalancingMath Math(SAMPLES);
     Math.SetRawUnbalanceVector(MakeVector(0, 90), CW);
     EXPECT_EQ(Math.GetRawUnbalanceVector(), MakeVector(360, 270));
     Math.SetRawUnbalanceVector(MakeVector(0, 90), CCW);
@@ -187,7 +188,7 @@ TEST(SinglePlaneBalancingMath, ClockwiseScaleStoresZeroAs360) {
 }
 
 TEST(SinglePlaneBalancingMath, RawPositionsAreCutToWholeDegreesAboveZero) {
-    CSinglePlaneBalancingMath Math(eSamples);
+    CSinglePlaneBalancingMath Math(SAMPLES);
     Math.SetRawUnbalanceVector(MakeVector(10.9, -0.5), CCW);
     EXPECT_EQ(Math.GetRawUnbalanceVector(), MakeVector(10, 359));
     Math.SetRawUnbalanceVector(MakeVector(10.9, -30.0), CW);
@@ -195,13 +196,13 @@ TEST(SinglePlaneBalancingMath, RawPositionsAreCutToWholeDegreesAboveZero) {
 }
 
 TEST(SinglePlaneBalancingMath, StartsWithOpposedWeights) {
-    CSinglePlaneBalancingMath Math(eSamples);
+    CSinglePlaneBalancingMath Math(SAMPLES);
     EXPECT_EQ(Math.GetRawUnbalanceVector(), MakeVector(0, 180));
 }
 
 TEST(SinglePlaneBalancingMath, ClockwiseRotationMirrorsXIn16Bits) {
     const CLogCapture Capture(true);
-    CSinglePlaneBalancingMath Math(eSamples);
+    CSinglePlaneBalancingMath Math(SAMPLES);
     Math.SetRotationDirection(CW);
     Fill(Math, 1234, 77);
     Math.ApplyNeutralPositionXYValues();
@@ -218,14 +219,14 @@ TEST(SinglePlaneBalancingMath, ClockwiseRotationMirrorsXIn16Bits) {
 }
 
 TEST(SinglePlaneBalancingMath, RestartDropsTheSamples) {
-    CSinglePlaneBalancingMath Math(eSamples);
+    CSinglePlaneBalancingMath Math(SAMPLES);
     Fill(Math, 1, 1);
     Math.RestartMeasurement();
     EXPECT_EQ(Math.AddXYValue(1, 1), 0);
 }
 
 TEST(SinglePlaneBalancingMath, NeutralMeasurementEmptiesTheWindow) {
-    CSinglePlaneBalancingMath Math(eSamples);
+    CSinglePlaneBalancingMath Math(SAMPLES);
     Fill(Math, 1, 1);
     Math.ApplyNeutralPositionXYValues();
     EXPECT_EQ(Math.AddXYValue(1, 1), 0);
@@ -233,7 +234,7 @@ TEST(SinglePlaneBalancingMath, NeutralMeasurementEmptiesTheWindow) {
 
 TEST(SinglePlaneBalancingMath, IncompleteMeasurementIsAssertedAndAveraged) {
     const CLogCapture Capture(true);
-    CSinglePlaneBalancingMath Math(eSamples);
+    CSinglePlaneBalancingMath Math(SAMPLES);
     Math.SetRotationDirection(CCW);
     Math.AddXYValue(10, 1);
     Math.AddXYValue(20, 3);
@@ -248,7 +249,7 @@ TEST(SinglePlaneBalancingMath, IncompleteMeasurementIsAssertedAndAveraged) {
 }
 
 TEST(SinglePlaneBalancingMath, RebalancingGivesAnAbsoluteCompensationEachTime) {
-    CSinglePlaneBalancingMath Math(eSamples);
+    CSinglePlaneBalancingMath Math(SAMPLES);
     Math.SetRotationDirection(CCW);
     Matrix InvA(2, 2);
     InvA.Null();
@@ -266,7 +267,7 @@ TEST(SinglePlaneBalancingMath, RebalancingGivesAnAbsoluteCompensationEachTime) {
 
 TEST(SinglePlaneBalancingMath, LogsItsCallsAndTheWeightsGeometry) {
     const CLogCapture Capture(true);
-    CSinglePlaneBalancingMath Math(eSamples);
+    CSinglePlaneBalancingMath Math(SAMPLES);
     Math.SetScalingDirection(CCW);
     Math.SetRawUnbalanceVector(MakeVector(0, 180), CCW);
     const Matrix TestWeights = MakeVector(30, 180);
@@ -310,12 +311,12 @@ class SinglePlanePublished : public testing::TestWithParam<std::tuple<CPublished
 
 TEST_P(SinglePlanePublished, GivesThePublishedCorrection) {
     const auto& [Case, bPair] = GetParam();
-    constexpr double eScale = 4000.0;
-    constexpr double eDegree = std::numbers::pi / 180.0;
-    CSinglePlaneBalancingMath Math(eSamples);
+    constexpr double SCALE = 4000.0;
+    constexpr double DEGREE = std::numbers::pi / 180.0;
+    CSinglePlaneBalancingMath Math(SAMPLES);
     Math.SetRotationDirection(CCW);
     const auto Measure = [&](double Amplitude, double Phase) {
-        const Complex Reading = std::polar(Amplitude * eScale, Phase * eDegree);
+        const Complex Reading = std::polar(Amplitude * SCALE, Phase * DEGREE);
         Fill(Math, static_cast<int>(std::lround(Reading.real())),
              static_cast<int>(std::lround(Reading.imag())));
     };
@@ -331,10 +332,10 @@ TEST_P(SinglePlanePublished, GivesThePublishedCorrection) {
     // The mass is one unit, so the influence has the length of the difference vector.
     Matrix InvA = Result.m_InvA;
     const Matrix Alpha = !InvA;
-    EXPECT_NEAR(std::hypot(Alpha(0, 0), Alpha(1, 0)) / eScale, Case.m_TrialEffect, 0.0006);
+    EXPECT_NEAR(std::hypot(Alpha(0, 0), Alpha(1, 0)) / SCALE, Case.m_TrialEffect, 0.0006);
     const Complex Correction = ToComplex(Result.m_UA) * Case.m_TestMass;
     EXPECT_NEAR(std::abs(Correction), Case.m_Correction, 0.0001 * Case.m_Correction);
-    EXPECT_NEAR(std::fmod(std::arg(Correction) / eDegree + 360.0, 360.0), Case.m_CorrectionAngle, 0.006);
+    EXPECT_NEAR(std::fmod(std::arg(Correction) / DEGREE + 360.0, 360.0), Case.m_CorrectionAngle, 0.006);
 }
 
 // The second publication gives no trial effect: by the law of cosines it is
@@ -343,7 +344,13 @@ INSTANTIATE_TEST_SUITE_P(
     Cases, SinglePlanePublished,
     testing::Combine(testing::Values(CPublishedCase{7, 160, 100, 5, 70, 8.602, 81.37, 324.46},
                                      CPublishedCase{3.4, 116, 2, 1.8, 42, 3.3803, 2.0117, 329.21}),
-                     testing::Bool()));
+                     testing::Bool()),
+    [](const auto& rInfo) {
+        return CaseNames::FromText("InitialAmplitude" +
+                                       testing::PrintToString(std::get<0>(rInfo.param).m_Amplitude0) +
+                                       (std::get<1>(rInfo.param) ? "PairGiven" : "PairFromTheStep"),
+                                   rInfo.index);
+    });
 
 /// Test runs with two weights on a rotor whose physics stand here: a reading is influence * conj(w), with X
 /// negated when the rotor turns clockwise; a weight at s on a clockwise scale sits at -s.
@@ -358,25 +365,24 @@ struct CRotorCase {
 
 class SinglePlaneTestEffect : public testing::Test {
 protected:
-    static constexpr double c_Degree = std::numbers::pi / 180.0;
+    static constexpr double DEGREE = std::numbers::pi / 180.0;
 
     void EnableVectorRule() { m_Installation.EnableFeature("PreBalancingVectorTestEffect"); }
 
     static Complex Sum(const CRotorCase& rCase, const Matrix& rAngles) {
-        const double Sense = rCase.m_Scale == CW ? -c_Degree : c_Degree;
+        const double Sense = rCase.m_Scale == CW ? -DEGREE : DEGREE;
         return std::polar(1.0, Sense * rAngles(0, 0)) + std::polar(1.0, Sense * rAngles(1, 0));
     }
     static Complex Read(const CRotorCase& rCase, const Matrix& rAngles) {
-        const Complex Unbalance =
-            std::polar(rCase.m_Amount, rCase.m_AngleDeg * c_Degree) + Sum(rCase, rAngles);
+        const Complex Unbalance = std::polar(rCase.m_Amount, rCase.m_AngleDeg * DEGREE) + Sum(rCase, rAngles);
         const Complex Reading =
-            std::polar(rCase.m_Influence, rCase.m_PhaseDeg * c_Degree) * std::conj(Unbalance);
+            std::polar(rCase.m_Influence, rCase.m_PhaseDeg * DEGREE) * std::conj(Unbalance);
         const Complex Seen = rCase.m_Rotation == CW ? -std::conj(Reading) : Reading;
         return {std::round(Seen.real()), std::round(Seen.imag())};
     }
     /// One weight of two that stand opposed goes back by 30 degrees.
     static CResult Run(const CRotorCase& rCase) {
-        CSinglePlaneBalancingMath Math(eSamples);
+        CSinglePlaneBalancingMath Math(SAMPLES);
         Math.SetRotationDirection(rCase.m_Rotation);
         const Matrix Opposed = MakeVector(0, 180);
         const Matrix Moved = MakeVector(30, 180);
@@ -397,10 +403,10 @@ protected:
 
 // A run from the field: the reading turns by 24 degrees at nearly the same length. The vector has changed by
 // 42 percent, and by the default rule that is no effect.
-constexpr CRotorCase c_TurnedReading{1.2396, 154.2, 437.13, 109.0};
+constexpr CRotorCase TURNED_READING{1.2396, 154.2, 437.13, 109.0};
 
 TEST_F(SinglePlaneTestEffect, AReadingThatTurnsCountsByTheVectorsRuleOnly) {
-    const CRotorCase& rCase = c_TurnedReading;
+    const CRotorCase& rCase = TURNED_READING;
     const Complex First = Read(rCase, MakeVector(0, 180));
     const Complex Second = Read(rCase, MakeVector(30, 180));
     EXPECT_NEAR(std::abs(First), 542.4, 1.0);
@@ -435,7 +441,7 @@ TEST_F(SinglePlaneTestEffect, NothingTwiceIsTooLittleByTheVectorsRuleToo) {
 }
 
 TEST_F(SinglePlaneTestEffect, TheFlagIsReadWhenTheMathematicsAreMade) {
-    CSinglePlaneBalancingMath Math(eSamples);
+    CSinglePlaneBalancingMath Math(SAMPLES);
     EnableVectorRule();
     EXPECT_EQ(RunWithUnit(Math, 1000, 0, 1000, 300).m_Status, 1U);
 }
@@ -449,10 +455,10 @@ TEST_F(SinglePlaneTestEffect, EveryRotorUpToCapacityIsAcceptedByTheVectorsRule) 
     const auto Uniform = [&Generator](double Low, double High) {
         return Low + (High - Low) * static_cast<double>(Generator() >> 11U) * 0x1p-53;
     };
-    constexpr int c_nRotors = 20'000;
+    constexpr int ROTORS = 20'000;
     int nRefused = 0;
     int nWrong = 0;
-    for (int i = 0; i < c_nRotors; ++i) {
+    for (int i = 0; i < ROTORS; ++i) {
         const CRotorCase Case{Uniform(0.0, 2.0),   Uniform(0.0, 360.0),   Uniform(60.0, 2000.0),
                               Uniform(0.0, 360.0), i % 2 == 0 ? CW : CCW, i % 4 < 2 ? CW : CCW};
         const CResult Result = Run(Case);

@@ -20,10 +20,10 @@ using Complex = CRotorModel::Complex;
 using PreBalDB::CTypeBase;
 using testing::IsEmpty;
 
-constexpr std::uint16_t eSpeed = 3000;
-constexpr std::uint32_t eSamples = 40;
+constexpr std::uint16_t SPEED = 3000;
+constexpr std::uint32_t SAMPLES = 40;
 /// Settling, then one tick more than there are samples in the window.
-constexpr std::uint32_t eMeasuringTime = 3000 + (eSamples + 1) * 50;
+constexpr std::uint32_t MEASURING_TIME = 3000 + (SAMPLES + 1) * 50;
 
 /// The machine and the operator: brings the spindle to speed and to a stop, fits the weights as told.
 class SinglePlaneRunTest : public testing::Test {
@@ -31,7 +31,7 @@ protected:
     SinglePlaneRunTest() {
         m_Entry.SetRPMTolerance(50);
         m_Entry.SetTargetUnbalance(15);
-        m_Entry.SetNumberOfSamples(eSamples);
+        m_Entry.SetNumberOfSamples(SAMPLES);
         m_Rotor.m_Own = CRotorModel::Polar(0.8, 123.0);
         m_Rotor.m_Influence = CRotorModel::Polar(150.0, 40.0);
         SetDirections(CTypeBase::eClockwise, CTypeBase::eClockwise);
@@ -79,7 +79,7 @@ protected:
     /// Measures until the menu for complete values comes up, which is to happen at its instant.
     void MeasureUntil(int CompleteMenu) {
         Feed();
-        m_Loop.Advance(eMeasuringTime - 1);
+        m_Loop.Advance(MEASURING_TIME - 1);
         EXPECT_EQ(m_Wnd.GetMenu(), 4);
         m_Loop.Advance(1);
         ASSERT_EQ(m_Wnd.GetMenu(), CompleteMenu);
@@ -87,15 +87,15 @@ protected:
     }
     void MeasureFinally() {
         Feed();
-        m_Loop.Advance(eMeasuringTime);
+        m_Loop.Advance(MEASURING_TIME);
     }
 
     void StartAndMeasureNeutral() {
-        m_pSequence->StartPreBalancing(eSpeed, 0, 0);
+        m_pSequence->StartPreBalancing(SPEED, 0, 0);
         StopSpindle();
         FitWeights();
         Next();
-        m_pSequence->CurrentRPM(eSpeed);
+        m_pSequence->CurrentRPM(SPEED);
         m_pSequence->InvalidRPM(0);
         Next();
         ASSERT_EQ(GetState(), S::eNeutralPosMeasurement);
@@ -107,7 +107,7 @@ protected:
         ASSERT_EQ(GetState(), S::eTestUnbalanceSetWeights);
         FitWeights();
         Next();
-        m_pSequence->CurrentRPM(eSpeed);
+        m_pSequence->CurrentRPM(SPEED);
         ASSERT_EQ(GetState(), S::eTestUnbalanceMeasurement);
         MeasureUntil(0);
         Next();
@@ -117,7 +117,7 @@ protected:
         StopSpindle();
         FitWeights();
         Next();
-        m_pSequence->CurrentRPM(eSpeed);
+        m_pSequence->CurrentRPM(SPEED);
         ASSERT_EQ(GetState(), S::ePreBalanceMeasurement);
         MeasureFinally();
     }
@@ -135,7 +135,7 @@ protected:
         ASSERT_EQ(GetState(), S::eReBalanceSetWeights);
         FitWeights();
         Next();
-        m_pSequence->CurrentRPM(eSpeed);
+        m_pSequence->CurrentRPM(SPEED);
         ASSERT_EQ(GetState(), S::eReBalanceMeasurement2);
         MeasureFinally();
     }
@@ -187,7 +187,7 @@ TEST_P(WholeRunTest, BalancesTheRotorAndBalancesItAgain) {
     EXPECT_EQ(m_Entry.IsCalibrated(), 0);
     ASSERT_TRUE(m_pSequence->CommitChanges());
     EXPECT_EQ(m_Entry.IsCalibrated(), 1);
-    EXPECT_EQ(m_Entry.GetCalibratedRPM(), eSpeed);
+    EXPECT_EQ(m_Entry.GetCalibratedRPM(), SPEED);
 
     // The positions of the run are in the file.
     m_Wnd.m_Store.Load();
@@ -199,7 +199,7 @@ TEST_P(WholeRunTest, BalancesTheRotorAndBalancesItAgain) {
     const Complex Wear = CRotorModel::Polar(0.3, rRow.m_Degrees + 100.0);
     m_Rotor.m_Own += Wear;
     Make();
-    ASSERT_EQ(m_pSequence->StartReBalancing(eSpeed, 0, 0), 1);
+    ASSERT_EQ(m_pSequence->StartReBalancing(SPEED, 0, 0), 1);
     ReBalance();
     EXPECT_LE(std::abs(m_Rotor.GetResidual()), GetReBalanceError(Wear));
     EXPECT_EQ(m_Wnd.m_Notifications.back().m_Step, Nc::eRebalSuccess);
@@ -260,7 +260,7 @@ TEST_F(SinglePlaneRunTest, RebalanceFromStandstillShowsWhereTheWeightsAre) {
               (std::set{m_Rotor.m_Weights[0], m_Rotor.m_Weights[1]}));
     m_Rotor.m_Own += CRotorModel::Polar(0.2, 45.0);
     Next();
-    m_pSequence->CurrentRPM(eSpeed);
+    m_pSequence->CurrentRPM(SPEED);
     ReBalance();
     EXPECT_EQ(m_pSequence->GetCurrentStep(), 7U);
     EXPECT_EQ(m_Wnd.m_Notifications.back().m_Step, Nc::eRebalSuccess);
@@ -273,7 +273,7 @@ TEST_F(SinglePlaneRunTest, CheckedWeightsAreCorrectedFromWhereTheyStand) {
     PreBalance();
     m_pSequence->CommitChanges();
     Make();
-    m_pSequence->StartReBalancing(eSpeed, 0, 0);
+    m_pSequence->StartReBalancing(SPEED, 0, 0);
     m_Rotor.m_Weights[0] = (m_Rotor.m_Weights[0] + 12) % 360;
     MeasureUntil(8);
     m_pSequence->KeyPressed(K::eCheckWeightPositions);
@@ -296,13 +296,13 @@ TEST_F(SinglePlaneRunTest, DipInSpeedCostsTimeButNotTheResult) {
     StopSpindle();
     FitWeights();
     Next();
-    m_pSequence->CurrentRPM(eSpeed);
+    m_pSequence->CurrentRPM(SPEED);
     Feed();
     m_Loop.Advance(4000);
-    m_pSequence->CurrentRPM(eSpeed - 200);
+    m_pSequence->CurrentRPM(SPEED - 200);
     m_pSequence->CurrentXYValuePlane1(3000, -2000);  // what a sensor says meanwhile
     m_Loop.Advance(200);
-    m_pSequence->CurrentRPM(eSpeed);
+    m_pSequence->CurrentRPM(SPEED);
     MeasureUntil(0);
     Next();
     CorrectAndMeasure();
@@ -317,7 +317,7 @@ TEST_F(SinglePlaneRunTest, WeightsFittedWronglyEndOverTheTarget) {
     FitWeights();
     m_Rotor.m_Weights[1] = (m_Rotor.m_Weights[1] + 20) % 360;
     Next();
-    m_pSequence->CurrentRPM(eSpeed);
+    m_pSequence->CurrentRPM(SPEED);
     MeasureFinally();
     EXPECT_EQ(m_Wnd.m_Notifications.back().m_Step, Nc::eSetupOverTarget);
     EXPECT_EQ(m_pSequence->GetWarningMode(), 8U);
@@ -339,13 +339,13 @@ TEST_F(SinglePlaneRunTest, CapacityShortWarnsWithThePercentageAndGoesOn) {
     EXPECT_EQ(m_Rotor.m_Weights[0], m_Rotor.m_Weights[1]) << "both weights against the unbalance";
     EXPECT_NEAR(std::abs(m_Rotor.GetResidual()), 0.5, 0.1);
     Next();
-    m_pSequence->CurrentRPM(eSpeed);
+    m_pSequence->CurrentRPM(SPEED);
     MeasureFinally();
     EXPECT_EQ(m_Wnd.m_Notifications.back().m_Step, Nc::eSetupOverTarget);
     ASSERT_TRUE(m_pSequence->CommitChanges());
     // The computed vector is stored, and a re-balancing with it is refused.
     Make();
-    EXPECT_EQ(m_pSequence->StartReBalancing(eSpeed, 0, 0), 1);
+    EXPECT_EQ(m_pSequence->StartReBalancing(SPEED, 0, 0), 1);
     EXPECT_EQ(GetState(), S::eFailureWithReset);
     EXPECT_EQ(m_pSequence->GetWarningMode(), 7U);
 }
@@ -393,7 +393,7 @@ TEST_F(SinglePlaneRunTest, TestWeightsThatWerentMovedFailTheRun) {
     ASSERT_EQ(m_Rotor.m_Weights[0], 0);
     m_Rotor.m_Own *= 2.0;
     Next();
-    m_pSequence->CurrentRPM(eSpeed);
+    m_pSequence->CurrentRPM(SPEED);
     MeasureUntil(0);
     Next();
     EXPECT_EQ(GetState(), S::eFailureWithReset);
@@ -406,7 +406,7 @@ TEST_F(SinglePlaneRunTest, AbortInTheMiddleLeavesNothingSaved) {
     StopSpindle();
     FitWeights();
     Next();
-    m_pSequence->CurrentRPM(eSpeed);
+    m_pSequence->CurrentRPM(SPEED);
     Feed();
     m_Loop.Advance(4000);
     m_pSequence->AbortBalancing(1);
@@ -423,7 +423,7 @@ TEST_F(SinglePlaneRunTest, StoredPositionsAreTheNeutralOnesOfTheNextRun) {
     m_pSequence->CommitChanges();
     m_Rotor.m_Own += CRotorModel::Polar(0.4, 200.0);
     Make();
-    m_pSequence->StartPreBalancing(eSpeed, 0, 0);
+    m_pSequence->StartPreBalancing(SPEED, 0, 0);
     EXPECT_EQ(m_Wnd.GetMenu(), 29);
     m_pSequence->KeyPressed(K::ePositionAdoption);
     ASSERT_EQ(GetState(), S::eNeutralPosRPMStart) << "the spindle needn't stop";

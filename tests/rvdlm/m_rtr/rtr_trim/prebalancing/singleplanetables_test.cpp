@@ -134,13 +134,13 @@ TEST_F(SequenceTest, EnteringIdleIsImpossible) {
 
 TEST_F(SequenceTest, EnteringAStateLogsItsNameAndStep) {
     const CLogCapture Flow(true);
-    m_pSequence->StartPreBalancing(eSpeed, 0, 0);
+    m_pSequence->StartPreBalancing(SPEED, 0, 0);
     EXPECT_THAT(Flow.GetTexts("PbFlow"), testing::Contains("eNeutralPosSpindleStop Step(1/12)"));
 }
 
 TEST_F(SequenceTest, HistorySaysWhenWhereAndWhy) {
     m_Loop.Advance(1234);
-    m_pSequence->StartPreBalancing(eSpeed, 0, 0);
+    m_pSequence->StartPreBalancing(SPEED, 0, 0);
     m_pSequence->CurrentRPM(0);
     Next();
     m_pSequence->AbortBalancing(11);

@@ -66,8 +66,8 @@ std::string MakeStateMachinesPage() {
            "the host\nmay end every state in state 1, and a calculation that can't be made in state 2; "
            "nothing follows "
            "those two.\n\n";
-    Append(Page, "One plane", SinglePlane::g_Tables);
+    Append(Page, "One plane", SinglePlane::TABLES);
     Page << "\n";
-    Append(Page, "Two coupled planes", TwoPlane::g_Tables);
+    Append(Page, "Two coupled planes", TwoPlane::TABLES);
     return Page.str();
 }

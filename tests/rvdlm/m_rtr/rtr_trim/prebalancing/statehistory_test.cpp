@@ -16,7 +16,7 @@ TEST(StateHistoryTest, PrintsALineForEachTransition) {
 
 TEST(StateHistoryTest, KeepsTheLastOnesAndSaysHowManyWent) {
     CStateHistory History;
-    for (std::uint64_t i = 0; i < CStateHistory::eCapacity + 3; ++i) {
+    for (std::uint64_t i = 0; i < CStateHistory::CAPACITY + 3; ++i) {
         History.Add({i, "eA", "eB", "eC", 0, 0});
     }
     ASSERT_EQ(History.GetEntries().size(), 64U);

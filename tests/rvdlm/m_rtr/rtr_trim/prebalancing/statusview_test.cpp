@@ -12,8 +12,8 @@ namespace {
 
 using testing::ElementsAre;
 
-constexpr COLORREF c_White = RGB(255, 255, 255);
-constexpr COLORREF c_Line = RGB(0x71, 0x6F, 0x64);
+constexpr COLORREF WHITE = RGB(255, 255, 255);
+constexpr COLORREF LINE = RGB(0x71, 0x6F, 0x64);
 
 class CTestView : public CStatusView {};
 
@@ -54,29 +54,29 @@ protected:
     void Paint(const CRect& rRect) {
         m_Bitmap.Create({830, 60});
         CDC Dc(m_Bitmap);
-        Dc.FillSolidRect(GetWhole(m_Bitmap), c_Background);
+        Dc.FillSolidRect(GetWhole(m_Bitmap), BACKGROUND);
         m_View.Paint(&Dc, rRect);
     }
 
-    static constexpr COLORREF c_Background = RGB(1, 2, 3);
-    static constexpr CRect c_Pane{10, 5, 811, 33};
+    static constexpr COLORREF BACKGROUND = RGB(1, 2, 3);
+    static constexpr CRect PANE{10, 5, 811, 33};
     CBitmap m_Bitmap;
 };
 
 TEST_F(StatusViewPaintTest, TwoWhiteHalvesAreDividedByTheFrameLine) {
-    Paint(c_Pane);
-    EXPECT_EQ(FindInk(m_Bitmap, GetWhole(m_Bitmap), c_Background), c_Pane);
-    EXPECT_EQ(m_Bitmap.GetPixel(11, 6), c_White);
-    EXPECT_EQ(m_Bitmap.GetPixel(412, 6), c_White);
-    EXPECT_EQ(CountPixels(m_Bitmap, CRect(10, 32, 811, 33), c_Line), 801);
-    EXPECT_EQ(CountPixels(m_Bitmap, CRect(410, 5, 411, 33), c_Line), 28) << "the divider";
-    EXPECT_EQ(CountPixels(m_Bitmap, CRect(810, 5, 811, 33), c_Line), 28);
+    Paint(PANE);
+    EXPECT_EQ(FindInk(m_Bitmap, GetWhole(m_Bitmap), BACKGROUND), PANE);
+    EXPECT_EQ(m_Bitmap.GetPixel(11, 6), WHITE);
+    EXPECT_EQ(m_Bitmap.GetPixel(412, 6), WHITE);
+    EXPECT_EQ(CountPixels(m_Bitmap, CRect(10, 32, 811, 33), LINE), 801);
+    EXPECT_EQ(CountPixels(m_Bitmap, CRect(410, 5, 411, 33), LINE), 28) << "the divider";
+    EXPECT_EQ(CountPixels(m_Bitmap, CRect(810, 5, 811, 33), LINE), 28);
 }
 
 TEST_F(StatusViewPaintTest, TheSpeedsStandAtTheOuterEnds) {
-    Paint(c_Pane);
-    const CRect Left = FindInk(m_Bitmap, CRect(10, 5, 410, 32), c_White).value_or(CRect());
-    const CRect Right = FindInk(m_Bitmap, CRect(411, 5, 810, 32), c_White).value_or(CRect());
+    Paint(PANE);
+    const CRect Left = FindInk(m_Bitmap, CRect(10, 5, 410, 32), WHITE).value_or(CRect());
+    const CRect Right = FindInk(m_Bitmap, CRect(411, 5, 810, 32), WHITE).value_or(CRect());
     EXPECT_NEAR(Left.left, 20, 3);
     EXPECT_NEAR(Right.right, 801, 3);
     EXPECT_GE(Left.top, 5 + 2) << "a tenth of the height";
@@ -89,17 +89,17 @@ TEST_F(StatusViewPaintTest, TheSpeedsStandAtTheOuterEnds) {
 TEST_F(StatusViewPaintTest, ALowLineGetsASmallerFontAndNothingIsCutOff) {
     const CRect Low(10, 5, 811, 22);  // 17 rows
     Paint(Low);
-    const CRect Text = FindInk(m_Bitmap, CRect(10, 5, 410, 21), c_White).value_or(CRect());
+    const CRect Text = FindInk(m_Bitmap, CRect(10, 5, 410, 21), WHITE).value_or(CRect());
     EXPECT_GE(Text.top, 6);
     EXPECT_LE(Text.bottom, 21) << "above the frame line";
-    EXPECT_EQ(CountPixels(m_Bitmap, CRect(10, 21, 811, 22), c_Line), 801) << "which stays whole";
+    EXPECT_EQ(CountPixels(m_Bitmap, CRect(10, 21, 811, 22), LINE), 801) << "which stays whole";
 }
 
 TEST_F(StatusViewPaintTest, APaneWithoutRoomIsNoTrouble) {
     for (const CRect& rRect : {CRect(), CRect(10, 5, 12, 6), CRect(10, 5, 811, 7), CRect(9, 9, 5, 5)}) {
         Paint(rRect);
     }
-    EXPECT_EQ(CountPixels(m_Bitmap, c_Background), 830 * 60);
+    EXPECT_EQ(CountPixels(m_Bitmap, BACKGROUND), 830 * 60);
 }
 
 }  // namespace

@@ -105,7 +105,7 @@ TEST_F(TwoPlaneTest, CapacityShortInTheFirstMeasurementRefusesARebalancing) {
     Make();
     m_pMethod1->m_bReached = false;
     m_pMethod1->m_Percent = 7.5;
-    EXPECT_NE(m_pSequence->StartReBalancing(eSpeed, 0, 0), 0);
+    EXPECT_NE(m_pSequence->StartReBalancing(SPEED, 0, 0), 0);
     EXPECT_EQ(GetState(), S::eFailureWithReset);
     EXPECT_THAT(m_Wnd.m_WarningModes, IsSupersetOf({6U, 7U}));
     EXPECT_THAT(m_Log.GetTexts("Warning"),
@@ -192,7 +192,7 @@ TEST_F(TwoPlaneTest, RebalancingCalculatesFromTheStoredCalibration) {
     // With the speed on from the start the stored corrections are not gone through before.
     Calibrate();
     Make();
-    m_pSequence->StartReBalancing(eSpeed, 0, 0);
+    m_pSequence->StartReBalancing(SPEED, 0, 0);
     ASSERT_EQ(GetState(), S::eReBalanceMeasurement1);
     EXPECT_EQ(GetSteps(), std::make_pair(1U, 5U));
     CompleteMeasurement();
@@ -335,7 +335,7 @@ TEST_F(TwoPlaneTest, TestWeightsThatStandAsAdoptedFailTheirLeg) {
     m_pSequence->CommitChanges();
     Reach(S::eNeutralPosSpindleStop);
     Key(K::ePositionAdoption);
-    m_pSequence->CurrentRPM(eSpeed);
+    m_pSequence->CurrentRPM(SPEED);
     m_pSequence->OutOfLock(0);
     m_pSequence->InvalidRPM(0);
     Next();

@@ -25,7 +25,7 @@ using Matrix = math::matrix<double>;
 
 constexpr auto CW = CTypeBase::eClockwise;
 constexpr auto CCW = CTypeBase::eCounterClockwise;
-constexpr std::uint32_t eSamples = 3;
+constexpr std::uint32_t SAMPLES = 3;
 
 Complex ToComplex(const Matrix& rVector) {
     return {rVector(0, 0), rVector(1, 0)};
@@ -44,8 +44,8 @@ std::int16_t ToCounts(double Value) {
 /// Fills both windows with one reading each.
 void Fill(CTwoPlaneBalancingMath& rMath, Complex Plane1, Complex Plane2) {
     rMath.RestartMeasurement();
-    for (std::uint32_t i = 0; i <= eSamples; ++i) {
-        const int bComplete = i == eSamples ? 1 : 0;
+    for (std::uint32_t i = 0; i <= SAMPLES; ++i) {
+        const int bComplete = i == SAMPLES ? 1 : 0;
         EXPECT_EQ(rMath.AddXYValuePlane1(ToCounts(Plane1.real()), ToCounts(Plane1.imag())), bComplete);
         EXPECT_EQ(rMath.AddXYValuePlane2(ToCounts(Plane2.real()), ToCounts(Plane2.imag())), bComplete);
     }
@@ -113,7 +113,7 @@ protected:
     const std::array<Complex, 2> m_V1 = {FromPolar(235, 94), FromPolar(58, 68)};
     const std::array<Complex, 2> m_V2 = {FromPolar(189, 115), FromPolar(77, 104)};
     Readings m_Readings;
-    CTwoPlaneBalancingMath m_Math{eSamples};
+    CTwoPlaneBalancingMath m_Math{SAMPLES};
 };
 
 // The trial weight as the one known unit, as with screws: the correction comes in units of it.
@@ -205,7 +205,7 @@ TEST_P(EverySense, CompensationIsThatOfThePhysics) {
         if (ChangeIn(0) < 0.5 || ChangeIn(1) < 0.5) {
             continue;  // a test run of nearly no effect
         }
-        CTwoPlaneBalancingMath Math(eSamples);
+        CTwoPlaneBalancingMath Math(SAMPLES);
         Math.SetRotationDirectionPlane1(Rotor.m_Rotation);
         Math.SetRawUnbalanceVectorsAngles(First[0], First[1], Rotor.m_Scaling[0], Rotor.m_Scaling[1]);
         const CResult Result = RunMath(
@@ -213,11 +213,9 @@ TEST_P(EverySense, CompensationIsThatOfThePhysics) {
             {Rotor.Read(First[0], First[1]), Rotor.Read(Tests[0], First[1]), Rotor.Read(Tests[0], Tests[1])},
             &Tests[0], &Tests[1], Rotor.m_Scaling[0], Rotor.m_Scaling[1]);
         // Whole counts: half a count in X and Y, in influences that are at least 1000.
-        constexpr double eTolerance = 0.02;
-        EXPECT_NEAR(std::abs(std::conj(ToComplex(Result.m_UA1)) + Rotor.m_Unbalance[0]), 0.0, eTolerance)
-            << i;
-        EXPECT_NEAR(std::abs(std::conj(ToComplex(Result.m_UA2)) + Rotor.m_Unbalance[1]), 0.0, eTolerance)
-            << i;
+        constexpr double TOLERANCE = 0.02;
+        EXPECT_NEAR(std::abs(std::conj(ToComplex(Result.m_UA1)) + Rotor.m_Unbalance[0]), 0.0, TOLERANCE) << i;
+        EXPECT_NEAR(std::abs(std::conj(ToComplex(Result.m_UA2)) + Rotor.m_Unbalance[1]), 0.0, TOLERANCE) << i;
 
         // Re-balancing after a change of the rotor, with the weights still at their test positions: the
         // vector that they produce is the stored one.
@@ -228,15 +226,15 @@ TEST_P(EverySense, CompensationIsThatOfThePhysics) {
             const Complex Vector = std::conj(Rotor.Weights(Plane, Tests[Plane]));
             return MakeVector(Vector.real(), Vector.imag());
         };
-        CTwoPlaneBalancingMath Later(eSamples);
+        CTwoPlaneBalancingMath Later(SAMPLES);
         Later.SetRotationDirectionPlane1(Rotor.m_Rotation);
         const auto Reading = Worn.Read(Tests[0], Tests[1]);
         Fill(Later, Reading[0], Reading[1]);
         Matrix UA1;
         Matrix UA2;
         Later.SetMatricesAndGetRebalanceResult(Result.m_InvA, Produced(0), Produced(1), UA1, UA2);
-        EXPECT_NEAR(std::abs(std::conj(ToComplex(UA1)) + Worn.m_Unbalance[0]), 0.0, eTolerance) << i;
-        EXPECT_NEAR(std::abs(std::conj(ToComplex(UA2)) + Worn.m_Unbalance[1]), 0.0, eTolerance) << i;
+        EXPECT_NEAR(std::abs(std::conj(ToComplex(UA1)) + Worn.m_Unbalance[0]), 0.0, TOLERANCE) << i;
+        EXPECT_NEAR(std::abs(std::conj(ToComplex(UA2)) + Worn.m_Unbalance[1]), 0.0, TOLERANCE) << i;
     }
 }
 
@@ -250,7 +248,7 @@ TEST_P(EverySense, WeightsBesideScrewsAreCompensated) {
         const Complex Unit = 1.0;
         const Complex Test1 = bWeightsFirst ? Rotor.Weights(0, Positions) : Unit;
         const Complex Test2 = bWeightsFirst ? Unit : Rotor.Weights(1, Positions);
-        CTwoPlaneBalancingMath Math(eSamples);
+        CTwoPlaneBalancingMath Math(SAMPLES);
         Math.SetRotationDirectionPlane1(Rotor.m_Rotation);
         Math.SetRawUnbalanceVectors(Rotor.m_Scaling[0], Rotor.m_Scaling[1]);
         const CResult Result = RunMath(
@@ -280,7 +278,7 @@ const Readings g_Uncoupled = {
     {{Complex(40, 0), Complex(0, 60)}, {Complex(60, 0), Complex(0, 60)}, {Complex(60, 0), Complex(0, 90)}}};
 
 TEST(TwoPlaneBalancingMath, ZeroCrossInfluenceSolvesEachPlaneByItself) {
-    CTwoPlaneBalancingMath Math(eSamples);
+    CTwoPlaneBalancingMath Math(SAMPLES);
     Math.SetRotationDirectionPlane1(CCW);
     const CResult Result = RunMath(Math, g_Uncoupled, nullptr, nullptr, CW, CW);
     EXPECT_NEAR(std::abs(ToComplex(Result.m_UA1) - Complex(-2, 0)), 0.0, 1e-12);
@@ -293,7 +291,7 @@ TEST(TwoPlaneBalancingMath, ZeroCrossInfluenceSolvesEachPlaneByItself) {
 
 TEST(TwoPlaneBalancingMath, SingularSystemAtFirstGivesZeroWithStatusZero) {
     const CLogCapture Log;
-    CTwoPlaneBalancingMath Math(eSamples);
+    CTwoPlaneBalancingMath Math(SAMPLES);
     Math.SetRotationDirectionPlane1(CCW);
     // Sensor 2 is dead.
     const Readings Dead = {
@@ -308,7 +306,7 @@ TEST(TwoPlaneBalancingMath, SingularSystemAtFirstGivesZeroWithStatusZero) {
 }
 
 TEST(TwoPlaneBalancingMath, SingularSystemLaterGoesOnWithTheLastInverse) {
-    CTwoPlaneBalancingMath Math(eSamples);
+    CTwoPlaneBalancingMath Math(SAMPLES);
     Math.SetRotationDirectionPlane1(CCW);
     const CResult Good = RunMath(Math, g_Uncoupled, nullptr, nullptr, CW, CW);
     // The second plane repeats the first: reading, own and cross influence.
@@ -322,7 +320,7 @@ TEST(TwoPlaneBalancingMath, SingularSystemLaterGoesOnWithTheLastInverse) {
 }
 
 TEST(TwoPlaneBalancingMath, NoRawUnbalanceNeedsNoCompensation) {
-    CTwoPlaneBalancingMath Math(eSamples);
+    CTwoPlaneBalancingMath Math(SAMPLES);
     Math.SetRotationDirectionPlane1(CCW);
     const Readings Balanced = {
         {{Complex(), Complex()}, {Complex(20, 0), Complex()}, {Complex(20, 0), Complex(0, 30)}}};
@@ -332,7 +330,7 @@ TEST(TwoPlaneBalancingMath, NoRawUnbalanceNeedsNoCompensation) {
 }
 
 TEST(TwoPlaneBalancingMath, MirroredZeroStaysZero) {
-    CTwoPlaneBalancingMath Math(eSamples);
+    CTwoPlaneBalancingMath Math(SAMPLES);
     Math.SetRawUnbalanceVectorsAngles(MakeVector(0, 90), MakeVector(0, 90), CCW, CW);
     for (const Matrix* pAngles : {&Math.GetPlane1().GetFirstDirectMeasurementWeightAngles(),
                                   &Math.GetPlane2().GetFirstCrossMeasurementWeightAngles(),
@@ -343,13 +341,13 @@ TEST(TwoPlaneBalancingMath, MirroredZeroStaysZero) {
 }
 
 TEST(TwoPlaneBalancingMath, AnglesThatNearlyMirrorToAFullTurnBecomeZero) {
-    CTwoPlaneBalancingMath Math(eSamples);
+    CTwoPlaneBalancingMath Math(SAMPLES);
     Math.SetRawUnbalanceVectorsAngles(MakeVector(0.005, 0.02), MakeVector(0, 180), CCW, CW);
     EXPECT_EQ(ToComplex(Math.GetPlane1().GetFirstDirectMeasurementWeightAngles()), Complex(0, 359.98));
 }
 
 TEST(TwoPlaneBalancingMath, OnlyOneSenseOfScaleIsMirroredInEachPlane) {
-    CTwoPlaneBalancingMath Math(eSamples);
+    CTwoPlaneBalancingMath Math(SAMPLES);
     Math.SetRawUnbalanceVectorsAngles(MakeVector(10, 90), MakeVector(20, 90), CW, CCW);
     EXPECT_EQ(ToComplex(Math.GetPlane1().GetFirstDirectMeasurementWeightAngles()), Complex(10, 90));
     EXPECT_EQ(ToComplex(Math.GetPlane2().GetFirstDirectMeasurementWeightAngles()), Complex(20, 90));
@@ -358,7 +356,7 @@ TEST(TwoPlaneBalancingMath, OnlyOneSenseOfScaleIsMirroredInEachPlane) {
 }
 
 TEST(TwoPlaneBalancingMath, Plane2TurnsTheOtherWay) {
-    CTwoPlaneBalancingMath Math(eSamples);
+    CTwoPlaneBalancingMath Math(SAMPLES);
     Math.SetRotationDirectionPlane1(CW);
     EXPECT_EQ(Math.GetPlane1().GetRotationDirection(), CW);
     EXPECT_EQ(Math.GetPlane2().GetRotationDirection(), CCW);
@@ -368,7 +366,7 @@ TEST(TwoPlaneBalancingMath, Plane2TurnsTheOtherWay) {
 }
 
 TEST(TwoPlaneBalancingMath, NeutralReadingDoesNotRestartTheWindows) {
-    CTwoPlaneBalancingMath Math(eSamples);
+    CTwoPlaneBalancingMath Math(SAMPLES);
     Fill(Math, Complex(1, 2), Complex(3, 4));
     Math.ApplyNeutralPositionXYValues();
     EXPECT_EQ(Math.AddXYValuePlane1(1, 2), 1);
@@ -378,7 +376,7 @@ TEST(TwoPlaneBalancingMath, NeutralReadingDoesNotRestartTheWindows) {
 }
 
 TEST(TwoPlaneBalancingMath, SecondRebalanceResultMovesOnByTheSameCorrection) {
-    CTwoPlaneBalancingMath Math(eSamples);
+    CTwoPlaneBalancingMath Math(SAMPLES);
     Math.SetRotationDirectionPlane1(CCW);
     const CResult Good = RunMath(Math, g_Uncoupled, nullptr, nullptr, CW, CW);
     Math.SetMathMatrices(Good.m_InvA, MakeVector(1, 0), MakeVector(0, 1));
@@ -398,7 +396,7 @@ TEST(TwoPlaneBalancingMath, SecondRebalanceResultMovesOnByTheSameCorrection) {
 
 TEST(TwoPlaneBalancingMath, DumpsOfTheCorrectionKeepTheirNames) {
     const CLogCapture Log(true);
-    CTwoPlaneBalancingMath Math(eSamples);
+    CTwoPlaneBalancingMath Math(SAMPLES);
     Fill(Math, Complex(1, 2), Complex(3, 4));
     Matrix UA1;
     Matrix UA2;

@@ -115,7 +115,7 @@ class TwoPlaneTest : public ProcedureTest<CTwoPlaneProbe, CFakeTwoPlaneMath> {
 protected:
     using S = CTwoPlaneBalancing;
 
-    TwoPlaneTest() : ProcedureTest(TwoPlane::g_Tables, 2) {
+    TwoPlaneTest() : ProcedureTest(TwoPlane::TABLES, 2) {
         m_Entry.CreateTwoPlane().CreatePlane1WeightCompensationTableEntry();
         m_Entry.CreateTwoPlane().CreatePlane2WeightCompensationTableEntry();
         m_Entry.CreateTwoPlane().SetInvA(CFakeTwoPlaneMath::MakeDiagonal(7.0));
@@ -160,7 +160,7 @@ protected:
     }
     void FinishTestLeg() {
         Next();
-        m_pSequence->CurrentRPM(eSpeed);
+        m_pSequence->CurrentRPM(SPEED);
         CompleteMeasurement();
         Next();
     }

@@ -15,17 +15,17 @@ using testing::IsEmpty;
 namespace {
 
 /// Two planes, exchanged; set 3, name "A"; one plane block.
-constexpr const char* eSwappedSet =
+constexpr const char* SWAPPED_SET =
     "10 09 01 02 03 01 08 00 00 06 01 01 41 02 0C 00 00 01 90 01 20 03 10 27 05";
-constexpr const char* ePlainSet = "10 09 01 02 04 01 08 00 00 04 01 01 42";
+constexpr const char* PLAIN_SET = "10 09 01 02 04 01 08 00 00 04 01 01 42";
 /// The first plane out of lock.
-constexpr const char* eStateOutOfLock = "08 09 00 01 00 00 00 00 08 00";
+constexpr const char* STATE_OUT_OF_LOCK = "08 09 00 01 00 00 00 00 08 00";
 
 class CLannerProtocolTest : public testing::Test {
 protected:
     /// The module tells of itself that its planes are exchanged.
     void TurnOnSwap() {
-        Put(m_Lanner, eSwappedSet);
+        Put(m_Lanner, SWAPPED_SET);
         m_Lanner.m_Calls.clear();
     }
 
@@ -55,7 +55,7 @@ TEST_F(CLannerProtocolTest, AsksForXYAndReportsSixteenBitsWithTheirPlane) {
 TEST_F(CLannerProtocolTest, AsksForTheActiveSetWithSubCodeTwo) {
     EXPECT_EQ(m_Lanner.QueryActiveSet(), 1);
     EXPECT_THAT(m_Lanner.m_Sent, ElementsAre("10 01 09 02"));
-    EXPECT_NE(Put(m_Lanner, eSwappedSet), 0);
+    EXPECT_NE(Put(m_Lanner, SWAPPED_SET), 0);
     EXPECT_THAT(m_Lanner.m_Calls, ElementsAre("Set eSuccess 3 A"));
     EXPECT_EQ(m_Lanner.GetSwap(), 1U);
 }
@@ -75,7 +75,7 @@ TEST_F(CLannerProtocolTest, AsksForTheIdentification) {
 }
 
 TEST_F(CLannerProtocolTest, ModuleStateIndication) {
-    Put(m_Lanner, eStateOutOfLock);
+    Put(m_Lanner, STATE_OUT_OF_LOCK);
     EXPECT_THAT(m_Lanner.m_Calls, ElementsAre("ModuleState eIndication 0 10"));
 }
 
@@ -185,11 +185,11 @@ TEST_F(CLannerProtocolTest, SwapConcernsEveryValueThatNamesItsPlane) {
 }
 
 TEST_F(CLannerProtocolTest, SetIndicationTurnsOnTheSwapOfTheNextModuleState) {
-    Put(m_Lanner, eStateOutOfLock);
-    Put(m_Lanner, eSwappedSet);
-    Put(m_Lanner, eStateOutOfLock);
-    Put(m_Lanner, ePlainSet);
-    Put(m_Lanner, eStateOutOfLock);
+    Put(m_Lanner, STATE_OUT_OF_LOCK);
+    Put(m_Lanner, SWAPPED_SET);
+    Put(m_Lanner, STATE_OUT_OF_LOCK);
+    Put(m_Lanner, PLAIN_SET);
+    Put(m_Lanner, STATE_OUT_OF_LOCK);
     EXPECT_THAT(m_Lanner.m_Calls, ElementsAre("ModuleState eIndication 0 10", "Set eIndication 3 A",
                                               "ModuleState eIndication 0 01", "Set eIndication 4 B",
                                               "ModuleState eIndication 0 10"));
@@ -203,10 +203,10 @@ TEST_F(CLannerProtocolTest, SwapConcernsTheAnswerToAModuleStateQueryToo) {
 }
 
 TEST_F(CLannerProtocolTest, SwapConcernsTheBalConfiguration) {
-    constexpr const char* eFrame = "11 09 00 00 00 00 10 27 11 12 13 14 21 22 23 24 5A 66";
-    Put(m_Lanner, eFrame);
+    constexpr const char* FRAME = "11 09 00 00 00 00 10 27 11 12 13 14 21 22 23 24 5A 66";
+    Put(m_Lanner, FRAME);
     TurnOnSwap();
-    Put(m_Lanner, eFrame);
+    Put(m_Lanner, FRAME);
     EXPECT_THAT(m_Lanner.m_Calls, ElementsAre("Bal eIndication 35 19"));  // 0x23 and 0x13
 }
 
@@ -215,7 +215,7 @@ TEST_F(CLannerProtocolTest, SwapIsKnownBeforeTheSetIsLoggedAndReported) {
     std::uint32_t SwapInCallback = 99;
     m_Lanner.m_OnCall = [&] { SwapInCallback = m_Lanner.GetSwap(); };
     const CLogCapture Log(true);
-    Put(m_Lanner, eSwappedSet);
+    Put(m_Lanner, SWAPPED_SET);
     EXPECT_EQ(SwapInCallback, 1U);
     const std::vector<std::string> Detail = Log.GetTexts("ProtocolDetail");
     EXPECT_LT(std::ranges::find(Detail, "Lanner Swap: 1"), std::ranges::find(Detail, "Lanner::CSet"));
@@ -372,9 +372,9 @@ TEST(LannerProtocol, CallbacksHaveDefaultBodies) {
     Protocol.QueryModuleState();
     Protocol.QueryActiveSet();
     Protocol.QueryModuleIdentification();
-    EXPECT_EQ(Put(Protocol, eSwappedSet), 1);
+    EXPECT_EQ(Put(Protocol, SWAPPED_SET), 1);
     EXPECT_EQ(Put(Protocol, Identification(9, 49)), 1);
-    EXPECT_EQ(Put(Protocol, eStateOutOfLock), 1);
+    EXPECT_EQ(Put(Protocol, STATE_OUT_OF_LOCK), 1);
     EXPECT_EQ(Put(Protocol, "1C 09 00 01 AE 0B"), 1);
     EXPECT_EQ(Put(Protocol, "1D 09 00 01 AE 0B"), 1);
     EXPECT_EQ(Put(Protocol, "1E 09 00 01 20 01 80 FF"), 1);

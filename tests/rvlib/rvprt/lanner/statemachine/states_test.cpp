@@ -85,7 +85,7 @@ private:
 /// A machine that waits in a state for an answer.
 template <class Machine>
 Machine& WaitIn(Machine& rMachine, std::uint32_t State) {
-    rMachine.SetTransaction(eLoneTransaction);
+    rMachine.SetTransaction(LONE_TRANSACTION);
     rMachine.SetState(State);
     rMachine.m_Calls.clear();
     return rMachine;
@@ -183,7 +183,7 @@ TEST(LannerCommonStates, EachStateReportsAFailureInItsOwnCallback) {
 TEST(LannerCommonStates, EachStateReportsASilenceInItsOwnCallback) {
     CNotingCommonStates Machine;
     for (const CStateCase& rCase : CommonCases()) {
-        EXPECT_EQ(WaitIn(Machine, rCase.m_State).PutRequestTimeoutProtocol(eLoneTransaction), 1);
+        EXPECT_EQ(WaitIn(Machine, rCase.m_State).PutRequestTimeoutProtocol(LONE_TRANSACTION), 1);
         EXPECT_THAT(Machine.m_Calls, ElementsAre(std::string(rCase.m_pCall) + " eTimeout null"));
     }
 }
@@ -243,13 +243,13 @@ TEST(LannerModuleStates, AnswersToASettingAreTreatedLikeThoseToTheQuery) {
     CLoneModuleStates<CLannerFamily> Machine;
     EXPECT_STREQ(Machine.StateToString(Lanner::CModuleStates::eSetModuleState), "eSetModuleState");
     const CLogCapture Log;
-    Machine.SetTransaction(eLoneTransaction);
+    Machine.SetTransaction(LONE_TRANSACTION);
     Machine.SetState(Lanner::CModuleStates::eSetModuleState);
     EXPECT_EQ(PutAnswer(Machine, "08 05 01 01 00 00 00 00 00 00"), 1);
     EXPECT_EQ(Machine.GetState(), 0U);
-    Machine.SetTransaction(eLoneTransaction);
+    Machine.SetTransaction(LONE_TRANSACTION);
     Machine.SetState(Lanner::CModuleStates::eSetModuleState);
-    EXPECT_EQ(Machine.PutRequestTimeoutProtocol(eLoneTransaction), 1);
+    EXPECT_EQ(Machine.PutRequestTimeoutProtocol(LONE_TRANSACTION), 1);
     EXPECT_THAT(Machine.m_Reasons, ElementsAre(Comm::eSuccess, Comm::eTimeout));
     EXPECT_THAT(Log.GetRecords(), IsEmpty());
 }
@@ -309,7 +309,7 @@ TEST(LannerSetStates, EachStateReportsAFailureInItsOwnCallback) {
 TEST(LannerSetStates, EachStateReportsASilenceInItsOwnCallback) {
     for (const CSetCase& rCase : SetCases) {
         CNotingSetStates Machine;
-        EXPECT_EQ(WaitIn(Machine, rCase.m_State).PutRequestTimeoutProtocol(eLoneTransaction), 1);
+        EXPECT_EQ(WaitIn(Machine, rCase.m_State).PutRequestTimeoutProtocol(LONE_TRANSACTION), 1);
         EXPECT_THAT(Machine.m_Calls, ElementsAre(std::string(rCase.m_pCall) + " eTimeout null"));
     }
 }
