@@ -12,8 +12,8 @@
 
 namespace {
 
-constexpr unsigned c_nRows = 1000;
-constexpr UINT c_TableId = 101;
+constexpr unsigned ROWS = 1000;
+constexpr UINT TABLE_ID = 101;
 
 class CShownTable {
 public:
@@ -21,8 +21,8 @@ public:
         m_Page.Create(nullptr, CRect(0, 0, 600, 440), 0);
         m_Table.SetColumns({{CFlexTable::eString, "Name", ""}, {CFlexTable::eDouble, "Weight", "g"}});
         m_Table.SetDefaultValues({"Screw", "0.000000"});
-        m_Table.Create(&m_Page, CRect(0, 40, 600, 440), c_TableId);
-        for (unsigned i = 0; i < c_nRows; ++i) {
+        m_Table.Create(&m_Page, CRect(0, 40, 600, 440), TABLE_ID);
+        for (unsigned i = 0; i < ROWS; ++i) {
             m_Table.AddRow();
             m_Table.SetItemData(i, 1, 0.35 * i);
         }
@@ -41,7 +41,7 @@ public:
         m_View.render(&m_Screen.GetImpl().GetImage());
     }
     void Press(int Key, const char* pText) {
-        QWidget* const pBox = m_View.FindWidget(*m_Table.GetDlgItem(CFlexTable::eBoxId));
+        QWidget* const pBox = m_View.FindWidget(*m_Table.GetDlgItem(CFlexTable::BOX_ID));
         QKeyEvent Down(QEvent::KeyPress, Key, Qt::NoModifier, pText);
         QKeyEvent Up(QEvent::KeyRelease, Key, Qt::NoModifier, pText);
         QApplication::sendEvent(pBox, &Down);
@@ -96,7 +96,7 @@ void BM_EnterToPicture(benchmark::State& rState) {
         Shown.Press(Qt::Key_5, "5");
         Shown.Press(Qt::Key_Return, "\r");
         Shown.Paint();
-        if (Shown.m_Table.GetCursorRow() == c_nRows - 1) {
+        if (Shown.m_Table.GetCursorRow() == ROWS - 1) {
             Shown.m_Table.MoveTo(0, 1);
         }
     }

@@ -13,20 +13,21 @@
 #include "rvlib/rvgui/proptree/proptreeitemcombo.h"
 #include "rvlib/rvgui/proptree/proptreeitemspinedit.h"
 #include "rvlib/rvgui/proptree/proptreeitemstatic.h"
+#include "tests/support/lookingpeer.h"
 
 namespace {
 
 using namespace PropTree;
 
-constexpr CRect c_Page(0, 0, 600, 440);
+constexpr CRect PAGE(0, 0, 600, 440);
 
 /// Six groups of nine values each, all open.
 class CLargeTree {
 public:
     explicit CLargeTree(CPropTree::Mode Mode = CPropTree::eNormalMode) {
-        m_Page.Create(nullptr, c_Page, 0);
+        m_Page.Create(nullptr, PAGE, 0);
         m_Tree.SetMode(Mode);
-        m_Tree.Create(&m_Page, c_Page, 1);
+        m_Tree.Create(&m_Page, PAGE, 1);
         for (int iGroup = 0; iGroup < 6; ++iGroup) {
             CPropTreeItem* const pGroup =
                 m_Tree.Insert(std::make_unique<CPropTreeItemStatic>("Group of values"));
@@ -50,6 +51,7 @@ public:
 
     CVirtualEventLoop m_Loop;
     CWnd m_Page;
+    CLookingPeer m_Screen{m_Page};
     CPropTree m_Tree;
     CPropTreeItemSpinEdit<double>* m_pValue = nullptr;
 };
@@ -66,15 +68,15 @@ BENCHMARK(BM_Paint)->Unit(benchmark::kMillisecond);
 
 /// What can't be done without: the ground, and a text for each cell in sight.
 void BM_TextsAlone(benchmark::State& rState) {
-    CBitmap Picture(c_Page.Size());
+    CBitmap Picture(PAGE.Size());
     const CFont Font("Arial", 15);
     for (auto _ : rState) {
         CDC DC(Picture);
-        DC.FillSolidRect(c_Page, GetSysColor(SysColor::eFace));
+        DC.FillSolidRect(PAGE, GetSysColor(SysColor::eFace));
         DC.SelectFont(Font);
-        for (int y = 0; y < c_Page.bottom; y += CPropTree::eRowHeight) {
+        for (int y = 0; y < PAGE.bottom; y += CPropTree::ROW_HEIGHT) {
             for (const int x : {20, 300}) {
-                CRect Cell(x, y, x + 250, y + CPropTree::eRowHeight);
+                CRect Cell(x, y, x + 250, y + CPropTree::ROW_HEIGHT);
                 DC.DrawText("A length in millimetres", Cell, DT_SINGLELINE | DT_VCENTER | DT_LEFT);
             }
         }
@@ -105,10 +107,10 @@ void BM_DigitToRepaintedValue(benchmark::State& rState) {
     CLargeTree Large;
     Large.m_pValue->Activate();
     CEdit& rEdit = Large.m_pValue->GetEdit();
-    constexpr std::array c_Texts{"7", "71"};
+    constexpr std::array TEXTS{"7", "71"};
     std::size_t i = 0;
     for (auto _ : rState) {
-        rEdit.ChangeByOperator(c_Texts[i % c_Texts.size()], 1, 1);
+        rEdit.ChangeByOperator(TEXTS[i % TEXTS.size()], 1, 1);
         Large.m_Tree.GetList().Redraw();
         Large.m_Loop.RunPosted();
         benchmark::DoNotOptimize(Large.m_Page.Compose());

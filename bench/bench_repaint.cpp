@@ -60,10 +60,10 @@ class CShareOfPeriod {
 public:
     explicit CShareOfPeriod(benchmark::State& rState) : m_rState(rState) {}
     ~CShareOfPeriod() {
-        constexpr double c_Period = 0.250;  // s
+        constexpr double PERIOD = 0.250;  // s
         const double Seconds = static_cast<double>(std::clock() - m_Start) / CLOCKS_PER_SEC;
         m_rState.counters["share_percent"] =
-            100.0 * Seconds / c_Period / static_cast<double>(m_rState.iterations());
+            100.0 * Seconds / PERIOD / static_cast<double>(m_rState.iterations());
     }
     CShareOfPeriod(const CShareOfPeriod&) = delete;
     CShareOfPeriod& operator=(const CShareOfPeriod&) = delete;

@@ -176,7 +176,7 @@ double MeasurePlain(const std::vector<double>& rTable, Vector Target) {
     constexpr int SETS = HOLES * (HOLES - 1) * (HOLES - 2) / 6;
     const int nParts = static_cast<int>(std::clamp(4e7 / std::pow(rTable.size(), 3.0), 1.0, 22.0));
     const double Ms = MeasureMs([&] {
-        double Best = CScrewSearch::eStart;
+        double Best = CScrewSearch::START;
         for (int h3 = 2; h3 < 2 + nParts; ++h3) {
             const double Step = 2.0 * std::numbers::pi / HOLES;
             const double C[] = {1.0, std::cos(Step), std::cos(h3 * Step)};
@@ -187,7 +187,7 @@ double MeasurePlain(const std::vector<double>& rTable, Vector Target) {
                         const double DeltaX = w2 * C[1] + w1 * C[0] + w3 * C[2] - Target.x;
                         const double DeltaY = w2 * S[1] + w1 * S[0] + w3 * S[2] - Target.y;
                         const double Deviation = DeltaX * DeltaX + DeltaY * DeltaY;
-                        if (Best - Deviation > CScrewSearch::eMargin) {
+                        if (Best - Deviation > CScrewSearch::MARGIN) {
                             Best = Deviation;
                         }
                     }
@@ -207,11 +207,11 @@ double GetPercentile(std::vector<double>& rTimes, double Share) {
 }
 
 void BM_Tables(benchmark::State& rState) {
-    constexpr const char* pNames[] = {"ordinary",     "tight",    "outlier", "halves", "series of 1 mg",
-                                      "nearly equal", "clusters", "mixed",   "adverse"};
+    constexpr const char* NAMES[] = {"ordinary",     "tight",    "outlier", "halves", "series of 1 mg",
+                                     "nearly equal", "clusters", "mixed",   "adverse"};
     const auto Family = static_cast<CTables::Family>(rState.range(0));
     const double WantedP99 = Family == CTables::eOrdinary ? 0.5 : 5.0;
-    rState.SetLabel(pNames[rState.range(0)]);
+    rState.SetLabel(NAMES[rState.range(0)]);
     constexpr int TABLES = 20;
     constexpr std::size_t TARGETS_A_TABLE = 100;
     constexpr double WANTED_WORST = 10.0;

@@ -16,7 +16,7 @@
 #include "rvdlm/m_rtr/rtr_trim/communication/iftocommunication.h"
 
 using Query = int (IFToCommunication::*)();
-constexpr std::array<Query, 5> Queries{&IFToCommunication::QueryModuleIdentification,
+constexpr std::array<Query, 5> QUERIES{&IFToCommunication::QueryModuleIdentification,
                                        &IFToCommunication::QueryActiveSet,
                                        &IFToCommunication::QueryModuleState, &IFToCommunication::QueryRPMData,
                                        &IFToCommunication::QueryUnbalanceXYValues};
@@ -74,7 +74,7 @@ protected:
 private:
     void AskOn(std::size_t nQuery) {
         if (m_bAskOn) {
-            (m_pModule->*Queries[nQuery])();
+            (m_pModule->*QUERIES[nQuery])();
         }
     }
 };
@@ -83,7 +83,7 @@ private:
 inline void Converse(CVirtualEventLoop& rLoop, CFuzzWindow& rWindow, IFToCommunication& rModule,
                      std::span<const std::uint8_t> Rest) {
     rWindow.m_pModule = &rModule;
-    for (const Query pQuery : Queries) {
+    for (const Query pQuery : QUERIES) {
         (rModule.*pQuery)();
     }
     while (!Rest.empty()) {
@@ -93,8 +93,8 @@ inline void Converse(CVirtualEventLoop& rLoop, CFuzzWindow& rWindow, IFToCommuni
         if (bOrder) {
             if (!Rest.empty()) {
                 const unsigned nOrder = Rest[0] & 7U;
-                if (nOrder < Queries.size()) {
-                    (rModule.*Queries[nOrder])();
+                if (nOrder < QUERIES.size()) {
+                    (rModule.*QUERIES[nOrder])();
                 }
                 rLoop.Advance((Rest[0] >> 3U) * 100U);
                 Rest = Rest.subspan(1);
@@ -110,7 +110,7 @@ inline void Converse(CVirtualEventLoop& rLoop, CFuzzWindow& rWindow, IFToCommuni
 
     rWindow.m_bAskOn = false;
     rLoop.Advance(2000);
-    for (const Query pQuery : Queries) {
+    for (const Query pQuery : QUERIES) {
         Require((rModule.*pQuery)() != 0);
         rLoop.Advance(2000);
     }

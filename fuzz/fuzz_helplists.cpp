@@ -9,9 +9,9 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t nSize) {
     const std::string Text(pData, pData + nSize);
     const std::vector<SiteMap::CEntry> Entries = SiteMap::Parse(Text);
-    Require(Entries.size() <= SiteMap::eMaxEntries);
+    Require(Entries.size() <= SiteMap::MAX_ENTRIES);
     for (const SiteMap::CEntry& rEntry : Entries) {
-        Require(!rEntry.m_Name.empty() && rEntry.m_nDepth >= 0 && rEntry.m_nDepth <= SiteMap::eMaxDepth);
+        Require(!rEntry.m_Name.empty() && rEntry.m_nDepth >= 0 && rEntry.m_nDepth <= SiteMap::MAX_DEPTH);
     }
     if (const auto Address = CHelpAddress::Parse(Text)) {
         // Once more through its own form it stays what it is.

@@ -42,7 +42,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t nSi
 
     std::vector<std::vector<std::uint8_t>> Frames;
     LineDiscipline::CDecoder Decoder([&Frames](std::span<const std::uint8_t> Frame) {
-        Check(Frame.size() >= LineDiscipline::eMinFrame && Frame.size() <= LineDiscipline::eMaxFrame);
+        Check(Frame.size() >= LineDiscipline::MIN_FRAME && Frame.size() <= LineDiscipline::MAX_FRAME);
         Frames.emplace_back(Frame.begin(), Frame.end());
     });
     PutInPortions(Decoder, Line, Cuts);
@@ -63,7 +63,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t nSi
     Frames.clear();
     PutInPortions(Decoder, LineDiscipline::Encode(Line), Cuts);
     const bool bPossible =
-        Line.size() >= LineDiscipline::eMinFrame && Line.size() <= LineDiscipline::eMaxFrame;
+        Line.size() >= LineDiscipline::MIN_FRAME && Line.size() <= LineDiscipline::MAX_FRAME;
     Check(Frames.size() == (bPossible ? 1U : 0U));
     Check(!bPossible || std::ranges::equal(Frames[0], Line));
     return 0;

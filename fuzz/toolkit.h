@@ -8,11 +8,6 @@
 #include "platform/window/messagebox.h"
 #include "tests/sequences/choices.h"
 
-/// What the font configuration keeps to itself isn't ours.
-extern "C" const char* __lsan_default_suppressions() {
-    return "leak:libfontconfig";
-}
-
 /// Once, and to the end of the process: windows need the toolkit, and nobody is to see them.
 inline void ProvideToolkit() {
     static const bool s_bProvided = [] {
