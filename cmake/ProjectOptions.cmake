@@ -7,6 +7,7 @@ set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
+set(CMAKE_INSTALL_RPATH $ORIGIN)
 
 option(ROTOR_TRIM_SANITIZE "Build with the address and undefined-behaviour sanitizers" OFF)
 option(ROTOR_TRIM_LIBFUZZER "Build the fuzz targets with libFuzzer (needs clang) instead of the replay main" OFF)
@@ -34,6 +35,9 @@ if(ROTOR_TRIM_SANITIZE)
     target_compile_options(project_options INTERFACE
         -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(project_options INTERFACE -fsanitize=address,undefined)
+    add_library(leaks OBJECT ${CMAKE_CURRENT_LIST_DIR}/leaks.cpp)
+    target_link_libraries(project_options INTERFACE
+        $<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>:$<TARGET_OBJECTS:leaks>>)
     if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
         # With the sanitizers' instrumentation g++ 12 takes members of std::regex for uninitialized.
         target_compile_options(project_options INTERFACE -Wno-maybe-uninitialized)

@@ -3,9 +3,12 @@
 #
 #     console, simulator  ->  rvdlm  ->  rvlib  ->  platform  ->  Qt, spdlog, SQL, sockets
 #
+# archive/, what is made of runs that are done, lies below the console: on platform/ without its windows and on
+# rvlib/math/, and its headers show the standard library only.
+#
 # Within platform/ the folders include those on their left only:
 #
-#     system, rvldb, help, window, rvlog, rvcom, rvmdb, rvopc  <-  qt
+#     system, rvldb, help, paper, window, rvlog, rvcom, rvmdb, rvopc  <-  qt
 #
 # and Qt itself stands in platform/qt/ alone, so that another folder can take its place.
 #
@@ -25,7 +28,7 @@ files() {
     done | sort
 }
 
-mapfile -t sources < <(files contract platform rvlib rvdlm console simulator)
+mapfile -t sources < <(files contract platform rvlib rvdlm archive console simulator)
 perl - "${sources[@]}" <<'PERL'
 use strict;
 use warnings;
@@ -47,7 +50,7 @@ my %standard = map { $_ => 1 } qw(
 my %values = map { $_ => 1 } qw(rvlib/math/matrix.h rvlib/rvbas/array.h);
 
 # The folders of platform/, each above those before it. The last one stands behind the interfaces of all others.
-my @order = qw(system rvldb help window rvlog rvcom rvmdb rvopc qt);
+my @order = qw(system rvldb help paper window rvlog rvcom rvmdb rvopc qt);
 my %place = map { $order[$_] => $_ } 0 .. $#order;
 
 my $bad = 0;
@@ -62,14 +65,14 @@ sub report {
 sub forbidden {
     my ($file, $header, $angled) = @_;
     my ($folder) = $file =~ m{^([^/]+)/};
-    my $seam_header = ($folder eq 'platform' && $file =~ /\.h$/ && $file !~ m{^platform/qt/});
-    if ($angled || $header !~ m{^(contract|platform|rvlib|rvdlm|console|simulator)/}) {
+    my $seam_header = ($folder =~ /^(?:platform|archive)$/ && $file =~ /\.h$/ && $file !~ m{^platform/qt/});
+    if ($angled || $header !~ m{^(contract|platform|rvlib|rvdlm|archive|console|simulator)/}) {
         if ($folder =~ /^(?:contract|rvlib|rvdlm)$/ || $seam_header) {
             my $who = $seam_header ? 'a header of the seam' : "$folder/";
             return "quoted includes start at the root of the tree" if !$angled;
             return "$who includes the standard library only" if !$standard{$header};
         }
-        my $may_know_qt = ($folder ne 'platform' || $file =~ m{^platform/qt/});
+        my $may_know_qt = ($folder !~ /^(?:platform|archive)$/ || $file =~ m{^platform/qt/});
         return 'Qt stands in platform/qt/' if !$may_know_qt && $header =~ /^q/i && !$standard{$header};
         return '';
     }
@@ -84,13 +87,18 @@ sub forbidden {
     if ($header =~ m{^platform/qt/} && ($folder eq 'rvlib' || $folder eq 'rvdlm')) {
         return 'platform/qt/ is for what knows the toolkit';
     }
+    if ($folder eq 'archive') {
+        return 'archive/ knows no window' if $header =~ m{^platform/(?:window|qt)/};
+        return 'archive/ takes the mathematics of rvlib/ only' if $header =~ m{^rvlib/(?!math/)};
+    }
     my %below = (
         contract  => [qw(contract)],
         platform  => [qw(contract platform)],
         rvlib     => [qw(contract platform rvlib)],
         rvdlm     => [qw(contract platform rvlib rvdlm)],
         # The console loads the module at run time and knows it by its messages only.
-        console   => [qw(contract platform rvlib simulator console)],
+        console   => [qw(contract platform rvlib archive simulator console)],
+        archive   => [qw(contract platform rvlib archive)],
         # The rotor's physics stand apart from the module's own view of them, or they could not prove it.
         simulator => [qw(contract platform simulator)],
     );
@@ -114,7 +122,7 @@ for my $file (@ARGV) {
             report($file, $line, $2, $why) if $why;
         } elsif (/^\s*#\s*include/) {
             report($file, $line, $_, 'an include that hides its header');
-        } elsif ($file =~ m{^(contract/|platform/(?!qt/)|rvlib/|rvdlm/)}) {
+        } elsif ($file =~ m{^(contract/|platform/(?!qt/)|rvlib/|rvdlm/|archive/)}) {
             # Forward declarations are names too.
             my $code = s/"(?:\\.|[^"\\])*"//gr;
             report($file, $line, $1, 'no Qt type shows here') if $code =~ /\b(Q[A-Z][a-z]\w*|Qt::\w+|Q_[A-Z]+)\b/;

@@ -29,6 +29,17 @@ install_packages() {
     rm -f "$log"
 }
 
+# install_postgresql: the server that tests start by themselves, without the one that its package would set up.
+install_postgresql() {
+    local settings=/etc/postgresql-common/createcluster.d sudo=()
+    if [ -z "$(find /usr/lib/postgresql/*/bin/initdb 2>/dev/null)" ]; then
+        [ "$(id -u)" -eq 0 ] || sudo=(sudo)
+        "${sudo[@]}" mkdir -p "$settings" &&
+            echo 'create_main_cluster = false' | "${sudo[@]}" tee "$settings/rotor-trim-tests.conf" >/dev/null || return 1
+    fi
+    install_packages tools/packages-postgresql.txt
+}
+
 # install_node_modules runtime|all: what nc/ needs from npm to run, or also what looks at its sources; exactly as the lock
 # file says, when that has changed.
 install_node_modules() {
