@@ -2,8 +2,11 @@
 # clang-tidy over the product's sources, by .clang-tidy, on all cores.
 #
 #   tools/check_tidy.sh             all sources
-#   tools/check_tidy.sh --last N    those that the last N commits, or changes not yet committed, have touched; for a header
-#                                   the source of its name, or else one that includes it. All, if .clang-tidy was touched.
+#   tools/check_tidy.sh --last N [--at-most M]
+#                                   those that the last N commits, or changes not yet committed, have touched, the newest
+#                                   first and no more than M; for a header the source of its name, or else one that includes
+#                                   it. All, if .clang-tidy was touched. Leaves one check to the other two ways that takes
+#                                   as long as the rest together.
 #   tools/check_tidy.sh FILE...     these
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -15,10 +18,13 @@ fail() {
 
 sources() { git ls-files 'platform/*.cpp' 'rvlib/*.cpp' 'rvdlm/*.cpp' 'archive/*.cpp' 'simulator/*.cpp' 'console/*.cpp'; }
 
-# touched COUNT: files of the last COUNT commits and of what isn't committed yet.
+# each_once: the lines of the input in their order, none twice.
+each_once() { awk '!seen[$0]++'; }
+
+# touched COUNT: files of what isn't committed yet and of the last COUNT commits, the newest first.
 touched() {
-    git log -n "$1" --name-only --format=
     git diff --name-only HEAD
+    git log -n "$1" --name-only --format=
 }
 
 # source_of HEADER: the source by which a header is looked at: its own, or one that includes it, be it by other headers.
@@ -49,22 +55,30 @@ source_of() {
 # chosen COUNT: the sources to look at for the last COUNT commits.
 chosen() {
     local file
-    touched "$1" | sort -u | while IFS= read -r file; do
+    touched "$1" | each_once | while IFS= read -r file; do
         case $file in
             .clang-tidy) sources ;;
             tests/* | bench/* | fuzz/*) ;;
             *.cpp) [ ! -e "$file" ] || sources | grep -xF "$file" || true ;;
             *.h) [ ! -e "$file" ] || source_of "$file" ;;
         esac
-    done | sort -u
+    done | each_once
 }
 
 files=()
+checks=()
 case ${1:-} in
     "") mapfile -t files < <(sources) ;;
     --last)
-        [[ ${2:-} =~ ^[1-9][0-9]*$ && $# -eq 2 ]] || fail "--last takes a number of commits; see the head of $0"
+        [[ ${2:-} =~ ^[1-9][0-9]*$ ]] || fail "--last takes a number of commits; see the head of $0"
+        [[ $# -eq 2 || ($3 = --at-most && ${4:-} =~ ^[1-9][0-9]*$ && $# -eq 4) ]] ||
+            fail "behind --last N there may be --at-most and a number of sources; see the head of $0"
         mapfile -t files < <(chosen "$2")
+        if [ ${#files[@]} -gt "${4:-${#files[@]}}" ]; then
+            echo "the $4 touched last, of ${#files[@]} sources"
+            files=("${files[@]:0:$4}")
+        fi
+        checks=(--checks=-performance-unnecessary-value-param)
         ;;
     -*) fail "unknown option $1; see the head of $0" ;;
     *) files=("$@") ;;
@@ -80,4 +94,4 @@ fi
 [ -e build/release/compile_commands.json ] || cmake --preset release >/dev/null
 # One file a process: beside others the analyzer forgets how va_start is called, and takes its lists for uninitialized.
 printf '%s\0' "${files[@]}" |
-    xargs -0 -P "$(nproc)" -n 1 clang-tidy --quiet -p build/release --extra-arg=-Wno-unknown-warning-option
+    xargs -0 -P "$(nproc)" -n 1 clang-tidy --quiet "${checks[@]}" -p build/release --extra-arg=-Wno-unknown-warning-option

@@ -66,6 +66,7 @@ commit rvlib/a/one.h
 expect 0 "a header by the source of its name" "--last 1" rvlib/a/one.cpp
 commit rvlib/a/only.h
 expect 0 "a header by the one that includes it, over another header" "--last 1" rvlib/a/user.cpp
+expect 0 "no more than wanted, the newest first" "--last 3 --at-most 2" rvlib/a/one.cpp rvlib/a/user.cpp
 git rm -q platform/gone.cpp
 git commit -qm "gone"
 expect 0 "what is gone" "--last 1"
@@ -76,6 +77,9 @@ expect 0 "what is gone and not committed yet" "--last 1" rvlib/a/user.cpp
 git checkout -q platform/two.cpp
 commit .clang-tidy
 expect 0 "other rules: all" "--last 1" platform/two.cpp rvlib/a/one.cpp rvlib/a/user.cpp
+expect 0 "fewer than allowed" "--last 1 --at-most 9" platform/two.cpp rvlib/a/one.cpp rvlib/a/user.cpp
+expect 3 "a limit without a number" "--last 1 --at-most"
+expect 3 "a limit by another name" "--last 1 --limit 3"
 expect 3 "no number" "--last"
 expect 3 "a number that is none" "--last few"
 expect 3 "an unknown option" "--all"
