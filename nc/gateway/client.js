@@ -1,6 +1,7 @@
 // The library's client, as this gateway uses it: what it would do by itself behind our back is switched off here.
+import { EventEmitter } from 'node:events';
 import { isSessionGone } from './reasons.js';
-import { ClientSubscription, MessageSecurityMode, OPCUAClient, SecurityPolicy } from '../shared/opcua.js';
+import { ClientSubscription, MessageSecurityMode, OPCUAClient, PacketAssembler, SecurityPolicy } from '../shared/opcua.js';
 import { quietly, within } from '../shared/timing.js';
 
 export const NAME = 'opc-gateway';
@@ -14,6 +15,12 @@ export const SESSION_TIMEOUT = 20000;
 // Where subscriptions are slower than the session lasts, the library throws in a callback of its own, and the promise
 // of the subscription never settles. It means clients that are silent in between; this one asks something all the time.
 Object.defineProperty(ClientSubscription, 'ignoreNextWarning', { get: () => true, set: () => {} });
+
+// With the server's acknowledgement the library takes another one of these, and lets go of the first, which still has
+// what came in the same piece: damage there would be an error that nobody hears, and the end of this process.
+PacketAssembler.prototype.removeAllListeners = function removeAllListeners(...names) {
+  return EventEmitter.prototype.removeAllListeners.apply(this, names).on('error', () => {});
+};
 
 /** What the library asks its certificate manager. Trust is settled before, by the pin; the library keeps no store. */
 class NoCertificateStore {

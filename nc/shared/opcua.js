@@ -21,4 +21,5 @@ export const {
   VariantArrayType,
   coerceNodeId,
 } = client;
+export const { PacketAssembler } = require('node-opcua-packet-assembler');
 export const { OPCUACertificateManager } = require('node-opcua-certificate-manager');

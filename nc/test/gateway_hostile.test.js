@@ -34,6 +34,13 @@ async function startServer(t) {
   return server;
 }
 
+/** The beginning of a message that says how long it will be. */
+function claim(type, length) {
+  const header = message(type, Buffer.alloc(0));
+  header.writeUInt32LE(length, 4);
+  return header;
+}
+
 /** More than anybody could keep for later, as fast as it is read. */
 const FLOOD = 300e6;
 
@@ -59,9 +66,27 @@ const HARMS = {
   },
   'says anything at all': (socket) => socket.write(randomBytes(100000)),
   'acknowledges without end': (socket) => socket.once('data', () => flood(socket, acknowledge())),
+  'announces 4 GB in its first message': (socket) => {
+    socket.write(claim('ACKF', 0xfffffff0));
+    flood(socket, Buffer.alloc(65536, 3));
+  },
+  'announces 4 GB behind its acknowledgement, at once': (socket) => {
+    socket.write(Buffer.concat([acknowledge(), claim('MSGF', 0xfffffff0)]));
+    flood(socket, Buffer.alloc(65536, 3));
+  },
+  'sends pieces of a message without end': (socket) => {
+    socket.once('data', () => {
+      socket.write(acknowledge());
+      flood(socket, message('MSGC', Buffer.alloc(60000, 1)));
+    });
+  },
+  'sends a message that is shorter than its own head': (socket) => socket.write(claim('ACKF', 4)),
+  'sends a message of no length behind its acknowledgement': (socket) => {
+    socket.write(Buffer.concat([acknowledge(), claim('MSGF', 0)]));
+  },
 };
 
-describe('a server that', { concurrency: 3 }, () => {
+describe('a server that', { concurrency: 8 }, () => {
   for (const [what, harm] of Object.entries(HARMS)) {
     test(`${what} is no connection, costs no memory, and is told`, async (t) => {
       const hostile = await startHostile(harm);
