@@ -97,11 +97,11 @@ nlohmann::json CHeadlessRun::RequestAndWait(const nlohmann::json& rRequest) {
     return Answer.value_or(nlohmann::json{{"error", "no answer"}});
 }
 
-void CHeadlessRun::BringSpindleToStart() {
+void CHeadlessRun::BringSpindleToStart(bool bTurning) {
     if (m_rSession.GetMachine() == nullptr) {
         return;
     }
-    const std::uint32_t Speed = m_rOptions.m_bStartTurning ? m_rSession.GetWorkingSpeed() : 0;
+    const std::uint32_t Speed = bTurning ? m_rSession.GetWorkingSpeed() : 0;
     RequestAndWait({{"speed", Speed}});
     std::uint64_t Deadline = IFEventLoop::Current().Now() + SPIN_UP_TIMEOUT;
     while (IFEventLoop::Current().Now() < Deadline && !IsBrokenOff()) {
@@ -141,18 +141,45 @@ void CHeadlessRun::DisturbRotor() {
     }
 }
 
-bool CHeadlessRun::RunProcedure(Actions::Action Start) {
-    BringSpindleToStart();
-    if (IsBrokenOff()) {
-        return false;
+bool CHeadlessRun::StartFromWhereItShould(Actions::Action Start) {
+    constexpr int TRIES = 3;
+    const bool bLookAtMeans = Start == Actions::eRebalance && m_rSession.AreMeansElsewhere();
+    for (int nTries = 0; nTries < TRIES; ++nTries) {
+        BringSpindleToStart(m_rOptions.m_bStartTurning && !bLookAtMeans);
+        if (IsBrokenOff()) {
+            return false;
+        }
+        ForgetResult();
+        // A module that has changed its set just now shows so: there is nothing to start, and it is the
+        // operator's turn to end that.
+        if (m_rSession.Look().m_bRunning) {
+            return true;
+        }
+        if (!m_rSession.StartProcedure(Start)) {
+            // A message box that says why comes through the loop.
+            Pause(1);
+            Fail(GetText(Start == Actions::eRebalance ? "RUN_REBALANCE_REFUSED" : "RUN_DID_NOT_START"));
+            return false;
+        }
+        if (!bLookAtMeans || m_rSession.GetMachine() == nullptr) {
+            return true;
+        }
+        Pause(1);  // what it asks for comes through the loop
+        if (m_rSession.Look().m_Notification.GetAction() == CPreBalCodes::eSetWeights) {
+            return true;
+        }
+        // The module has missed that the spindle stands, and measures at once: it is told when it turns
+        // again.
+        if (nTries + 1 < TRIES) {
+            m_rSession.SendAction(Actions::eTerminate, Actions::eNone);
+            BringSpindleToStart(true);
+        }
     }
-    ForgetResult();
-    // A module that has changed its set just now shows so: there is nothing to start, and it is the
-    // operator's turn to end that.
-    if (!m_rSession.Look().m_bRunning && !m_rSession.StartProcedure(Start)) {
-        // A message box that says why comes through the loop.
-        Pause(1);
-        Fail(GetText(Start == Actions::eRebalance ? "RUN_REBALANCE_REFUSED" : "RUN_DID_NOT_START"));
+    return true;
+}
+
+bool CHeadlessRun::RunProcedure(Actions::Action Start) {
+    if (!StartFromWhereItShould(Start)) {
         return false;
     }
     COperator Operator(m_rSession, m_rSession.GetMachine(), m_rSession.GetWorkingSpeed());

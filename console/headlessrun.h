@@ -50,7 +50,10 @@ private:
     bool RunNcProcedure();
     /// Runs the loop until the driver has come to an outcome.
     bool Drive(CRunDriver& rDriver);
-    void BringSpindleToStart();
+    void BringSpindleToStart(bool bTurning);
+    /// A re-balancing after a run that moved weights or screws and saved nothing begins at standstill, where
+    /// the page shows where they belong, whatever the options say. False if there is nothing to go on with.
+    bool StartFromWhereItShould(Actions::Action Start);
     /// The machine's unbalance changes a little, as a wheel's does by wear.
     void DisturbRotor();
     nlohmann::json RequestAndWait(const nlohmann::json& rRequest);

@@ -11,6 +11,8 @@
 #include "console/offlinenotes.h"
 #include "console/runsetup.h"
 #include "console/session.h"
+#include "contract/ncnotification.h"
+#include "platform/rvldb/gettext.h"
 #include "platform/rvmdb/offline.h"
 #include "platform/rvmdb/prebaldatabase.h"
 #include "platform/rvmdb/storetexts.h"
@@ -46,6 +48,10 @@ std::invoke_result_t<Work, CRunStore&> AskAndWait(CRunArchive* pArchive, Work Do
     } catch (const std::future_error&) {
         return {};  // the archive can't be read, and tells that when it is written to
     }
+}
+
+bool AsksForMeans(const CSituation& rSituation) {
+    return rSituation.m_Notification.GetAction() == CNcNotification::eSetWeights;
 }
 
 }  // namespace
@@ -89,7 +95,7 @@ CRunRecord CRunArchivist::MakeHead() const {
 void CRunArchivist::Begin() {
     m_Arrived = {};
     m_Mark = CRunArchive::MakeMark();
-    m_bTroubleTold = false;
+    m_bTroubleTold = m_bMeansMoved = false;
     m_Gatherer.Begin(MakeHead());
     m_Log.Begin(m_Gatherer.Get());
 }
@@ -101,7 +107,12 @@ void CRunArchivist::Look(const CSituation& rSituation) {
     if (rSituation.m_bRunning && !IsRunning()) {
         Begin();
         m_Gatherer.See(rSituation);
+        if (m_Gatherer.Get().m_bRebalance && m_rSession.AreMeansElsewhere() && !AsksForMeans(rSituation) &&
+            OnTrouble) {
+            OnTrouble(GetText("RUN_MEANS_ELSEWHERE"));
+        }
     }
+    m_bMeansMoved = m_bMeansMoved || AsksForMeans(rSituation);
     m_Log.Look(rSituation);
     TellTrouble();
     m_Arrived.m_Readings.clear();
@@ -137,6 +148,7 @@ void CRunArchivist::End(bool bFinished) {
                                     : bFailed ? CRunRecord::State::eFailed
                                               : CRunRecord::State::eBrokenOff;
     const bool bSaved = m_rSession.GetHost().IsResultSaved();
+    m_rSession.SetMeansElsewhere(!bSaved && (m_bMeansMoved || m_rSession.AreMeansElsewhere()));
     m_Gatherer.End(State, GetRealDate(), bSaved,
                    bSaved ? ReadRunCalibration(m_rSession) : std::optional<CRunCalibration>());
     m_Records.push_back(m_Gatherer.Get());

@@ -64,7 +64,7 @@ public:
     /// Called when the present run's record has changed: it began, a measurement was accepted, a warning or a
     /// prediction came, it ended.
     std::function<void(const CRunRecord&)> OnChanged;
-    /// Takes why a run isn't kept: a sentence, once a run.
+    /// Takes why a run isn't kept, or can't be trusted: a sentence, once a run.
     std::function<void(const std::string&)> OnTrouble;
 
 private:
@@ -80,4 +80,5 @@ private:
     std::unique_ptr<CRunArchive> m_pArchive;
     std::string m_Mark;  ///< of the present run, or of the last one, in the archive
     bool m_bTroubleTold = false;
+    bool m_bMeansMoved = false;  ///< in the present run
 };

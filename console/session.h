@@ -91,6 +91,11 @@ public:
     std::array<CHoleRing, 2> GetHoleRings() const;
     /// By what the planes of the machine are balanced, as configured.
     CMachineMeans GetMachineMeans() const;
+    /// Whether weights or screws may be elsewhere than the configuration has them: a run has asked for them to
+    /// be moved, and saved nothing. A re-balancing counts from where the configuration has them, and only one
+    /// that begins at standstill shows these places first.
+    bool AreMeansElsewhere() const { return m_bMeansElsewhere; }
+    void SetMeansElsewhere(bool bElsewhere) { m_bMeansElsewhere = bElsewhere; }
 
     /// Called when menu, activity, notification or warning have changed.
     std::function<void()> OnChanged;
@@ -131,4 +136,5 @@ private:
     CWnd* m_pModule = nullptr;
     bool m_bInitSent = false;
     bool m_bFound = false;  ///< the module has found its configuration
+    bool m_bMeansElsewhere = false;
 };

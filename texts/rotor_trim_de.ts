@@ -2099,6 +2099,11 @@ Ist es eingeschaltet und das Kabel gesteckt?</translation>
         <extracomment>Line of an automatic run</extracomment>
         <translation>Das Ergebnis wurde nicht gespeichert.</translation>
     </message>
+    <message id="RUN_MEANS_ELSEWHERE">
+        <source>Weights or screws may not be where the configuration has them: the last run moved them and was not saved. Start a re-balancing from standstill, where the page shows their places.</source>
+        <extracomment>Line of a run, and message on the panel, when a re-balancing begins</extracomment>
+        <translation>Gewichte oder Schrauben sind vielleicht nicht dort, wo die Konfiguration sie hat: Der letzte Lauf hat sie versetzt und wurde nicht gespeichert. Starten Sie ein Nachwuchten aus dem Stillstand, wo die Seite ihre Plätze zeigt.</translation>
+    </message>
     <message id="RUN_ENDED">
         <source>The run has ended: %s</source>
         <extracomment>Line of an automatic run: why</extracomment>

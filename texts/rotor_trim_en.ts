@@ -2099,6 +2099,11 @@ Is it switched on, and its cable plugged in?</translation>
         <extracomment>Line of an automatic run</extracomment>
         <translation>The result was not saved.</translation>
     </message>
+    <message id="RUN_MEANS_ELSEWHERE">
+        <source>Weights or screws may not be where the configuration has them: the last run moved them and was not saved. Start a re-balancing from standstill, where the page shows their places.</source>
+        <extracomment>Line of a run, and message on the panel, when a re-balancing begins</extracomment>
+        <translation>Weights or screws may not be where the configuration has them: the last run moved them and was not saved. Start a re-balancing from standstill, where the page shows their places.</translation>
+    </message>
     <message id="RUN_ENDED">
         <source>The run has ended: %s</source>
         <extracomment>Line of an automatic run: why</extracomment>

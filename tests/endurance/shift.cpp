@@ -94,7 +94,8 @@ ExitCode CShift::Drive(CHeadlessRun& rRun, bool bRebalance) {
     if (!m_bNc) {
         return rRun.Run();
     }
-    if (!m_Kind.m_bStartTurning) {
+    // Where the means are is known from standstill only, after a run that saved nothing.
+    if (!m_Kind.m_bStartTurning || (bRebalance && m_pSession->AreMeansElsewhere())) {
         m_pSession->GetSimulator()->Carry({{"speed", 0}});
         m_Loop.Advance(8000);
     }
