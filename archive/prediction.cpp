@@ -1,9 +1,11 @@
 #include "archive/prediction.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <numbers>
 #include <numeric>
+#include <utility>
 
 #include "archive/advicefigures.h"
 #include "archive/advicethresholds.h"
@@ -34,21 +36,41 @@ double GetDistanceProbability(double t, double Freedom) {
     return -std::expm1(-(Freedom - 1.0) / 2.0 * std::log1p(t / Freedom));
 }
 
+/// Where errors of length 1 along a direction lead: the square of that length, and its product with the mean.
+struct CDirection {
+    double m_Square;
+    double m_AlongMean;
+};
+
+std::array<CDirection, DIRECTIONS> MakeDirections(const CTriangle& rL, std::complex<double> Mean) {
+    std::array<CDirection, DIRECTIONS> Result;
+    for (int i = 0; i < DIRECTIONS; ++i) {
+        const double Angle = 2.0 * std::numbers::pi * i / DIRECTIONS;
+        const std::complex<double> Step(rL.m_XX * std::cos(Angle),
+                                        rL.m_YX * std::cos(Angle) + rL.m_YY * std::sin(Angle));
+        Result.at(static_cast<std::size_t>(i)) = {std::norm(Step),
+                                                  Mean.real() * Step.real() + Mean.imag() * Step.imag()};
+    }
+    return Result;
+}
+
 }  // namespace
 
 double GetBound(std::complex<double> Mean, const CCovariance& rCovariance, double Freedom, double p) {
-    const CTriangle L = Decompose(rCovariance);
     const double Length = std::abs(Mean);
+    // More than half of all errors lead out of the circle through the mean.
+    double Low = Length;
+    double High = Length + std::sqrt(rCovariance.GetTrace());
+    if (!(High > Low) || Freedom <= 1.0) {
+        return Length;
+    }
+    const CTriangle L = Decompose(rCovariance);
+    const std::array<CDirection, DIRECTIONS> Directions = MakeDirections(L, Mean);
     // Along each direction the errors that stay within the circle reach up to one length.
-    const auto GetProbability = [&](double Bound) {
+    const auto GetExcess = [&](double Bound) {
+        const double c = Bound * Bound - Length * Length;
         double Sum = 0.0;
-        for (int i = 0; i < DIRECTIONS; ++i) {
-            const double Angle = 2.0 * std::numbers::pi * i / DIRECTIONS;
-            const std::complex<double> Step(L.m_XX * std::cos(Angle),
-                                            L.m_YX * std::cos(Angle) + L.m_YY * std::sin(Angle));
-            const double a = std::norm(Step);
-            const double b = Mean.real() * Step.real() + Mean.imag() * Step.imag();
-            const double c = Bound * Bound - Length * Length;
+        for (const auto& [a, b] : Directions) {
             if (a == 0.0) {
                 Sum += 1.0;
                 continue;
@@ -56,22 +78,34 @@ double GetBound(std::complex<double> Mean, const CCovariance& rCovariance, doubl
             const double Reach = (std::sqrt(b * b + a * c) - b) / a;
             Sum += GetDistanceProbability(Reach * Reach, Freedom);
         }
-        return Sum / DIRECTIONS;
+        return Sum / DIRECTIONS - p;
     };
-    // More than half of all errors lead out of the circle through the mean.
-    double Low = Length;
-    double High = Length + std::sqrt(rCovariance.GetTrace());
-    if (!(High > Low) || Freedom <= 1.0) {
-        return Length;
-    }
-    while (GetProbability(High) < p) {
+    double ExcessLow = GetExcess(Low);
+    double ExcessHigh = GetExcess(High);
+    while (ExcessHigh < 0.0) {
         Low = High;
+        ExcessLow = ExcessHigh;
         High += High - Length;
+        ExcessHigh = GetExcess(High);
     }
+    // Regula falsi in its Illinois form: an end that stays counts half. Each fourth step halves the interval,
+    // so that it ends whatever the curve is like.
     constexpr double PRECISION = 1e-9;
-    while (High - Low > PRECISION * High) {
-        const double Middle = std::midpoint(Low, High);
-        (GetProbability(Middle) < p ? Low : High) = Middle;
+    int Stays = 0;  // which end stayed: -1 the lower one, 1 the higher one
+    for (int nSteps = 1; High - Low > PRECISION * High && ExcessHigh > 0.0; ++nSteps) {
+        const double Chord = (Low * ExcessHigh - High * ExcessLow) / (ExcessHigh - ExcessLow);
+        const bool bUse = nSteps % 4 != 0 && Chord > Low && Chord < High;
+        const double Between = bUse ? Chord : std::midpoint(Low, High);
+        const double Excess = GetExcess(Between);
+        if (Excess < 0.0) {
+            Low = Between;
+            ExcessLow = Excess;
+            ExcessHigh *= std::exchange(Stays, 1) == 1 ? 0.5 : 1.0;
+        } else {
+            High = Between;
+            ExcessHigh = Excess;
+            ExcessLow *= std::exchange(Stays, -1) == -1 ? 0.5 : 1.0;
+        }
     }
     return High;
 }
