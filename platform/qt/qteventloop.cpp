@@ -17,6 +17,8 @@
 #include <thread>
 #include <utility>
 
+#include "platform/system/vectorregisters.h"
+
 /// Posted work on its way through Qt's event queue, the only kind of event that the receiver is sent.
 class CQtEventLoop::CTaskEvent : public QEvent {
 public:
@@ -100,11 +102,13 @@ void CQtEventLoop::CReceiver::timerEvent(QTimerEvent* pEvent) {
     if (Found != m_Timers.end()) {
         // A copy, as the callback may kill its own timer.
         const TimerProc Proc = Found->second;
+        ReleaseVectorRegisters();
         Proc(static_cast<std::uint32_t>(pEvent->timerId()));
     }
 }
 
 void CQtEventLoop::CReceiver::customEvent(QEvent* pEvent) {
+    ReleaseVectorRegisters();
     static_cast<CTaskEvent*>(pEvent)->m_Task();
 }
 

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/system/vectorregisters.h"
+
 CVirtualEventLoop::CVirtualEventLoop() : m_pFormer(SetCurrent(this)) {}
 
 CVirtualEventLoop::~CVirtualEventLoop() {
@@ -79,6 +81,7 @@ bool CVirtualEventLoop::RunOneTask() {
         Task = std::move(m_Tasks.front());
         m_Tasks.pop_front();
     }
+    ReleaseVectorRegisters();
     Task();
     return true;
 }
@@ -97,6 +100,7 @@ bool CVirtualEventLoop::RunOneTimer(std::uint64_t Limit) {
     m_Schedule.emplace(rTimer.GetPlace(), Id);
     // A copy, as the callback may kill its own timer.
     const std::function<void(std::uint32_t)> Proc = rTimer.m_Proc;
+    ReleaseVectorRegisters();
     Proc(Id);
     return true;
 }
