@@ -170,7 +170,7 @@ report_program() {
 
 run_programs() {
     local limit=$1 file load later status milliseconds test_name
-    local -A count=([busy]=0 [waiting]=0) slots=([busy]=$(nproc) [waiting]=$(($(nproc) * 2)))
+    local -A count=([busy]=0 [waiting]=0) slots=([busy]=$(($(nproc) + 1)) [waiting]=$(($(nproc) * 2)))
     local pending=("${test_jobs[@]}") running=()
     while [ ${#pending[@]} -gt 0 ] || [ ${#running[@]} -gt 0 ]; do
         later=()
