@@ -3,7 +3,6 @@
 #include <QBuffer>
 #include <QFont>
 #include <QFontMetricsF>
-#include <QHashFunctions>
 #include <QImage>
 #include <QPageLayout>
 #include <QPainter>
@@ -52,16 +51,6 @@ QFont ToFont(const CPaperFont& rFont) {
     Font.setBold(rFont.m_bBold);
     return Font;
 }
-
-/// The writer puts its fonts in the order of a hash table, which is another one in each process, unless told
-/// otherwise while it works.
-class CSameOrder {
-public:
-    CSameOrder() { QHashSeed::setDeterministicGlobalSeed(); }
-    ~CSameOrder() { QHashSeed::resetRandomGlobalSeed(); }
-    CSameOrder(const CSameOrder&) = delete;
-    CSameOrder& operator=(const CSameOrder&) = delete;
-};
 
 class CPdfPaper : public IFPdfPaper {
 public:
@@ -165,7 +154,6 @@ private:
         rBytes.replace(Begin + Key.size(), Length, New);
     }
 
-    CSameOrder m_SameOrder;  // before the writer
     std::chrono::sys_seconds m_Date;
     QBuffer m_Buffer;
     mutable QPdfWriter m_Writer;
