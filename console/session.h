@@ -91,9 +91,9 @@ public:
     std::array<CHoleRing, 2> GetHoleRings() const;
     /// By what the planes of the machine are balanced, as configured.
     CMachineMeans GetMachineMeans() const;
-    /// Whether weights or screws may be elsewhere than the configuration has them: a run has asked for them to
-    /// be moved, and saved nothing. A re-balancing counts from where the configuration has them, and only one
-    /// that begins at standstill shows these places first.
+    /// Whether weights or screws may be elsewhere than the configuration has them: a run has asked for them
+    /// to be moved, and saved nothing. A re-balancing counts from where the configuration has them, and only
+    /// one that begins at standstill shows these places first.
     bool AreMeansElsewhere() const { return m_bMeansElsewhere; }
     void SetMeansElsewhere(bool bElsewhere) { m_bMeansElsewhere = bElsewhere; }
 

@@ -5,10 +5,10 @@ namespace {
 
 // With a seed, the toolkit hashes by instructions that leave the upper halves of the processor's registers in
 // use (its versions up to 6.4 on processors of 2019 and later). From then on each sum in floating point waits
-// for what stands there: mathematics, physics and painting took ten times as long in every thread that had once
-// looked up a text. Before main, as the first look-up may come with the application. What is hashed here comes
-// from the machine's own files and menus, and nobody gains by choosing it. Tables also keep their order then:
-// the PDF writer puts its fonts in the order of one, and the same report is the same bytes.
+// for what stands there: mathematics, physics and painting took ten times as long in every thread that had
+// once looked up a text. Before main, as the first look-up may come with the application. What is hashed here
+// comes from the machine's own files and menus, and nobody gains by choosing it. Tables also keep their order
+// then: the PDF writer puts its fonts in the order of one, and the same report is the same bytes.
 [[maybe_unused]] const bool g_bUnseeded = [] {
     QHashSeed::setDeterministicGlobalSeed();
     return true;

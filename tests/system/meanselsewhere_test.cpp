@@ -1,5 +1,5 @@
-// A run that moves weights and saves nothing leaves them where no configuration has them. A re-balancing counts
-// from where the configuration has them: it begins with a look at them.
+// A run that moves weights and saves nothing leaves them where no configuration has them. A re-balancing
+// counts from where the configuration has them: it begins with a look at them.
 #include <gtest/gtest.h>
 
 #include <cmath>
