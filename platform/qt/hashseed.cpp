@@ -4,7 +4,7 @@
 namespace {
 
 // With a seed, the toolkit hashes by instructions that leave the upper halves of the processor's registers in
-// use (its versions up to 6.4 on processors of 2019 and later). From then on each sum in floating point waits
+// use (seen with its version 6.4 on processors with VAES). From then on each sum in floating point waits
 // for what stands there: mathematics, physics and painting took ten times as long in every thread that had
 // once looked up a text. Before main, as the first look-up may come with the application. What is hashed here
 // comes from the machine's own files and menus, and nobody gains by choosing it. Tables also keep their order
