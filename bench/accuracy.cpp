@@ -85,7 +85,8 @@ bool PrintFrames(const CArguments& rArguments) {
         "%zu of each\n\n",
         rArguments.m_nFrames);
     std::printf(
-        "| kind | runs | same placements | of these refused by both | largest difference of averages, counts "
+        "| kind | runs | same placements | of these refused by both, or given up for noise | largest "
+        "difference of averages, counts "
         "| of "
         "residuals, of the first |\n|---|---:|---:|---:|---:|---:|\n");
     bool bSame = true;

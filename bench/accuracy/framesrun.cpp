@@ -195,6 +195,7 @@ CFramesRun::CFramesRun(const CRandomRun& rRun, const std::string& rModuleLibrary
         m_Residuals.push_back(std::move(Residuals));
     };
     Headless.OnSituation = [&](const CSituation& rSituation) {
+        m_bGivenUp = m_bGivenUp || !Headless.GetRecorder().GetAdviser().GetDoubt().empty();
         // Both sequences have a state of this name, one of them without its "e".
         if (m_Residuals.empty() && rSituation.m_Progress.m_State.ends_with("PreBalanceMeasurement")) {
             KeepResiduals();
@@ -265,7 +266,9 @@ CFramesAgreement CFramesAgreement::Compare(const CRandomRun& rRun, const CFrames
     const auto CompareMeans = [&] {
         for (const CRunMeasurement& rMeasured : Alone.GetRecord().m_Measurements) {
             if (nCompared == Measured.size()) {
-                Fail("fewer measurements");
+                if (!rFrames.IsGivenUp()) {
+                    Fail("fewer measurements over frames: " + rFrames.GetResult());
+                }
                 return;
             }
             const CRunMeasurement& rOther = *Measured[nCompared++].m_pMeasured;
@@ -300,6 +303,10 @@ CFramesAgreement CFramesAgreement::Compare(const CRandomRun& rRun, const CFrames
     };
     Alone.RunTests();
     CompareMeans();
+    if (rFrames.IsGivenUp()) {
+        Result.m_bRefused = true;
+        return Result;
+    }
     if (!Alone.IsAccepted()) {
         Result.m_bRefused = true;
         if (rFrames.GetRecords().size() != 1 ||
@@ -309,8 +316,17 @@ CFramesAgreement CFramesAgreement::Compare(const CRandomRun& rRun, const CFrames
         return Result;
     }
     CompareEnd(0);
+    const auto& rRecords = rFrames.GetRecords();
+    const bool bRefused = rRecords.size() < 2 || rRecords[1].m_Measurements.empty();
     if (!Alone.Rebalance(rRun.m_Later)) {
-        Fail("the start of the re-balancing");
+        Result.m_bRefused = true;
+        if (!bRefused) {
+            Fail("a re-balancing that is refused");
+        }
+        return Result;
+    }
+    if (bRefused) {
+        Fail("a re-balancing that is refused over frames only: " + rFrames.GetResult());
         return Result;
     }
     CompareMeans();

@@ -30,6 +30,8 @@ public:
 
     const std::vector<CRunRecord>& GetRecords() const { return m_Records; }
     const std::string& GetResult() const { return m_Result; }
+    /// Whoever drove it gave it up: no effect of a test run could be told from noise.
+    bool IsGivenUp() const { return m_bGivenUp; }
     /// What each plane has left in truth, after the pre-balancing and after the re-balancing.
     const std::vector<std::vector<std::complex<double>>>& GetResiduals() const { return m_Residuals; }
 
@@ -37,6 +39,7 @@ private:
     CAccuracyInstallation m_Installation;
     std::vector<CRunRecord> m_Records;
     std::string m_Result;
+    bool m_bGivenUp = false;
     std::vector<std::vector<std::complex<double>>> m_Residuals;
 };
 
@@ -46,7 +49,7 @@ struct CFramesAgreement {
     /// The sequence of steps, and where anything was to be placed. False too if the readings are not what
     /// the rotor and the noise, rounded to counts, make of each other.
     bool m_bSame = true;
-    bool m_bRefused = false;            ///< the test run, by both
+    bool m_bRefused = false;            ///< the test run or the re-balancing, by both; or given up for noise
     double m_MeanDifference = 0.0;      ///< largest between smoothed readings, counts
     double m_ResidualDifference = 0.0;  ///< largest, relative to the unbalance
     std::string m_Fault;                ///< what differs
