@@ -220,7 +220,10 @@ void CFaultSeries::Judge(const CFault& rFault, COutcome& rOutcome) const {
     if (Says(rProgram, "RUN_DID_NOT_START") ||
         (m_bNew && rProgram.m_Output.find("SetupSuccess") == std::string::npos)) {
         // What can't be read, or set up, isn't begun; then the store was the reason.
-        if (rProgram.m_Status != 3 && rProgram.m_Output.find("can't be used: ") == std::string::npos) {
+        const bool bTold = std::ranges::any_of(
+            std::array{"can't be used: ", "can't be opened: ", "can't be set up for"},
+            [&rProgram](const char* pWords) { return rProgram.m_Output.find(pWords) != std::string::npos; });
+        if (rProgram.m_Status != 3 && !bTold) {
             rOutcome.m_Faults.push_back("nothing was begun, and nobody was told why");
         }
         return;

@@ -42,6 +42,18 @@ bool IsCalibrated(const PreBalDB::CFieldValues& rValues) {
     return Found != rValues.end() && Found->second != PreBalDB::CDirectSQL::CValue(std::int64_t{0});
 }
 
+/// The same values, and no fewer changes behind them. A result that was saved by a second try is of a later
+/// moment, and the first one may have counted.
+bool IsAsNewAs(const CInstallationState& rNow, const CInstallationState& rComplete) {
+    PreBalDB::CFieldValues Values = rNow.m_Values;
+    const char* const pMoment = "configuration.calibrated_unix_time";
+    const auto Moment = rComplete.m_Values.find(pMoment);
+    if (Moment != rComplete.m_Values.end() && IsCalibrated(Values)) {
+        Values[pMoment] = Moment->second;
+    }
+    return Values == rComplete.m_Values && rNow.m_Revision >= rComplete.m_Revision;
+}
+
 bool AreSame(const CRunCalibration& rOne, const CRunCalibration& rOther) {
     return rOne.m_Rpm == rOther.m_Rpm && rOne.m_InvA == rOther.m_InvA && rOne.m_UA == rOther.m_UA &&
            rOne.m_ReferenceWeight == rOther.m_ReferenceWeight;
@@ -79,6 +91,16 @@ bool ArePositionsOnTheWay(const std::string& rBefore, const std::string& rComple
     } else {
         Mixed = rBefore;
         Mixed.replace(Record + 1, 4, rComplete, Record + 1, 4);
+    }
+    if (rNow == Mixed) {
+        return true;
+    }
+    // The speed couldn't be noted when it was measured; the positions could at the end.
+    Mixed = rComplete;
+    if (!rBefore.empty()) {
+        Mixed.replace(Record + 1, 4, rBefore, Record + 1, 4);
+    } else {
+        Mixed.replace(Record + 1, 4, 4, '\0');
     }
     return rNow == Mixed;
 }
@@ -136,7 +158,7 @@ void CAftermath::LookAtStore(const CInstallationState& rBefore, const CInstallat
         m_Faults.push_back("store: " + rNow.m_Trouble);
         return;
     }
-    m_bCalibrationNew = rNow.m_Values == rComplete.m_Values && rNow.m_Revision == rComplete.m_Revision;
+    m_bCalibrationNew = IsAsNewAs(rNow, rComplete);
     // A new store comes into being in several steps; there is no calibration before the last one.
     const bool bOld = rBefore.m_Runs.empty()
                           ? !IsCalibrated(rNow.m_Values)
