@@ -364,6 +364,7 @@ void CArchiveView::ShowChosen() {
             return;
         }
         std::vector<CReportDocument> Documents;
+        Documents.reserve(rRuns.size());
         for (const CArchivedRun& rRun : rRuns) {
             Documents.push_back(MakeReportDocument(rRun.MakeReportInput()));
         }
