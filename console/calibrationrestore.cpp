@@ -38,7 +38,9 @@ std::string FindDifferences(const Json& rThen, const Json& rNow) {
     const auto Compare = [&Differences](const Json& rLeft, const Json& rRight, const std::string& rWhere) {
         for (const std::string& rName : GetBasis()) {
             if (rLeft.value(rName, Json()) != rRight.value(rName, Json())) {
-                Differences += (Differences.empty() ? "" : ", ") + rWhere + rName;
+                Differences += Differences.empty() ? "" : ", ";
+                Differences += rWhere;
+                Differences += rName;
             }
         }
     };
