@@ -52,6 +52,7 @@ namespace LogNames {
 
 std::vector<std::string> GetLevels() {
     std::vector<std::string> Names;
+    Names.reserve(LEVELS.size());
     for (const CLevel& rLevel : LEVELS) {
         Names.emplace_back(rLevel.m_pName);
     }
