@@ -20,3 +20,9 @@ TEST_P(EnduranceTest, APromiseIsKeptWhateverGoesWrong) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Shifts, EnduranceTest, testing::Range(std::uint64_t{0}, std::uint64_t{20}));
+
+// A re-balancing counted from where weights no longer were; in the first of them the module had also missed
+// that the spindle stands.
+INSTANTIATE_TEST_SUITE_P(OnceBroken, EnduranceTest,
+                         testing::Values(std::uint64_t{1000232}, std::uint64_t{1000620},
+                                         std::uint64_t{1000647}));
